@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+namespace tickwise {
+
+/// The price text of the whole system: at most 4 fraction digits below 1, 2 below 100, else none; thousands grouped by
+/// ","; half-even. 0.123456 gives "0.1235", 67432.7 gives "67,433".
+QString formatPrice(double value);
+
+/// The shortest decimal text that reads back as exactly this value, grouped as in `formatPrice`; for tooltips.
+QString exactPrice(double value);
+
+} // namespace tickwise

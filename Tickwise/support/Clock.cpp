@@ -1,0 +1,25 @@
+#include "support/Clock.h"
+
+#include <algorithm>
+
+namespace tickwise {
+
+TimePoint systemClock()
+{
+    return std::chrono::system_clock::now();
+}
+
+TimePoint::duration secondsDuration(double seconds)
+{
+    // A hundred years: longer waits mean the same and stay clear of the clock's range.
+    constexpr double longest = 100.0 * 365 * 86400;
+    return std::chrono::duration_cast<TimePoint::duration>(
+        std::chrono::duration<double>(std::clamp(seconds, -longest, longest)));
+}
+
+double secondsBetween(TimePoint earlier, TimePoint later)
+{
+    return std::chrono::duration<double>(later - earlier).count();
+}
+
+} // namespace tickwise

@@ -1,0 +1,27 @@
+# One interface target carries the warnings, Qt's hardening defines and the sanitizers for every target.
+add_library(tickwise_options INTERFACE)
+
+target_compile_options(tickwise_options INTERFACE
+    -pthread -Wall -Wextra -Wno-missing-field-initializers -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused
+    -Wnull-dereference -Wdouble-promotion -Wformat=2 -Werror)
+
+target_compile_definitions(tickwise_options INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
+    QT_NO_KEYWORDS QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_STRICT_ITERATORS QT_USE_QSTRINGBUILDER
+    SD_JOURNAL_SUPPRESS_LOCATION)
+
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # These two report Qt's and the standard library's own inlined code with g++ 12.
+    target_compile_options(tickwise_options INTERFACE -Wno-null-dereference -Wno-restrict)
+endif()
+
+if(TICKWISE_SANITIZE)
+    set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_compile_options(tickwise_options INTERFACE ${sanitizers})
+    target_link_options(tickwise_options INTERFACE ${sanitizers})
+endif()
+
+if(TICKWISE_FUZZERS)
+    target_compile_options(tickwise_options INTERFACE -fsanitize=fuzzer-no-link,address)
+    target_link_options(tickwise_options INTERFACE -fsanitize=address)
+endif()

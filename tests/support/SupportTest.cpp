@@ -1,0 +1,77 @@
+#include "support/DecimalText.h"
+#include "support/Subscription.h"
+
+#include <QTest>
+
+using namespace tickwise;
+
+class SupportTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void decimalText_data();
+    void decimalText();
+    void deliversLaterOnce();
+    void droppedDeliveryDeliversNothing();
+};
+
+void SupportTest::decimalText_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("valid");
+    QTest::addColumn<double>("value");
+    const auto row = [](const char *text, bool valid, double value) {
+        QTest::newRow(qPrintable(QStringLiteral("'%1'").arg(QLatin1String(text)))) << QByteArray(text) << valid << value;
+    };
+    row("1.5", true, 1.5);
+    row("-0.0125", true, -0.0125);
+    row("+2", true, 2);
+    row("1e3", true, 1000);
+    row(".5", true, 0.5);
+    row(" 1.5", false, 0);
+    row("1.5 ", false, 0);
+    row("", false, 0);
+    row("+", false, 0);
+    row("+-1", false, 0);
+    row("abc", false, 0);
+    row("1,5", false, 0);
+    row("0x10", false, 0);
+    row("nan", false, 0);
+    row("inf", false, 0);
+    row("1e999", false, 0);
+}
+
+void SupportTest::decimalText()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(bool, valid);
+    QFETCH(double, value);
+    const std::optional<double> parsed = parseDecimal({text.constData(), static_cast<std::size_t>(text.size())});
+    QCOMPARE(parsed.has_value(), valid);
+    if (valid)
+        QCOMPARE(*parsed, value);
+}
+
+void SupportTest::deliversLaterOnce()
+{
+    int calls = 0;
+    const Subscription subscription = deliverLater<int>(7, [&](const Result<int> &result) { calls += result.value(); });
+    QCOMPARE(calls, 0);
+    QTRY_COMPARE(calls, 7);
+    QCoreApplication::processEvents();
+    QCOMPARE(calls, 7);
+}
+
+void SupportTest::droppedDeliveryDeliversNothing()
+{
+    int calls = 0;
+    {
+        const Subscription subscription = deliverLater<int>(7, [&](const Result<int> &) { ++calls; });
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(calls, 0);
+}
+
+QTEST_GUILESS_MAIN(SupportTest)
+#include "SupportTest.moc"
