@@ -11,11 +11,18 @@ class QTranslator;
 namespace tickwise {
 
 /// The interface languages, in the order of their picker; stored by raw value ("system", "en", "zh-Hans", "zh-Hant").
-enum class AppLanguage { system, en, zhHans, zhHant };
+enum class AppLanguage
+{
+    system,
+    en,
+    zhHans,
+    zhHant
+};
 
 QString rawValue(AppLanguage language);
 
-/// The language that a choice means for a user with these preferred languages (BCP 47, most preferred first); never `system`.
+/// The language that a choice means for a user with these preferred languages (BCP 47, most preferred first); never
+/// `system`.
 AppLanguage effectiveLanguage(AppLanguage language, const QStringList &preferredLanguages);
 
 /// The user's preferred languages as the desktop reports them.

@@ -10,7 +10,8 @@
 
 namespace tickwise {
 
-enum class CoinStatus {
+enum class CoinStatus
+{
     active,   ///< tradable on the supported exchanges
     delisted, ///< no longer traded
     migrated, ///< replaced by the coin named in `migratedTo`

@@ -28,9 +28,6 @@ Result<CoinCatalogDocument> decodeCatalog(const QByteArray &bytes);
 /// The problems of a catalog, in the order of the rules; empty when it is usable.
 QStringList validateCatalog(std::int64_t schemaVersion, const std::vector<CoinMetadata> &coins);
 
-/// True when the text is an address that a logo may be loaded from: https, on one of the two logo image hosts.
-bool isLogoAddress(const QString &text);
-
 /// Tells whether the application ships an image of that name.
 using ImageExists = std::function<bool(const QString &name)>;
 

@@ -19,11 +19,12 @@ namespace tickwise {
 struct HttpRequest
 {
     QUrl url;
-    std::chrono::milliseconds timeout{5000};    ///< longest wait without a byte
-    std::chrono::milliseconds deadline{30000};  ///< longest time for the whole exchange
-    qint64 maximumBytes = 16LL * 1024 * 1024;   ///< a longer body ends in `dataLengthExceedsMaximum`, unread
+    std::chrono::milliseconds timeout{5000};         ///< longest wait without a byte
+    std::chrono::milliseconds deadline{30000};       ///< longest time for the whole exchange
+    qint64 maximumBytes = 16LL * 1024 * 1024;        ///< a longer body ends in `dataLengthExceedsMaximum`, unread
     std::function<bool(const QUrl &)> mayRedirectTo; ///< none: only to the same scheme, host and port
-    QIODevice *sink = nullptr; ///< the body of a 2xx answer goes there as it comes, instead of into the response; outlives the operation
+    QIODevice *sink = nullptr; ///< the body of a 2xx answer goes there as it comes, instead of into the response;
+                               ///< outlives the operation
     std::function<void(qint64 received, qint64 total)> progress; ///< `total` is -1 while unknown
 };
 

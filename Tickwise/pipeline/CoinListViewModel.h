@@ -15,8 +15,8 @@
 
 namespace tickwise {
 
-/// The watchlist as coins with live prices: polls the price service, merges its snapshots, evaluates alerts. Main thread
-/// only.
+/// The watchlist as coins with live prices: polls the price service, merges its snapshots, evaluates alerts. Main
+/// thread only.
 class CoinListViewModel : public QObject
 {
     Q_OBJECT
@@ -40,8 +40,8 @@ public:
     QBindable<double> bindableLastUsdToTargetExchangeRate() { return &m_lastUsdToTargetExchangeRate; }
 
     /// Why the last fetch failed; none after a success.
-    std::optional<Error> lastFetchError() const { return m_lastFetchError; }
-    QBindable<std::optional<Error>> bindableLastFetchError() { return &m_lastFetchError; }
+    std::optional<ProviderFailure> lastFetchFailure() const { return m_lastFetchFailure; }
+    QBindable<std::optional<ProviderFailure>> bindableLastFetchFailure() { return &m_lastFetchFailure; }
 
     /// Rebuilds `coins` from settings and catalog, keeping held prices where they still mean the same.
     void rebuildCoins();
@@ -56,7 +56,7 @@ Q_SIGNALS:
     void coinsChanged();
     void isLoadingChanged();
     void lastUsdToTargetExchangeRateChanged();
-    void lastFetchErrorChanged();
+    void lastFetchFailureChanged();
 
 private:
     void receive(const Result<PriceSnapshot> &result, BaseCurrency requested);
@@ -73,11 +73,12 @@ private:
     std::optional<BaseCurrency> m_priceDataCurrency;
     QPropertyNotifier m_catalogNotifier;
     Q_OBJECT_BINDABLE_PROPERTY(CoinListViewModel, std::vector<Coin>, m_coins, &CoinListViewModel::coinsChanged)
-    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(CoinListViewModel, bool, m_isLoading, false, &CoinListViewModel::isLoadingChanged)
+    Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(CoinListViewModel, bool, m_isLoading, false,
+                                         &CoinListViewModel::isLoadingChanged)
     Q_OBJECT_BINDABLE_PROPERTY_WITH_ARGS(CoinListViewModel, double, m_lastUsdToTargetExchangeRate, 1.0,
                                          &CoinListViewModel::lastUsdToTargetExchangeRateChanged)
-    Q_OBJECT_BINDABLE_PROPERTY(CoinListViewModel, std::optional<Error>, m_lastFetchError,
-                               &CoinListViewModel::lastFetchErrorChanged)
+    Q_OBJECT_BINDABLE_PROPERTY(CoinListViewModel, std::optional<ProviderFailure>, m_lastFetchFailure,
+                               &CoinListViewModel::lastFetchFailureChanged)
 };
 
 } // namespace tickwise

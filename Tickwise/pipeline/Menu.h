@@ -11,13 +11,18 @@ namespace tickwise {
 /// One entry of a menu, as a value; a menu is a list of entries.
 struct MenuEntry
 {
-    enum class Kind { action, separator, submenu };
+    enum class Kind
+    {
+        action,
+        separator,
+        submenu
+    };
 
     Kind kind = Kind::action;
-    QString text; ///< plain text: no mnemonic marks
+    QString text;     ///< plain text: no mnemonic marks
     QString iconName; ///< name of a symbol under :/symbols, or empty
     bool enabled = true;
-    std::optional<bool> checked; ///< none: not checkable
+    std::optional<bool> checked;     ///< none: not checkable
     std::vector<MenuEntry> children; ///< for a submenu
     std::function<void()> activate;  ///< for an action
 };

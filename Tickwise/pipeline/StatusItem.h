@@ -13,10 +13,20 @@
 namespace tickwise {
 
 /// Whether the panel under the status item is dark or light.
-enum class PanelAppearance { unknown, light, dark };
+enum class PanelAppearance
+{
+    unknown,
+    light,
+    dark
+};
 
 /// How the 24-hour change points; for presentations that cannot colour their text.
-enum class StatusTrend { none, up, down };
+enum class StatusTrend
+{
+    none,
+    up,
+    down
+};
 
 /// What the status item shows; made by `statusItemContent`, drawn by a `StatusItem`.
 struct StatusItemContent
@@ -24,21 +34,21 @@ struct StatusItemContent
     static constexpr double logoLength = 28.0; ///< points
     static constexpr double pillRadius = 4.0;  ///< points
 
-    bool logo = true;                     ///< logo mode: no text, length `logoLength`
-    QString text;                         ///< "BTC 67,432", with one blank on each side inside a pill
-    QString symbol;                       ///< "BTC"
-    QString price;                        ///< "67,432"
-    std::optional<QColor> textColor;      ///< none: the panel's own text colour
-    std::optional<QColor> pillColor;      ///< none: no pill
+    bool logo = true;                ///< logo mode: no text, length `logoLength`
+    QString text;                    ///< "BTC 67,432", with one blank on each side inside a pill
+    QString symbol;                  ///< "BTC"
+    QString price;                   ///< "67,432"
+    std::optional<QColor> textColor; ///< none: the panel's own text colour
+    std::optional<QColor> pillColor; ///< none: no pill
     StatusTrend trend = StatusTrend::none;
-    QString title;                        ///< plain status text, or "Tickwise" in logo mode
+    QString title; ///< plain status text, or "Tickwise" in logo mode
     QString toolTipTitle;
-    QString toolTipBody;                  ///< lines separated by "\n", plain text
+    QString toolTipBody; ///< lines separated by "\n", plain text
     bool operator==(const StatusItemContent &) const = default;
 };
 
-/// The item in the panel. Implementations find the panel, follow it when it comes, goes and returns, and redraw only when
-/// the content changed. Main thread only.
+/// The item in the panel. Implementations find the panel, follow it when it comes, goes and returns, and redraw only
+/// when the content changed. Main thread only.
 class StatusItem : public QObject
 {
     Q_OBJECT

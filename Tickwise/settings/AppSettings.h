@@ -11,14 +11,47 @@
 namespace tickwise {
 
 /// Display currencies; the raw value is the ISO 4217 code.
-enum class BaseCurrency { usd, cny, krw, hkd, jpy, twd, sgd, myr, aud, cad, eur, gbp };
+enum class BaseCurrency
+{
+    usd,
+    cny,
+    krw,
+    hkd,
+    jpy,
+    twd,
+    sgd,
+    myr,
+    aud,
+    cad,
+    eur,
+    gbp
+};
 
 /// What a coin's alert watches.
-enum class CoinAlertKind { above, below, change, notSet };
+enum class CoinAlertKind
+{
+    above,
+    below,
+    change,
+    notSet
+};
 
-enum class MenuBarContent { price, icon };
-enum class PriceColorScheme { greenUpRedDown, redUpGreenDown, custom };
-enum class DesktopOverlayTextSize { normal, large };
+enum class MenuBarContent
+{
+    price,
+    icon
+};
+enum class PriceColorScheme
+{
+    greenUpRedDown,
+    redUpGreenDown,
+    custom
+};
+enum class DesktopOverlayTextSize
+{
+    normal,
+    large
+};
 
 /// All cases in the order of their pickers.
 template<class Enum>

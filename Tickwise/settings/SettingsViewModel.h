@@ -12,7 +12,12 @@
 namespace tickwise {
 
 /// The tabs of the settings window; stored and sent by raw value.
-enum class SettingsTab { general, watchlist, about };
+enum class SettingsTab
+{
+    general,
+    watchlist,
+    about
+};
 
 QString rawValue(SettingsTab tab);
 

@@ -1,5 +1,7 @@
 #include "support/Error.h"
 
+#include <QStringList>
+
 namespace tickwise {
 
 namespace {
@@ -67,6 +69,12 @@ struct Describe
         return error.offset ? QStringLiteral("%1 at byte %2").arg(error.text).arg(*error.offset) : error.text;
     }
     QString operator()(const FileError &error) const { return error.path + QStringLiteral(": ") + error.text; }
+    QString operator()(const CatalogError &error) const
+    {
+        return error.problems.empty()
+                   ? error.message
+                   : QStringList(error.problems.begin(), error.problems.end()).join(QStringLiteral(", "));
+    }
 };
 
 } // namespace

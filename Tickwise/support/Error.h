@@ -11,7 +11,8 @@
 namespace tickwise {
 
 /// Why a request did not bring what it should. The names follow the URL-loading error codes of the field.
-enum class UrlErrorCode {
+enum class UrlErrorCode
+{
     badURL,                      ///< no URL could be formed, or there was nothing to ask for
     badServerResponse,           ///< a status outside 200-299 or an answer that reports a failure
     cannotLoadFromNetwork,       ///< every provider failed or was skipped; `causes` says why
@@ -26,12 +27,14 @@ enum class UrlErrorCode {
     networkConnectionLost,       ///< the connection broke before the answer was whole
     notConnectedToInternet,      ///< the machine has no network
     secureConnectionFailed,      ///< TLS failed
-    serverCertificateHasBadDate, ///< TLS refused because a certificate is not valid now: a wrong clock, or an expired one
+    serverCertificateHasBadDate, ///< TLS refused because a certificate is not valid now: a wrong clock, or an expired
+                                 ///< one
     serverCertificateUntrusted,  ///< TLS refused for any other reason that lies in the certificate
 };
 
 /// What a failed attempt means to the person in front of the screen; computed by `failureReason`.
-enum class FailureReason {
+enum class FailureReason
+{
     offline,
     hostNotFound,
     unreachable,
@@ -66,7 +69,11 @@ struct UrlLoadingError
 /// An exchange that asks for a back-off or refuses the request.
 struct TickerProviderError
 {
-    enum class Kind { rateLimited, requestRejected };
+    enum class Kind
+    {
+        rateLimited,
+        requestRejected
+    };
     Kind kind = Kind::requestRejected;
     std::optional<double> retryAfter; ///< seconds, when the exchange said so (or the default for status 403)
     int httpStatus = 0;
@@ -90,8 +97,16 @@ struct FileError
     bool operator==(const FileError &) const = default;
 };
 
+/// A coin catalog that cannot be used.
+struct CatalogError
+{
+    QString message;               ///< when there is one cause
+    std::vector<QString> problems; ///< when rules were broken: every one of them, in the order of the rules
+    bool operator==(const CatalogError &) const = default;
+};
+
 /// Every failure that an operation of this program can end in.
-using Error = std::variant<UrlLoadingError, TickerProviderError, DecodingError, FileError>;
+using Error = std::variant<UrlLoadingError, TickerProviderError, DecodingError, FileError, CatalogError>;
 
 /// The error in one English line: the public argument of log lines.
 QString description(const Error &error);

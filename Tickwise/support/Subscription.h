@@ -9,7 +9,8 @@
 
 namespace tickwise {
 
-/// Receives the one result of an asynchronous operation: later, on the main thread, never inside the call that started it.
+/// Receives the one result of an asynchronous operation: later, on the main thread, never inside the call that started
+/// it.
 template<class T>
 using Completion = std::function<void(Result<T>)>;
 
@@ -28,7 +29,10 @@ class [[nodiscard]] Subscription
 {
 public:
     Subscription() = default;
-    explicit Subscription(std::unique_ptr<Operation> operation) : m_operation(std::move(operation)) {}
+    explicit Subscription(std::unique_ptr<Operation> operation)
+        : m_operation(std::move(operation))
+    {
+    }
 
     void cancel() { m_operation.reset(); }
 

@@ -8,7 +8,8 @@ namespace {
 class ScriptedRequest : public Operation
 {
 public:
-    ScriptedRequest(std::shared_ptr<int> open, std::optional<Result<HttpResponse>> result, Completion<HttpResponse> done)
+    ScriptedRequest(std::shared_ptr<int> open, std::optional<Result<HttpResponse>> result,
+                    Completion<HttpResponse> done)
         : m_open(std::move(open))
     {
         ++*m_open;

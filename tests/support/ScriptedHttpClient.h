@@ -8,7 +8,8 @@
 namespace tickwise::test {
 
 /// Answers requests from a script, from the event loop. Answers are queued per address prefix; the last one of a queue
-/// stays. A request without an answer fails with `cannotConnectToHost`. `hold()` keeps a request open until it is dropped.
+/// stays. A request without an answer fails with `cannotConnectToHost`. `hold()` keeps a request open until it is
+/// dropped.
 class ScriptedHttpClient : public HttpClient
 {
 public:

@@ -22,7 +22,8 @@ void SupportTest::decimalText_data()
     QTest::addColumn<bool>("valid");
     QTest::addColumn<double>("value");
     const auto row = [](const char *text, bool valid, double value) {
-        QTest::newRow(qPrintable(QStringLiteral("'%1'").arg(QLatin1String(text)))) << QByteArray(text) << valid << value;
+        QTest::newRow(qPrintable(QStringLiteral("'%1'").arg(QLatin1String(text))))
+            << QByteArray(text) << valid << value;
     };
     row("1.5", true, 1.5);
     row("-0.0125", true, -0.0125);

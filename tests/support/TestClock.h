@@ -9,7 +9,10 @@ class TestClock
 {
 public:
     /// 2026-01-31T08:15:00Z unless told otherwise; seconds since 1970.
-    explicit TestClock(double secondsSince1970 = 1769847300.0) : m_now(secondsDuration(secondsSince1970)) {}
+    explicit TestClock(double secondsSince1970 = 1769847300.0)
+        : m_now(secondsDuration(secondsSince1970))
+    {
+    }
 
     Clock clock()
     {

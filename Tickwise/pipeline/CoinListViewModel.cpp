@@ -1,0 +1,197 @@
+#include "pipeline/CoinListViewModel.h"
+
+#include "market/FailureReason.h"
+#include "pipeline/AlertRule.h"
+
+#include <QThread>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+
+namespace tickwise {
+
+namespace {
+
+void assertMainThread(const QObject *object)
+{
+    Q_ASSERT(object->thread() == QThread::currentThread());
+    Q_UNUSED(object)
+}
+
+/// The timer's period. An interval that is no time at all runs at the timer's shortest period.
+std::chrono::milliseconds timerPeriod(double seconds)
+{
+    constexpr double shortest = 1;
+    constexpr double longest = std::numeric_limits<int>::max(); // a timer holds its milliseconds in an int
+    const double milliseconds = std::isnan(seconds) ? shortest : std::clamp(seconds * 1000, shortest, longest);
+    return std::chrono::milliseconds(std::llround(milliseconds));
+}
+
+ProviderFailure fetchFailure(const Error &error)
+{
+    const auto *const loading = std::get_if<UrlLoadingError>(&error);
+    if (loading && !loading->causes.empty())
+        return summary(loading->causes);
+    return {{}, failureReason(error), {}};
+}
+
+void copyMarketFields(const Coin &from, Coin &to)
+{
+    to.currentPrice = from.currentPrice;
+    to.priceChange24hPercent = from.priceChange24hPercent;
+    to.referencePrice = from.referencePrice;
+    to.lastUpdated = from.lastUpdated;
+}
+
+/// The elements by id; where an id occurs twice the first one counts.
+template<class T, class Id>
+QHash<QString, const T *> firstBy(Id id, const std::vector<T> &elements)
+{
+    QHash<QString, const T *> index;
+    index.reserve(static_cast<qsizetype>(elements.size()));
+    for (const T &element : elements) {
+        const QString &key = std::invoke(id, element);
+        if (!index.contains(key))
+            index.insert(key, &element);
+    }
+    return index;
+}
+
+} // namespace
+
+CoinListViewModel::CoinListViewModel(CoinCatalog &catalog, PriceFetching &priceService, PriceAlertNotifying &notifier,
+                                     SettingsViewModel &settingsViewModel, Clock clock, QObject *parent)
+    : QObject(parent)
+    , m_catalog(catalog)
+    , m_priceService(priceService)
+    , m_notifier(notifier)
+    , m_settingsViewModel(settingsViewModel)
+    , m_clock(std::move(clock))
+{
+    m_pollTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_pollTimer, &QTimer::timeout, this, &CoinListViewModel::fetchPrices);
+    rebuildCoins();
+    restartPolling();
+    m_catalogNotifier = m_catalog.bindableCoins().addNotifier([this] {
+        rebuildCoins();
+        restartPolling();
+    });
+}
+
+void CoinListViewModel::rebuildCoins()
+{
+    assertMainThread(this);
+    if (const std::optional<AppSettings> reconciled = m_catalog.reconcile(m_settingsViewModel.settings()))
+        m_settingsViewModel.update(*reconciled);
+
+    const AppSettings &settings = m_settingsViewModel.settings();
+    const bool currencyUnchanged = !m_priceDataCurrency || *m_priceDataCurrency == settings.baseCurrency;
+    const std::vector<Coin> old = coins();
+    const QHash<QString, const Coin *> held =
+        currencyUnchanged ? firstBy(&Coin::id, old) : QHash<QString, const Coin *>();
+    std::vector<Coin> rebuilt;
+    rebuilt.reserve(settings.watchlistCoins.size());
+    for (const WatchlistCoin &entry : settings.watchlistCoins) {
+        const auto metadata = m_catalog.byID().constFind(entry.coinId);
+        if (metadata == m_catalog.byID().constEnd())
+            continue;
+        Coin &coin = rebuilt.emplace_back(Coin{*metadata});
+        const Coin *const before = held.value(coin.id);
+        if (before && before->symbol == coin.symbol)
+            copyMarketFields(*before, coin);
+    }
+    m_coins = std::move(rebuilt);
+    keepDisplayedCoinValid();
+}
+
+void CoinListViewModel::keepDisplayedCoinValid()
+{
+    AppSettings settings = m_settingsViewModel.settings();
+    const auto &entries = settings.watchlistCoins;
+    const auto isDisplayed = [&](const WatchlistCoin &entry) { return entry.coinId == settings.displayedCoinId; };
+    if (entries.empty() || std::any_of(entries.begin(), entries.end(), isDisplayed))
+        return;
+    settings.displayedCoinId = entries.front().coinId;
+    m_settingsViewModel.update(settings);
+}
+
+void CoinListViewModel::restartPolling()
+{
+    assertMainThread(this);
+    m_pollTimer.stop();
+    discardFetch();
+    m_pollTimer.start(timerPeriod(m_settingsViewModel.settings().pollingInterval));
+    fetchPrices();
+}
+
+void CoinListViewModel::discardFetch()
+{
+    m_fetch.cancel();
+    m_isLoading = false;
+}
+
+void CoinListViewModel::fetchPrices()
+{
+    assertMainThread(this);
+    if (m_isLoading)
+        return;
+    QStringList symbols;
+    for (const Coin &coin : coins()) {
+        if (coin.status == CoinStatus::active)
+            symbols.append(coin.symbol);
+    }
+    if (symbols.isEmpty())
+        return;
+    const BaseCurrency requested = m_settingsViewModel.settings().baseCurrency;
+    m_isLoading = true;
+    m_fetch = m_priceService.fetchSnapshot(
+        symbols, requested, [this, requested](const Result<PriceSnapshot> &result) { receive(result, requested); });
+}
+
+void CoinListViewModel::receive(const Result<PriceSnapshot> &result, BaseCurrency requested)
+{
+    m_lastFetchFailure = result ? std::nullopt : std::optional(fetchFailure(result.error()));
+    if (result && m_settingsViewModel.settings().baseCurrency == requested) {
+        m_lastUsdToTargetExchangeRate = result->usdToTargetRate;
+        applySnapshot(*result, requested);
+    }
+    discardFetch();
+}
+
+void CoinListViewModel::applySnapshot(const PriceSnapshot &snapshot, BaseCurrency currency)
+{
+    std::vector<Coin> updated = coins();
+    if (m_priceDataCurrency && *m_priceDataCurrency != currency) {
+        for (Coin &coin : updated)
+            coin.referencePrice.reset();
+    }
+    m_priceDataCurrency = currency;
+
+    const AppSettings settings = m_settingsViewModel.settings();
+    const QHash<QString, const WatchlistCoin *> alerts = settings.priceChangeNotificationEnabled
+                                                             ? firstBy(&WatchlistCoin::coinId, settings.watchlistCoins)
+                                                             : QHash<QString, const WatchlistCoin *>();
+    const TimePoint now = m_clock();
+    for (Coin &coin : updated) {
+        const auto price = snapshot.prices.constFind(coin.symbol);
+        if (price == snapshot.prices.constEnd())
+            continue;
+        const auto change = snapshot.changes24h.constFind(coin.symbol);
+        coin.currentPrice = *price;
+        coin.priceChange24hPercent =
+            change == snapshot.changes24h.constEnd() ? std::nullopt : std::optional<double>(*change);
+        coin.lastUpdated = now;
+        const WatchlistCoin *const alert = alerts.value(coin.id);
+        const AlertDecision decision = evaluateAlert(*price, coin.referencePrice, alert, snapshot.usdToTargetRate);
+        if (decision.fires) {
+            m_notifier.notify(coin, alert->alertKind, settings.baseCurrency, alert->notificationThreshold,
+                              decision.changePercent, snapshot.usdToTargetRate);
+        }
+        coin.referencePrice = decision.referencePrice;
+    }
+    m_coins = std::move(updated);
+}
+
+} // namespace tickwise
