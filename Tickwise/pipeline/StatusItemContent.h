@@ -1,0 +1,34 @@
+#pragma once
+
+#include "catalog/Coin.h"
+#include "pipeline/StatusItem.h"
+#include "settings/AppSettings.h"
+#include "support/Error.h"
+
+#include <vector>
+
+namespace tickwise {
+
+/// Everything that the status item's content follows from.
+struct StatusItemInputs
+{
+    const std::vector<Coin> &coins;
+    const AppSettings &settings;
+    PanelAppearance appearance = PanelAppearance::unknown;
+    TimePoint now;
+    std::optional<ProviderFailure> failure; ///< why the last fetch failed
+};
+
+/// The coin that the status item shows: the displayed one, else the first; none in icon mode and for an empty list.
+const Coin *statusItemCoin(const std::vector<Coin> &coins, const AppSettings &settings);
+
+/// What the status item shows. Texts are in the current language.
+StatusItemContent statusItemContent(const StatusItemInputs &inputs);
+
+/// How long ago that was, as a tooltip says it; a time in the future counts as now.
+QString ageText(TimePoint then, TimePoint now);
+
+/// Why a fetch failed, as a tooltip says it.
+QString failureText(const ProviderFailure &failure);
+
+} // namespace tickwise
