@@ -1,0 +1,459 @@
+#include "pipeline/CoinListViewModel.h"
+
+#include "support/Catalogs.h"
+#include "support/PipelineDoubles.h"
+#include "support/TestClock.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+namespace {
+
+const Error offline = UrlLoadingError{UrlErrorCode::notConnectedToInternet};
+
+/// The model with doubles around it; the poll timer is far away unless the settings say otherwise.
+struct World
+{
+    explicit World(const AppSettings &settings = quietSettings(), std::vector<CoinMetadata> records = validCoins())
+        : catalog(std::move(records))
+    {
+        settingsViewModel.update(settings);
+        model = std::make_unique<CoinListViewModel>(catalog, prices, notifier, settingsViewModel, clock.clock());
+    }
+
+    static AppSettings quietSettings()
+    {
+        AppSettings settings;
+        settings.pollingInterval = 86400;
+        return settings;
+    }
+
+    void change(const std::function<void(AppSettings &)> &edit)
+    {
+        AppSettings settings = settingsViewModel.settings();
+        edit(settings);
+        settingsViewModel.update(settings);
+    }
+    void poll(const std::map<QString, double> &answer, double rate = 1.0)
+    {
+        if (!prices.isOpen())
+            model->fetchPrices();
+        prices.answer(answer, rate);
+    }
+    const Coin &coin(std::size_t index) const { return model->coins().at(index); }
+
+    MemoryStorage storage;
+    SettingsViewModel settingsViewModel{UserDefaultsSettingsStore(storage)};
+    TestClock clock;
+    FixedCatalog catalog;
+    FakePriceFetching prices;
+    RecordingNotifier notifier;
+    std::unique_ptr<CoinListViewModel> model;
+};
+
+const QString btc = QStringLiteral("BTC");
+const QString eth = QStringLiteral("ETH");
+
+} // namespace
+
+class CoinListViewModelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startsWithTheWatchlistAndOneFetch();
+    void emptyWatchlistFetchesNothing();
+    void delistedCoinsAreNotAskedFor();
+    void unknownCoinsAreSkippedAndKept();
+    void invalidDisplayedCoinBecomesTheFirst();
+    void emptyWatchlistKeepsTheDisplayedCoin();
+    void migratedCoinsAreReconciledAndSaved();
+    void snapshotFillsTheCoins();
+    void missingTickerKeepsOlderValues();
+    void changeThatTheExchangeDroppedIsCleared();
+    void fetchesNeverOverlap();
+    void failedFetchKeepsValuesAndTellsWhy();
+    void timerPolls();
+    void changedIntervalRestartsTheTimerAndFetches();
+    void intervalOfZeroOrLessStillReturnsToTheLoop();
+    void restartDropsTheFetchInFlight();
+    void discardedFetchFiresNothing();
+    void snapshotInAnOldCurrencyIsDropped();
+    void newCurrencyClearsPricesAndBaselines();
+    void aboveAlertFiresPerCrossing();
+    void changeAlertReportsTheMove();
+    void alertsOffOnlySetBaselines();
+    void firstOfTwoEntriesCounts();
+    void restartOfTheProgramNeverFiresOnTheFirstPrice();
+    void symbolChangeDropsTheHeldPrice();
+    void rebuildKeepsHeldPricesAndFollowsTheOrder();
+    void catalogChangeRebuildsAndFetches();
+    void catalogThatBecomesEmptyStopsPrices();
+};
+
+void CoinListViewModelTest::startsWithTheWatchlistAndOneFetch()
+{
+    const World world;
+    QCOMPARE(world.model->coins().size(), 2U);
+    QCOMPARE(world.coin(0).id, QStringLiteral("bitcoin"));
+    QVERIFY(!world.coin(0).currentPrice);
+    QVERIFY(world.model->isLoading());
+    QCOMPARE(world.model->lastUsdToTargetExchangeRate(), 1.0);
+    QCOMPARE(world.prices.requests.size(), 1U);
+    QCOMPARE(world.prices.requests.front().symbols, (QStringList{btc, eth}));
+}
+
+void CoinListViewModelTest::emptyWatchlistFetchesNothing()
+{
+    AppSettings settings = World::quietSettings();
+    settings.watchlistCoins.clear();
+    const World world(settings);
+    QVERIFY(world.prices.requests.empty());
+    QVERIFY(!world.model->isLoading());
+    QVERIFY(world.model->coins().empty());
+}
+
+void CoinListViewModelTest::delistedCoinsAreNotAskedFor()
+{
+    std::vector<CoinMetadata> records = validCoins();
+    records[1].status = CoinStatus::delisted;
+    const World world(World::quietSettings(), records);
+    QCOMPARE(world.model->coins().size(), 2U);
+    QCOMPARE(world.prices.requests.front().symbols, QStringList{btc});
+}
+
+void CoinListViewModelTest::unknownCoinsAreSkippedAndKept()
+{
+    AppSettings settings = World::quietSettings();
+    settings.watchlistCoins.insert(settings.watchlistCoins.begin(), {QStringLiteral("unheard-of")});
+    settings.displayedCoinId = QStringLiteral("ethereum");
+    const World world(settings);
+    QCOMPARE(world.model->coins().size(), 2U);
+    QCOMPARE(world.settingsViewModel.settings().watchlistCoins.size(), 3U);
+}
+
+void CoinListViewModelTest::invalidDisplayedCoinBecomesTheFirst()
+{
+    AppSettings settings = World::quietSettings();
+    settings.watchlistCoins = {{QStringLiteral("ethereum")}};
+    const World world(settings);
+    QCOMPARE(world.settingsViewModel.settings().displayedCoinId, QStringLiteral("ethereum"));
+    QCOMPARE(UserDefaultsSettingsStore(const_cast<MemoryStorage &>(world.storage)).load()->displayedCoinId,
+             QStringLiteral("ethereum"));
+}
+
+void CoinListViewModelTest::emptyWatchlistKeepsTheDisplayedCoin()
+{
+    AppSettings settings = World::quietSettings();
+    settings.watchlistCoins.clear();
+    settings.displayedCoinId = QStringLiteral("solana");
+    const World world(settings);
+    QCOMPARE(world.settingsViewModel.settings().displayedCoinId, QStringLiteral("solana"));
+}
+
+void CoinListViewModelTest::migratedCoinsAreReconciledAndSaved()
+{
+    std::vector<CoinMetadata> records = validCoins();
+    CoinMetadata old = coinRecord(QStringLiteral("old"), QStringLiteral("OLD"));
+    old.listed = false;
+    old.status = CoinStatus::migrated;
+    old.migratedTo = QStringLiteral("coin-9");
+    records.push_back(old);
+    AppSettings settings = World::quietSettings();
+    settings.watchlistCoins = {{QStringLiteral("old")}};
+    settings.displayedCoinId = QStringLiteral("old");
+    World world(settings, records);
+    QCOMPARE(world.coin(0).id, QStringLiteral("coin-9"));
+    QCOMPARE(UserDefaultsSettingsStore(world.storage).load()->displayedCoinId, QStringLiteral("coin-9"));
+}
+
+void CoinListViewModelTest::snapshotFillsTheCoins()
+{
+    World world;
+    PriceSnapshot snapshot;
+    snapshot.prices = {{btc, 67432.7}, {eth, 2500}};
+    snapshot.changes24h = {{btc, 1.25}};
+    snapshot.usdToTargetRate = 0.9;
+    world.prices.answer(snapshot);
+    QVERIFY(!world.model->isLoading());
+    QCOMPARE(world.coin(0).currentPrice, std::optional(67432.7));
+    QCOMPARE(world.coin(0).priceChange24hPercent, std::optional(1.25));
+    QCOMPARE(world.coin(0).referencePrice, std::optional(67432.7));
+    QCOMPARE(world.coin(0).lastUpdated, std::optional(world.clock.now()));
+    QVERIFY(!world.coin(1).priceChange24hPercent);
+    QCOMPARE(world.model->lastUsdToTargetExchangeRate(), 0.9);
+    QVERIFY(!world.model->lastFetchFailure());
+}
+
+void CoinListViewModelTest::missingTickerKeepsOlderValues()
+{
+    World world;
+    world.poll({{btc, 100}, {eth, 50}});
+    const TimePoint first = world.clock.now();
+    world.clock.advance(10);
+    world.poll({{btc, 101}});
+    QCOMPARE(world.coin(0).currentPrice, std::optional(101.0));
+    QCOMPARE(world.coin(1).currentPrice, std::optional(50.0));
+    QCOMPARE(world.coin(1).lastUpdated, std::optional(first));
+    world.poll({});
+    QCOMPARE(world.coin(0).currentPrice, std::optional(101.0));
+}
+
+void CoinListViewModelTest::changeThatTheExchangeDroppedIsCleared()
+{
+    World world;
+    PriceSnapshot snapshot;
+    snapshot.prices = {{btc, 100}};
+    snapshot.changes24h = {{btc, 1.25}};
+    world.prices.answer(snapshot);
+    world.poll({{btc, 100}});
+    QVERIFY(!world.coin(0).priceChange24hPercent);
+}
+
+void CoinListViewModelTest::fetchesNeverOverlap()
+{
+    World world;
+    world.model->fetchPrices();
+    QCOMPARE(world.prices.requests.size(), 1U);
+    world.prices.answer(std::map<QString, double>{{btc, 1}});
+    world.model->fetchPrices();
+    QCOMPARE(world.prices.requests.size(), 2U);
+}
+
+void CoinListViewModelTest::failedFetchKeepsValuesAndTellsWhy()
+{
+    World world;
+    world.poll({{btc, 100}});
+    world.model->fetchPrices();
+    world.prices.answer(failure(offline));
+    QVERIFY(!world.model->isLoading());
+    QCOMPARE(world.coin(0).currentPrice, std::optional(100.0));
+    QVERIFY(world.model->lastFetchFailure().has_value());
+    QVERIFY(world.model->lastFetchFailure()->reason == FailureReason::offline);
+    world.poll({{btc, 101}});
+    QVERIFY(!world.model->lastFetchFailure());
+}
+
+void CoinListViewModelTest::timerPolls()
+{
+    AppSettings settings = World::quietSettings();
+    settings.pollingInterval = 0.02;
+    World world(settings);
+    for (std::size_t polls = 1; polls < 4; ++polls) {
+        QCOMPARE(world.prices.requests.size(), polls);
+        world.prices.answer(std::map<QString, double>{{btc, 1}});
+        QTRY_COMPARE(world.prices.requests.size(), polls + 1);
+    }
+}
+
+void CoinListViewModelTest::changedIntervalRestartsTheTimerAndFetches()
+{
+    World world;
+    world.poll({{btc, 1}});
+    world.change([](AppSettings &settings) { settings.pollingInterval = 0.02; });
+    world.model->restartPolling();
+    QCOMPARE(world.prices.requests.size(), 2U);
+    world.prices.answer(std::map<QString, double>{{btc, 1}});
+    QTRY_COMPARE(world.prices.requests.size(), 3U);
+}
+
+void CoinListViewModelTest::intervalOfZeroOrLessStillReturnsToTheLoop()
+{
+    for (const double interval : {0.0, -5.0, std::numeric_limits<double>::quiet_NaN(), 1e300}) {
+        AppSettings settings = World::quietSettings();
+        settings.pollingInterval = interval;
+        World world(settings);
+        world.prices.answer(std::map<QString, double>{{btc, 1}});
+        if (interval < 1)
+            QTRY_VERIFY(world.prices.requests.size() > 1U);
+    }
+}
+
+void CoinListViewModelTest::restartDropsTheFetchInFlight()
+{
+    World world;
+    QSignalSpy loading(world.model.get(), &CoinListViewModel::isLoadingChanged);
+    world.model->restartPolling();
+    QCOMPARE(world.prices.requests.size(), 2U);
+    QCOMPARE(loading.count(), 2);
+    world.prices.answer(std::map<QString, double>{{btc, 7}});
+    QCOMPARE(world.coin(0).currentPrice, std::optional(7.0));
+}
+
+void CoinListViewModelTest::discardedFetchFiresNothing()
+{
+    World world;
+    world.change([](AppSettings &settings) {
+        settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
+    });
+    world.poll({{btc, 90}});
+    world.model->fetchPrices();
+    world.model->discardFetch();
+    QVERIFY(!world.prices.isOpen());
+    QVERIFY(!world.model->isLoading());
+    QVERIFY(world.notifier.alerts.empty());
+    QCOMPARE(world.coin(0).currentPrice, std::optional(90.0));
+}
+
+void CoinListViewModelTest::snapshotInAnOldCurrencyIsDropped()
+{
+    World world;
+    world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::eur; });
+    world.prices.answer(std::map<QString, double>{{btc, 100}});
+    QVERIFY(!world.coin(0).currentPrice);
+    QCOMPARE(world.model->lastUsdToTargetExchangeRate(), 1.0);
+    world.model->fetchPrices();
+    QVERIFY(world.prices.requests.back().currency == BaseCurrency::eur);
+    world.prices.answer({{btc, 90}}, 0.9);
+    QCOMPARE(world.coin(0).currentPrice, std::optional(90.0));
+}
+
+void CoinListViewModelTest::newCurrencyClearsPricesAndBaselines()
+{
+    World world;
+    world.change([](AppSettings &settings) {
+        settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
+    });
+    world.poll({{btc, 99}, {eth, 5}});
+    world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::cny; });
+    // A snapshot before the rebuild: old baselines mean nothing in the new currency, also for a coin without a price
+    // now.
+    world.poll({{btc, 710}}, 7);
+    QVERIFY(world.notifier.alerts.empty());
+    QCOMPARE(world.coin(0).referencePrice, std::optional(710.0));
+    QVERIFY(!world.coin(1).referencePrice);
+
+    world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::usd; });
+    world.model->rebuildCoins();
+    QVERIFY(!world.coin(0).currentPrice);
+    QVERIFY(!world.coin(0).referencePrice);
+}
+
+void CoinListViewModelTest::aboveAlertFiresPerCrossing()
+{
+    World world;
+    world.change([](AppSettings &settings) {
+        settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
+    });
+    QList<double> fired;
+    for (const double price : {90., 95., 101., 102., 99., 100.}) {
+        const std::size_t before = world.notifier.alerts.size();
+        world.poll({{btc, price}});
+        if (world.notifier.alerts.size() > before)
+            fired.append(price);
+    }
+    QCOMPARE(fired, (QList<double>{101, 100}));
+    const RecordingNotifier::Alert &alert = world.notifier.alerts.front();
+    QCOMPARE(alert.coin.currentPrice, std::optional(101.0));
+    QVERIFY(alert.kind == CoinAlertKind::above);
+    QVERIFY(alert.currency == BaseCurrency::usd);
+    QCOMPARE(alert.threshold, 100.0);
+    QCOMPARE(alert.rate, 1.0);
+    QCOMPARE(world.coin(0).referencePrice, std::optional(100.0));
+}
+
+void CoinListViewModelTest::changeAlertReportsTheMove()
+{
+    World world;
+    world.poll({{btc, 100}});
+    world.poll({{btc, 101.9}});
+    QVERIFY(world.notifier.alerts.empty());
+    world.poll({{btc, 98}});
+    QCOMPARE(world.notifier.alerts.size(), 1U);
+    QCOMPARE(world.notifier.alerts.front().changePercent, -2.0);
+    QCOMPARE(world.coin(0).referencePrice, std::optional(98.0));
+}
+
+void CoinListViewModelTest::alertsOffOnlySetBaselines()
+{
+    World world;
+    world.change([](AppSettings &settings) { settings.priceChangeNotificationEnabled = false; });
+    world.poll({{btc, 100}});
+    world.poll({{btc, 200}});
+    QVERIFY(world.notifier.alerts.empty());
+    QCOMPARE(world.coin(0).referencePrice, std::optional(100.0));
+    QCOMPARE(world.coin(0).currentPrice, std::optional(200.0));
+}
+
+void CoinListViewModelTest::firstOfTwoEntriesCounts()
+{
+    World world;
+    world.change([](AppSettings &settings) {
+        settings.watchlistCoins = {{QStringLiteral("bitcoin"), CoinAlertKind::notSet, 2},
+                                   {QStringLiteral("bitcoin"), CoinAlertKind::change, 2}};
+    });
+    world.poll({{btc, 100}});
+    world.poll({{btc, 200}});
+    QVERIFY(world.notifier.alerts.empty());
+}
+
+void CoinListViewModelTest::restartOfTheProgramNeverFiresOnTheFirstPrice()
+{
+    AppSettings settings = World::quietSettings();
+    settings.watchlistCoins = {{QStringLiteral("bitcoin"), CoinAlertKind::above, 100}};
+    {
+        World before(settings);
+        before.poll({{btc, 90}});
+    }
+    World after(settings);
+    after.poll({{btc, 150}});
+    QVERIFY(after.notifier.alerts.empty());
+    after.poll({{btc, 90}});
+    after.poll({{btc, 150}});
+    QCOMPARE(after.notifier.alerts.size(), 1U);
+}
+
+void CoinListViewModelTest::symbolChangeDropsTheHeldPrice()
+{
+    World world;
+    world.poll({{btc, 100}, {eth, 50}});
+    std::vector<CoinMetadata> records = validCoins();
+    records[0].symbol = QStringLiteral("XBT");
+    world.catalog.publish(records, noImages);
+    QVERIFY(!world.coin(0).currentPrice);
+    QVERIFY(!world.coin(0).referencePrice);
+    QCOMPARE(world.coin(1).currentPrice, std::optional(50.0));
+}
+
+void CoinListViewModelTest::rebuildKeepsHeldPricesAndFollowsTheOrder()
+{
+    World world;
+    world.poll({{btc, 100}, {eth, 50}});
+    world.change([](AppSettings &settings) {
+        settings.watchlistCoins = {
+            {QStringLiteral("ethereum")}, {QStringLiteral("coin-3")}, {QStringLiteral("bitcoin")}};
+    });
+    world.model->rebuildCoins();
+    QCOMPARE(world.model->coins().size(), 3U);
+    QCOMPARE(world.coin(0).currentPrice, std::optional(50.0));
+    QVERIFY(!world.coin(1).currentPrice);
+    QCOMPARE(world.coin(2).referencePrice, std::optional(100.0));
+}
+
+void CoinListViewModelTest::catalogChangeRebuildsAndFetches()
+{
+    World world;
+    world.poll({{btc, 100}});
+    std::vector<CoinMetadata> records = validCoins();
+    records[0].name = QStringLiteral("Renamed");
+    world.catalog.publish(records, noImages);
+    QCOMPARE(world.coin(0).name, QStringLiteral("Renamed"));
+    QCOMPARE(world.coin(0).currentPrice, std::optional(100.0));
+    QCOMPARE(world.prices.requests.size(), 2U);
+}
+
+void CoinListViewModelTest::catalogThatBecomesEmptyStopsPrices()
+{
+    World world;
+    world.catalog.publish({}, noImages);
+    QVERIFY(world.model->coins().empty());
+    QVERIFY(!world.model->isLoading());
+    QVERIFY(!world.prices.isOpen());
+    QCOMPARE(world.settingsViewModel.settings().watchlistCoins.size(), 2U);
+}
+
+QTEST_GUILESS_MAIN(CoinListViewModelTest)
+#include "CoinListViewModelTest.moc"

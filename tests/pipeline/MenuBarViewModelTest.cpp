@@ -1,0 +1,147 @@
+#include "pipeline/MenuBarViewModel.h"
+
+#include "support/Catalogs.h"
+#include "support/PipelineDoubles.h"
+#include "support/TestClock.h"
+
+#include <QTest>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+namespace {
+
+struct World
+{
+    MemoryStorage storage;
+    SettingsViewModel settings{UserDefaultsSettingsStore(storage)};
+    TestClock clock;
+    FixedCatalog catalog{validCoins()};
+    FakePriceFetching prices;
+    RecordingNotifier notifier;
+    CoinListViewModel coins{catalog, prices, notifier, settings, clock.clock()};
+    MenuBarViewModel menuBar{clock.clock()};
+
+    void answer(double btc)
+    {
+        if (!prices.isOpen())
+            coins.fetchPrices();
+        prices.answer({{QStringLiteral("BTC"), btc}});
+    }
+};
+
+} // namespace
+
+class MenuBarViewModelTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void logoUntilTheFirstPrice();
+    void followsPricesAndSettings();
+    void switchingThePillOffRemovesIt();
+    void followsTheAppearance();
+    void publishedFieldsKeepTheirInitialValues();
+    void itemThatWentIsLeftAlone();
+    void failedPollShowsWhyAndTheAge();
+};
+
+void MenuBarViewModelTest::logoUntilTheFirstPrice()
+{
+    World world;
+    RecordingStatusItem item;
+    world.menuBar.bind(&item, world.coins, world.settings);
+    QCOMPARE(item.contents.size(), 1U);
+    QVERIFY(item.contents.back().logo);
+    world.answer(67432.4);
+    QCOMPARE(item.contents.back().text, QStringLiteral("BTC 67,432"));
+}
+
+void MenuBarViewModelTest::followsPricesAndSettings()
+{
+    World world;
+    RecordingStatusItem item;
+    world.menuBar.bind(&item, world.coins, world.settings);
+    world.answer(100);
+    world.answer(200);
+    QCOMPARE(item.contents.back().text, QStringLiteral("BTC 200"));
+    AppSettings settings = world.settings.settings();
+    settings.menuBarContent = MenuBarContent::icon;
+    world.settings.update(settings);
+    QVERIFY(item.contents.back().logo);
+}
+
+void MenuBarViewModelTest::switchingThePillOffRemovesIt()
+{
+    World world;
+    RecordingStatusItem item;
+    world.menuBar.bind(&item, world.coins, world.settings);
+    world.answer(100);
+    AppSettings settings = world.settings.settings();
+    settings.showMenuBarBackground = true;
+    world.settings.update(settings);
+    QVERIFY(item.contents.back().pillColor.has_value());
+    settings.showMenuBarBackground = false;
+    world.settings.update(settings);
+    QVERIFY(!item.contents.back().pillColor.has_value());
+}
+
+void MenuBarViewModelTest::followsTheAppearance()
+{
+    World world;
+    RecordingStatusItem item;
+    world.menuBar.bind(&item, world.coins, world.settings);
+    world.answer(100);
+    AppSettings settings = world.settings.settings();
+    settings.priceColorEnabled = false;
+    settings.showMenuBarBackground = true;
+    world.settings.update(settings);
+    QCOMPARE(*item.contents.back().pillColor, QColor(Qt::black));
+    item.setAppearance(PanelAppearance::light);
+    QCOMPARE(*item.contents.back().pillColor, QColor(Qt::white));
+}
+
+void MenuBarViewModelTest::publishedFieldsKeepTheirInitialValues()
+{
+    World world;
+    RecordingStatusItem item;
+    world.menuBar.bind(&item, world.coins, world.settings);
+    world.answer(100);
+    QCOMPARE(world.menuBar.bindableStatusTitle().value(), QStringLiteral("BTC --"));
+    QVERIFY(!world.menuBar.bindableStatusColor().value().has_value());
+}
+
+void MenuBarViewModelTest::itemThatWentIsLeftAlone()
+{
+    World world;
+    {
+        RecordingStatusItem item;
+        world.menuBar.bind(&item, world.coins, world.settings);
+    }
+    world.answer(100);
+    QCOMPARE(world.coins.coins().front().currentPrice, std::optional(100.0));
+}
+
+void MenuBarViewModelTest::failedPollShowsWhyAndTheAge()
+{
+    World world;
+    RecordingStatusItem item;
+    world.menuBar.bind(&item, world.coins, world.settings);
+    world.answer(100);
+    world.clock.advance(40);
+    world.coins.fetchPrices();
+    world.prices.answer(failure(UrlLoadingError{UrlErrorCode::notConnectedToInternet}));
+    QVERIFY(item.contents.back().toolTipBody.contains(localized(QStringLiteral("failure.offline"))));
+    QVERIFY(item.contents.back().toolTipBody.contains(QStringLiteral("40")));
+    world.clock.advance(20);
+    world.coins.fetchPrices();
+    world.prices.answer(failure(UrlLoadingError{UrlErrorCode::notConnectedToInternet}));
+    const QString oneMinute =
+        localized(QStringLiteral("tooltip.age")).arg(localized(QStringLiteral("tooltip.age.minutes")).arg(1));
+    QVERIFY(item.contents.back().toolTipBody.contains(oneMinute));
+    world.answer(101);
+    QVERIFY(!item.contents.back().toolTipBody.contains(localized(QStringLiteral("failure.offline"))));
+}
+
+QTEST_GUILESS_MAIN(MenuBarViewModelTest)
+#include "MenuBarViewModelTest.moc"

@@ -1,0 +1,87 @@
+#include "pipeline/PriceFormat.h"
+
+#include <QTest>
+
+#include <limits>
+
+using namespace tickwise;
+
+class PriceFormatTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void price_data();
+    void price();
+    void exact_data();
+    void exact();
+    void valuesThatAreNoNumbersDoNotCrash();
+};
+
+void PriceFormatTest::price_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<QString>("text");
+    const auto row = [](double value, const char *text) { QTest::newRow(text) << value << QString::fromLatin1(text); };
+    row(0.123456, "0.1235");
+    row(12.3456, "12.35");
+    row(67432.7, "67,433");
+    row(5, "5");
+    row(0, "0");
+    row(0.5, "0.5");
+    QTest::newRow("0.99996 rounds up") << 0.99996 << QStringLiteral("1");
+    row(0.99994, "0.9999");
+    QTest::newRow("1.0000001") << 1.0000001 << QStringLiteral("1");
+    row(99.994, "99.99");
+    QTest::newRow("99.996") << 99.996 << QStringLiteral("100");
+    row(100.5, "100"); // half-even
+    row(101.5, "102");
+    row(999.4, "999");
+    row(1000, "1,000");
+    row(1234567.5, "1,234,568");
+    row(1234566.5, "1,234,566");
+    QTest::newRow("below the last digit") << 0.00004 << QStringLiteral("0");
+    row(0.00015, "0.0002");
+    row(-3.25, "-3.25");
+    row(2.125, "2.12");
+    row(1e15, "1,000,000,000,000,000");
+}
+
+void PriceFormatTest::price()
+{
+    QFETCH(double, value);
+    QTEST(formatPrice(value), "text");
+}
+
+void PriceFormatTest::exact_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<QString>("text");
+    const auto row = [](double value, const char *text) { QTest::newRow(text) << value << QString::fromLatin1(text); };
+    row(67432.71, "67,432.71");
+    row(0.1, "0.1");
+    row(100, "100");
+    row(1000, "1,000");
+    row(-1000, "-1,000");
+    row(-100, "-100");
+    row(1234567.125, "1,234,567.125");
+    row(0.00000831, "0.00000831");
+    row(0, "0");
+}
+
+void PriceFormatTest::exact()
+{
+    QFETCH(double, value);
+    QTEST(exactPrice(value), "text");
+}
+
+void PriceFormatTest::valuesThatAreNoNumbersDoNotCrash()
+{
+    QCOMPARE(formatPrice(std::numeric_limits<double>::infinity()), QStringLiteral("inf"));
+    QCOMPARE(formatPrice(std::numeric_limits<double>::quiet_NaN()), QStringLiteral("nan"));
+    QCOMPARE(exactPrice(std::numeric_limits<double>::infinity()), QStringLiteral("inf"));
+    QCOMPARE(exactPrice(1e300).count(QLatin1Char(',')), 100);
+}
+
+QTEST_GUILESS_MAIN(PriceFormatTest)
+#include "PriceFormatTest.moc"
