@@ -1,0 +1,134 @@
+#include "app/AppDelegate.h"
+
+#include "app/StatusMenu.h"
+#include "catalog/ShippedImages.h"
+#include "pipeline/NotificationService.h"
+
+#include <QThread>
+
+namespace tickwise {
+
+namespace {
+
+constexpr std::chrono::milliseconds reloadDebounce{500};
+
+} // namespace
+
+ReloadSettingsSnapshot::ReloadSettingsSnapshot(const AppSettings &settings)
+    : baseCurrency(settings.baseCurrency)
+    , priceChangeNotificationEnabled(settings.priceChangeNotificationEnabled)
+    , pollingInterval(settings.pollingInterval)
+    , language(settings.language)
+{
+}
+
+AppDelegate::AppDelegate(AppEnvironment environment, QObject *parent)
+    : QObject(parent)
+    , m_environment(std::move(environment))
+    , m_settingsViewModel(UserDefaultsSettingsStore(m_environment.defaults))
+    , m_catalog(QStringLiteral(":/coins.json"), shippedImageExists)
+    , m_menuBarViewModel(m_environment.clock)
+{
+    m_reloadTimer.setSingleShot(true);
+    m_reloadTimer.setInterval(reloadDebounce);
+    connect(&m_reloadTimer, &QTimer::timeout, this, [this] {
+        coinListViewModel().rebuildCoins();
+        coinListViewModel().restartPolling();
+    });
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    Q_ASSERT(thread() == QThread::currentThread());
+    if (m_environment.environment.contains(QStringLiteral("XCTestConfigurationFilePath")))
+        return;
+    if (m_environment.isSecondCopy()) {
+        Q_EMIT quitRequested();
+        return;
+    }
+    createStatusItem();
+    followReloadSettings();
+    followLanguage();
+}
+
+CoinListViewModel &AppDelegate::coinListViewModel()
+{
+    if (!m_coinListViewModel) {
+        m_exchangeRateService = std::make_unique<ExchangeRateService>(
+            m_environment.httpClient, m_environment.endpoints, ExchangeRateCacheStore{m_environment.container},
+            m_environment.clock);
+        m_priceService = std::make_unique<PriceService>(m_environment.httpClient, *m_exchangeRateService,
+                                                        m_environment.endpoints, m_environment.clock);
+        m_coinListViewModel =
+            std::make_unique<CoinListViewModel>(m_catalog, *m_priceService, *m_notificationService, m_settingsViewModel,
+                                                m_environment.clock);
+    }
+    return *m_coinListViewModel;
+}
+
+void AppDelegate::createStatusItem()
+{
+    m_statusItem = m_environment.makeStatusItem();
+    m_menuBarViewModel.bind(m_statusItem.get(), coinListViewModel(), m_settingsViewModel);
+    m_statusItem->setMenu([this] { return makeStatusMenu(); });
+    connect(m_statusItem.get(), &StatusItem::clicked, this, &AppDelegate::activate);
+}
+
+void AppDelegate::followReloadSettings()
+{
+    m_lastReloadSettings.emplace(m_settingsViewModel.settings());
+    m_notifiers.push_back(m_settingsViewModel.bindableSettings().addNotifier([this] {
+        const ReloadSettingsSnapshot current(m_settingsViewModel.settings());
+        if (current == *m_lastReloadSettings)
+            return;
+        m_lastReloadSettings = current;
+        m_reloadTimer.start();
+    }));
+}
+
+void AppDelegate::followLanguage()
+{
+    applyLanguage();
+    m_notifiers.push_back(m_settingsViewModel.bindableSettings().addNotifier([this] {
+        if (m_settingsViewModel.settings().language != m_appliedLanguage)
+            applyLanguage();
+    }));
+}
+
+void AppDelegate::applyLanguage()
+{
+    m_appliedLanguage = m_settingsViewModel.settings().language;
+    LocalizationManager::shared().apply(*m_appliedLanguage);
+    m_menuBarViewModel.refresh();
+}
+
+Menu AppDelegate::makeStatusMenu()
+{
+    StatusMenuActions actions;
+    actions.changeCoin = [this](const QString &coinId) { changeCoin(coinId); };
+    actions.quit = [this] { Q_EMIT quitRequested(); };
+    return statusMenu(m_settingsViewModel.settings(), m_catalog, false, actions);
+}
+
+void AppDelegate::changeCoin(const QString &coinId)
+{
+    AppSettings settings = m_settingsViewModel.settings();
+    settings.displayedCoinId = coinId;
+    m_settingsViewModel.update(settings);
+}
+
+void AppDelegate::machineWillSleep()
+{
+    if (m_coinListViewModel)
+        m_coinListViewModel->discardFetch();
+}
+
+void AppDelegate::freshPricesNeeded()
+{
+    if (m_coinListViewModel)
+        m_coinListViewModel->restartPolling();
+}
+
+} // namespace tickwise

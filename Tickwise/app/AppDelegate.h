@@ -1,0 +1,98 @@
+#pragma once
+
+#include "market/Endpoints.h"
+#include "market/ExchangeRateService.h"
+#include "market/HttpClient.h"
+#include "market/PriceService.h"
+#include "pipeline/CoinListViewModel.h"
+#include "pipeline/MenuBarViewModel.h"
+#include "pipeline/StatusItem.h"
+
+#include <QObject>
+#include <QProcessEnvironment>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace tickwise {
+
+/// What the application stands on: the desktop's services and the addresses of the market's. All of it outlives the delegate.
+struct AppEnvironment
+{
+    SettingsDataStorage &defaults;
+    HttpClient &httpClient;
+    std::function<std::unique_ptr<StatusItem>()> makeStatusItem;
+    std::function<bool()> isSecondCopy;   ///< true when another copy runs; that one has then been asked to show itself
+    std::optional<QString> container;     ///< directory shared with the widget; none when it cannot be had
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    Endpoints endpoints;
+    Clock clock = systemClock;
+};
+
+/// The settings whose change needs the coin list rebuilt and polling restarted.
+struct ReloadSettingsSnapshot
+{
+    explicit ReloadSettingsSnapshot(const AppSettings &settings);
+
+    BaseCurrency baseCurrency;
+    bool priceChangeNotificationEnabled;
+    double pollingInterval;
+    AppLanguage language;
+    bool operator==(const ReloadSettingsSnapshot &) const = default;
+};
+
+/// Owns the long-lived objects and wires them together in the order of the start-up. Main thread only.
+class AppDelegate : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit AppDelegate(AppEnvironment environment, QObject *parent = nullptr);
+    ~AppDelegate() override;
+
+    /// Runs the start-up. A second copy quits at once; a process that hosts a test run stays as it is.
+    void applicationDidFinishLaunching();
+
+    SettingsViewModel &settingsViewModel() { return m_settingsViewModel; }
+    CoinCatalog &catalog() { return m_catalog; }
+    MenuBarViewModel &menuBarViewModel() { return m_menuBarViewModel; }
+    /// Created on first use, which starts polling.
+    CoinListViewModel &coinListViewModel();
+
+    /// Brings the application to the front: what the panel's click, a second copy and a notification's click ask for.
+    void activate();
+    /// Drops quotes that are under way: the machine is about to sleep.
+    void machineWillSleep();
+    /// Polls anew at once: the machine woke, or the network returned.
+    void freshPricesNeeded();
+
+Q_SIGNALS:
+    void quitRequested();
+
+private:
+    void createStatusItem();
+    void followReloadSettings();
+    void followLanguage();
+    void applyLanguage();
+    Menu makeStatusMenu();
+    void changeCoin(const QString &coinId);
+
+    AppEnvironment m_environment;
+    SettingsViewModel m_settingsViewModel;
+    CoinCatalog m_catalog;
+    MenuBarViewModel m_menuBarViewModel;
+    std::unique_ptr<ExchangeRateService> m_exchangeRateService;
+    std::unique_ptr<PriceService> m_priceService;
+    std::unique_ptr<PriceAlertNotifying> m_notificationService;
+    std::unique_ptr<CoinListViewModel> m_coinListViewModel;
+    std::unique_ptr<StatusItem> m_statusItem;
+    QTimer m_reloadTimer;
+    std::optional<ReloadSettingsSnapshot> m_lastReloadSettings;
+    std::optional<AppLanguage> m_appliedLanguage;
+    std::vector<QPropertyNotifier> m_notifiers;
+};
+
+} // namespace tickwise
