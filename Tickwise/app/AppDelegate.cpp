@@ -6,6 +6,8 @@
 
 #include <QThread>
 
+#include <algorithm>
+
 namespace tickwise {
 
 namespace {
@@ -56,14 +58,13 @@ void AppDelegate::applicationDidFinishLaunching()
 CoinListViewModel &AppDelegate::coinListViewModel()
 {
     if (!m_coinListViewModel) {
-        m_exchangeRateService = std::make_unique<ExchangeRateService>(
-            m_environment.httpClient, m_environment.endpoints, ExchangeRateCacheStore{m_environment.container},
-            m_environment.clock);
+        m_exchangeRateService =
+            std::make_unique<ExchangeRateService>(m_environment.httpClient, m_environment.endpoints,
+                                                  ExchangeRateCacheStore{m_environment.container}, m_environment.clock);
         m_priceService = std::make_unique<PriceService>(m_environment.httpClient, *m_exchangeRateService,
                                                         m_environment.endpoints, m_environment.clock);
-        m_coinListViewModel =
-            std::make_unique<CoinListViewModel>(m_catalog, *m_priceService, *m_notificationService, m_settingsViewModel,
-                                                m_environment.clock);
+        m_coinListViewModel = std::make_unique<CoinListViewModel>(m_catalog, *m_priceService, *m_notificationService,
+                                                                  m_settingsViewModel, m_environment.clock);
     }
     return *m_coinListViewModel;
 }
@@ -117,6 +118,18 @@ void AppDelegate::changeCoin(const QString &coinId)
     AppSettings settings = m_settingsViewModel.settings();
     settings.displayedCoinId = coinId;
     m_settingsViewModel.update(settings);
+}
+
+void AppDelegate::activate()
+{
+    Q_EMIT activationRequested();
+}
+
+void AppDelegate::openUrls(const QList<QUrl> &urls)
+{
+    const auto isOurs = [](const QUrl &url) { return url.scheme() == QStringLiteral("tickwise"); };
+    if (std::any_of(urls.begin(), urls.end(), isOurs))
+        activate();
 }
 
 void AppDelegate::machineWillSleep()

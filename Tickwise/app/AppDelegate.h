@@ -8,9 +8,11 @@
 #include "pipeline/MenuBarViewModel.h"
 #include "pipeline/StatusItem.h"
 
+#include <QList>
 #include <QObject>
 #include <QProcessEnvironment>
 #include <QTimer>
+#include <QUrl>
 
 #include <functional>
 #include <memory>
@@ -19,14 +21,15 @@
 
 namespace tickwise {
 
-/// What the application stands on: the desktop's services and the addresses of the market's. All of it outlives the delegate.
+/// What the application stands on: the desktop's services and the addresses of the market's. All of it outlives the
+/// delegate.
 struct AppEnvironment
 {
     SettingsDataStorage &defaults;
     HttpClient &httpClient;
     std::function<std::unique_ptr<StatusItem>()> makeStatusItem;
-    std::function<bool()> isSecondCopy;   ///< true when another copy runs; that one has then been asked to show itself
-    std::optional<QString> container;     ///< directory shared with the widget; none when it cannot be had
+    std::function<bool()> isSecondCopy; ///< true when another copy runs; that one has then been asked to show itself
+    std::optional<QString> container;   ///< directory shared with the widget; none when it cannot be had
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     Endpoints endpoints;
     Clock clock = systemClock;
@@ -64,6 +67,8 @@ public:
 
     /// Brings the application to the front: what the panel's click, a second copy and a notification's click ask for.
     void activate();
+    /// The first address of the scheme "tickwise" brings the application to the front; others are ignored.
+    void openUrls(const QList<QUrl> &urls);
     /// Drops quotes that are under way: the machine is about to sleep.
     void machineWillSleep();
     /// Polls anew at once: the machine woke, or the network returned.
@@ -71,6 +76,8 @@ public:
 
 Q_SIGNALS:
     void quitRequested();
+    /// The user wants to see the application.
+    void activationRequested();
 
 private:
     void createStatusItem();

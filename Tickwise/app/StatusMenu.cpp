@@ -43,8 +43,8 @@ MenuEntry coinChoice(const AppSettings &settings, const CoinCatalog &catalog, co
 Menu statusMenu(const AppSettings &settings, const CoinCatalog &catalog, bool canCheckForUpdates,
                 const StatusMenuActions &actions)
 {
-    MenuEntry updates =
-        action(QStringLiteral("menu.checkForUpdates"), QStringLiteral("arrow.down.circle.fill"), actions.checkForUpdates);
+    MenuEntry updates = action(QStringLiteral("menu.checkForUpdates"), QStringLiteral("arrow.down.circle.fill"),
+                               actions.checkForUpdates);
     updates.enabled = canCheckForUpdates;
     return {coinChoice(settings, catalog, actions), separator(), std::move(updates), separator(),
             action(QStringLiteral("menu.quit"), QStringLiteral("power"), actions.quit)};

@@ -19,10 +19,11 @@ QByteArray binanceBody(const std::map<QString, double> &prices, TimePoint now)
     QStringList records;
     const auto closeTime = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count();
     for (const auto &[symbol, price] : prices) {
-        records.append(QStringLiteral(R"({"symbol":"%1USDT","lastPrice":"%2","priceChangePercent":"1.5","closeTime":%3})")
-                           .arg(symbol)
-                           .arg(price)
-                           .arg(closeTime));
+        records.append(
+            QStringLiteral(R"({"symbol":"%1USDT","lastPrice":"%2","priceChangePercent":"1.5","closeTime":%3})")
+                .arg(symbol)
+                .arg(price)
+                .arg(closeTime));
     }
     return QStringLiteral("[%1]").arg(records.join(QLatin1Char(','))).toUtf8();
 }
@@ -209,7 +210,8 @@ void AppDelegateTest::menuListsTheWatchlistAndQuits()
     QCOMPARE(texts(menu), (QStringList{localized(QStringLiteral("menu.change")), QStringLiteral("-"),
                                        localized(QStringLiteral("menu.checkForUpdates")), QStringLiteral("-"),
                                        localized(QStringLiteral("menu.quit"))}));
-    QCOMPARE(texts(menu.front().children), (QStringList{QStringLiteral("BTC - Bitcoin"), QStringLiteral("ETH - Ethereum")}));
+    QCOMPARE(texts(menu.front().children),
+             (QStringList{QStringLiteral("BTC - Bitcoin"), QStringLiteral("ETH - Ethereum")}));
     QCOMPARE(menu.front().children[0].checked, std::optional(true));
     QCOMPARE(menu.front().children[1].checked, std::optional(false));
     QVERIFY(!menu[2].enabled);

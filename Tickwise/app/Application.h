@@ -1,0 +1,54 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "app/AppInfo.h"
+#include "platform/NetworkHttpClient.h"
+#include "platform/SingleInstance.h"
+#include "platform/SleepMonitor.h"
+#include "platform/TerminationSignals.h"
+#include "platform/UserDefaults.h"
+
+#include <QSslConfiguration>
+
+namespace tickwise {
+
+/// What sets one build of the application apart from another: its identity, its files and the world it talks to.
+struct ApplicationConfiguration
+{
+    QString identifier = QString::fromLatin1(appInfo::bundleIdentifier); ///< bus name and desktop file
+    QString defaultsOrganization = QString::fromLatin1(appInfo::defaultsOrganization);
+    QString defaultsApplication = QString::fromLatin1(appInfo::defaultsApplication);
+    QString appGroup = QString::fromLatin1(appInfo::appGroup);
+    Endpoints endpoints;
+    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+};
+
+/// Prepares the process before its QApplication: log lines, display. False, with a line on stderr, where there is no
+/// display.
+bool prepareProcess();
+
+/// The composition root: builds the desktop's services and the delegate over them. Needs a QApplication.
+class Application
+{
+public:
+    explicit Application(ApplicationConfiguration configuration);
+
+    /// Starts up and runs until somebody asks to quit. Returns the process's exit code.
+    int run();
+
+    AppDelegate &delegate() { return m_delegate; }
+
+private:
+    AppEnvironment makeEnvironment();
+    bool isSecondCopy();
+
+    ApplicationConfiguration m_configuration;
+    TerminationSignals m_signals;
+    SingleInstance m_singleInstance;
+    SleepMonitor m_sleepMonitor;
+    UserDefaults m_defaults;
+    NetworkHttpClient m_httpClient;
+    AppDelegate m_delegate;
+};
+
+} // namespace tickwise
