@@ -1,10 +1,12 @@
 #pragma once
 
+#include "support/RawValue.h"
+
 #include <QString>
 #include <QStringList>
 
 #include <memory>
-#include <optional>
+#include <vector>
 
 class QTranslator;
 
@@ -20,6 +22,9 @@ enum class AppLanguage
 };
 
 QString rawValue(AppLanguage language);
+
+template<>
+std::vector<AppLanguage> allCases<AppLanguage>();
 
 /// The language that a choice means for a user with these preferred languages (BCP 47, most preferred first); never
 /// `system`.
@@ -38,8 +43,10 @@ public:
     /// The one shared instance; it starts with the main bundle.
     static LocalizationManager &shared();
 
-    /// The bundle of a language; the main bundle (English) where that language's table cannot be opened.
-    static LocalizationBundle bundleFor(AppLanguage language, const QStringList &preferred = preferredLanguages());
+    /// The bundle of a language, whose folder `<language>.lproj` lies below `resources`; the main bundle (English)
+    /// where that language's table cannot be opened.
+    static LocalizationBundle bundleFor(AppLanguage language, const QStringList &preferred = preferredLanguages(),
+                                        const QString &resources = QStringLiteral(":"));
 
     const LocalizationBundle &bundle() const { return m_bundle; }
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "app/LocalizationManager.h"
+#include "support/RawValue.h"
 
 #include <QString>
 
-#include <array>
 #include <optional>
 #include <vector>
 
@@ -53,9 +53,16 @@ enum class DesktopOverlayTextSize
     large
 };
 
-/// All cases in the order of their pickers.
-template<class Enum>
-std::vector<Enum> allCases();
+template<>
+std::vector<BaseCurrency> allCases<BaseCurrency>();
+template<>
+std::vector<CoinAlertKind> allCases<CoinAlertKind>();
+template<>
+std::vector<MenuBarContent> allCases<MenuBarContent>();
+template<>
+std::vector<PriceColorScheme> allCases<PriceColorScheme>();
+template<>
+std::vector<DesktopOverlayTextSize> allCases<DesktopOverlayTextSize>();
 
 /// The stored text of a case.
 QString rawValue(BaseCurrency value);
@@ -63,10 +70,6 @@ QString rawValue(CoinAlertKind value);
 QString rawValue(MenuBarContent value);
 QString rawValue(PriceColorScheme value);
 QString rawValue(DesktopOverlayTextSize value);
-
-/// The case that is stored as `raw`; none for any other text. Case-sensitive.
-template<class Enum>
-std::optional<Enum> fromRawValue(const QString &raw);
 
 /// The localized name of a case.
 QString title(CoinAlertKind value);
