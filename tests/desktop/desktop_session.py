@@ -103,6 +103,7 @@ class DesktopSession:
         self._user = as_user
         self._token = uuid.uuid4().hex
         self._processes = []
+        self._parts = []
         self._names = {}
         self.directory = None
         self.environment = {}
@@ -117,6 +118,7 @@ class DesktopSession:
         try:
             self._prepare()
             self._start_desktop()
+            self._parts = list(self._processes)
         except BaseException:
             self._end(quiet=True)
             raise
@@ -185,6 +187,9 @@ class DesktopSession:
             value = predicate()
             if value:
                 return value
+            dead = [part.name for part in self._parts if part in self._processes and not part.is_running()]
+            if dead:
+                raise SessionError(f"{dead} ended while waiting for {what}\n{self.logs()}")
             if time.monotonic() > deadline:
                 raise SessionError(f"waited {timeout} s in vain for {what}\n{self.logs()}")
             time.sleep(0.02)
@@ -339,6 +344,12 @@ class DesktopSession:
             except GLib.Error:
                 return False
         self.wait_for(has_host, 20, "a host of status items")
+        self.wait_for(self._shows_panel, what="the panel on the screen")
+
+    def _shows_panel(self):
+        picture = self.picture()
+        background = picture.at(self.width // 2, self.height // 2)
+        return set(picture.colours(height=16)) - {background}
 
     def _answers(self, item):
         try:
@@ -365,6 +376,7 @@ class DesktopSession:
 
     def _end(self, quiet):
         problems = []
+        self._parts = []
         for step in (self._stop_programs, self._stop_desktop, self._stop_buses, self._check_nothing_is_left):
             try:
                 step()
@@ -501,7 +513,7 @@ class X11Session(DesktopSession):
         reader, writer = os.pipe()
         try:
             command = ["Xvfb", "-displayfd", str(writer), "-screen", "0", f"{self.width}x{self.height}x24", "-nolisten", "tcp",
-                       "-noreset"]
+                       "-noreset", "-wr"]
             self.server = self.start_process("Xvfb", command, pass_fds=(writer,))
             os.close(writer)
             writer = None
@@ -524,7 +536,7 @@ class X11Session(DesktopSession):
     def _start_window_manager(self):
         commands = {"openbox": ["openbox", "--sm-disable"], "xfwm4": ["xfwm4", "--compositor=on"], "kwin_x11": ["kwin_x11"]}
         if self._window_manager_kind == "xfwm4":
-            self._allow_activation("org.xfce.Xfconf")
+            self.bus.allow_activation("org.xfce.Xfconf", self.environment)
         environment = _PLASMA_ENVIRONMENT if self._window_manager_kind == "kwin_x11" else None
         self.window_manager = self.start_process(self._window_manager_kind, commands[self._window_manager_kind], environment)
         self.wait_for(self._is_managed, what="the window manager")
@@ -535,22 +547,15 @@ class X11Session(DesktopSession):
         properties = self.tool(["xprop", "-root", "-notype", "_NET_SUPPORTING_WM_CHECK"])
         return b"window id" in properties
 
-    def _allow_activation(self, service):
-        source = f"/usr/share/dbus-1/services/{service}.service"
-        if not os.path.exists(source):
-            raise SessionError(f"{source} is missing")
-        shutil.copy(source, self.bus.services)
-        # The daemon notices new files by itself only some time later.
-        self.bus.call("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "ReloadConfig")
-
     def _configure_xfce(self):
-        self._allow_activation("org.xfce.Xfconf")
+        self.bus.allow_activation("org.xfce.Xfconf", self.environment)
         self.environment["XDG_CURRENT_DESKTOP"] = "XFCE"
         self.write_file(os.path.join(self.environment["XDG_CONFIG_HOME"], "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"),
                         _XFCE_PANEL)
 
     def _configure_mate(self):
-        self._allow_activation("ca.desrt.dconf")
+        for service in ("ca.desrt.dconf", *(f"org.mate.panel.applet.{name}Factory" for name in _MATE_APPLETS)):
+            self.bus.allow_activation(service, self.environment)
         self.environment["XDG_CURRENT_DESKTOP"] = "MATE"
 
     def _configure_lxqt(self):
@@ -716,6 +721,8 @@ def _menu_node(layout):
     entry_id, properties, children = layout
     return {"id": entry_id, "properties": properties, "children": [_menu_node(child) for child in children]}
 
+
+_MATE_APPLETS = ("NotificationAreaApplet", "ClockApplet", "Wncklet")
 
 _PLASMA_ENVIRONMENT = {"QT_QUICK_BACKEND": "software", "LIBGL_ALWAYS_SOFTWARE": "1", "KDE_FULL_SESSION": "true",
                        "KDE_SESSION_VERSION": "5", "XDG_CURRENT_DESKTOP": "KDE"}
