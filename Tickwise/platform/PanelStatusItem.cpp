@@ -154,8 +154,8 @@ void PanelStatusItem::buildTrayWindow(XEmbedStatusWindow::Shape shape)
     connect(m_window.get(), &XEmbedStatusWindow::clicked, this, [this](QPoint position) { Q_EMIT clicked(position); });
     connect(m_window.get(), &XEmbedStatusWindow::menuRequested, this, &PanelStatusItem::showMenuAt);
     redraw();
+    connect(m_tray.get(), &SystemTraySelection::docked, m_window.get(), &QWidget::show);
     m_tray->dock(m_window->winId());
-    m_window->show();
 }
 
 void PanelStatusItem::updateAppearance()

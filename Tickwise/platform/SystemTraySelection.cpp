@@ -1,5 +1,6 @@
 #include "platform/SystemTraySelection.h"
 
+#include <QGuiApplication>
 #include <QSocketNotifier>
 
 #include <cstdlib>
@@ -22,6 +23,22 @@ struct Free
 
 template<class T>
 using Reply = std::unique_ptr<T, Free>;
+
+bool isDocking(const xcb_generic_event_t &event, uint32_t window, uint32_t root)
+{
+    const auto &reparent = reinterpret_cast<const xcb_reparent_notify_event_t &>(event);
+    return (event.response_type & 0x7f) == XCB_REPARENT_NOTIFY && reparent.window == window && reparent.parent != root;
+}
+
+/// Waits until the X server knows the windows that Qt has made: they were made on Qt's connection, not on ours.
+void synchronizeOwnWindows()
+{
+    if (auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
+        xcb_connection_t *connection = x11->connection();
+        Reply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    }
+}
 
 } // namespace
 
@@ -75,13 +92,17 @@ void SystemTraySelection::readEvents()
 {
     bool ownerMayDiffer = false;
     bool colorsMayDiffer = false;
+    bool isDocked = false;
     while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
         const int type = event->response_type & 0x7f;
         const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event.get());
         ownerMayDiffer |=
             type == XCB_DESTROY_NOTIFY || (type == XCB_CLIENT_MESSAGE && message->type == m_atoms.manager);
         colorsMayDiffer |= type == XCB_PROPERTY_NOTIFY;
+        isDocked |= isDocking(*event, m_window, m_root);
     }
+    if (isDocked)
+        Q_EMIT docked();
     if (ownerMayDiffer)
         findOwner();
     else if (colorsMayDiffer)
@@ -122,16 +143,20 @@ void SystemTraySelection::readColors()
 
 void SystemTraySelection::dock(WId window)
 {
+    synchronizeOwnWindows();
+    m_window = uint32_t(window);
+    const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection, m_window, XCB_CW_EVENT_MASK, &mask);
     const uint32_t info[] = {xembedVersion, xembedMapped};
-    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, uint32_t(window), m_atoms.xembedInfo, m_atoms.xembedInfo,
-                        32, 2, info);
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_window, m_atoms.xembedInfo, m_atoms.xembedInfo, 32, 2,
+                        info);
     xcb_client_message_event_t message = {};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = m_owner;
     message.type = m_atoms.opcode;
     message.data.data32[1] = requestDock;
-    message.data.data32[2] = uint32_t(window);
+    message.data.data32[2] = m_window;
     xcb_send_event(m_connection, 0, m_owner, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&message));
     xcb_flush(m_connection);
 }

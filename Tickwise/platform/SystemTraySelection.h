@@ -27,12 +27,14 @@ public:
     /// What the tray's text colour says about its background.
     PanelAppearance appearance() const { return m_appearance; }
 
-    /// Asks the tray to take the window in, which must be unmapped.
+    /// Asks the tray to take in one of our windows, which must stay hidden until `docked`: a tray that reparents a
+    /// visible window takes it for withdrawn.
     void dock(WId window);
 
 Q_SIGNALS:
     void ownerChanged();
     void appearanceChanged();
+    void docked();
 
 private:
     struct Atoms
@@ -50,6 +52,7 @@ private:
     uint32_t m_root = 0;
     Atoms m_atoms = {};
     uint32_t m_owner = 0;
+    uint32_t m_window = 0;
     PanelAppearance m_appearance = PanelAppearance::unknown;
 };
 
