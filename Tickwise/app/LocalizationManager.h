@@ -1,21 +1,33 @@
 #pragma once
 
+#include "support/RawValue.h"
+
 #include <QString>
 #include <QStringList>
 
 #include <memory>
-#include <optional>
+#include <vector>
 
 class QTranslator;
 
 namespace tickwise {
 
 /// The interface languages, in the order of their picker; stored by raw value ("system", "en", "zh-Hans", "zh-Hant").
-enum class AppLanguage { system, en, zhHans, zhHant };
+enum class AppLanguage
+{
+    system,
+    en,
+    zhHans,
+    zhHant
+};
 
 QString rawValue(AppLanguage language);
 
-/// The language that a choice means for a user with these preferred languages (BCP 47, most preferred first); never `system`.
+template<>
+std::vector<AppLanguage> allCases<AppLanguage>();
+
+/// The language that a choice means for a user with these preferred languages (BCP 47, most preferred first); never
+/// `system`.
 AppLanguage effectiveLanguage(AppLanguage language, const QStringList &preferredLanguages);
 
 /// The user's preferred languages as the desktop reports them.
@@ -31,8 +43,10 @@ public:
     /// The one shared instance; it starts with the main bundle.
     static LocalizationManager &shared();
 
-    /// The bundle of a language; the main bundle (English) where that language's table cannot be opened.
-    static LocalizationBundle bundleFor(AppLanguage language, const QStringList &preferred = preferredLanguages());
+    /// The bundle of a language, whose folder `<language>.lproj` lies below `resources`; the main bundle (English)
+    /// where that language's table cannot be opened.
+    static LocalizationBundle bundleFor(AppLanguage language, const QStringList &preferred = preferredLanguages(),
+                                        const QString &resources = QStringLiteral(":"));
 
     const LocalizationBundle &bundle() const { return m_bundle; }
 

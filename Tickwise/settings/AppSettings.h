@@ -1,28 +1,68 @@
 #pragma once
 
 #include "app/LocalizationManager.h"
+#include "support/RawValue.h"
 
 #include <QString>
 
-#include <array>
 #include <optional>
 #include <vector>
 
 namespace tickwise {
 
 /// Display currencies; the raw value is the ISO 4217 code.
-enum class BaseCurrency { usd, cny, krw, hkd, jpy, twd, sgd, myr, aud, cad, eur, gbp };
+enum class BaseCurrency
+{
+    usd,
+    cny,
+    krw,
+    hkd,
+    jpy,
+    twd,
+    sgd,
+    myr,
+    aud,
+    cad,
+    eur,
+    gbp
+};
 
 /// What a coin's alert watches.
-enum class CoinAlertKind { above, below, change, notSet };
+enum class CoinAlertKind
+{
+    above,
+    below,
+    change,
+    notSet
+};
 
-enum class MenuBarContent { price, icon };
-enum class PriceColorScheme { greenUpRedDown, redUpGreenDown, custom };
-enum class DesktopOverlayTextSize { normal, large };
+enum class MenuBarContent
+{
+    price,
+    icon
+};
+enum class PriceColorScheme
+{
+    greenUpRedDown,
+    redUpGreenDown,
+    custom
+};
+enum class DesktopOverlayTextSize
+{
+    normal,
+    large
+};
 
-/// All cases in the order of their pickers.
-template<class Enum>
-std::vector<Enum> allCases();
+template<>
+std::vector<BaseCurrency> allCases<BaseCurrency>();
+template<>
+std::vector<CoinAlertKind> allCases<CoinAlertKind>();
+template<>
+std::vector<MenuBarContent> allCases<MenuBarContent>();
+template<>
+std::vector<PriceColorScheme> allCases<PriceColorScheme>();
+template<>
+std::vector<DesktopOverlayTextSize> allCases<DesktopOverlayTextSize>();
 
 /// The stored text of a case.
 QString rawValue(BaseCurrency value);
@@ -30,10 +70,6 @@ QString rawValue(CoinAlertKind value);
 QString rawValue(MenuBarContent value);
 QString rawValue(PriceColorScheme value);
 QString rawValue(DesktopOverlayTextSize value);
-
-/// The case that is stored as `raw`; none for any other text. Case-sensitive.
-template<class Enum>
-std::optional<Enum> fromRawValue(const QString &raw);
 
 /// The localized name of a case.
 QString title(CoinAlertKind value);

@@ -12,9 +12,17 @@
 namespace tickwise {
 
 /// The tabs of the settings window; stored and sent by raw value.
-enum class SettingsTab { general, watchlist, about };
+enum class SettingsTab
+{
+    general,
+    watchlist,
+    about
+};
 
 QString rawValue(SettingsTab tab);
+
+template<>
+std::vector<SettingsTab> allCases<SettingsTab>();
 
 /// The one observable owner of the current settings and of the tab that the settings window shows. Main thread only.
 class SettingsViewModel : public QObject
@@ -27,7 +35,7 @@ public:
     explicit SettingsViewModel(UserDefaultsSettingsStore store, QObject *parent = nullptr);
 
     const AppSettings &settings() const { return m_settings.value(); }
-    QBindable<AppSettings> bindableSettings() { return &m_settings; }
+    QBindable<AppSettings> bindableSettings() const { return &m_settings; }
 
     SettingsTab settingsWindowTab() const { return m_settingsWindowTab; }
     void setSettingsWindowTab(SettingsTab tab) { m_settingsWindowTab = tab; }

@@ -25,7 +25,10 @@ public:
 class UserDefaultsSettingsStore
 {
 public:
-    explicit UserDefaultsSettingsStore(SettingsDataStorage &defaults) : m_defaults(&defaults) {}
+    explicit UserDefaultsSettingsStore(SettingsDataStorage &defaults)
+        : m_defaults(&defaults)
+    {
+    }
 
     /// None when nothing is stored; the default record, with one log line, when the blob does not decode.
     std::optional<AppSettings> load() const;
