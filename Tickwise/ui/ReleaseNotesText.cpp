@@ -149,11 +149,17 @@ private:
         const bool closing = rest.mid(1).startsWith(u'/');
         const QString name = tagName(rest.mid(closing ? 2 : 1));
         if (!closing && (name == u"script" || name == u"style" || name == u"title"))
-            return skipPast(QString(QStringLiteral("</") + name));
+            return skipElement(name);
         if (isLineBreak(name))
             name == u"br" ? breakLine() : startLine();
         if (name == u"li" && !closing)
             append(QStringLiteral("\u2022 "));
+    }
+
+    void skipElement(const QString &name)
+    {
+        skipPast(QString(QStringLiteral("</") + name));
+        skipPast(u">");
     }
 
     static QString tagName(QStringView text)

@@ -2,6 +2,18 @@
 
 namespace tickwise {
 
+namespace {
+
+// A very coarse timer may fire half a second early, and would be set again and again for what is left.
+constexpr std::chrono::seconds earlyMargin{1};
+
+std::chrono::milliseconds timerInterval(std::chrono::milliseconds remaining)
+{
+    return remaining.count() == 0 ? remaining : std::chrono::ceil<std::chrono::seconds>(remaining) + earlyMargin;
+}
+
+} // namespace
+
 std::chrono::milliseconds timeToNextCheck(std::optional<TimePoint> lastCheck, TimePoint now)
 {
     if (!lastCheck || *lastCheck > now || now - *lastCheck >= updateCheckInterval)
@@ -21,7 +33,7 @@ UpdateSchedule::UpdateSchedule(Clock clock, std::function<void()> due)
 void UpdateSchedule::start(std::optional<TimePoint> lastCheck)
 {
     m_lastCheck = lastCheck;
-    m_timer.start(timeToNextCheck(m_lastCheck, m_clock()));
+    m_timer.start(timerInterval(timeToNextCheck(m_lastCheck, m_clock())));
 }
 
 void UpdateSchedule::stop()
