@@ -6,6 +6,8 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace tickwise {
 
 namespace {
@@ -34,6 +36,27 @@ bool isTooLarge(const QString &path)
     return file.isFile() && file.size() > UserDefaults::largestFile;
 }
 
+/// Whether each line of the file has the form that an INI file's has. QSettings itself tells only the first who opens a
+/// file.
+bool isIni(const QByteArray &content)
+{
+    const QList<QByteArray> lines = content.split('\n');
+    return std::all_of(lines.cbegin(), lines.cend(), [](const QByteArray &untrimmed) {
+        const QByteArray line = untrimmed.trimmed();
+        if (line.isEmpty() || line.startsWith(';'))
+            return true;
+        return line.startsWith('[') ? line.endsWith(']') : line.contains('=');
+    });
+}
+
+bool isDamaged(const QString &path)
+{
+    if (isTooLarge(path))
+        return true;
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && !isIni(file.readAll());
+}
+
 std::optional<QByteArray> bytes(const QVariant &value)
 {
     if (!value.isValid())
@@ -47,12 +70,6 @@ void assign(QSettings &database, const QString &key, const std::optional<QByteAr
         database.setValue(key, *data);
     else
         database.remove(key);
-}
-
-QString reason(QSettings::Status status)
-{
-    return status == QSettings::AccessError ? QStringLiteral("cannot be written")
-                                            : QStringLiteral("is not a settings file");
 }
 
 /// Too large a file is moved, because what it holds is not ours; any other is copied, because its readable rest stays.
@@ -80,7 +97,7 @@ std::optional<QByteArray> UserDefaults::data(const QString &key) const
 
 Result<void> UserDefaults::setAsideIfDamaged() const
 {
-    if (!isTooLarge(m_path) && Database(m_path).status() != QSettings::FormatError)
+    if (!isDamaged(m_path))
         return {};
     const QString aside = m_path + QStringLiteral(".broken");
     if (!keepAside(m_path, aside))
@@ -101,7 +118,7 @@ Result<void> UserDefaults::setData(const QString &key, const std::optional<QByte
         return {};
     // Otherwise later reads in this process would see what never reached the disk.
     assign(database, key, before);
-    return fileFailure(m_path, reason(database.status()));
+    return fileFailure(m_path, QStringLiteral("cannot be written"));
 }
 
 } // namespace tickwise
