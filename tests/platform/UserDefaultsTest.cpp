@@ -88,6 +88,9 @@ private Q_SLOTS:
     void readingWritesNothing();
     void storesAndRemoves();
     void storesAnyBytes();
+    void seesEveryOneOfQuickChanges();
+    void fileIsForTheUserAlone();
+    void followsALink();
     void keepsOtherEntries();
     void valueOfAnotherKind();
     void fullDiskKeepsWhatIsStored();
@@ -164,6 +167,34 @@ void UserDefaultsTest::storesAnyBytes()
     }
 }
 
+void UserDefaultsTest::seesEveryOneOfQuickChanges()
+{
+    UserDefaults defaults;
+    for (int i = 100; i < 300; ++i) {
+        QVERIFY(defaults.setData(key, QByteArray::number(i)).has_value());
+        QCOMPARE(defaults.data(key), std::optional(QByteArray::number(i)));
+    }
+}
+
+void UserDefaultsTest::fileIsForTheUserAlone()
+{
+    QVERIFY(UserDefaults().setData(key, QByteArray("{}")).has_value());
+    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    QVERIFY(!(QFile::permissions(m_path) & others));
+}
+
+void UserDefaultsTest::followsALink()
+{
+    const QString real = m_home->filePath(QStringLiteral("dotfiles.conf"));
+    write(real, "[General]\nother=1\n");
+    QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+    QVERIFY(QFile::link(real, m_path));
+    QVERIFY(UserDefaults().setData(key, QByteArray("{}")).has_value());
+    QVERIFY(QFileInfo(m_path).isSymLink());
+    QVERIFY(content(real).contains("appSettings="));
+    QVERIFY(content(real).contains("other=1"));
+}
+
 void UserDefaultsTest::keepsOtherEntries()
 {
     write(m_path, "; kept by hand\n[General]\nother=1\n\n[Window]\nwidth=5\n");
@@ -190,10 +221,13 @@ void UserDefaultsTest::fullDiskKeepsWhatIsStored()
     const QByteArray before = content(m_path);
     {
         const FullDisk full(1024);
-        const Result<void> stored = defaults.setData(key, QByteArray(5000, 'x'));
-        QVERIFY(!stored.has_value());
-        QCOMPARE(std::get<FileError>(stored.error()).path, m_path);
-        QCOMPARE(defaults.data(key), std::optional(QByteArray("small")));
+        // The first does not fit, the second is cut off before its last line break only.
+        for (const int size : {5000, 990}) {
+            const Result<void> stored = defaults.setData(key, QByteArray(size, 'x'));
+            QVERIFY(!stored.has_value());
+            QCOMPARE(std::get<FileError>(stored.error()).path, m_path);
+            QCOMPARE(defaults.data(key), std::optional(QByteArray("small")));
+        }
     }
     QCOMPARE(content(m_path), before);
     QVERIFY(defaults.setData(key, QByteArray(5000, 'y')).has_value());
