@@ -66,14 +66,42 @@ int argumentCount(const QString &text)
     return count == 0 || *found.rbegin() == QStringLiteral("%%1").arg(count) ? count : -1;
 }
 
-/// The keys that a source asks for; one that ends in a dot is the start of keys made at run time.
-std::set<QString> keysIn(const QString &source)
+/// The position after the parenthesis that closes the one before `start`.
+qsizetype endOfCall(const QString &source, qsizetype start)
 {
-    static const QRegularExpression lookup(
-        QStringLiteral(R"re(localized\(\s*QStringLiteral\(\s*"([a-z][a-zA-Z0-9]*\.[a-zA-Z0-9.-]*)"\s*\))re"));
+    qsizetype end = start;
+    for (int depth = 1; end < source.size() && depth > 0; ++end)
+        depth += source[end] == u'(' ? 1 : source[end] == u')' ? -1 : 0;
+    return end;
+}
+
+/// The literals in a source that have the form of a key; one that ends in a dot is the start of keys made at run time.
+std::set<QString> dottedLiterals(const QString &source)
+{
+    static const QRegularExpression literal(
+        QStringLiteral(R"re(QStringLiteral\(\s*"([a-z][a-zA-Z0-9]*\.[a-zA-Z0-9.-]*)"\s*\))re"));
+    std::set<QString> literals;
+    for (auto match = literal.globalMatch(source); match.hasNext();)
+        literals.insert(match.next().captured(1));
+    return literals;
+}
+
+/// The keys that a source asks for: what it hands to `localized`, and any literal that starts as known keys do.
+std::set<QString> keysIn(const QString &source, const Table &table)
+{
+    static const QRegularExpression call(QStringLiteral(R"re(\blocalized\()re"));
+    static const QRegularExpression fileName(QStringLiteral(R"re(\.(json|svg|png|xml|conf|qm|ts|desktop|service)$)re"));
     std::set<QString> keys;
-    for (auto match = lookup.globalMatch(source); match.hasNext();)
-        keys.insert(match.next().captured(1));
+    for (auto match = call.globalMatch(source); match.hasNext();) {
+        const qsizetype start = match.next().capturedEnd();
+        keys.merge(dottedLiterals(source.sliced(start, endOfCall(source, start) - start)));
+    }
+    for (const QString &literal : dottedLiterals(source)) {
+        const QString group = literal.left(literal.indexOf(u'.') + 1);
+        const auto first = table.lower_bound(group);
+        if (first != table.end() && first->first.startsWith(group) && !fileName.match(literal).hasMatch())
+            keys.insert(literal);
+    }
     return keys;
 }
 
@@ -237,14 +265,16 @@ void StringTablesTest::keysOfAllKinds()
 
 void StringTablesTest::lookupsAreFound()
 {
+    const Table table = readTable(AppLanguage::en);
     const QString source = QStringLiteral(R"cpp(
         localized(QStringLiteral("menu.open"));
-        label(localized(QStringLiteral("menu.") + raw, bundle));
-        QStringLiteral("com.pelmo");
-        localized( QStringLiteral( "lang.endonym.zh-Hant" ), bundle))cpp");
-    QCOMPARE(keysIn(source), (std::set<QString>{QStringLiteral("menu.open"), QStringLiteral("menu."),
-                                                QStringLiteral("lang.endonym.zh-Hant")}));
-    const Table table = readTable(AppLanguage::en);
+        label(localized(QStringLiteral("menu.") + raw, bundle), QStringLiteral("com.pelmo"));
+        localized(up ? QStringLiteral("no.up") : QStringLiteral( "no.down" )).arg(QStringLiteral("not.this"));
+        addSection(QStringLiteral("general.section.other"));
+        read(QStringLiteral("widget.json"));)cpp");
+    QCOMPARE(keysIn(source, table),
+             (std::set<QString>{QStringLiteral("menu.open"), QStringLiteral("menu."), QStringLiteral("no.up"),
+                                QStringLiteral("no.down"), QStringLiteral("general.section.other")}));
     QVERIFY(hasKey(table, QStringLiteral("lang.endonym.")));
     QVERIFY(!hasKey(table, QStringLiteral("lang.endonyms.")));
     QVERIFY(!hasKey(table, QStringLiteral("lang.endonym")));
@@ -260,7 +290,7 @@ void StringTablesTest::sourcesAskForKnownKeys()
         while (sources.hasNext()) {
             QFile file(sources.next());
             QVERIFY(file.open(QIODevice::ReadOnly));
-            for (const QString &key : keysIn(QString::fromUtf8(file.readAll()))) {
+            for (const QString &key : keysIn(QString::fromUtf8(file.readAll()), table)) {
                 QVERIFY2(hasKey(table, key), qPrintable(file.fileName() + QStringLiteral(": ") + key));
                 ++lookups;
             }
