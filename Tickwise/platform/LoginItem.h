@@ -10,8 +10,8 @@
 
 namespace tickwise {
 
-/// The program's path as the `Exec` value of a desktop entry: quoted and escaped so that it is the one word of the
-/// command.
+/// The program's path as the `Exec` value of a desktop entry: quoted and escaped so that it starts this and nothing
+/// else.
 QString desktopEntryExec(const QString &program);
 
 /// The file that starts this program: the AppImage it runs from, or its own.
