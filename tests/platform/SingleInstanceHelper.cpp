@@ -30,9 +30,10 @@ int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     const QStringList arguments = application.arguments();
-    const bool hangs = arguments.size() > 3 && arguments.at(3) == QStringLiteral("--hang");
+    const bool hangs = arguments.value(3) == QStringLiteral("--hang");
+    const bool endsAfterOne = arguments.value(3) == QStringLiteral("--once");
     QList<QUrl> urls;
-    for (const QString &argument : arguments.mid(hangs ? 4 : 3))
+    for (const QString &argument : arguments.mid(hangs || endsAfterOne ? 4 : 3))
         urls.append(QUrl(argument));
     SingleInstance instance(arguments.at(1), QDBusConnection::sessionBus(), arguments.at(2));
     QObject::connect(&instance, &SingleInstance::activated, &instance,
@@ -51,6 +52,11 @@ int main(int argc, char *argv[])
         while (::read(STDIN_FILENO, &byte, 1) > 0) {
         }
         return 0;
+    }
+    if (endsAfterOne) {
+        QObject::connect(&instance, &SingleInstance::urlsOpened, &application, &QCoreApplication::quit,
+                         Qt::QueuedConnection);
+        return application.exec();
     }
     const QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
     QObject::connect(&input, &QSocketNotifier::activated, &application, &QCoreApplication::quit);

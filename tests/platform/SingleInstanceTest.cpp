@@ -143,14 +143,14 @@ void SingleInstanceTest::addressesThatAreNoneAreDropped()
 void SingleInstanceTest::callsThatTheBusHeldBackArrive()
 {
     PrivateBus bus;
-    SingleInstance instance(applicationId(), bus.connect(), m_locks.path());
-    const QDBusConnection launcher = bus.connect();
-    QCOMPARE(instance.claim({}, {}), SingleInstance::Role::first);
-    // Connected only now, as the application does after its construction; nothing may be lost before the event loop
-    // runs.
-    launcher.asyncCall(applicationCall(QStringLiteral("Activate")) << QVariantMap{});
-    QSignalSpy activated(&instance, &SingleInstance::activated);
-    QTRY_COMPARE(activated.size(), 1);
+    const QString command = QStringLiteral(SINGLE_INSTANCE_HELPER " %1 %2 --once").arg(applicationId(), m_locks.path());
+    bus.addActivation(applicationId(),
+                      QStringLiteral("/usr/bin/env DBUS_SESSION_BUS_ADDRESS=%1 %2").arg(bus.address(), command));
+    // The bus starts the application for this call and hands it over together with the name.
+    const QDBusMessage reply = bus.connect().call(
+        applicationCall(QStringLiteral("Open")) << QStringList{QStringLiteral("tickwise://popover")} << QVariantMap{});
+    QCOMPARE(reply.errorMessage(), QString());
+    QCOMPARE(static_cast<int>(reply.type()), static_cast<int>(QDBusMessage::ReplyMessage));
 }
 
 void SingleInstanceTest::secondCopyQuitsAtOnce()

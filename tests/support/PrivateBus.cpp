@@ -1,6 +1,7 @@
 #include "support/PrivateBus.h"
 
 #include <QDBusError>
+#include <QDBusMessage>
 #include <QFile>
 #include <QUuid>
 
@@ -13,6 +14,7 @@ constexpr char configuration[] = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//
 <busconfig>
   <type>session</type>
   <listen>%1</listen>
+  <servicedir>%2</servicedir>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
@@ -28,7 +30,7 @@ PrivateBus::PrivateBus()
     QFile file(m_directory.filePath(QStringLiteral("bus.conf")));
     if (!file.open(QIODevice::WriteOnly))
         qFatal("no file for the private bus: %s", qPrintable(file.errorString()));
-    file.write(QString::fromLatin1(configuration).arg(address()).toUtf8());
+    file.write(QString::fromLatin1(configuration).arg(address(), m_directory.path()).toUtf8());
     file.close();
     start();
 }
@@ -57,6 +59,18 @@ void PrivateBus::stop()
     m_daemon.terminate();
     m_daemon.waitForFinished(5000);
     QFile::remove(m_directory.filePath(QStringLiteral("bus")));
+}
+
+void PrivateBus::addActivation(const QString &service, const QString &command)
+{
+    QFile file(m_directory.filePath(service + QStringLiteral(".service")));
+    if (!file.open(QIODevice::WriteOnly))
+        qFatal("no service file for the private bus: %s", qPrintable(file.errorString()));
+    file.write(QStringLiteral("[D-BUS Service]\nName=%1\nExec=%2\n").arg(service, command).toUtf8());
+    file.close();
+    connect().call(
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ReloadConfig")));
 }
 
 QString PrivateBus::address() const

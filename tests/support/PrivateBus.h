@@ -6,7 +6,7 @@
 
 namespace tickwise::test {
 
-/// A message bus of the test's own, with nothing on it and nothing that it could start.
+/// A message bus of the test's own, with nothing on it and nothing that it could start but what it is told.
 class PrivateBus
 {
 public:
@@ -19,6 +19,9 @@ public:
     void start();
     /// Ends the bus, as a crash of it does.
     void stop();
+
+    /// Lets the bus start the command when somebody calls the service.
+    void addActivation(const QString &service, const QString &command);
 
     QString address() const;
     /// Each call opens another connection: one for the code under test, one for the service that it talks to.
