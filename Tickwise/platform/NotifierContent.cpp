@@ -4,28 +4,29 @@ namespace tickwise {
 
 namespace {
 
-constexpr double panelHeight = 22.0; // points
-constexpr int squareSizes[] = {22, 24, 32, 44, 48, 64};
-
-QList<StatusPixmap> widePixmaps(const StatusItemContent &content, const StatusItemStyle &style, int scale,
-                                StatusItemWidth &widths)
+QList<StatusPixmap> widePixmaps(const StatusItemContent &content, const StatusItemStyle &style,
+                                const PixmapFormat &format, int scale, StatusItemWidth &widths)
 {
-    const double needed = statusItemWidth(content, style.font, panelHeight);
-    const double width = content.logo ? needed : widths.widthFor(content.text.size(), needed);
-    QList<StatusPixmap> pixmaps{statusPixmap(paintStatusItem(content, style, width, panelHeight, 1))};
-    // These hosts take the largest entry they get, and would blur a double one on a single-density screen.
-    if (scale > 1)
-        pixmaps << statusPixmap(paintStatusItem(content, style, width, panelHeight, 2));
+    QList<StatusPixmap> pixmaps;
+    for (int height : format.heights) {
+        const double needed = statusItemWidth(content, style.font, height);
+        const double width = content.logo ? needed : widths.widthFor(content.text.size(), needed);
+        pixmaps << statusPixmap(paintStatusItem(content, style, width, height, 1), format.premultiplied);
+        // Some hosts take the largest entry they get, and would blur a double one on a single-density screen.
+        if (scale > 1)
+            pixmaps << statusPixmap(paintStatusItem(content, style, width, height, 2), format.premultiplied);
+    }
     return pixmaps;
 }
 
 using SquarePainter = QImage (*)(const StatusItemContent &, const StatusItemStyle &, int);
 
-QList<StatusPixmap> squarePixmaps(const StatusItemContent &content, const StatusItemStyle &style, SquarePainter paint)
+QList<StatusPixmap> squarePixmaps(const StatusItemContent &content, const StatusItemStyle &style,
+                                  const PixmapFormat &format, SquarePainter paint)
 {
     QList<StatusPixmap> pixmaps;
-    for (int size : squareSizes)
-        pixmaps << statusPixmap(paint(content, style, size));
+    for (int size : format.heights)
+        pixmaps << statusPixmap(paint(content, style, size), format.premultiplied);
     return pixmaps;
 }
 
@@ -58,17 +59,18 @@ QString statusLabel(const StatusItemContent &content)
 }
 
 StatusNotifierContent notifierContent(const StatusItemContent &content, const StatusItemStyle &style,
-                                      StatusItemPresentation presentation, int scale, StatusItemWidth &widths)
+                                      StatusItemPresentation presentation, const PixmapFormat &format, int scale,
+                                      StatusItemWidth &widths)
 {
     StatusNotifierContent item{content.title, {content.toolTipTitle, toolTipMarkup(content.toolTipBody)}, {}, {}, {}};
     if (presentation == StatusItemPresentation::wideSni) {
-        item.pixmaps = widePixmaps(content, style, scale, widths);
+        item.pixmaps = widePixmaps(content, style, format, scale, widths);
     } else if (presentation == StatusItemPresentation::sniWithLabel) {
-        item.pixmaps = squarePixmaps(content, style, paintStatusBadge);
+        item.pixmaps = squarePixmaps(content, style, format, paintStatusBadge);
         item.label = statusLabel(content);
         item.labelGuide = labelGuide(*item.label);
     } else {
-        item.pixmaps = squarePixmaps(content, style, paintCompactStatusItem);
+        item.pixmaps = squarePixmaps(content, style, format, paintCompactStatusItem);
     }
     return item;
 }

@@ -10,7 +10,8 @@ namespace tickwise {
 /// The content as a status notifier item of that presentation. `scale` is the largest screen's device pixels a point;
 /// `widths` remembers how wide the text has been.
 StatusNotifierContent notifierContent(const StatusItemContent &content, const StatusItemStyle &style,
-                                      StatusItemPresentation presentation, int scale, StatusItemWidth &widths);
+                                      StatusItemPresentation presentation, const PixmapFormat &format, int scale,
+                                      StatusItemWidth &widths);
 
 /// The text beside the icon: the plain text with the trend as an arrow; empty in logo mode.
 QString statusLabel(const StatusItemContent &content);

@@ -92,9 +92,10 @@ bool PanelStatusItem::eventFilter(QObject *watched, QEvent *event)
     return StatusItem::eventFilter(watched, event);
 }
 
-void PanelStatusItem::hostChanged(StatusItemHost host)
+void PanelStatusItem::hostChanged(StatusItemHost host, const WatcherProcess &process)
 {
     m_host = host;
+    m_format = pixmapFormatFor(host, process);
     m_isNewHost = host != StatusItemHost::none;
     m_settling.start(m_isNewHost ? hostSettles : absenceSettles);
 }
@@ -112,8 +113,10 @@ void PanelStatusItem::settle()
     updateAppearance();
     if (presentation != m_presentation || (!m_item && !m_window))
         build(presentation);
-    if (m_item && m_isNewHost)
+    if (m_item && m_isNewHost) {
+        redraw();
         m_item->registerWithWatcher();
+    }
     m_isNewHost = false;
     if (presentation == StatusItemPresentation::nothing && !std::exchange(m_toldOfNoHost, true))
         qCInfo(lcStatusItem) << "No panel shows status items; the item appears when one starts";
@@ -174,7 +177,7 @@ void PanelStatusItem::redraw()
     if (m_window)
         m_window->setContent(m_content, style);
     if (m_item)
-        m_item->setContent(notifierContent(m_content, style, m_presentation, largestScale(), m_widths));
+        m_item->setContent(notifierContent(m_content, style, m_presentation, m_format, largestScale(), m_widths));
 }
 
 /// Hosts with labels open the menu on a single click, so the menu has to lead to the popover.

@@ -48,7 +48,7 @@ protected:
 
 private:
     void connectSources();
-    void hostChanged(StatusItemHost host);
+    void hostChanged(StatusItemHost host, const WatcherProcess &process);
     void trayChanged();
     void settle();
     void build(StatusItemPresentation presentation);
@@ -70,6 +70,7 @@ private:
     std::function<Menu()> m_menu;
     StatusItemWidth m_widths;
     StatusItemHost m_host = StatusItemHost::none;
+    PixmapFormat m_format;
     StatusItemPresentation m_presentation = StatusItemPresentation::nothing;
     PanelAppearance m_appearance = PanelAppearance::unknown;
     bool m_isNewHost = false;

@@ -1,5 +1,7 @@
 #include "platform/StatusItemHost.h"
 
+#include "platform/WaybarConfig.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -122,6 +124,23 @@ StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray)
     return StatusItemPresentation::squareSni;
 }
 
+PixmapFormat pixmapFormatFor(StatusItemHost host, const WatcherProcess &process)
+{
+    switch (host) {
+    case StatusItemHost::waybar:
+        // It takes the largest entry and scales it, so there must be one, of the right height.
+        return {{waybarIconSize(process.arguments)}};
+    case StatusItemHost::cinnamon:
+        return {{22}};
+    case StatusItemHost::mate:
+        return {{16, 18, 20, 22, 24, 26, 27, 28, 30, 32, 36, 40, 48}};
+    case StatusItemHost::swaybar:
+        return {{16, 18, 20, 22, 24, 32, 48}, true};
+    default:
+        return {{16, 22, 24, 32, 48, 64}};
+    }
+}
+
 PanelAppearance panelAppearance(StatusItemHost host, PanelAppearance trayColors, PanelAppearance colorScheme,
                                 PanelAppearance palette)
 {
@@ -129,13 +148,15 @@ PanelAppearance panelAppearance(StatusItemHost host, PanelAppearance trayColors,
     case StatusItemHost::gnome:
     case StatusItemHost::swaybar:
         return PanelAppearance::dark;
+    case StatusItemHost::lxqt:
+        // Its tray tells no colours, and most of its themes have a dark panel whatever the windows look like.
+        return trayColors != PanelAppearance::unknown ? trayColors : PanelAppearance::dark;
     case StatusItemHost::waybar:
     case StatusItemHost::cinnamon:
         return colorScheme == PanelAppearance::unknown ? PanelAppearance::dark : colorScheme;
     case StatusItemHost::xfce:
     case StatusItemHost::mate:
     case StatusItemHost::ayatana:
-    case StatusItemHost::lxqt:
     case StatusItemHost::none:
         if (trayColors != PanelAppearance::unknown)
             return trayColors;

@@ -2,6 +2,7 @@
 
 #include "pipeline/StatusItem.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -41,6 +42,14 @@ struct WatcherProcess
     QStringList arguments; ///< its command line
 };
 
+/// How a host wants its pixmaps.
+struct PixmapFormat
+{
+    QList<int> heights;         ///< points, of wide and square pixmaps alike
+    bool premultiplied = false; ///< against the protocol, which has straight alpha
+    bool operator==(const PixmapFormat &) const = default;
+};
+
 /// What /proc tells about a process; empty where it tells nothing.
 WatcherProcess watcherProcess(qint64 pid);
 
@@ -49,6 +58,9 @@ StatusItemHost hostFor(const WatcherProcess &process, const QString &currentDesk
 
 /// The presentation for a host; `hasTray` tells whether an X11 system tray can dock windows.
 StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray);
+
+/// The pixmaps for a host that runs as that process.
+PixmapFormat pixmapFormatFor(StatusItemHost host, const WatcherProcess &process);
 
 /// How dark the panel is: the tray's own colours where it tells them, else the desktop's colour scheme where the host
 /// follows it, else what the host usually looks like.

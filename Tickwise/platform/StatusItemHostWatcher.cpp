@@ -24,7 +24,7 @@ StatusItemHostWatcher::StatusItemHostWatcher(const QDBusConnection &bus, const Q
 {
     if (!m_bus.isConnected()) {
         QMetaObject::invokeMethod(
-            this, [this] { report(StatusItemHost::none); }, Qt::QueuedConnection);
+            this, [this] { reportNone(); }, Qt::QueuedConnection);
         return;
     }
     auto *names = new QDBusServiceWatcher(watcherName(), m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
@@ -58,7 +58,7 @@ void StatusItemHostWatcher::ownerChanged(const QString &owner)
 {
     m_owner = owner;
     if (owner.isEmpty())
-        report(StatusItemHost::none);
+        reportNone();
     else
         askForProcess(owner);
 }
@@ -71,13 +71,14 @@ void StatusItemHostWatcher::askForProcess(const QString &owner)
                 if (m_owner != owner)
                     return;
                 const QDBusPendingReply<uint> pid = *finished;
-                report(hostFor(pid.isError() ? WatcherProcess() : m_lookup(pid.value()), m_currentDesktop));
+                const WatcherProcess process = pid.isError() ? WatcherProcess() : m_lookup(pid.value());
+                Q_EMIT hostChanged(hostFor(process, m_currentDesktop), process);
             });
 }
 
-void StatusItemHostWatcher::report(StatusItemHost host)
+void StatusItemHostWatcher::reportNone()
 {
-    Q_EMIT hostChanged(host);
+    Q_EMIT hostChanged(StatusItemHost::none, {});
 }
 
 } // namespace tickwise

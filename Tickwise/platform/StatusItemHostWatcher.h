@@ -24,13 +24,13 @@ public:
 
 Q_SIGNALS:
     /// A host has come, once for each new owner of the name, or (`none`) there is no owner, or no bus.
-    void hostChanged(tickwise::StatusItemHost host);
+    void hostChanged(tickwise::StatusItemHost host, const tickwise::WatcherProcess &process);
 
 private:
     void askForOwner();
     void ownerChanged(const QString &owner);
     void askForProcess(const QString &owner);
-    void report(StatusItemHost host);
+    void reportNone();
     QDBusPendingCallWatcher *askBus(const QString &method, const QString &argument);
 
     QDBusConnection m_bus;

@@ -16,8 +16,9 @@ namespace {
 
 constexpr double logoSize = 18.0;    // points
 constexpr double usualHeight = 22.0; // points; the panel height that radius and logo are meant for
+constexpr double pillHeight = 20.0;  // points, at most
 constexpr double plainPadding = 2.0; // points on each side of a text without a pill
-constexpr double textPart = 0.66;    // of the panel's height, for the font's pixel size
+constexpr double textPart = 0.8;     // of the panel's height, for the font's pixel size
 constexpr double narrowest = 0.62;   // how far compact text may be squeezed before it is made smaller
 
 QColor textColorOf(const StatusItemContent &content, const StatusItemStyle &style)
@@ -119,9 +120,11 @@ QImage paintStatusItem(const StatusItemContent &content, const StatusItemStyle &
         return image;
     }
     QPainter painter(&image);
-    if (content.pillColor)
-        fillRounded(painter, QRectF(image.rect()).adjusted(0, scale, 0, -scale), StatusItemContent::pillRadius * scale,
-                    *content.pillColor);
+    if (content.pillColor) {
+        const double pill = std::min(pillHeight * scale, double(image.height()));
+        fillRounded(painter, QRectF(0, std::floor((image.height() - pill) / 2), image.width(), pill),
+                    StatusItemContent::pillRadius * scale, *content.pillColor);
+    }
     const TabularText tabular(fittedFont(style.font, height, scale));
     const double left = std::round((image.width() - tabular.width(content.text)) / 2);
     painter.setPen(textColorOf(content, style));

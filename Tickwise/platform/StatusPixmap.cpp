@@ -5,14 +5,15 @@
 
 namespace tickwise {
 
-StatusPixmap statusPixmap(const QImage &image)
+StatusPixmap statusPixmap(const QImage &image, bool premultiplied)
 {
-    const QImage straight = image.convertToFormat(QImage::Format_ARGB32);
-    StatusPixmap pixmap{straight.width(), straight.height(), {}};
+    const QImage pixels =
+        image.convertToFormat(premultiplied ? QImage::Format_ARGB32_Premultiplied : QImage::Format_ARGB32);
+    StatusPixmap pixmap{pixels.width(), pixels.height(), {}};
     pixmap.bytes.resize(qsizetype(pixmap.width) * pixmap.height * 4);
     char *out = pixmap.bytes.data();
     for (int y = 0; y < pixmap.height; ++y) {
-        qToBigEndian<quint32>(straight.constScanLine(y), pixmap.width, out);
+        qToBigEndian<quint32>(pixels.constScanLine(y), pixmap.width, out);
         out += qsizetype(pixmap.width) * 4;
     }
     return pixmap;

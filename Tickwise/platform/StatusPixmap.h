@@ -25,7 +25,8 @@ struct StatusToolTip
     bool operator==(const StatusToolTip &) const = default;
 };
 
-StatusPixmap statusPixmap(const QImage &image);
+/// The image as a pixmap; `premultiplied` for the hosts that read the alpha so.
+StatusPixmap statusPixmap(const QImage &image, bool premultiplied = false);
 
 /// Plain text lines as the markup of a tool tip.
 QString toolTipMarkup(const QString &plainLines);
