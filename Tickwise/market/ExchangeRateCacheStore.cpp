@@ -100,7 +100,7 @@ Result<void> ExchangeRateCacheStore::save(const ExchangeRateEntry &entry) const
         return failure(FileError{*m_directory, QStringLiteral("cannot be created")});
     QSaveFile file(fileIn(*m_directory));
     const QByteArray bytes = encodeRateEntry(entry);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() || !file.commit())
         return failure(FileError{file.fileName(), file.errorString()});
     return {};
 }
