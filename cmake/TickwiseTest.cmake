@@ -16,7 +16,7 @@ function(tickwise_add_test name)
     if(TICKWISE_SANITIZE)
         add_test(NAME ${name} COMMAND ${name})
         set_tests_properties(${name} PROPERTIES LABELS ${arg_LABEL} TIMEOUT 300
-            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp")
+            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
         return()
     endif()
     set(listing "${CMAKE_CURRENT_BINARY_DIR}/${name}_tests.cmake")

@@ -62,7 +62,7 @@ QStringList priceLines(const StatusItemInputs &inputs, const Coin &coin)
 void describeFailure(QStringList &lines, const std::optional<ProviderFailure> &failure)
 {
     if (failure)
-        lines.append(localized(QStringLiteral("tooltip.failure.title")).arg(failureText(*failure)));
+        lines << localized(QStringLiteral("tooltip.failure.title")) << failureText(*failure);
 }
 
 StatusItemContent logoContent(const StatusItemInputs &inputs, const Coin *coin)

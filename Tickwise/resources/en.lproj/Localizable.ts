@@ -391,6 +391,10 @@
         <source></source>
         <translation>%1 min</translation>
     </message>
+    <message id="tooltip.age.now">
+        <source></source>
+        <translation>Updated just now</translation>
+    </message>
     <message id="tooltip.age.seconds">
         <source></source>
         <translation>%1 s</translation>

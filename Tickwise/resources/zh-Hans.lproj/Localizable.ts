@@ -391,6 +391,10 @@
         <source></source>
         <translation>%1 分钟</translation>
     </message>
+    <message id="tooltip.age.now">
+        <source></source>
+        <translation>刚刚更新</translation>
+    </message>
     <message id="tooltip.age.seconds">
         <source></source>
         <translation>%1 秒</translation>

@@ -391,6 +391,10 @@
         <source></source>
         <translation>%1 分鐘</translation>
     </message>
+    <message id="tooltip.age.now">
+        <source></source>
+        <translation>剛剛更新</translation>
+    </message>
     <message id="tooltip.age.seconds">
         <source></source>
         <translation>%1 秒</translation>

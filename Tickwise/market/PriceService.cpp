@@ -1,0 +1,293 @@
+#include "market/PriceService.h"
+
+#include "market/FailureReason.h"
+#include "market/HttpStatus.h"
+#include "market/ProviderHealth.h"
+#include "market/TickerProviders.h"
+#include "support/Log.h"
+
+#include <QSet>
+
+#include <algorithm>
+
+namespace tickwise {
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcPrices, "com.pelmo.tickwise.Prices")
+
+const auto tether = QStringLiteral("USDT");
+
+QStringList normalized(const QStringList &symbols)
+{
+    QStringList list;
+    for (const QString &symbol : symbols)
+        list.append(symbol.toUpper());
+    list.sort();
+    list.removeDuplicates();
+    return list;
+}
+
+} // namespace
+
+/// What outlives single fetches.
+struct PriceService::Core
+{
+    HttpClient &client;
+    RateFetching &rates;
+    std::vector<std::unique_ptr<TickerProvider>> providers;
+    Clock clock;
+    ProviderHealth health;
+    QHash<QString, QString> lastLogged; // by provider name: an exchange that stays away is one line, not one a poll
+
+    void log(const QString &provider, const QString &text)
+    {
+        if (lastLogged.value(provider) == text)
+            return;
+        lastLogged.insert(provider, text);
+        qCInfo(lcPrices).noquote() << provider << "gives no prices:" << text;
+    }
+};
+
+/// One fetch. Its methods are the steps, in their order.
+class PriceService::SnapshotFetch : public Operation
+{
+public:
+    SnapshotFetch(const std::shared_ptr<Core> &core, const QStringList &symbols, BaseCurrency currency,
+                  Completion<PriceSnapshot> done)
+        : m_core(core)
+        , m_wantsTether(symbols.contains(tether))
+        , m_wanted(symbols)
+        , m_done(std::move(done))
+    {
+        m_wanted.removeAll(tether);
+        for (std::size_t i = 0; i < core->providers.size(); ++i)
+            m_order.push_back((core->health.preferredProviderIndex + i) % core->providers.size());
+        m_rateRequest = core->rates.rate(currency, [this](const Result<double> &rate) { receiveRate(rate); });
+        if (m_wanted.isEmpty())
+            m_quotesComplete = true;
+        else
+            attempt(0);
+    }
+
+private:
+    using Answer = std::function<void(const Result<TickerQuotes> &)>;
+
+    void receiveRate(const Result<double> &rate)
+    {
+        if (!rate)
+            return finish(failure(rate.error()));
+        m_rate = *rate;
+        deliverWhenComplete();
+    }
+
+    /// The provider at a position of the order, or failure past its end.
+    void attempt(std::size_t position)
+    {
+        const std::shared_ptr<Core> core = m_core.lock();
+        if (!core)
+            return finishLater(UrlLoadingError{UrlErrorCode::cancelled});
+        if (position == m_order.size()) {
+            return finishLater(UrlLoadingError{UrlErrorCode::cannotLoadFromNetwork,
+                                               QStringLiteral("no exchange answered"), 0, m_causes});
+        }
+        const TickerProvider &provider = *core->providers[m_order[position]];
+        const QStringList asked = askable(*core, provider, m_wanted);
+        if (asked.isEmpty())
+            return attempt(position + 1);
+        ask(*core, provider, asked,
+            [this, position, asked](const Result<TickerQuotes> &quotes) { receiveQuotes(position, asked, quotes); });
+    }
+
+    /// The symbols that the provider may be asked for now; none while it is rate-limited.
+    QStringList askable(const Core &core, const TickerProvider &provider, const QStringList &symbols)
+    {
+        const TimePoint now = core.clock();
+        if (const auto until = core.health.rateLimitedUntil(provider.providerName(), now)) {
+            m_causes.push_back({provider.providerName(), FailureReason::rateLimited, until});
+            return {};
+        }
+        return core.health.available(provider.providerName(), symbols, now);
+    }
+
+    void ask(Core &core, const TickerProvider &provider, const QStringList &symbols, const Answer &answer)
+    {
+        const std::optional<HttpRequest> request = provider.makeRequest(symbols);
+        if (!request) {
+            m_tickerRequest = deliverLater<TickerQuotes>(failure(UrlLoadingError{UrlErrorCode::badURL}), answer);
+            return;
+        }
+        m_tickerRequest =
+            core.client.send(*request, [this, &provider, symbols, answer](const Result<HttpResponse> &response) {
+                const std::shared_ptr<Core> alive = m_core.lock();
+                if (!alive)
+                    return finish(failure(UrlLoadingError{UrlErrorCode::cancelled}));
+                answer(response.and_then(classifyTickerResponse).and_then([&](const QByteArray &body) {
+                    return provider.parseQuotes(body, symbols);
+                }));
+            });
+    }
+
+    void receiveQuotes(std::size_t position, const QStringList &asked, const Result<TickerQuotes> &quotes)
+    {
+        const std::shared_ptr<Core> core = m_core.lock();
+        if (!core)
+            return finish(failure(UrlLoadingError{UrlErrorCode::cancelled}));
+        const TickerProvider &provider = *core->providers[m_order[position]];
+        if (!quotes) {
+            noteFailure(*core, provider, quotes.error());
+            return attempt(position + 1);
+        }
+        noteAnswer(*core, provider, asked, *quotes);
+        if (quotes->isEmpty()) {
+            noteFailure(*core, provider, UrlLoadingError{UrlErrorCode::zeroByteResource});
+            return attempt(position + 1);
+        }
+        core->lastLogged.remove(provider.providerName());
+        core->health.preferredProviderIndex = m_order[position];
+        m_quotes = *quotes;
+        collectGapProviders(*core, provider);
+        fillGap(0);
+    }
+
+    /// For every other exchange its first provider, in the order of the list.
+    void collectGapProviders(const Core &core, const TickerProvider &answered)
+    {
+        QSet<QString> names{answered.providerName()};
+        for (const std::unique_ptr<TickerProvider> &provider : core.providers) {
+            if (names.contains(provider->providerName()))
+                continue;
+            names.insert(provider->providerName());
+            m_gapProviders.push_back(provider.get());
+        }
+    }
+
+    void fillGap(std::size_t index)
+    {
+        const std::shared_ptr<Core> core = m_core.lock();
+        if (!core)
+            return finishLater(UrlLoadingError{UrlErrorCode::cancelled});
+        const QStringList missing = missingSymbols();
+        if (missing.isEmpty() || index == m_gapProviders.size()) {
+            m_quotesComplete = true;
+            return deliverWhenComplete();
+        }
+        const TickerProvider &provider = *m_gapProviders[index];
+        const QStringList asked = askable(*core, provider, missing);
+        if (asked.isEmpty())
+            return fillGap(index + 1);
+        ask(*core, provider, asked,
+            [this, index, asked](const Result<TickerQuotes> &quotes) { receiveGapQuotes(index, asked, quotes); });
+    }
+
+    void receiveGapQuotes(std::size_t index, const QStringList &asked, const Result<TickerQuotes> &quotes)
+    {
+        const std::shared_ptr<Core> core = m_core.lock();
+        if (!core)
+            return finish(failure(UrlLoadingError{UrlErrorCode::cancelled}));
+        const TickerProvider &provider = *m_gapProviders[index];
+        if (quotes) {
+            noteAnswer(*core, provider, asked, *quotes);
+            m_quotes.insert(*quotes);
+        } else {
+            noteFailure(*core, provider, quotes.error());
+        }
+        fillGap(index + 1);
+    }
+
+    QStringList missingSymbols() const
+    {
+        QStringList missing;
+        std::copy_if(m_wanted.begin(), m_wanted.end(), std::back_inserter(missing),
+                     [this](const QString &symbol) { return !m_quotes.contains(symbol); });
+        return missing;
+    }
+
+    static void noteAnswer(Core &core, const TickerProvider &provider, const QStringList &asked,
+                           const TickerQuotes &quotes)
+    {
+        core.health.noteAnswer(
+            provider.providerName(), asked, [&](const QString &symbol) { return quotes.contains(symbol); },
+            core.clock());
+    }
+
+    void noteFailure(Core &core, const TickerProvider &provider, const Error &error)
+    {
+        const QString name = provider.providerName();
+        const TimePoint now = core.clock();
+        const auto *const refused = std::get_if<TickerProviderError>(&error);
+        const bool limited = refused && refused->kind == TickerProviderError::Kind::rateLimited;
+        if (limited)
+            core.health.noteRateLimit(name, refused->retryAfter, now);
+        m_causes.push_back({name, failureReason(error), core.health.rateLimitedUntil(name, now)});
+        core.log(name, description(error));
+    }
+
+    void deliverWhenComplete()
+    {
+        if (!m_rate || !m_quotesComplete)
+            return;
+        PriceSnapshot snapshot;
+        snapshot.usdToTargetRate = *m_rate;
+        if (m_wantsTether)
+            m_quotes.insert(tether, {1.0, 0.0});
+        for (auto quote = m_quotes.cbegin(); quote != m_quotes.cend(); ++quote) {
+            snapshot.prices.insert(quote.key(), quote->priceUsd * *m_rate);
+            if (quote->change24hPercent)
+                snapshot.changes24h.insert(quote.key(), *quote->change24hPercent);
+        }
+        finish(std::move(snapshot));
+    }
+
+    /// For ends that may be reached inside the call that started the fetch.
+    void finishLater(Error error)
+    {
+        m_rateRequest.cancel();
+        m_tickerRequest = deliverLater<PriceSnapshot>(failure(std::move(error)),
+                                                      [this](const Result<PriceSnapshot> &result) { finish(result); });
+    }
+
+    /// The completion may destroy this fetch: nothing comes after it.
+    void finish(Result<PriceSnapshot> result)
+    {
+        m_rateRequest.cancel();
+        m_tickerRequest.cancel();
+        const Completion<PriceSnapshot> done = std::move(m_done);
+        done(std::move(result));
+    }
+
+    std::weak_ptr<Core> m_core;
+    bool m_wantsTether;
+    QStringList m_wanted;
+    Completion<PriceSnapshot> m_done;
+    std::vector<std::size_t> m_order;
+    std::vector<const TickerProvider *> m_gapProviders;
+    std::vector<ProviderFailure> m_causes;
+    TickerQuotes m_quotes;
+    bool m_quotesComplete = false;
+    std::optional<double> m_rate;
+    Subscription m_rateRequest;
+    Subscription m_tickerRequest;
+};
+
+PriceService::PriceService(HttpClient &client, RateFetching &exchangeRateService, const Endpoints &endpoints,
+                           Clock clock)
+    : m_core(std::make_shared<Core>(
+          Core{client, exchangeRateService, makeTickerProviders(endpoints, clock), clock, {}, {}}))
+{
+}
+
+PriceService::~PriceService() = default;
+
+Subscription PriceService::fetchSnapshot(const QStringList &symbols, BaseCurrency currency,
+                                         Completion<PriceSnapshot> done)
+{
+    const QStringList wanted = normalized(symbols);
+    if (wanted.isEmpty()) {
+        return deliverLater<PriceSnapshot>(failure(UrlLoadingError{UrlErrorCode::badURL, QStringLiteral("no symbols")}),
+                                           std::move(done));
+    }
+    return Subscription(std::make_unique<SnapshotFetch>(m_core, wanted, currency, std::move(done)));
+}
+
+} // namespace tickwise

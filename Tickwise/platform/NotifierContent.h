@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/StatusItemHost.h"
+#include "platform/StatusItemPainter.h"
+#include "platform/StatusItemWidth.h"
+#include "platform/StatusNotifierItem.h"
+
+namespace tickwise {
+
+/// The content as a status notifier item of that presentation. `scale` is the largest screen's device pixels a point;
+/// `widths` remembers how wide the text has been.
+StatusNotifierContent notifierContent(const StatusItemContent &content, const StatusItemStyle &style,
+                                      StatusItemPresentation presentation, const PixmapFormat &format, int scale,
+                                      StatusItemWidth &widths);
+
+/// The text beside the icon: the plain text with the trend as an arrow; empty in logo mode.
+QString statusLabel(const StatusItemContent &content);
+
+} // namespace tickwise

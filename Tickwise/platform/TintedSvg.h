@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QString>
+
+namespace tickwise {
+
+/// The drawing in one colour, in a square of `pixels` by `pixels`; a null image where there is no such drawing.
+QImage tintedSvg(const QString &path, int pixels, const QColor &color);
+
+/// The interface symbol of that name (:/symbols) in one colour; a null image where there is none.
+QImage tintedSymbol(const QString &name, int pixels, const QColor &color);
+
+} // namespace tickwise

@@ -1,0 +1,62 @@
+#include "ui/UpdateSelection.h"
+
+#include "ui/VersionComparison.h"
+
+namespace tickwise {
+
+namespace {
+
+constexpr std::chrono::hours rollbackMemory{14 * 24};
+
+bool meetsSystem(const AppcastItem &item, const QString &systemVersion)
+{
+    return item.minimumSystemVersion.isEmpty() || !isVersion(systemVersion) ||
+           compareVersions(systemVersion, item.minimumSystemVersion) >= 0;
+}
+
+const AppcastItem *newer(const AppcastItem *best, const AppcastItem &item)
+{
+    return !best || compareVersions(item.version, best->version) > 0 ? &item : best;
+}
+
+bool isSkipped(const AppcastItem &item, const UpdateQuery &query)
+{
+    return !query.userInitiated && !query.skippedVersion.isEmpty() &&
+           compareVersions(item.version, query.skippedVersion) <= 0;
+}
+
+} // namespace
+
+UpdateSelection selectUpdate(const std::vector<AppcastItem> &items, const UpdateQuery &query)
+{
+    const AppcastItem *best = nullptr;
+    bool needsNewerSystem = false;
+    for (const AppcastItem &item : items) {
+        if (compareVersions(item.version, query.runningVersion) <= 0)
+            continue;
+        if (meetsSystem(item, query.systemVersion))
+            best = newer(best, item);
+        else
+            needsNewerSystem = true;
+    }
+    if (!best)
+        return {needsNewerSystem ? UpdateOutcome::noUpdateForSystem : UpdateOutcome::upToDate, std::nullopt};
+    if (isSkipped(*best, query))
+        return {UpdateOutcome::skipped, std::nullopt};
+    return {UpdateOutcome::found, *best};
+}
+
+QString newestVersion(const std::vector<AppcastItem> &items)
+{
+    const AppcastItem *best = nullptr;
+    for (const AppcastItem &item : items)
+        best = newer(best, item);
+    return best ? best->version : QString();
+}
+
+bool isRolledBack(const QString &newest, const std::optional<SeenVersion> &seen, TimePoint now)
+{
+    return seen && seen->at <= now && now - seen->at < rollbackMemory && compareVersions(newest, seen->version) < 0;
+}
+
+} // namespace tickwise
