@@ -33,6 +33,8 @@ LoopbackConnection::LoopbackConnection(qintptr descriptor, const QSslConfigurati
     connect(&m_socket, &QSslSocket::encryptedBytesWritten, this, &LoopbackConnection::pump);
     connect(&m_socket, &QAbstractSocket::disconnected, this, &LoopbackConnection::closed);
     m_socket.setSocketDescriptor(descriptor);
+    // Head and body go out as separate writes: without this each answer would wait for a delayed acknowledgement.
+    m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     if (tls) {
         m_socket.setSslConfiguration(*tls);
         m_socket.startServerEncryption();
