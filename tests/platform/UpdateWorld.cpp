@@ -19,10 +19,11 @@ QString updaterKey()
 
 QByteArray itemText(const Release &release, const AppcastItem &item)
 {
-    return "<item><sparkle:version>" + release.version + "</sparkle:version><sparkle:minimumSystemVersion>"
-        + release.minimumSystemVersion + "</sparkle:minimumSystemVersion><description><![CDATA[" + release.notes
-        + "]]></description><enclosure url=\"" + item.url.toEncoded() + "\" length=\"" + QByteArray::number(item.length)
-        + "\" type=\"application/octet-stream\" sparkle:edSignature=\"" + item.signature + "\"/></item>";
+    return "<item><sparkle:version>" + release.version + "</sparkle:version><sparkle:minimumSystemVersion>" +
+           release.minimumSystemVersion + "</sparkle:minimumSystemVersion><description><![CDATA[" + release.notes +
+           "]]></description><enclosure url=\"" + item.url.toEncoded() + "\" length=\"" +
+           QByteArray::number(item.length) + "\" type=\"application/octet-stream\" sparkle:edSignature=\"" +
+           item.signature + "\"/></item>";
 }
 
 } // namespace
@@ -76,8 +77,8 @@ QByteArray UpdateWorld::feedOf(const std::vector<Release> &releases) const
     for (const Release &release : releases)
         items += itemText(release, itemOf(release));
     return "<?xml version=\"1.0\" encoding=\"utf-8\"?><rss version=\"2.0\" "
-           "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel>"
-        + items + "</channel></rss>";
+           "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel>" +
+           items + "</channel></rss>";
 }
 
 void UpdateWorld::publishFeed(const QByteArray &feed)
@@ -96,9 +97,8 @@ void UpdateWorld::start()
 {
     stop();
     controller = std::make_unique<UpdateController>();
-    UpdaterServices services{http,   clock.clock(),
-                             defaults, driver,
-                             [this] { return focused; }, [this](const QString &path) { open(path); }};
+    UpdaterServices services{
+        http, clock.clock(), defaults, driver, [this] { return focused; }, [this](const QString &path) { open(path); }};
     auto owned = std::make_unique<SparkleUpdaterBackend>(*controller, configuration, services);
     m_backend = owned.get();
     controller->attach(std::move(owned));

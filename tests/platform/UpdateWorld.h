@@ -26,7 +26,10 @@ public:
 
     void choose(UpdateAction action) { Q_EMIT chosen(action); }
     /// The phase that is shown; none while nothing ever was.
-    std::optional<UpdatePhase> phase() const { return states.empty() ? std::nullopt : std::optional(states.back().phase); }
+    std::optional<UpdatePhase> phase() const
+    {
+        return states.empty() ? std::nullopt : std::optional(states.back().phase);
+    }
     std::optional<UpdateFailureKind> failure() const { return states.empty() ? std::nullopt : states.back().failure; }
 
     std::vector<UpdateState> states;
