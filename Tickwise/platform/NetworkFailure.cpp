@@ -25,14 +25,6 @@ UrlErrorCode handshakeErrorCode(const QList<QSslError> &errors)
                                                                   : UrlErrorCode::serverCertificateUntrusted;
 }
 
-// Qt reports a stream that inflates beyond the limit like one that is damaged; the limit's name in the text, which no
-// translation changes, tells them apart.
-UrlErrorCode contentErrorCode(const QString &text)
-{
-    return text.contains(QStringLiteral("SafetyCheckThreshold")) ? UrlErrorCode::dataLengthExceedsMaximum
-                                                                 : UrlErrorCode::cannotParseResponse;
-}
-
 // An unreachable network has no error of its own.
 UrlErrorCode unknownErrorCode(const NetworkFailure &failure)
 {
@@ -45,7 +37,9 @@ UrlErrorCode unknownErrorCode(const NetworkFailure &failure)
 
 bool isStatusOnly(QNetworkReply::NetworkError error, int status)
 {
-    return status >= 400 && error >= QNetworkReply::ContentAccessDenied;
+    const bool isAboutTheAnswer = error >= QNetworkReply::ContentAccessDenied;
+    return status >= 400 &&
+           (isAboutTheAnswer || (status == 407 && error == QNetworkReply::ProxyAuthenticationRequiredError));
 }
 
 UrlErrorCode urlErrorCode(const NetworkFailure &failure)
@@ -79,7 +73,7 @@ UrlErrorCode urlErrorCode(const NetworkFailure &failure)
     case QNetworkReply::ProtocolUnknownError:
         return UrlErrorCode::badURL;
     case QNetworkReply::UnknownContentError:
-        return contentErrorCode(failure.text);
+        return UrlErrorCode::cannotParseResponse;
     case QNetworkReply::UnknownNetworkError:
         return unknownErrorCode(failure);
     default:

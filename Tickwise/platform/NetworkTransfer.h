@@ -1,6 +1,7 @@
 #pragma once
 
 #include "market/HttpClient.h"
+#include "platform/GzipReader.h"
 
 #include <QList>
 #include <QNetworkReply>
@@ -29,7 +30,9 @@ private:
     void open(const QUrl &url);
     void readHead();
     void readBody();
+    bool decode(const char *bytes, qint64 count);
     bool store(const char *bytes, qint64 count);
+    bool deliver(const char *bytes, qint64 count);
     void reportProgress();
     void conclude();
     void follow(const QUrl &target);
@@ -39,6 +42,8 @@ private:
     void release();
     int status() const;
     bool isRedirect() const;
+    bool isGzip() const;
+    HttpResponse takeResponse();
     qint64 announcedLength() const;
 
     QNetworkAccessManager &m_manager;
@@ -48,8 +53,9 @@ private:
     Completion<HttpResponse> m_done;
     QPointer<QNetworkReply> m_reply;
     QList<QSslError> m_sslErrors;
+    std::unique_ptr<GzipReader> m_gzip;
     QByteArray m_body;
-    qint64 m_received = 0;
+    qint64 m_received = 0; ///< bytes of the body, inflated
     int m_redirects = 0;
     QTimer m_deadline;
     QObject m_context;
