@@ -10,7 +10,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr char journalSocket[] = "/run/systemd/journal/socket";
+const char *journalSocketPath = nullptr;
 
 struct Level
 {
@@ -85,14 +85,15 @@ void writeToStderr(const QByteArray &line)
 void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     // The journal's library reports success for lines that no journal takes, hence the look at its socket.
-    if (!acceptsJournal(journalSocket) || !sendToJournal(journalFields(type, context, text)))
+    if (::access(journalSocketPath, W_OK) != 0 || !sendToJournal(journalFields(type, context, text)))
         writeToStderr(stderrLine(type, context, text));
 }
 
 } // namespace
 
-void installLogHandler()
+void installLogHandler(const char *journalSocket)
 {
+    journalSocketPath = journalSocket;
     QLoggingCategory::setFilterRules(QStringLiteral("com.pelmo.tickwise.*.debug=false"));
     qInstallMessageHandler(handleMessage);
 }
@@ -119,11 +120,6 @@ std::vector<QByteArray> journalFields(QtMsgType type, const QMessageLogContext &
 QByteArray stderrLine(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     return category(context) + ": " + level(type).name + ": " + escaped(text).toUtf8() + '\n';
-}
-
-bool acceptsJournal(const char *socketPath)
-{
-    return ::access(socketPath, W_OK) == 0;
 }
 
 } // namespace tickwise

@@ -1,10 +1,16 @@
 #include "platform/UserDefaults.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTemporaryFile>
+
+#include <algorithm>
+#include <cstdio>
 
 namespace tickwise {
 
@@ -34,32 +40,97 @@ bool isTooLarge(const QString &path)
     return file.isFile() && file.size() > UserDefaults::largestFile;
 }
 
-std::optional<QByteArray> bytes(const QVariant &value)
+/// Whether each line of the file has the form that an INI file's has. QSettings tells only the first who opens a file.
+bool isIni(const QByteArray &content)
 {
-    if (!value.isValid())
-        return std::nullopt;
-    return value.toByteArray();
+    const QList<QByteArray> lines = content.split('\n');
+    return std::all_of(lines.cbegin(), lines.cend(), [](const QByteArray &untrimmed) {
+        const QByteArray line = untrimmed.trimmed();
+        if (line.isEmpty() || line.startsWith(';'))
+            return true;
+        return line.startsWith('[') ? line.endsWith(']') : line.indexOf('=') > 0;
+    });
 }
 
-void assign(QSettings &database, const QString &key, const std::optional<QByteArray> &data)
+bool isDamaged(const QString &path)
 {
+    if (isTooLarge(path))
+        return true;
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && !isIni(file.readAll());
+}
+
+/// Whether a file that QSettings wrote ends where it should: every entry is one line.
+bool isComplete(const QString &path, qsizetype entries)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    const auto written = std::count_if(lines.cbegin(), lines.cend(),
+                                       [](const QByteArray &line) { return !line.isEmpty() && !line.startsWith('['); });
+    return lines.last().isEmpty() && written == entries;
+}
+
+bool copyContent(const QString &from, QFile &to)
+{
+    QFile source(from);
+    if (!source.exists())
+        return true;
+    if (!source.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray content = source.readAll();
+    return to.write(content) == content.size() && to.flush();
+}
+
+bool writeEntry(const QString &path, const QString &key, const std::optional<QByteArray> &data)
+{
+    Database database(path);
     if (data)
         database.setValue(key, *data);
     else
         database.remove(key);
+    database.sync();
+    return database.status() == QSettings::NoError && isComplete(path, database.allKeys().size());
 }
 
-QString reason(QSettings::Status status)
+/// QSettings takes a file of the same size and time for the one it knows, so each version needs a time of its own.
+bool makeNewer(QFile &file, const QString &than)
 {
-    return status == QSettings::AccessError ? QStringLiteral("cannot be written")
-                                            : QStringLiteral("is not a settings file");
+    const QDateTime previous = QFileInfo(than).lastModified();
+    const QDateTime own = QFileInfo(file.fileName()).lastModified();
+    if (!previous.isValid() || own > previous)
+        return true;
+    return file.setFileTime(previous.addMSecs(1), QFileDevice::FileModificationTime);
 }
 
-/// Too large a file is moved, because what it holds is not ours; any other is copied, because its readable rest stays.
-bool keepAside(const QString &path, const QString &aside)
+/// The file itself, where the path is a link to it.
+QString resolved(const QString &path)
 {
-    QFile::remove(aside);
-    return isTooLarge(path) ? QFile::rename(path, aside) : QFile::copy(path, aside);
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    return canonical.isEmpty() ? path : canonical;
+}
+
+bool replace(const QString &path, const QString &by)
+{
+    QFile file(by);
+    if (!file.open(QIODevice::ReadWrite) || !makeNewer(file, path))
+        return false;
+    file.close();
+    return std::rename(QFile::encodeName(by).constData(), QFile::encodeName(path).constData()) == 0;
+}
+
+/// QSettings of this Qt version replaces its file by a part of it when the disk fills up, so it works on a copy, which
+/// takes the file's place only when it is whole.
+bool store(const QString &path, const QString &key, const std::optional<QByteArray> &data)
+{
+    const QString target = resolved(path);
+    QTemporaryFile copy(target + QStringLiteral(".XXXXXX"));
+    if (!QDir().mkpath(QFileInfo(target).path()) || !copy.open() || !copyContent(target, copy))
+        return false;
+    const QString copyPath = copy.fileName();
+    copy.close();
+    return writeEntry(copyPath, key, data) && replace(target, copyPath);
 }
 
 } // namespace
@@ -75,15 +146,17 @@ std::optional<QByteArray> UserDefaults::data(const QString &key) const
 {
     if (isTooLarge(m_path))
         return std::nullopt;
-    return bytes(Database(m_path).value(key));
+    const QVariant value = Database(m_path).value(key);
+    return value.isValid() ? std::optional(value.toByteArray()) : std::nullopt;
 }
 
 Result<void> UserDefaults::setAsideIfDamaged() const
 {
-    if (!isTooLarge(m_path) && Database(m_path).status() != QSettings::FormatError)
+    if (!isDamaged(m_path))
         return {};
     const QString aside = m_path + QStringLiteral(".broken");
-    if (!keepAside(m_path, aside))
+    QFile::remove(aside);
+    if (!QFile::rename(m_path, aside))
         return fileFailure(m_path, QStringLiteral("is damaged and could not be kept aside"));
     qCWarning(lcDefaults, "Damaged settings file kept as %s", qUtf8Printable(aside));
     return {};
@@ -93,15 +166,9 @@ Result<void> UserDefaults::setData(const QString &key, const std::optional<QByte
 {
     if (const Result<void> intact = setAsideIfDamaged(); !intact)
         return intact;
-    Database database(m_path);
-    const std::optional<QByteArray> before = bytes(database.value(key));
-    assign(database, key, data);
-    database.sync();
-    if (database.status() != QSettings::AccessError)
-        return {};
-    // Otherwise later reads in this process would see what never reached the disk.
-    assign(database, key, before);
-    return fileFailure(m_path, reason(database.status()));
+    if (!store(m_path, key, data))
+        return fileFailure(m_path, QStringLiteral("cannot be written"));
+    return {};
 }
 
 } // namespace tickwise

@@ -15,7 +15,7 @@ class UserDefaults : public SettingsDataStorage
 {
 public:
     /// In bytes; no file of ours comes near it.
-    static constexpr qint64 largestFile = 32 * 1024 * 1024;
+    static constexpr qint64 largestFile = qint64{32} * 1024 * 1024;
 
     explicit UserDefaults(const QString &organization = QStringLiteral("com.pelmo"),
                           const QString &application = QStringLiteral("tickwise"));

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <charconv>
 #include <cmath>
 
 namespace tickwise {
@@ -40,7 +41,23 @@ qsizetype endOfNumber(const QByteArray &document, qsizetype start)
     return i;
 }
 
-/// The document with null for every number that no double holds, such as 1e999.
+/// Whether the token is a JSON number that no double holds, such as 1e999.
+bool overflows(const QByteArray &token)
+{
+    double value = 0;
+    if (std::from_chars(token.cbegin(), token.cend(), value).ec != std::errc::result_out_of_range)
+        return false;
+    // Out of range may also mean too small, or lie in a token that is no JSON: the parser knows.
+    try {
+        return nlohmann::json::parse(token.cbegin(), token.cend()).is_discarded();
+    } catch (const nlohmann::json::out_of_range &) {
+        return true;
+    } catch (const nlohmann::json::parse_error &) {
+        return false;
+    }
+}
+
+/// The document with null for every number that overflows.
 QByteArray withoutOverflowingNumbers(const QByteArray &document)
 {
     QByteArray result;
@@ -50,28 +67,30 @@ QByteArray withoutOverflowingNumbers(const QByteArray &document)
         const bool isNumber = c == '-' || (c >= '0' && c <= '9');
         const qsizetype end = c == '"' ? endOfString(document, i) : isNumber ? endOfNumber(document, i) : i + 1;
         const QByteArray token = document.sliced(i, end - i);
-        result += isNumber && std::isinf(token.toDouble()) ? QByteArrayLiteral("null") : token;
+        result += isNumber && overflows(token) ? QByteArrayLiteral("null") : token;
         i = end;
     }
     return result;
+}
+
+Result<nlohmann::json> parseWithoutOverflow(const QByteArray &document)
+{
+    const QByteArray repaired = withoutOverflowingNumbers(document);
+    nlohmann::json json = nlohmann::json::parse(repaired.cbegin(), repaired.cend(), nullptr, false);
+    if (json.is_discarded())
+        return invalid(QStringLiteral("not valid JSON"));
+    return json;
 }
 
 Result<nlohmann::json> parse(const QByteArray &document)
 {
     try {
         return nlohmann::json::parse(document.cbegin(), document.cend());
+    } catch (const nlohmann::json::out_of_range &) {
+        return parseWithoutOverflow(document);
     } catch (const nlohmann::json::parse_error &error) {
         // The parser's own text quotes the document, which may be long and private.
         return invalid(QStringLiteral("not valid JSON"), static_cast<qint64>(error.byte));
-    }
-}
-
-Result<nlohmann::json> parseTolerantly(const QByteArray &document)
-{
-    try {
-        return parse(document);
-    } catch (const nlohmann::json::out_of_range &) {
-        return parse(withoutOverflowingNumbers(document));
     }
 }
 
@@ -215,7 +234,7 @@ Result<AppSettings> decodeSettings(const QByteArray &document)
     if (document.size() > largestSettingsDocument)
         return invalid(QStringLiteral("%1 bytes are more than a settings document may have").arg(document.size()));
     // The parsed value is only ever moved: copying one that is nested deeply would exhaust the stack.
-    const Result<nlohmann::json> json = parseTolerantly(document);
+    const Result<nlohmann::json> json = parse(document);
     if (!json)
         return tl::unexpected(json.error());
     if (!json->is_object())

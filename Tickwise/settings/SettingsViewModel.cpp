@@ -67,7 +67,7 @@ std::vector<SettingsTab> allCases<SettingsTab>()
 
 SettingsViewModel::SettingsViewModel(UserDefaultsSettingsStore store, QObject *parent)
     : QObject(parent)
-    , m_store(std::move(store))
+    , m_store(store)
 {
     m_settings = m_store.load().value_or(AppSettings());
 }
