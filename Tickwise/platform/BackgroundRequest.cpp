@@ -1,6 +1,7 @@
 #include "platform/BackgroundRequest.h"
 
-#include <QDBusAbstractInterface>
+#include "platform/PortalRequest.h"
+
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingReply>
@@ -9,11 +10,6 @@
 namespace tickwise {
 
 namespace {
-
-QString portalService()
-{
-    return QStringLiteral("org.freedesktop.portal.Desktop");
-}
 
 QString portalPath()
 {
@@ -27,27 +23,12 @@ tl::unexpected<Error> portalFailure(const QString &text)
 
 } // namespace
 
-/// The object that carries the portal's answer.
-class PortalRequest : public QDBusAbstractInterface
-{
-    Q_OBJECT
-
-public:
-    PortalRequest(const QDBusConnection &bus, const QString &path)
-        : QDBusAbstractInterface(portalService(), path, "org.freedesktop.portal.Request", bus, nullptr)
-    {
-    }
-
-Q_SIGNALS:
-    void Response(uint response, const QVariantMap &results);
-};
-
 BackgroundRequest::BackgroundRequest(const QDBusConnection &bus, bool autostart, Completion<void> done, QObject *parent)
     : QObject(parent)
     , m_bus(bus)
     , m_autostart(autostart)
     , m_done(std::move(done))
-    , m_portalWatcher(portalService(), bus, QDBusServiceWatcher::WatchForUnregistration)
+    , m_portalWatcher(PortalRequest::service(), bus, QDBusServiceWatcher::WatchForUnregistration)
 {
     connect(&m_portalWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
             [this] { finish(portalFailure(QStringLiteral("the portal ended"))); });
@@ -68,7 +49,7 @@ void BackgroundRequest::send(const QString &program, const QString &reason)
     // The answer may come before the call's own reply: its path follows from the token, so that it can be heard in
     // time.
     listen(portalPath() + QStringLiteral("/request/") + sender + u'/' + token);
-    QDBusMessage call = QDBusMessage::createMethodCall(portalService(), portalPath(),
+    QDBusMessage call = QDBusMessage::createMethodCall(PortalRequest::service(), portalPath(),
                                                        QStringLiteral("org.freedesktop.portal.Background"),
                                                        QStringLiteral("RequestBackground"));
     call << QString()
@@ -118,5 +99,3 @@ void BackgroundRequest::finish(const Result<void> &result)
 }
 
 } // namespace tickwise
-
-#include "BackgroundRequest.moc"

@@ -1,13 +1,12 @@
 #include "platform/SingleInstance.h"
 
+#include "platform/ApplicationAdaptor.h"
 #include "support/Log.h"
 
-#include <QDBusAbstractAdaptor>
 #include <QDBusMessage>
 #include <QDBusReply>
 #include <QDir>
 #include <QFile>
-#include <QStandardPaths>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -31,21 +30,6 @@ QString applicationInterface()
     return QStringLiteral("org.freedesktop.Application");
 }
 
-QString tokenKey()
-{
-    return QStringLiteral("activation-token");
-}
-
-QString startupIdKey()
-{
-    return QStringLiteral("desktop-startup-id");
-}
-
-QString tokenOf(const QVariantMap &platformData)
-{
-    return platformData.value(tokenKey(), platformData.value(startupIdKey())).toString();
-}
-
 /// The folder when it is a real one of this user that nobody else may enter.
 bool isPrivateFolder(const QString &path)
 {
@@ -53,42 +37,6 @@ bool isPrivateFolder(const QString &path)
     return ::lstat(QFile::encodeName(path).constData(), &information) == 0 && S_ISDIR(information.st_mode) &&
            information.st_uid == ::getuid() && (information.st_mode & 077) == 0;
 }
-
-/// What the bus sees at the application's path.
-class ApplicationAdaptor : public QDBusAbstractAdaptor
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
-
-public:
-    explicit ApplicationAdaptor(SingleInstance *instance)
-        : QDBusAbstractAdaptor(instance)
-        , m_instance(instance)
-    {
-    }
-
-public Q_SLOTS:
-    void Activate(const QVariantMap &platformData) { Q_EMIT m_instance->activated(tokenOf(platformData)); }
-
-    void Open(const QStringList &addresses, const QVariantMap &platformData)
-    {
-        QList<QUrl> urls;
-        for (const QString &address : addresses) {
-            if (const QUrl url(address); url.isValid())
-                urls.append(url);
-        }
-        Q_EMIT m_instance->urlsOpened(urls, tokenOf(platformData));
-    }
-
-    // The desktop file names no actions, so that one can only be a launcher's wish to see the application.
-    void ActivateAction(const QString &, const QVariantList &, const QVariantMap &platformData)
-    {
-        Q_EMIT m_instance->activated(tokenOf(platformData));
-    }
-
-private:
-    SingleInstance *m_instance;
-};
 
 } // namespace
 
@@ -149,7 +97,8 @@ void SingleInstance::forward(const QList<QUrl> &urls, const QString &activationT
         message << QUrl::toStringList(urls, QUrl::FullyEncoded);
     QVariantMap platformData;
     if (!activationToken.isEmpty())
-        platformData = {{tokenKey(), activationToken}, {startupIdKey(), activationToken}};
+        platformData = {{ApplicationAdaptor::tokenKey(), activationToken},
+                        {ApplicationAdaptor::startupIdKey(), activationToken}};
     message << platformData;
     if (const QDBusMessage reply = m_bus.call(message, QDBus::Block, callTimeoutMs);
         reply.type() == QDBusMessage::ErrorMessage) {
@@ -178,14 +127,12 @@ SingleInstance::Role SingleInstance::claimLock()
 
 QString SingleInstance::defaultLockDirectory(const QString &applicationId)
 {
-    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (isPrivateFolder(runtime))
         return runtime;
-    const QString own = QDir::tempPath() + u'/' + applicationId + u'-' + QString::number(::getuid());
+    QString own = QDir::tempPath() + u'/' + applicationId + u'-' + QString::number(::getuid());
     ::mkdir(QFile::encodeName(own).constData(), 0700);
     return isPrivateFolder(own) ? own : QString();
 }
 
 } // namespace tickwise
-
-#include "SingleInstance.moc"

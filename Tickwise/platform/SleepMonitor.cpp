@@ -1,24 +1,8 @@
 #include "platform/SleepMonitor.h"
 
-#include <QDBusAbstractInterface>
+#include "platform/LoginManager.h"
 
 namespace tickwise {
-
-/// The one signal that is wanted of org.freedesktop.login1.
-class LoginManager : public QDBusAbstractInterface
-{
-    Q_OBJECT
-
-public:
-    explicit LoginManager(const QDBusConnection &bus)
-        : QDBusAbstractInterface(QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
-                                 "org.freedesktop.login1.Manager", bus, nullptr)
-    {
-    }
-
-Q_SIGNALS:
-    void PrepareForSleep(bool start);
-};
 
 SleepMonitor::SleepMonitor(const QDBusConnection &systemBus, QObject *parent)
     : QObject(parent)
@@ -51,5 +35,3 @@ void SleepMonitor::noteReachability(QNetworkInformation::Reachability reachabili
 }
 
 } // namespace tickwise
-
-#include "SleepMonitor.moc"

@@ -58,10 +58,7 @@ UpdateDownload::UpdateDownload(HttpClient &http, UpdateDownloadOrder order)
 
 UpdateDownload::~UpdateDownload()
 {
-    // The request writes into the file until it is dropped.
-    m_request.cancel();
-    if (!m_file.fileName().isEmpty())
-        m_file.remove();
+    removeFile();
 }
 
 void UpdateDownload::start()
@@ -162,8 +159,18 @@ void UpdateDownload::keep()
     }
 }
 
+void UpdateDownload::removeFile()
+{
+    // The request writes into the file until it is dropped.
+    m_request.cancel();
+    if (!m_file.fileName().isEmpty())
+        m_file.remove();
+}
+
 void UpdateDownload::finish(tl::expected<QString, UpdateFailure> result)
 {
+    if (!result)
+        removeFile();
     const auto done = m_order.done; // the call may end this object
     done(std::move(result));
 }

@@ -39,6 +39,7 @@ private:
     std::optional<UpdateFailure> lengthRefusal() const;
     std::optional<UpdateFailure> signatureRefusal() const;
     void keep();
+    void removeFile();
     void finish(tl::expected<QString, UpdateFailure> result);
 
     HttpClient &m_http;

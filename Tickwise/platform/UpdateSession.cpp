@@ -104,11 +104,11 @@ void UpdateSession::choose(const std::vector<AppcastItem> &items)
         selectUpdate(items, {m_configuration.runningVersion, m_configuration.systemVersion,
                              m_settings.settings().skippedVersion, m_userInitiated});
     if (selection.item)
-        offer(*selection.item);
-    else if (selection.outcome == UpdateOutcome::noUpdateForSystem)
-        fail({UpdateFailureKind::noUpdateForSystem, QStringLiteral("newer versions need a newer system")});
-    else
-        conclude(UpdatePhase::upToDate);
+        return offer(*selection.item);
+    const bool needsNewerSystem = selection.outcome == UpdateOutcome::noUpdateForSystem;
+    if (needsNewerSystem)
+        m_state.failure = UpdateFailureKind::noUpdateForSystem;
+    conclude(needsNewerSystem ? UpdatePhase::failed : UpdatePhase::upToDate);
 }
 
 void UpdateSession::offer(const AppcastItem &item)

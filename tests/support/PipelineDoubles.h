@@ -131,7 +131,7 @@ public:
         if (contents.empty() || contents.back() != content)
             contents.push_back(content);
     }
-    void setMenu(std::function<Menu()> menu) override { this->menu = std::move(menu); }
+    void setMenu(std::function<Menu()> provider) override { menu = std::move(provider); }
     PanelAppearance appearance() const override { return m_appearance; }
     void setAppearance(PanelAppearance appearance)
     {

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QSslConfiguration>
+
+namespace tickwise {
+
+/// What a loopback server shows to a client that connects over TLS.
+enum class LoopbackCertificate
+{
+    valid,
+    expired,
+    notYetValid,
+    fromStranger
+};
+
+/// The TLS configuration of a loopback server.
+QSslConfiguration loopbackServerTls(LoopbackCertificate certificate);
+
+/// Trusts the loopback authority and nothing else.
+QSslConfiguration loopbackClientTls();
+
+} // namespace tickwise
