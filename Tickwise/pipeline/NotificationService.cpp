@@ -14,6 +14,23 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcNotifications, "com.pelmo.tickwise.Notifications")
 
+/// The template with its places %1, %2 ... filled in; a template without them, such as a bare key, stays as it is.
+QString filled(const QString &key, const LocalizationBundle &bundle, const std::vector<QString> &arguments)
+{
+    const QString text = localized(key, bundle);
+    QString result;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const int place = text[i] == u'%' && i + 1 < text.size() ? text[i + 1].digitValue() : -1;
+        if (place < 1 || place > static_cast<int>(arguments.size())) {
+            result += text[i];
+            continue;
+        }
+        result += arguments[static_cast<std::size_t>(place - 1)];
+        ++i;
+    }
+    return result;
+}
+
 QString priceText(const Coin &coin)
 {
     return coin.currentPrice ? formatPrice(*coin.currentPrice) : QStringLiteral("--");
@@ -33,18 +50,20 @@ QString directionKey(double changePercent)
 QString alertText(const Coin &coin, CoinAlertKind kind, double level, double changePercent,
                   const LocalizationBundle &bundle)
 {
-    const auto text = [&](const QString &key) { return localized(key, bundle); };
+    const auto text = [&](const QString &key, const std::vector<QString> &arguments) {
+        return filled(key, bundle, arguments);
+    };
     const QString price = priceText(coin);
     switch (kind) {
     case CoinAlertKind::above:
-        return text(QStringLiteral("notification.priceAlert.above")).arg(coin.symbol, formatPrice(level), price);
+        return text(QStringLiteral("notification.priceAlert.above"), {coin.symbol, formatPrice(level), price});
     case CoinAlertKind::below:
-        return text(QStringLiteral("notification.priceAlert.below")).arg(coin.symbol, formatPrice(level), price);
+        return text(QStringLiteral("notification.priceAlert.below"), {coin.symbol, formatPrice(level), price});
     case CoinAlertKind::change:
-        return text(QStringLiteral("notification.priceAlert.change"))
-            .arg(coin.symbol, text(directionKey(changePercent)), moveText(changePercent), price);
+        return text(QStringLiteral("notification.priceAlert.change"),
+                    {coin.symbol, localized(directionKey(changePercent), bundle), moveText(changePercent), price});
     case CoinAlertKind::notSet:
-        return text(QStringLiteral("notification.priceAlert.notSet")).arg(coin.symbol, price);
+        return text(QStringLiteral("notification.priceAlert.notSet"), {coin.symbol, price});
     }
     return {};
 }
@@ -62,7 +81,7 @@ UserNotification priceAlertNotification(const Coin &coin, CoinAlertKind kind, do
                                         double usdToTargetRate, TimePoint now, const LocalizationBundle &bundle)
 {
     return {.identifier = QStringLiteral("price-alert-%1-%2").arg(coin.id, secondsText(now)),
-            .title = localized(QStringLiteral("notification.priceAlert.title"), bundle).arg(coin.name),
+            .title = filled(QStringLiteral("notification.priceAlert.title"), bundle, {coin.name}),
             .body = alertText(coin, kind, alertLevel(threshold, usdToTargetRate), changePercent, bundle)};
 }
 

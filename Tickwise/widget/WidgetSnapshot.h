@@ -47,8 +47,7 @@ PriceColorTexts priceColorTexts(const AppSettings &settings);
 /// The snapshot of these coins and settings, written at `now`.
 WidgetSnapshot makeWidgetSnapshot(const std::vector<Coin> &coins, const AppSettings &settings, TimePoint now);
 
-/// The compact JSON document, keys in the order of the fields. Failure: a number that is not finite, or a year that
-/// ISO 8601 does not write with four digits.
+/// The compact JSON document, keys in the order of the fields. Failure: a number that is not finite.
 Result<QByteArray> encodeWidgetSnapshot(const WidgetSnapshot &snapshot);
 
 /// Strict decoding: a missing key or a wrongly typed value anywhere fails the whole document.

@@ -30,7 +30,13 @@ Result<TimePoint> decodeDate(const QString &text)
     const QDateTime date = QDateTime::fromString(text, Qt::ISODate);
     if (text.size() != dateLength || !text.endsWith(u'Z') || !date.isValid())
         return invalid(QStringLiteral("writtenAt is not an ISO 8601 date"));
-    return TimePoint(std::chrono::seconds(date.toSecsSinceEpoch()));
+    const std::chrono::seconds time(date.toSecsSinceEpoch());
+    // Four digits of a year reach further than the clock's nanoseconds.
+    constexpr auto first = std::chrono::ceil<std::chrono::seconds>(TimePoint::min().time_since_epoch());
+    constexpr auto last = std::chrono::floor<std::chrono::seconds>(TimePoint::max().time_since_epoch());
+    if (time < first || time > last)
+        return invalid(QStringLiteral("writtenAt is out of range"));
+    return TimePoint(time);
 }
 
 std::string utf8(const QString &text)
@@ -149,11 +155,8 @@ Result<QByteArray> encodeWidgetSnapshot(const WidgetSnapshot &snapshot)
 {
     if (const std::optional<QString> id = notFiniteQuote(snapshot))
         return invalid(QStringLiteral("the quote of %1 is not a finite number").arg(*id));
-    const QString writtenAt = dateText(snapshot.writtenAt);
-    if (writtenAt.size() != dateLength)
-        return invalid(QStringLiteral("writtenAt is not a date that can be written"));
     nlohmann::ordered_json object;
-    object["writtenAt"] = utf8(writtenAt);
+    object["writtenAt"] = utf8(dateText(snapshot.writtenAt));
     object["language"] = utf8(rawValue(snapshot.language));
     object["currency"] = utf8(rawValue(snapshot.currency));
     object["colorByChange"] = snapshot.colorByChange;

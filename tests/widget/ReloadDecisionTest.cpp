@@ -1,0 +1,124 @@
+#include "widget/ReloadDecision.h"
+
+#include "support/TestClock.h"
+
+#include <QTest>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+using Edit = std::function<void(WidgetSnapshot &)>;
+Q_DECLARE_METATYPE(Edit)
+
+namespace {
+
+const QString bitcoin = QStringLiteral("bitcoin");
+const QString ethereum = QStringLiteral("ethereum");
+
+WidgetSnapshot lastSnapshot()
+{
+    WidgetSnapshot snapshot = makeWidgetSnapshot({}, {}, TestClock().now());
+    snapshot.quotes[bitcoin] = {100, 1.0};
+    return snapshot;
+}
+
+} // namespace
+
+class ReloadDecisionTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void firstWriteReloads();
+    void decides_data();
+    void decides();
+    void lastWithoutQuotesReloadsForAnyQuote();
+    void oldPriceOfZeroOrLessNeverTriggers_data();
+    void oldPriceOfZeroOrLessNeverTriggers();
+    void timeCountsFromTheReload();
+};
+
+void ReloadDecisionTest::firstWriteReloads()
+{
+    QVERIFY(needsWidgetReload(std::nullopt, lastSnapshot()));
+}
+
+void ReloadDecisionTest::decides_data()
+{
+    QTest::addColumn<Edit>("edit");
+    QTest::addColumn<bool>("reloads");
+    const auto row = [](const char *name, bool reloads, const Edit &edit) { QTest::newRow(name) << edit << reloads; };
+    const auto after = [](double seconds) -> Edit {
+        return [seconds](WidgetSnapshot &snapshot) { snapshot.writtenAt += secondsDuration(seconds); };
+    };
+    const auto priced = [](double price) -> Edit {
+        return [price](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoin].price = price; };
+    };
+    row("nothing changed", false, [](WidgetSnapshot &) {});
+    row("299 s", false, after(299));
+    row("300 s", true, after(300));
+    row("just before 300 s", false, after(299.999));
+    row("clock went back", false, after(-1000));
+    row("language", true, [](WidgetSnapshot &snapshot) { snapshot.language = AppLanguage::zhHans; });
+    row("currency", true, [](WidgetSnapshot &snapshot) { snapshot.currency = BaseCurrency::eur; });
+    row("colour switch", true, [](WidgetSnapshot &snapshot) { snapshot.colorByChange = false; });
+    row("up colour", true, [](WidgetSnapshot &snapshot) { snapshot.upColorHex = QStringLiteral("#000000"); });
+    row("down colour", true, [](WidgetSnapshot &snapshot) { snapshot.downColorHex = QStringLiteral("#000000"); });
+    row("swapped colours", true,
+        [](WidgetSnapshot &snapshot) { std::swap(snapshot.upColorHex, snapshot.downColorHex); });
+    row("displayed coin", true, [](WidgetSnapshot &snapshot) { snapshot.displayedCoinId = ethereum; });
+    row("watchlist shorter", true, [](WidgetSnapshot &snapshot) { snapshot.watchlist.pop_back(); });
+    row("watchlist order", true, [](WidgetSnapshot &snapshot) { std::ranges::reverse(snapshot.watchlist); });
+    row("1 % up", false, priced(101));
+    row("more than 1 % up", true, priced(101.01));
+    row("1 % down", false, priced(99));
+    row("more than 1 % down", true, priced(98.99));
+    row("price gone to zero", true, priced(0));
+    row("change only", false, [](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoin].change24hPercent = 50; });
+    row("change gone", false, [](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoin].change24hPercent.reset(); });
+    row("coin gained its price", true, [](WidgetSnapshot &snapshot) { snapshot.quotes[ethereum] = {1, 1}; });
+    row("coin lost its price", false, [](WidgetSnapshot &snapshot) { snapshot.quotes.clear(); });
+}
+
+void ReloadDecisionTest::decides()
+{
+    QFETCH(Edit, edit);
+    QFETCH(bool, reloads);
+    WidgetSnapshot snapshot = lastSnapshot();
+    edit(snapshot);
+    QCOMPARE(needsWidgetReload(WidgetReload{lastSnapshot(), lastSnapshot().writtenAt}, snapshot), reloads);
+}
+
+void ReloadDecisionTest::lastWithoutQuotesReloadsForAnyQuote()
+{
+    WidgetSnapshot empty = lastSnapshot();
+    empty.quotes.clear();
+    const WidgetReload last{empty, empty.writtenAt};
+    QVERIFY(needsWidgetReload(last, lastSnapshot()));
+    QVERIFY(!needsWidgetReload(last, empty));
+}
+
+void ReloadDecisionTest::oldPriceOfZeroOrLessNeverTriggers_data()
+{
+    QTest::addColumn<double>("oldPrice");
+    QTest::newRow("zero") << 0.0;
+    QTest::newRow("negative") << -5.0;
+}
+
+void ReloadDecisionTest::oldPriceOfZeroOrLessNeverTriggers()
+{
+    QFETCH(double, oldPrice);
+    WidgetSnapshot old = lastSnapshot();
+    old.quotes[bitcoin].price = oldPrice;
+    QVERIFY(!needsWidgetReload(WidgetReload{old, old.writtenAt}, lastSnapshot()));
+}
+
+void ReloadDecisionTest::timeCountsFromTheReload()
+{
+    WidgetSnapshot old = lastSnapshot();
+    old.writtenAt -= std::chrono::hours(1);
+    QVERIFY(!needsWidgetReload(WidgetReload{old, lastSnapshot().writtenAt}, lastSnapshot()));
+}
+
+QTEST_GUILESS_MAIN(ReloadDecisionTest)
+#include "ReloadDecisionTest.moc"

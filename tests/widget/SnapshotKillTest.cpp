@@ -1,0 +1,89 @@
+#include "widget/WidgetSnapshotStore.h"
+
+#include "support/TestClock.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+#include <random>
+#include <set>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+namespace {
+
+constexpr int kills = 1000;
+
+/// A snapshot whose length differs from that of its neighbours and that tells its number.
+WidgetSnapshot numbered(int number)
+{
+    WidgetSnapshot snapshot = makeWidgetSnapshot({}, {}, TestClock().now());
+    snapshot.displayedCoinId = QString::number(number);
+    snapshot.watchlist.assign(static_cast<std::size_t>(number * 37 % 200), snapshot.displayedCoinId);
+    return snapshot;
+}
+
+[[noreturn]] void writeForEver(const WidgetSnapshotStore &store, int firstNumber)
+{
+    for (int number = firstNumber;; ++number) {
+        if (!store.write(numbered(number)))
+            _exit(1);
+    }
+}
+
+/// Starts a writer and kills it after so many microseconds. The signal that ended it, or -1.
+int killWriter(const WidgetSnapshotStore &store, int firstNumber, useconds_t delay)
+{
+    const pid_t writer = fork();
+    if (writer == 0)
+        writeForEver(store, firstNumber);
+    usleep(delay);
+    kill(writer, SIGKILL);
+    int status = 0;
+    if (writer < 0 || waitpid(writer, &status, 0) != writer || !WIFSIGNALED(status))
+        return -1;
+    return WTERMSIG(status);
+}
+
+} // namespace
+
+class SnapshotKillTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyFileFoundAfterAKillDecodes();
+};
+
+void SnapshotKillTest::everyFileFoundAfterAKillDecodes()
+{
+    const QTemporaryDir directory;
+    const WidgetSnapshotStore store{directory.path()};
+    QVERIFY(store.write(numbered(0)));
+    std::mt19937 random(20260131); // NOLINT: the same moments every time
+    std::uniform_int_distribution<useconds_t> delay(200, 4000);
+    std::set<QString> found;
+    int interrupted = 0;
+    for (int i = 0; i < kills; ++i) {
+        QCOMPARE(killWriter(store, i * 1000, delay(random)), SIGKILL);
+        const Result<WidgetSnapshot> snapshot = store.read();
+        QVERIFY2(snapshot, snapshot ? "" : qPrintable(description(snapshot.error())));
+        QCOMPARE(*snapshot, numbered(snapshot->displayedCoinId.toInt()));
+        found.insert(snapshot->displayedCoinId);
+        interrupted += QFile::exists(*store.path() + QStringLiteral(".new")) ? 1 : 0;
+    }
+    // Otherwise the writers did not get far enough for this to say anything.
+    QVERIFY2(found.size() > 50, qPrintable(QString::number(found.size())));
+    QVERIFY2(interrupted > 50, qPrintable(QString::number(interrupted)));
+    QVERIFY(store.write(numbered(7)));
+    QCOMPARE(store.read().value(), numbered(7));
+}
+
+QTEST_GUILESS_MAIN(SnapshotKillTest)
+#include "SnapshotKillTest.moc"

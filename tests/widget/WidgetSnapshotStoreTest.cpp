@@ -1,0 +1,131 @@
+#include "widget/WidgetSnapshotStore.h"
+
+#include "support/TestClock.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <limits>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+namespace {
+
+WidgetSnapshot snapshotOf(double price)
+{
+    WidgetSnapshot snapshot = makeWidgetSnapshot({}, {}, TestClock().now());
+    snapshot.quotes[QStringLiteral("bitcoin")] = {price, std::nullopt};
+    return snapshot;
+}
+
+void makeFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        qFatal("%s cannot be made", qPrintable(path));
+}
+
+} // namespace
+
+class WidgetSnapshotStoreTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void absentDirectoryDoesNothingAndSucceeds();
+    void makesTheDirectories();
+    void replacesTheFileAndLeavesNothingElse();
+    void usesWhatAKilledWriterLeft();
+    void failsWhereTheDirectoryCannotBeMade();
+    void failedWriteLeavesTheOldFile_data();
+    void failedWriteLeavesTheOldFile();
+    void readsNothingWithoutAFile();
+
+private:
+    QTemporaryDir m_directory;
+};
+
+void WidgetSnapshotStoreTest::absentDirectoryDoesNothingAndSucceeds()
+{
+    const WidgetSnapshotStore store;
+    QVERIFY(store.write(snapshotOf(1)));
+    QVERIFY(!store.path());
+    QVERIFY(!store.read());
+}
+
+void WidgetSnapshotStoreTest::makesTheDirectories()
+{
+    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("deep/deeper"))};
+    QVERIFY(store.write(snapshotOf(1)));
+    QCOMPARE(*store.path(), m_directory.filePath(QStringLiteral("deep/deeper/widget-snapshot.json")));
+    QCOMPARE(store.read().value(), snapshotOf(1));
+}
+
+void WidgetSnapshotStoreTest::replacesTheFileAndLeavesNothingElse()
+{
+    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("replace"))};
+    QVERIFY(store.write(snapshotOf(1000000)));
+    QVERIFY(store.write(snapshotOf(2)));
+    QFile file(*store.path());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), encodeWidgetSnapshot(snapshotOf(2)).value());
+    QCOMPARE(QDir(*store.directory).entryList(QDir::Files), QStringList(QStringLiteral("widget-snapshot.json")));
+}
+
+void WidgetSnapshotStoreTest::usesWhatAKilledWriterLeft()
+{
+    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("left"))};
+    QVERIFY(store.write(snapshotOf(1)));
+    QFile left(*store.path() + QStringLiteral(".new"));
+    QVERIFY(left.open(QIODevice::WriteOnly));
+    left.write(QByteArray(100000, 'x'));
+    left.close();
+    QVERIFY(store.write(snapshotOf(2)));
+    QCOMPARE(store.read().value(), snapshotOf(2));
+    QVERIFY(!left.exists());
+}
+
+void WidgetSnapshotStoreTest::failsWhereTheDirectoryCannotBeMade()
+{
+    const QString file = m_directory.filePath(QStringLiteral("file"));
+    makeFile(file);
+    const Result<void> written = WidgetSnapshotStore{file + QStringLiteral("/below")}.write(snapshotOf(1));
+    QVERIFY(!written);
+    QCOMPARE(description(written.error()), file + QStringLiteral("/below: the directory cannot be made"));
+}
+
+void WidgetSnapshotStoreTest::failedWriteLeavesTheOldFile_data()
+{
+    QTest::addColumn<QString>("obstacle");
+    QTest::newRow("full disk") << QStringLiteral("full");
+    QTest::newRow("no new file") << QStringLiteral("directory");
+    QTest::newRow("number that JSON cannot carry") << QStringLiteral("encoding");
+}
+
+void WidgetSnapshotStoreTest::failedWriteLeavesTheOldFile()
+{
+    QFETCH(QString, obstacle);
+    const WidgetSnapshotStore store{m_directory.filePath(obstacle)};
+    QVERIFY(store.write(snapshotOf(1)));
+    const QString next = *store.path() + QStringLiteral(".new");
+    double price = 2;
+    if (obstacle == QStringLiteral("full"))
+        QVERIFY(QFile::link(QStringLiteral("/dev/full"), next));
+    else if (obstacle == QStringLiteral("directory"))
+        QVERIFY(QDir().mkdir(next));
+    else
+        price = std::numeric_limits<double>::infinity();
+    QVERIFY(!store.write(snapshotOf(price)));
+    QCOMPARE(store.read().value(), snapshotOf(1));
+}
+
+void WidgetSnapshotStoreTest::readsNothingWithoutAFile()
+{
+    QVERIFY(!WidgetSnapshotStore{m_directory.filePath(QStringLiteral("nothing"))}.read());
+}
+
+QTEST_GUILESS_MAIN(WidgetSnapshotStoreTest)
+#include "WidgetSnapshotStoreTest.moc"
