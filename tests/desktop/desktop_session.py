@@ -700,6 +700,15 @@ class RecordingNotifications:
         self.process.write_line(" ".join(map(str, words)))
 
 
+def is_alive(pid):
+    """Whether the process runs; one that has ended and only waits for its parent to notice does not."""
+    try:
+        with open(f"/proc/{pid}/stat", encoding="utf-8", errors="replace") as file:
+            return file.read().rpartition(")")[2].split()[0] not in "ZX"
+    except OSError:
+        return False
+
+
 def _die_with_parent():
     _libc.prctl(_PR_SET_PDEATHSIG, signal.SIGTERM)
 

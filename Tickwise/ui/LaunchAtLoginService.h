@@ -1,0 +1,33 @@
+#pragma once
+
+#include "support/Subscription.h"
+
+namespace tickwise {
+
+/// The desktop's entry that starts the application when the user logs in.
+class LoginItem
+{
+public:
+    virtual ~LoginItem() = default;
+
+    /// Adds or removes the entry; one that is already as wanted is a success. `done` gets the one result, later.
+    virtual void setRegistered(bool registered, Completion<void> done) = 0;
+};
+
+/// Applies the `launchAtLogin` setting. A failure is one log line and nothing else: the setting keeps its value.
+class LaunchAtLoginService
+{
+public:
+    /// `item` has to outlive the service.
+    explicit LaunchAtLoginService(LoginItem &item)
+        : m_item(&item)
+    {
+    }
+
+    void setEnabled(bool enabled);
+
+private:
+    LoginItem *m_item;
+};
+
+} // namespace tickwise
