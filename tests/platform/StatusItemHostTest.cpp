@@ -26,6 +26,7 @@ private Q_SLOTS:
     void eachHostHasItsAppearance_data();
     void eachHostHasItsAppearance();
     void trayTextColourTellsTheAppearance();
+    void onlySomeHostsTellWhereAClickWas();
     void waybarGetsOnePixmapOfItsIconSize();
     void swaybarReadsPremultipliedAlpha();
     void matePanelsOfAllUsualHeightsGetTheirOwnPixmap();
@@ -167,6 +168,16 @@ void StatusItemHostTest::trayTextColourTellsTheAppearance()
     QCOMPARE(appearanceForText(0x2e2e, 0x3434, 0x3636), PanelAppearance::light);
     QCOMPARE(appearanceForText(0, 0, 0), PanelAppearance::light);
     QCOMPARE(appearanceForText(65535, 65535, 65535), PanelAppearance::dark);
+}
+
+void StatusItemHostTest::onlySomeHostsTellWhereAClickWas()
+{
+    for (StatusItemHost host : {StatusItemHost::xfce, StatusItemHost::lxqt, StatusItemHost::plasma,
+                                StatusItemHost::gnome, StatusItemHost::swaybar})
+        QVERIFY(tellsClickPosition(host));
+    for (StatusItemHost host :
+         {StatusItemHost::waybar, StatusItemHost::mate, StatusItemHost::cinnamon, StatusItemHost::unknown})
+        QVERIFY(!tellsClickPosition(host));
 }
 
 void StatusItemHostTest::waybarGetsOnePixmapOfItsIconSize()
