@@ -25,10 +25,11 @@ QString configurationPath(const QStringList &commandLine)
         if (commandLine[i] == u"-c" || commandLine[i] == u"--config")
             return commandLine[i + 1];
     }
-    for (const QString &name : {QStringLiteral("waybar/config.jsonc"), QStringLiteral("waybar/config")}) {
-        const QString found = QStandardPaths::locate(QStandardPaths::GenericConfigLocation, name);
-        if (!found.isEmpty())
-            return found;
+    for (const QString &folder : QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation)) {
+        for (const QString &name : {QStringLiteral("/waybar/config"), QStringLiteral("/waybar/config.jsonc")}) {
+            if (QFile::exists(folder + name))
+                return folder + name;
+        }
     }
     return {};
 }

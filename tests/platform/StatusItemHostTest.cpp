@@ -28,6 +28,7 @@ private Q_SLOTS:
     void trayTextColourTellsTheAppearance();
     void onlySomeHostsTellWhereAClickWas();
     void waybarGetsOnePixmapOfItsIconSize();
+    void theUsersWaybarConfigurationIsFound();
     void swaybarReadsPremultipliedAlpha();
     void matePanelsOfAllUsualHeightsGetTheirOwnPixmap();
     void iconSizeOfAWaybarConfiguration_data();
@@ -189,6 +190,30 @@ void StatusItemHostTest::waybarGetsOnePixmapOfItsIconSize()
     const WatcherProcess process{QStringLiteral("waybar"),
                                  {QStringLiteral("waybar"), QStringLiteral("-c"), file.fileName()}};
     QCOMPARE(pixmapFormatFor(StatusItemHost::waybar, process), (PixmapFormat{{19}, false}));
+}
+
+void StatusItemHostTest::theUsersWaybarConfigurationIsFound()
+{
+    QTemporaryDir home;
+    QTemporaryDir system;
+    const auto write = [](const QTemporaryDir &folder, const QString &name, const QByteArray &text) {
+        QDir(folder.path()).mkpath(QStringLiteral("waybar"));
+        QFile file(folder.filePath(QStringLiteral("waybar/") + name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    };
+    const QByteArray formerHome = qgetenv("XDG_CONFIG_HOME");
+    const QByteArray formerSystem = qgetenv("XDG_CONFIG_DIRS");
+    qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
+    qputenv("XDG_CONFIG_DIRS", system.path().toUtf8());
+    const QStringList commandLine{QStringLiteral("waybar")};
+    QCOMPARE(waybarIconSize(commandLine), waybarDefaultIconSize);
+    write(system, QStringLiteral("config.jsonc"), R"({"tray": {"icon-size": 30}})");
+    QCOMPARE(waybarIconSize(commandLine), 30);
+    write(home, QStringLiteral("config"), R"({"tray": {"icon-size": 20}})");
+    QCOMPARE(waybarIconSize(commandLine), 20);
+    formerHome.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", formerHome);
+    formerSystem.isNull() ? qunsetenv("XDG_CONFIG_DIRS") : qputenv("XDG_CONFIG_DIRS", formerSystem);
 }
 
 void StatusItemHostTest::swaybarReadsPremultipliedAlpha()
