@@ -48,7 +48,8 @@ int waybarIconSize(const QByteArray &configuration)
 int waybarIconSize(const QStringList &commandLine)
 {
     QFile file(configurationPath(commandLine));
-    return file.open(QIODevice::ReadOnly) ? waybarIconSize(file.readAll()) : waybarDefaultIconSize;
+    return !file.fileName().isEmpty() && file.open(QIODevice::ReadOnly) ? waybarIconSize(file.readAll())
+                                                                        : waybarDefaultIconSize;
 }
 
 } // namespace tickwise
