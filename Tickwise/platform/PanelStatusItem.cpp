@@ -160,6 +160,7 @@ void PanelStatusItem::buildTrayWindow(XEmbedStatusWindow::Shape shape)
     connect(m_window.get(), &XEmbedStatusWindow::menuRequested, this, &PanelStatusItem::showMenuAt);
     redraw();
     connect(m_tray.get(), &SystemTraySelection::docked, m_window.get(), &QWidget::show);
+    connect(m_tray.get(), &SystemTraySelection::undocked, m_window.get(), &QWidget::hide);
     m_tray->dock(m_window->winId());
 }
 
