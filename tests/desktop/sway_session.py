@@ -1,0 +1,130 @@
+"""A desktop on a Wayland compositor without a screen."""
+
+import json
+import os
+
+from desktop_base import WATCHER, DesktopSession, make_socket_directory
+from session_process import SessionError
+from virtual_pointer import VirtualPointer
+
+UNPRIVILEGED_ID = 65534
+
+_SWAY = """output HEADLESS-1 mode {width}x{height}
+xwayland enable
+default_border normal
+focus_follows_mouse no
+{bar}
+exec printf '%s %s %s\\n' "$SWAYSOCK" "$WAYLAND_DISPLAY" "$DISPLAY" > {ready}
+"""
+
+_SWAYBAR = """bar {
+    position top
+    tray_output *
+    status_command while echo; do sleep 3600; done
+}
+"""
+
+_WAYBAR = {
+    "layer": "top",
+    "position": "top",
+    "height": 30,
+    "modules-left": ["sway/workspaces"],
+    "modules-right": ["tray"],
+    "tray": {"icon-size": 22, "spacing": 8},
+}
+
+_WAYBAR_STYLE = """* { font-family: sans-serif; font-size: 13px; min-height: 0; }
+window#waybar { background: #2b303b; color: #ffffff; }
+#workspaces button { background: #64727d; color: #ffffff; padding: 0 5px; }
+"""
+
+
+class SwaySession(DesktopSession):
+    """A headless sway with a bar: "waybar", "swaybar" or None. It refuses to run as root, so that a test that does run as
+    root gives the whole session, programs included, to an unprivileged user."""
+
+    def __init__(self, bar="waybar", notifications="dunst"):
+        super().__init__(notifications, UNPRIVILEGED_ID if os.getuid() == 0 else None)
+        self._bar_kind = bar
+        self._pointer = None
+        self.compositor = None
+        self.panel = None
+
+    def start_panel(self):
+        """Starts waybar again after `stop_panel`."""
+        configuration = self.write_file("waybar/config", json.dumps(_WAYBAR))
+        style = self.write_file("waybar/style.css", _WAYBAR_STYLE)
+        self.panel = self.start_process("waybar", ["waybar", "-c", configuration, "-s", style], {"GDK_BACKEND": "wayland"})
+        self._wait_for_item_host()
+
+    def stop_panel(self):
+        self.stop_process(self.panel)
+        self.panel = None
+        self.wait_for(lambda: not self.bus.owner(WATCHER), what="the end of the bar's item host")
+
+    def message(self, *words):
+        """Sends a command or, with "-t", a question to sway; returns its JSON answer."""
+        return json.loads(self.tool(["swaymsg", "-r", *words]))
+
+    def windows(self, name):
+        """The windows of the layout whose title or application id contains the text, as sway describes them."""
+        found = []
+        pending = [self.message("-t", "get_tree")]
+        while pending:
+            node = pending.pop()
+            pending += node["nodes"] + node["floating_nodes"]
+            if node.get("pid") and name in f"{node.get('name')} {node.get('app_id')}":
+                found.append(node)
+        return found
+
+    def move_pointer(self, x, y):
+        self._pointer.move(x, y)
+
+    def click(self, x, y, button=1):
+        self._pointer.move(x, y)
+        self._pointer.press(button)
+        self._pointer.release(button)
+
+    def type_text(self, text):
+        self.tool(["wtype", text])
+
+    def press_key(self, key):
+        self.tool(["wtype", "-k", key])
+
+    def _capture(self, kind):
+        return self.tool(["grim", "-t", kind, "-"])
+
+    def _start_desktop(self):
+        make_socket_directory()
+        self.environment["XDG_CURRENT_DESKTOP"] = "sway"
+        ready = os.path.join(self.directory, "ready")
+        bar = _SWAYBAR if self._bar_kind == "swaybar" else ""
+        configuration = self.write_file("sway.conf", _SWAY.format(width=self.width, height=self.height, bar=bar, ready=ready))
+        headless = {"WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1", "WLR_RENDERER": "pixman"}
+        self.compositor = self.start_process("sway", ["sway", "-c", configuration], headless)
+        words = self.wait_for(lambda: self._read_ready(ready), what="sway")
+        self.environment.update(zip(("SWAYSOCK", "WAYLAND_DISPLAY", "DISPLAY"), words))
+        self.environment["XDG_SESSION_TYPE"] = "wayland"
+        socket_path = os.path.join(self.environment["XDG_RUNTIME_DIR"], self.environment["WAYLAND_DISPLAY"])
+        self._pointer = VirtualPointer(socket_path, self.width, self.height)
+        # A seat has the keyboard only while a client holds one.
+        self.start_process("wtype", ["wtype", "-s", "100000000"])
+        self._start_notifications()
+        if self._bar_kind == "waybar":
+            self.start_panel()
+        elif self._bar_kind == "swaybar":
+            self._wait_for_item_host()
+
+    def _read_ready(self, path):
+        if not self.compositor.is_running():
+            raise SessionError(f"sway did not start\n{self.compositor.log()}")
+        if not os.path.exists(path):
+            return None
+        with open(path, encoding="utf-8") as file:
+            words = file.read().split()
+        return words if len(words) == 3 else None
+
+    def _stop_desktop(self):
+        if self._pointer is not None:
+            self._pointer.close()
+            self._pointer = None

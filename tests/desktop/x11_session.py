@@ -1,0 +1,202 @@
+"""A desktop on an X server without a screen."""
+
+import os
+import subprocess
+
+from desktop_base import WATCHER, DesktopSession, make_socket_directory
+from session_process import SessionError
+
+_MATE_APPLETS = ("NotificationAreaApplet", "ClockApplet", "Wncklet")
+
+_PLASMA_ENVIRONMENT = {"QT_QUICK_BACKEND": "software", "LIBGL_ALWAYS_SOFTWARE": "1", "KDE_FULL_SESSION": "true",
+                       "KDE_SESSION_VERSION": "5", "XDG_CURRENT_DESKTOP": "KDE"}
+
+_XFCE_PANEL = """<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="dark-mode" type="bool" value="true"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="size" type="uint" value="30"/>
+      <property name="plugin-ids" type="array">
+        <value type="int" value="1"/>
+        <value type="int" value="2"/>
+        <value type="int" value="3"/>
+      </property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="tasklist"/>
+    <property name="plugin-2" type="string" value="separator">
+      <property name="expand" type="bool" value="true"/>
+      <property name="style" type="uint" value="0"/>
+    </property>
+    <property name="plugin-3" type="string" value="systray">
+      <property name="square-icons" type="bool" value="false"/>
+    </property>
+  </property>
+</channel>
+"""
+
+_LXQT_PANEL = """[General]
+__userfile__=true
+panels=panel1
+
+[panel1]
+alignment=-1
+desktop=0
+iconSize=22
+lineCount=1
+panelSize=32
+plugins=taskbar, spacer, statusnotifier
+position=Top
+width=100
+width-percent=true
+
+[spacer]
+alignment=Left
+expandable=true
+type=spacer
+
+[statusnotifier]
+alignment=Right
+type=statusnotifier
+
+[taskbar]
+alignment=Left
+type=taskbar
+"""
+
+
+class X11Session(DesktopSession):
+    """Xvfb with a window manager and a panel.
+
+    panel: "xfce4-panel", "mate-panel", "lxqt-panel", "plasma" or None.
+    window_manager: "openbox", "xfwm4", "kwin_x11" or None.
+    notifications: "dunst", "recording" or None.
+    """
+
+    def __init__(self, panel="xfce4-panel", window_manager="openbox", notifications="dunst", width=1280, height=800):
+        super().__init__(notifications)
+        self.width = width
+        self.height = height
+        self._panel_kind = panel
+        self._window_manager_kind = window_manager
+        self.server = None
+        self.window_manager = None
+        self.panel = None
+
+    def start_panel(self):
+        """Starts the panel again after `stop_panel`."""
+        if self._panel_kind == "xfce4-panel":
+            self._configure_xfce()
+        elif self._panel_kind == "mate-panel":
+            self._configure_mate()
+        elif self._panel_kind == "lxqt-panel":
+            self._configure_lxqt()
+        elif self._panel_kind == "plasma":
+            self.start_process("kded5", ["kded5"], _PLASMA_ENVIRONMENT)
+        commands = {"xfce4-panel": ["xfce4-panel", "--disable-wm-check"], "mate-panel": ["mate-panel"],
+                    "lxqt-panel": ["lxqt-panel"], "plasma": ["plasmashell"]}
+        environment = _PLASMA_ENVIRONMENT if self._panel_kind == "plasma" else None
+        self.panel = self.start_process(self._panel_kind, commands[self._panel_kind], environment)
+        self._wait_for_item_host()
+
+    def stop_panel(self):
+        """Ends the panel and waits until nobody hosts status items."""
+        self.stop_process(self.panel)
+        self.panel = None
+        self.wait_for(lambda: not self.bus.owner(WATCHER), what="the end of the panel's item host")
+
+    def windows(self, name):
+        """The ids of the visible windows whose title or class matches the pattern."""
+        command = ["xdotool", "search", "--onlyvisible", "--any", "--name", "--class", "--classname", name]
+        done = subprocess.run(command, env=self._merged(None), capture_output=True, check=False, timeout=20)
+        return [int(line) for line in done.stdout.split()]
+
+    def window_geometry(self, window):
+        """x, y, width and height on the screen."""
+        lines = self.tool(["xdotool", "getwindowgeometry", "--shell", str(window)]).decode().splitlines()
+        values = dict(line.split("=", 1) for line in lines)
+        return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+
+    def move_pointer(self, x, y):
+        self.tool(["xdotool", "mousemove", str(x), str(y)])
+
+    def click(self, x, y, button=1):
+        self.tool(["xdotool", "mousemove", str(x), str(y), "click", str(button)])
+
+    def type_text(self, text):
+        self.tool(["xdotool", "type", "--delay", "5", text])
+
+    def press_key(self, key):
+        self.tool(["xdotool", "key", key])
+
+    def _capture(self, kind):
+        return self.tool(["import", "-window", "root", "-depth", "8", f"{kind}:-"])
+
+    def _start_desktop(self):
+        self._start_server()
+        if self._window_manager_kind is not None:
+            self._start_window_manager()
+        self._start_notifications()
+        if self._panel_kind is not None:
+            self.start_panel()
+
+    def _start_server(self):
+        make_socket_directory()
+        reader, writer = os.pipe()
+        try:
+            command = ["Xvfb", "-displayfd", str(writer), "-screen", "0", f"{self.width}x{self.height}x24", "-nolisten", "tcp",
+                       "-noreset", "-wr"]
+            self.server = self.start_process("Xvfb", command, pass_fds=(writer,))
+            os.close(writer)
+            writer = None
+            os.set_blocking(reader, False)
+            number = self.wait_for(lambda: self._read_display_number(reader), what="the X server's display number")
+        finally:
+            os.close(reader)
+            if writer is not None:
+                os.close(writer)
+        self.environment["DISPLAY"] = f":{number}"
+
+    def _read_display_number(self, reader):
+        if not self.server.is_running():
+            raise SessionError(f"the X server did not start\n{self.server.log()}")
+        try:
+            return os.read(reader, 32).decode().strip()
+        except BlockingIOError:
+            return None
+
+    def _start_window_manager(self):
+        commands = {"openbox": ["openbox", "--sm-disable"], "xfwm4": ["xfwm4", "--compositor=on"], "kwin_x11": ["kwin_x11"]}
+        if self._window_manager_kind == "xfwm4":
+            self.bus.allow_activation("org.xfce.Xfconf", self.environment)
+        environment = _PLASMA_ENVIRONMENT if self._window_manager_kind == "kwin_x11" else None
+        self.window_manager = self.start_process(self._window_manager_kind, commands[self._window_manager_kind], environment)
+        self.wait_for(self._is_managed, what="the window manager")
+
+    def _is_managed(self):
+        if not self.window_manager.is_running():
+            raise SessionError(f"the window manager ended\n{self.window_manager.log()}")
+        properties = self.tool(["xprop", "-root", "-notype", "_NET_SUPPORTING_WM_CHECK"])
+        return b"window id" in properties
+
+    def _configure_xfce(self):
+        self.bus.allow_activation("org.xfce.Xfconf", self.environment)
+        self.environment["XDG_CURRENT_DESKTOP"] = "XFCE"
+        self.write_file(os.path.join(self.environment["XDG_CONFIG_HOME"], "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"),
+                        _XFCE_PANEL)
+
+    def _configure_mate(self):
+        for service in ("ca.desrt.dconf", *(f"org.mate.panel.applet.{name}Factory" for name in _MATE_APPLETS)):
+            self.bus.allow_activation(service, self.environment)
+        self.environment["XDG_CURRENT_DESKTOP"] = "MATE"
+
+    def _configure_lxqt(self):
+        self.environment["XDG_CURRENT_DESKTOP"] = "LXQt"
+        self.write_file(os.path.join(self.environment["XDG_CONFIG_HOME"], "lxqt/panel.conf"), _LXQT_PANEL)
