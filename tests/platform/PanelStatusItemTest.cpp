@@ -69,6 +69,7 @@ private Q_SLOTS:
     void introspectionListsWhatIsThere();
     void signalsOnlyWhatChanged();
     void activateIsAClick();
+    void aPositionWithinTheItemIsNotPassedOn();
     void contextMenuIsShownByOurselves();
     void otherClicksDoNothing();
     void menuIsExported();
@@ -325,13 +326,23 @@ void PanelStatusItemTest::signalsOnlyWhatChanged()
 
 void PanelStatusItemTest::activateIsAClick()
 {
-    const auto item = makeItem(QStringLiteral("waybar"));
+    const auto item = makeItem(QStringLiteral("plasmashell"));
     QSignalSpy clicked(item.get(), &StatusItem::clicked);
     QTRY_VERIFY(hasItems(1));
     m_panel->callItem(QStringLiteral("ProvideXdgActivationToken"), {QStringLiteral("token")});
     m_panel->callItem(QStringLiteral("Activate"), {120, 7});
     QTRY_COMPARE(clicked.size(), 1);
     QCOMPARE(clicked[0][0].value<std::optional<QPoint>>(), QPoint(120, 7));
+}
+
+void PanelStatusItemTest::aPositionWithinTheItemIsNotPassedOn()
+{
+    const auto item = makeItem(QStringLiteral("waybar"));
+    QSignalSpy clicked(item.get(), &StatusItem::clicked);
+    QTRY_VERIFY(hasItems(1));
+    m_panel->callItem(QStringLiteral("Activate"), {12, 7});
+    QTRY_COMPARE(clicked.size(), 1);
+    QVERIFY(!clicked[0][0].value<std::optional<QPoint>>());
 }
 
 void PanelStatusItemTest::contextMenuIsShownByOurselves()
