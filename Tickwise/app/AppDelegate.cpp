@@ -2,7 +2,6 @@
 
 #include "app/StatusMenu.h"
 #include "catalog/ShippedImages.h"
-#include "pipeline/NotificationService.h"
 
 #include <QThread>
 
@@ -30,7 +29,11 @@ AppDelegate::AppDelegate(AppEnvironment environment, QObject *parent)
     , m_settingsViewModel(UserDefaultsSettingsStore(m_environment.defaults))
     , m_catalog(QStringLiteral(":/coins.json"), shippedImageExists)
     , m_menuBarViewModel(m_environment.clock)
+    , m_notificationService(m_environment.notificationCenter, m_environment.clock)
+    , m_launchAtLoginService(m_environment.loginItem)
 {
+    connect(&m_environment.notificationCenter, &UserNotificationCenter::activated, this,
+            [this](const QString &, const QString &token) { activate(token); });
     m_reloadTimer.setSingleShot(true);
     m_reloadTimer.setInterval(reloadDebounce);
     connect(&m_reloadTimer, &QTimer::timeout, this, [this] {
@@ -50,7 +53,14 @@ void AppDelegate::applicationDidFinishLaunching()
         Q_EMIT quitRequested();
         return;
     }
+    if (m_environment.attachUpdater)
+        m_environment.attachUpdater(m_updateController);
     createStatusItem();
+    m_widgetSnapshotWriter =
+        std::make_unique<WidgetSnapshotWriter>(WidgetSnapshotStore{m_environment.container}, coinListViewModel(),
+                                               m_settingsViewModel, m_environment.reloadWidgets, m_environment.clock);
+    m_notificationService.requestAuthorization();
+    m_launchAtLoginService.setEnabled(m_settingsViewModel.settings().launchAtLogin);
     followReloadSettings();
     followLanguage();
 }
@@ -63,7 +73,7 @@ CoinListViewModel &AppDelegate::coinListViewModel()
                                                   ExchangeRateCacheStore{m_environment.container}, m_environment.clock);
         m_priceService = std::make_unique<PriceService>(m_environment.httpClient, *m_exchangeRateService,
                                                         m_environment.endpoints, m_environment.clock);
-        m_coinListViewModel = std::make_unique<CoinListViewModel>(m_catalog, *m_priceService, *m_notificationService,
+        m_coinListViewModel = std::make_unique<CoinListViewModel>(m_catalog, *m_priceService, m_notificationService,
                                                                   m_settingsViewModel, m_environment.clock);
     }
     return *m_coinListViewModel;
@@ -74,7 +84,7 @@ void AppDelegate::createStatusItem()
     m_statusItem = m_environment.makeStatusItem();
     m_menuBarViewModel.bind(m_statusItem.get(), coinListViewModel(), m_settingsViewModel);
     m_statusItem->setMenu([this] { return makeStatusMenu(); });
-    connect(m_statusItem.get(), &StatusItem::clicked, this, &AppDelegate::activate);
+    connect(m_statusItem.get(), &StatusItem::clicked, this, [this] { activate(); });
 }
 
 void AppDelegate::followReloadSettings()
@@ -103,14 +113,16 @@ void AppDelegate::applyLanguage()
     m_appliedLanguage = m_settingsViewModel.settings().language;
     LocalizationManager::shared().apply(*m_appliedLanguage);
     m_menuBarViewModel.refresh();
+    Q_EMIT languageApplied();
 }
 
 Menu AppDelegate::makeStatusMenu()
 {
     StatusMenuActions actions;
     actions.changeCoin = [this](const QString &coinId) { changeCoin(coinId); };
+    actions.checkForUpdates = [this] { m_updateController.checkForUpdates(); };
     actions.quit = [this] { Q_EMIT quitRequested(); };
-    return statusMenu(m_settingsViewModel.settings(), m_catalog, false, actions);
+    return statusMenu(m_settingsViewModel.settings(), m_catalog, m_updateController.canCheckForUpdates(), actions);
 }
 
 void AppDelegate::changeCoin(const QString &coinId)
@@ -120,16 +132,16 @@ void AppDelegate::changeCoin(const QString &coinId)
     m_settingsViewModel.update(settings);
 }
 
-void AppDelegate::activate()
+void AppDelegate::activate(const QString &token)
 {
-    Q_EMIT activationRequested();
+    Q_EMIT activationRequested(token);
 }
 
-void AppDelegate::openUrls(const QList<QUrl> &urls)
+void AppDelegate::openUrls(const QList<QUrl> &urls, const QString &token)
 {
     const auto isOurs = [](const QUrl &url) { return url.scheme() == QStringLiteral("tickwise"); };
     if (std::any_of(urls.begin(), urls.end(), isOurs))
-        activate();
+        activate(token);
 }
 
 void AppDelegate::machineWillSleep()

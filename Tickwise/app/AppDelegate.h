@@ -6,7 +6,11 @@
 #include "market/PriceService.h"
 #include "pipeline/CoinListViewModel.h"
 #include "pipeline/MenuBarViewModel.h"
+#include "pipeline/NotificationService.h"
 #include "pipeline/StatusItem.h"
+#include "ui/LaunchAtLoginService.h"
+#include "ui/UpdateService.h"
+#include "widget/WidgetSnapshotWriter.h"
 
 #include <QList>
 #include <QObject>
@@ -27,7 +31,12 @@ struct AppEnvironment
 {
     SettingsDataStorage &defaults;
     HttpClient &httpClient;
+    UserNotificationCenter &notificationCenter;
+    LoginItem &loginItem;
+    /// Attaches an updater to the controller; none: this build has no updater.
+    std::function<void(UpdateController &)> attachUpdater;
     std::function<std::unique_ptr<StatusItem>()> makeStatusItem;
+    std::function<void()> reloadWidgets;
     std::function<bool()> isSecondCopy; ///< true when another copy runs; that one has then been asked to show itself
     std::optional<QString> container;   ///< directory shared with the widget; none when it cannot be had
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -62,13 +71,14 @@ public:
     SettingsViewModel &settingsViewModel() { return m_settingsViewModel; }
     CoinCatalog &catalog() { return m_catalog; }
     MenuBarViewModel &menuBarViewModel() { return m_menuBarViewModel; }
+    UpdateController &updateController() { return m_updateController; }
     /// Created on first use, which starts polling.
     CoinListViewModel &coinListViewModel();
 
     /// Brings the application to the front: what the panel's click, a second copy and a notification's click ask for.
-    void activate();
+    void activate(const QString &token = {});
     /// The first address of the scheme "tickwise" brings the application to the front; others are ignored.
-    void openUrls(const QList<QUrl> &urls);
+    void openUrls(const QList<QUrl> &urls, const QString &token);
     /// Drops quotes that are under way: the machine is about to sleep.
     void machineWillSleep();
     /// Polls anew at once: the machine woke, or the network returned.
@@ -76,8 +86,9 @@ public:
 
 Q_SIGNALS:
     void quitRequested();
-    /// The user wants to see the application.
-    void activationRequested();
+    /// The user wants to see the application; the token comes from the desktop and may be empty.
+    void activationRequested(const QString &token);
+    void languageApplied();
 
 private:
     void createStatusItem();
@@ -91,11 +102,14 @@ private:
     SettingsViewModel m_settingsViewModel;
     CoinCatalog m_catalog;
     MenuBarViewModel m_menuBarViewModel;
+    UpdateController m_updateController;
+    NotificationService m_notificationService;
+    LaunchAtLoginService m_launchAtLoginService;
     std::unique_ptr<ExchangeRateService> m_exchangeRateService;
     std::unique_ptr<PriceService> m_priceService;
-    std::unique_ptr<PriceAlertNotifying> m_notificationService;
     std::unique_ptr<CoinListViewModel> m_coinListViewModel;
     std::unique_ptr<StatusItem> m_statusItem;
+    std::unique_ptr<WidgetSnapshotWriter> m_widgetSnapshotWriter;
     QTimer m_reloadTimer;
     std::optional<ReloadSettingsSnapshot> m_lastReloadSettings;
     std::optional<AppLanguage> m_appliedLanguage;

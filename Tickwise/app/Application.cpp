@@ -3,10 +3,14 @@
 #include "platform/AppGroupContainer.h"
 #include "platform/DisplayServer.h"
 #include "platform/Log.h"
+#include "platform/LoginItem.h"
 #include "platform/PanelStatusItem.h"
 
 #include <QApplication>
 #include <QDBusConnection>
+#include <QDesktopServices>
+#include <QStandardPaths>
+#include <QWidget>
 
 #include <cstdio>
 
@@ -24,6 +28,35 @@ QList<QUrl> openedUrls()
             urls.append(url);
     }
     return urls;
+}
+
+bool isFocused()
+{
+    return QGuiApplication::applicationState() == Qt::ApplicationActive;
+}
+
+void openPackage(const QString &path)
+{
+    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+/// Raises every window that is open. The desktop lets a program raise itself for a token that it gave.
+void bringToFront(const QString &token)
+{
+    if (!token.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    for (QWidget *const window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible() || !window->windowTitle().size())
+            continue;
+        window->raise();
+        window->activateWindow();
+    }
+}
+
+QString downloadDirectory(const QString &identifier)
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QLatin1Char('/') + identifier +
+           QStringLiteral("/updates");
 }
 
 } // namespace
@@ -44,36 +77,77 @@ Application::Application(ApplicationConfiguration configuration)
     , m_sleepMonitor(QDBusConnection::systemBus())
     , m_defaults(m_configuration.defaultsOrganization, m_configuration.defaultsApplication)
     , m_httpClient(m_configuration.tls)
+    , m_soundPlayer(QString::fromLatin1(appInfo::displayName), m_configuration.identifier)
+    , m_notificationCenter(
+          QDBusConnection::sessionBus(),
+          {QString::fromLatin1(appInfo::displayName), m_configuration.identifier, m_configuration.identifier},
+          [this] { m_soundPlayer.play(); })
+    , m_loginItem(makeLoginItem(m_configuration.identifier, QDBusConnection::sessionBus(), runsInSandbox(),
+                                localized(QStringLiteral("general.launch.atLogin"))))
+    , m_widgetCenter(QDBusConnection::sessionBus())
     , m_delegate(makeEnvironment())
 {
     QGuiApplication::setApplicationDisplayName(QString::fromLatin1(appInfo::displayName));
     QGuiApplication::setDesktopFileName(m_configuration.identifier);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setApplicationVersion(QString::fromLatin1(appInfo::version));
+    connectServices();
+}
 
+void Application::connectServices()
+{
     QObject::connect(&m_signals, &TerminationSignals::received, qApp, &QCoreApplication::quit);
     QObject::connect(&m_delegate, &AppDelegate::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    QObject::connect(&m_delegate, &AppDelegate::activationRequested, qApp, bringToFront);
+    QObject::connect(&m_delegate, &AppDelegate::languageApplied, &m_updateWindow, &UpdateWindowPresenter::retranslate);
     QObject::connect(&m_singleInstance, &SingleInstance::activated, &m_delegate, &AppDelegate::activate);
     QObject::connect(&m_singleInstance, &SingleInstance::urlsOpened, &m_delegate, &AppDelegate::openUrls);
     QObject::connect(&m_sleepMonitor, &SleepMonitor::willSleep, &m_delegate, &AppDelegate::machineWillSleep);
-    QObject::connect(&m_sleepMonitor, &SleepMonitor::didWake, &m_delegate, &AppDelegate::freshPricesNeeded);
-    QObject::connect(&m_sleepMonitor, &SleepMonitor::networkReturned, &m_delegate, &AppDelegate::freshPricesNeeded);
+    QObject::connect(&m_sleepMonitor, &SleepMonitor::didWake, &m_delegate, [this] { freshPricesNeeded(); });
+    QObject::connect(&m_sleepMonitor, &SleepMonitor::networkReturned, &m_delegate, [this] { freshPricesNeeded(); });
 }
 
 AppEnvironment Application::makeEnvironment()
 {
-    return {.defaults = m_defaults,
-            .httpClient = m_httpClient,
-            .makeStatusItem = [] { return std::make_unique<PanelStatusItem>(QDBusConnection::sessionBus()); },
-            .isSecondCopy = [this] { return isSecondCopy(); },
-            .container = appGroupContainer(m_configuration.appGroup),
-            .endpoints = m_configuration.endpoints};
+    AppEnvironment environment{
+        .defaults = m_defaults,
+        .httpClient = m_httpClient,
+        .notificationCenter = m_notificationCenter,
+        .loginItem = *m_loginItem,
+        .makeStatusItem = [] { return std::make_unique<PanelStatusItem>(QDBusConnection::sessionBus()); },
+        .reloadWidgets = [this] { m_widgetCenter.reloadAllTimelines(); },
+        .isSecondCopy = [this] { return isSecondCopy(); },
+        .container = appGroupContainer(m_configuration.appGroup),
+        .endpoints = m_configuration.endpoints,
+    };
+    if (!m_configuration.feedUrl.isEmpty())
+        environment.attachUpdater = [this](UpdateController &controller) { attachUpdater(controller); };
+    return environment;
 }
 
 bool Application::isSecondCopy()
 {
     const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
     return m_singleInstance.claim(openedUrls(), token) == SingleInstance::Role::alreadyRunning;
+}
+
+void Application::attachUpdater(UpdateController &controller)
+{
+    auto backend = std::make_unique<SparkleUpdaterBackend>(
+        controller,
+        UpdaterConfiguration{QUrl(m_configuration.feedUrl), m_configuration.feedKey,
+                             QString::fromLatin1(appInfo::version), QSysInfo::productVersion(),
+                             downloadDirectory(m_configuration.identifier)},
+        UpdaterServices{m_httpClient, systemClock, m_defaults, m_updateWindow, isFocused, openPackage});
+    m_updater = backend.get();
+    controller.attach(std::move(backend));
+}
+
+void Application::freshPricesNeeded()
+{
+    m_delegate.freshPricesNeeded();
+    if (m_updater)
+        m_updater->reconsiderSchedule();
 }
 
 int Application::run()

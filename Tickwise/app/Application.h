@@ -2,11 +2,16 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppInfo.h"
+#include "platform/FreedesktopNotificationCenter.h"
 #include "platform/NetworkHttpClient.h"
 #include "platform/SingleInstance.h"
 #include "platform/SleepMonitor.h"
+#include "platform/SoundPlayer.h"
+#include "platform/SparkleUpdaterBackend.h"
 #include "platform/TerminationSignals.h"
 #include "platform/UserDefaults.h"
+#include "platform/WidgetCenter.h"
+#include "ui/UpdateWindowPresenter.h"
 
 #include <QSslConfiguration>
 
@@ -21,6 +26,8 @@ struct ApplicationConfiguration
     QString appGroup = QString::fromLatin1(appInfo::appGroup);
     Endpoints endpoints;
     QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+    QString feedUrl = QString::fromLatin1(appInfo::feedUrl); ///< of the appcast; empty: no updater
+    QByteArray feedKey = appInfo::feedKey;                   ///< base64 Ed25519 key of the releases
 };
 
 /// Prepares the process before its QApplication: log lines, display. False, with a line on stderr, where there is no
@@ -41,6 +48,9 @@ public:
 private:
     AppEnvironment makeEnvironment();
     bool isSecondCopy();
+    void attachUpdater(UpdateController &controller);
+    void connectServices();
+    void freshPricesNeeded();
 
     ApplicationConfiguration m_configuration;
     TerminationSignals m_signals;
@@ -48,6 +58,12 @@ private:
     SleepMonitor m_sleepMonitor;
     UserDefaults m_defaults;
     NetworkHttpClient m_httpClient;
+    SoundPlayer m_soundPlayer;
+    FreedesktopNotificationCenter m_notificationCenter;
+    std::unique_ptr<LoginItem> m_loginItem;
+    WidgetCenter m_widgetCenter;
+    UpdateWindowPresenter m_updateWindow;
+    QPointer<SparkleUpdaterBackend> m_updater; ///< owned by the delegate's controller
     AppDelegate m_delegate;
 };
 

@@ -34,12 +34,17 @@ public:
     /// Draws the item for the bound models' values, in the current language.
     void refresh();
 
+    /// What was drawn last.
+    const StatusItemContent &content() const { return m_content; }
+
 Q_SIGNALS:
     void statusTitleChanged();
     void statusColorChanged();
+    void contentChanged();
 
 private:
     Clock m_clock;
+    StatusItemContent m_content;
     QPointer<StatusItem> m_statusItem;
     QPointer<CoinListViewModel> m_coinList;
     QPointer<SettingsViewModel> m_settings;

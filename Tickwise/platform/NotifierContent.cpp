@@ -44,18 +44,7 @@ QString labelGuide(QString label)
 
 QString statusLabel(const StatusItemContent &content)
 {
-    if (content.logo)
-        return {};
-    const QString text = content.text.trimmed();
-    switch (content.trend) {
-    case StatusTrend::up:
-        return text + QStringLiteral(" ▲");
-    case StatusTrend::down:
-        return text + QStringLiteral(" ▼");
-    case StatusTrend::none:
-        break;
-    }
-    return text;
+    return content.logo ? QString() : content.text.trimmed();
 }
 
 StatusNotifierContent notifierContent(const StatusItemContent &content, const StatusItemStyle &style,

@@ -13,7 +13,7 @@ StatusNotifierContent notifierContent(const StatusItemContent &content, const St
                                       StatusItemPresentation presentation, const PixmapFormat &format, int scale,
                                       StatusItemWidth &widths);
 
-/// The text beside the icon: the plain text with the trend as an arrow; empty in logo mode.
+/// The text beside the icon; empty in logo mode.
 QString statusLabel(const StatusItemContent &content);
 
 } // namespace tickwise

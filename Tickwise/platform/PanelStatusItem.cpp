@@ -144,7 +144,9 @@ void PanelStatusItem::build(StatusItemPresentation presentation)
 void PanelStatusItem::buildNotifierItem()
 {
     m_item = std::make_unique<StatusNotifierItem>(m_bus);
-    connect(m_item.get(), &StatusNotifierItem::activated, this, [this](QPoint position) { Q_EMIT clicked(position); });
+    connect(m_item.get(), &StatusNotifierItem::activated, this, [this](QPoint position) {
+        Q_EMIT clicked(tellsClickPosition(m_host) ? std::optional(position) : std::nullopt);
+    });
     connect(m_item.get(), &StatusNotifierItem::contextMenuRequested, this, &PanelStatusItem::showMenuAt);
     m_item->setMenu([this] { return notifierMenu(); });
     redraw();
@@ -158,6 +160,7 @@ void PanelStatusItem::buildTrayWindow(XEmbedStatusWindow::Shape shape)
     connect(m_window.get(), &XEmbedStatusWindow::menuRequested, this, &PanelStatusItem::showMenuAt);
     redraw();
     connect(m_tray.get(), &SystemTraySelection::docked, m_window.get(), &QWidget::show);
+    connect(m_tray.get(), &SystemTraySelection::undocked, m_window.get(), &QWidget::hide);
     m_tray->dock(m_window->winId());
 }
 

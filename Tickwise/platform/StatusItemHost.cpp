@@ -124,6 +124,20 @@ StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray)
     return StatusItemPresentation::squareSni;
 }
 
+bool tellsClickPosition(StatusItemHost host)
+{
+    switch (host) {
+    case StatusItemHost::xfce:
+    case StatusItemHost::lxqt:
+    case StatusItemHost::plasma:
+    case StatusItemHost::gnome:
+    case StatusItemHost::swaybar:
+        return true;
+    default:
+        return false;
+    }
+}
+
 PixmapFormat pixmapFormatFor(StatusItemHost host, const WatcherProcess &process)
 {
     switch (host) {

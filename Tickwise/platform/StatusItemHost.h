@@ -59,6 +59,9 @@ StatusItemHost hostFor(const WatcherProcess &process, const QString &currentDesk
 /// The presentation for a host; `hasTray` tells whether an X11 system tray can dock windows.
 StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray);
 
+/// Whether the positions that the host sends with a click are on the screen; some send them within the item, or none.
+bool tellsClickPosition(StatusItemHost host);
+
 /// The pixmaps for a host that runs as that process.
 PixmapFormat pixmapFormatFor(StatusItemHost host, const WatcherProcess &process);
 

@@ -81,18 +81,29 @@ void drawCompactLine(QPainter &painter, QFont font, const QRectF &line, const QS
     painter.restore();
 }
 
-QPolygonF arrow(StatusTrend trend, double pixels)
+void drawArrow(QPainter &painter, const QRectF &box, StatusTrend trend, const QColor &color)
 {
-    const double left = pixels * 0.25;
-    const double right = pixels * 0.75;
-    const double base = pixels * (trend == StatusTrend::up ? 0.68 : 0.32);
-    const double tip = pixels - base;
-    return {QPointF(left, base), QPointF(right, base), QPointF(pixels / 2, tip)};
+    const double side = trend == StatusTrend::up ? 1 : -1;
+    const double halfHeight = box.height() * 0.3 * side;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawPolygon(QPolygonF{QPointF(box.left(), box.center().y() + halfHeight),
+                                  QPointF(box.right(), box.center().y() + halfHeight),
+                                  QPointF(box.center().x(), box.center().y() - halfHeight)});
 }
 
-QColor contrasting(const QColor &color)
+/// The coin's initial, ringed where no pill holds it together.
+void drawInitial(QPainter &painter, QFont font, const QRectF &box, const StatusItemContent &content,
+                 const QColor &color)
 {
-    return qGray(color.rgb()) > 170 ? QColor(Qt::black) : QColor(Qt::white);
+    const double line = std::max(1.0, std::round(box.width() / 14));
+    painter.setPen(QPen(color, line));
+    painter.setBrush(Qt::NoBrush);
+    if (!content.pillColor)
+        painter.drawEllipse(box.marginsRemoved(QMarginsF(line, line, line, line) / 2));
+    font.setBold(true);
+    font.setPixelSize(std::max(1, int(box.height() * 0.7)));
+    drawCompactLine(painter, font, box, content.symbol.left(1));
 }
 
 } // namespace
@@ -164,21 +175,17 @@ QImage paintStatusBadge(const StatusItemContent &content, const StatusItemStyle 
         return image;
     }
     QPainter painter(&image);
-    const QColor fill = content.pillColor.value_or(textColorOf(content, style));
+    painter.setRenderHint(QPainter::Antialiasing);
     const double inset = std::round(pixels / usualHeight * 2);
-    fillRounded(painter, QRectF(image.rect()).adjusted(inset, inset, -inset, -inset),
-                StatusItemContent::pillRadius * pixels / usualHeight, fill);
-    const QColor mark = content.pillColor && content.textColor ? *content.textColor : contrasting(fill);
-    if (content.trend == StatusTrend::none) {
-        QFont font = style.font;
-        font.setBold(true);
-        font.setPixelSize(std::max(1, int(pixels * 0.6)));
-        painter.setPen(mark);
-        drawCompactLine(painter, font, QRectF(inset, 0, pixels - 2 * inset, pixels), content.symbol.left(1));
-        return image;
-    }
-    painter.setBrush(mark);
-    painter.drawPolygon(arrow(content.trend, pixels));
+    const QRectF inner = QRectF(image.rect()).adjusted(inset, inset, -inset, -inset);
+    const QColor color = textColorOf(content, style);
+    if (content.pillColor)
+        fillRounded(painter, inner, StatusItemContent::pillRadius * pixels / usualHeight, *content.pillColor);
+    if (content.trend != StatusTrend::none)
+        drawArrow(painter, content.pillColor ? inner.marginsRemoved(QMarginsF(inset, inset, inset, inset)) : inner,
+                  content.trend, color);
+    else
+        drawInitial(painter, style.font, inner, content, color);
     return image;
 }
 

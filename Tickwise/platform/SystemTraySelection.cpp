@@ -4,7 +4,7 @@
 #include <QSocketNotifier>
 
 #include <cstdlib>
-#include <cstring>
+#include <optional>
 
 #include <xcb/xcb.h>
 
@@ -24,10 +24,13 @@ struct Free
 template<class T>
 using Reply = std::unique_ptr<T, Free>;
 
-bool isDocking(const xcb_generic_event_t &event, uint32_t window, uint32_t root)
+/// The new parent of the window, if the event tells one.
+std::optional<uint32_t> newParent(const xcb_generic_event_t &event, uint32_t window)
 {
     const auto &reparent = reinterpret_cast<const xcb_reparent_notify_event_t &>(event);
-    return (event.response_type & 0x7f) == XCB_REPARENT_NOTIFY && reparent.window == window && reparent.parent != root;
+    if ((event.response_type & 0x7f) != XCB_REPARENT_NOTIFY || reparent.window != window)
+        return std::nullopt;
+    return reparent.parent;
 }
 
 /// Waits until the X server knows the windows that Qt has made: they were made on Qt's connection, not on ours.
@@ -92,16 +95,19 @@ void SystemTraySelection::readEvents()
 {
     bool ownerMayDiffer = false;
     bool colorsMayDiffer = false;
-    bool isDocked = false;
+    std::optional<uint32_t> parent;
     while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
         const int type = event->response_type & 0x7f;
         const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event.get());
         ownerMayDiffer |=
             type == XCB_DESTROY_NOTIFY || (type == XCB_CLIENT_MESSAGE && message->type == m_atoms.manager);
         colorsMayDiffer |= type == XCB_PROPERTY_NOTIFY;
-        isDocked |= isDocking(*event, m_window, m_root);
+        if (const auto told = newParent(*event, m_window))
+            parent = told;
     }
-    if (isDocked)
+    if (parent && *parent == m_root)
+        Q_EMIT undocked();
+    else if (parent)
         Q_EMIT docked();
     if (ownerMayDiffer)
         findOwner();

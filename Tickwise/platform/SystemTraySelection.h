@@ -35,6 +35,8 @@ Q_SIGNALS:
     void ownerChanged();
     void appearanceChanged();
     void docked();
+    /// The tray has put the window back on the desktop.
+    void undocked();
 
 private:
     struct Atoms

@@ -25,10 +25,11 @@ QString configurationPath(const QStringList &commandLine)
         if (commandLine[i] == u"-c" || commandLine[i] == u"--config")
             return commandLine[i + 1];
     }
-    for (const QString &name : {QStringLiteral("waybar/config.jsonc"), QStringLiteral("waybar/config")}) {
-        const QString found = QStandardPaths::locate(QStandardPaths::GenericConfigLocation, name);
-        if (!found.isEmpty())
-            return found;
+    for (const QString &folder : QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation)) {
+        for (const QString &name : {QStringLiteral("/waybar/config"), QStringLiteral("/waybar/config.jsonc")}) {
+            if (QFile::exists(folder + name))
+                return folder + name;
+        }
     }
     return {};
 }
@@ -47,7 +48,8 @@ int waybarIconSize(const QByteArray &configuration)
 int waybarIconSize(const QStringList &commandLine)
 {
     QFile file(configurationPath(commandLine));
-    return file.open(QIODevice::ReadOnly) ? waybarIconSize(file.readAll()) : waybarDefaultIconSize;
+    return !file.fileName().isEmpty() && file.open(QIODevice::ReadOnly) ? waybarIconSize(file.readAll())
+                                                                        : waybarDefaultIconSize;
 }
 
 } // namespace tickwise

@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include "support/AppDoubles.h"
 #include "support/PipelineDoubles.h"
 #include "support/ScriptedHttpClient.h"
 #include "support/TestClock.h"
@@ -49,12 +50,15 @@ struct World
     {
         AppEnvironment result{.defaults = storage,
                               .httpClient = http,
+                              .notificationCenter = notifications,
+                              .loginItem = loginItem,
                               .makeStatusItem =
                                   [this] {
                                       auto made = std::make_unique<RecordingStatusItem>();
                                       item = made.get();
                                       return made;
                                   },
+                              .reloadWidgets = [] {},
                               .isSecondCopy = [this] { return secondCopy; },
                               .environment = processEnvironment,
                               .clock = clock.clock()};
@@ -72,6 +76,8 @@ struct World
     TestClock clock;
     MemoryStorage storage;
     ScriptedHttpClient http;
+    RecordingNotificationCenter notifications;
+    RecordingLoginItem loginItem;
     bool secondCopy = false;
     QProcessEnvironment processEnvironment{QProcessEnvironment::InheritFromParent};
     QPointer<RecordingStatusItem> item;

@@ -1,4 +1,4 @@
-#include "platform/FakeStatusPanel.h"
+#include "FakeStatusPanel.h"
 
 #include <QDBusArgument>
 #include <QDBusPendingCallWatcher>

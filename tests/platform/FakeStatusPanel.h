@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PrivateBus.h"
+#include "support/PrivateBus.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingReply>

@@ -26,7 +26,9 @@ private Q_SLOTS:
     void eachHostHasItsAppearance_data();
     void eachHostHasItsAppearance();
     void trayTextColourTellsTheAppearance();
+    void onlySomeHostsTellWhereAClickWas();
     void waybarGetsOnePixmapOfItsIconSize();
+    void theUsersWaybarConfigurationIsFound();
     void swaybarReadsPremultipliedAlpha();
     void matePanelsOfAllUsualHeightsGetTheirOwnPixmap();
     void iconSizeOfAWaybarConfiguration_data();
@@ -169,6 +171,16 @@ void StatusItemHostTest::trayTextColourTellsTheAppearance()
     QCOMPARE(appearanceForText(65535, 65535, 65535), PanelAppearance::dark);
 }
 
+void StatusItemHostTest::onlySomeHostsTellWhereAClickWas()
+{
+    for (StatusItemHost host : {StatusItemHost::xfce, StatusItemHost::lxqt, StatusItemHost::plasma,
+                                StatusItemHost::gnome, StatusItemHost::swaybar})
+        QVERIFY(tellsClickPosition(host));
+    for (StatusItemHost host :
+         {StatusItemHost::waybar, StatusItemHost::mate, StatusItemHost::cinnamon, StatusItemHost::unknown})
+        QVERIFY(!tellsClickPosition(host));
+}
+
 void StatusItemHostTest::waybarGetsOnePixmapOfItsIconSize()
 {
     QTemporaryFile file;
@@ -178,6 +190,30 @@ void StatusItemHostTest::waybarGetsOnePixmapOfItsIconSize()
     const WatcherProcess process{QStringLiteral("waybar"),
                                  {QStringLiteral("waybar"), QStringLiteral("-c"), file.fileName()}};
     QCOMPARE(pixmapFormatFor(StatusItemHost::waybar, process), (PixmapFormat{{19}, false}));
+}
+
+void StatusItemHostTest::theUsersWaybarConfigurationIsFound()
+{
+    QTemporaryDir home;
+    QTemporaryDir system;
+    const auto write = [](const QTemporaryDir &folder, const QString &name, const QByteArray &text) {
+        QDir(folder.path()).mkpath(QStringLiteral("waybar"));
+        QFile file(folder.filePath(QStringLiteral("waybar/") + name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    };
+    const QByteArray formerHome = qgetenv("XDG_CONFIG_HOME");
+    const QByteArray formerSystem = qgetenv("XDG_CONFIG_DIRS");
+    qputenv("XDG_CONFIG_HOME", home.path().toUtf8());
+    qputenv("XDG_CONFIG_DIRS", system.path().toUtf8());
+    const QStringList commandLine{QStringLiteral("waybar")};
+    QCOMPARE(waybarIconSize(commandLine), waybarDefaultIconSize);
+    write(system, QStringLiteral("config.jsonc"), R"({"tray": {"icon-size": 30}})");
+    QCOMPARE(waybarIconSize(commandLine), 30);
+    write(home, QStringLiteral("config"), R"({"tray": {"icon-size": 20}})");
+    QCOMPARE(waybarIconSize(commandLine), 20);
+    formerHome.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", formerHome);
+    formerSystem.isNull() ? qunsetenv("XDG_CONFIG_DIRS") : qputenv("XDG_CONFIG_DIRS", formerSystem);
 }
 
 void StatusItemHostTest::swaybarReadsPremultipliedAlpha()

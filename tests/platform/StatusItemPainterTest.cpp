@@ -88,6 +88,7 @@ private Q_SLOTS:
     void compactIconHoldsSymbolAndPrice();
     void compactIconFillsItsPill();
     void badgeShowsTheTrend();
+    void badgeWithoutAPillIsTheColouredArrow();
     void badgeOfANeutralCoinShowsItsInitial();
     void compactPriceIsShort_data();
     void compactPriceIsShort();
@@ -228,12 +229,12 @@ void StatusItemPainterTest::compactIconFillsItsPill()
 
 void StatusItemPainterTest::badgeShowsTheTrend()
 {
-    StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
+    StatusItemContent content = pilled(QStringLiteral(" BTC 67,432 "));
     content.trend = StatusTrend::up;
     const QImage up = paintStatusBadge(content, style(), 32);
     content.trend = StatusTrend::down;
     const QImage down = paintStatusBadge(content, style(), 32);
-    QCOMPARE(up.pixelColor(16, 14), QColor(Qt::white));
+    QCOMPARE(up.pixelColor(16, 16), QColor(Qt::white));
     QCOMPARE(up.pixelColor(9, 12), green);
     QCOMPARE(up.pixelColor(10, 20), QColor(Qt::white));
     QCOMPARE(down.pixelColor(10, 11), QColor(Qt::white));
@@ -241,13 +242,27 @@ void StatusItemPainterTest::badgeShowsTheTrend()
     QCOMPARE(qAlpha(up.pixel(0, 0)), 0);
 }
 
+void StatusItemPainterTest::badgeWithoutAPillIsTheColouredArrow()
+{
+    StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
+    content.trend = StatusTrend::up;
+    const QImage image = paintStatusBadge(content, style(), 32);
+    QCOMPARE(image.pixelColor(16, 16), green);
+    QCOMPARE(qAlpha(image.pixel(5, 8)), 0);
+}
+
 void StatusItemPainterTest::badgeOfANeutralCoinShowsItsInitial()
 {
     StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
     content.textColor.reset();
     const QImage image = paintStatusBadge(content, style(), 32);
-    QCOMPARE(image.pixelColor(4, 16), panelText);
-    QVERIFY2(opaquePixels(image, Qt::black) > 10, "dark letter on the light square");
+    QCOMPARE(qAlpha(image.pixel(7, 16)), 0);
+    QVERIFY2(opaquePixels(image.copy(10, 8, 12, 16), panelText) > 10, "the letter");
+    QVERIFY2(opaquePixels(image.copy(2, 12, 4, 8), panelText) > 4, "the ring");
+    content = pilled(QStringLiteral(" BTC 67,432 "));
+    const QImage pill = paintStatusBadge(content, style(), 32);
+    QCOMPARE(pill.pixelColor(5, 16), green);
+    QVERIFY(opaquePixels(pill, Qt::white) > 10);
 }
 
 void StatusItemPainterTest::compactPriceIsShort_data()
@@ -368,13 +383,10 @@ void StatusItemPainterTest::labelHostsGetTextAndBadge()
     content.trend = StatusTrend::down;
     const StatusNotifierContent item =
         notifierContent(content, style(), StatusItemPresentation::sniWithLabel, {{16, 22}}, 1, widths);
-    QCOMPARE(item.label, QStringLiteral("BTC 67,432 ▼"));
-    QCOMPARE(item.labelGuide, QStringLiteral("BTC 88,888 ▼"));
+    QCOMPARE(item.label, QStringLiteral("BTC 67,432"));
+    QCOMPARE(item.labelGuide, QStringLiteral("BTC 88,888"));
     QCOMPARE(item.pixmaps.size(), 2);
     QCOMPARE(item.pixmaps[1].width, 22);
-    content.trend = StatusTrend::up;
-    QCOMPARE(statusLabel(content), QStringLiteral("BTC 67,432 ▲"));
-    content.trend = StatusTrend::none;
     QCOMPARE(statusLabel(content), QStringLiteral("BTC 67,432"));
 }
 

@@ -117,7 +117,7 @@ void UpdateDownloadTest::keepsAVerifiedPackage()
 void UpdateDownloadTest::reportsRisingPercentages()
 {
     UpdateWorld world;
-    world.package = QByteArray(2 * 1024 * 1024, 'x');
+    world.package = QByteArray(8 * 1024 * 1024, 'x');
     world.publish({{}});
     Attempt attempt(world);
     QTRY_VERIFY(attempt.result && attempt.result->has_value());

@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QUuid>
 
+#include <csignal>
+
 namespace tickwise::test {
 
 namespace {
@@ -59,6 +61,16 @@ void PrivateBus::stop()
     m_daemon.terminate();
     m_daemon.waitForFinished(5000);
     QFile::remove(m_directory.filePath(QStringLiteral("bus")));
+}
+
+void PrivateBus::pause()
+{
+    ::kill(pid_t(m_daemon.processId()), SIGSTOP);
+}
+
+void PrivateBus::resume()
+{
+    ::kill(pid_t(m_daemon.processId()), SIGCONT);
 }
 
 void PrivateBus::addActivation(const QString &service, const QString &command)

@@ -20,6 +20,10 @@ public:
     /// Ends the bus, as a crash of it does.
     void stop();
 
+    /// Makes the bus deaf, and lets it go on.
+    void pause();
+    void resume();
+
     /// Lets the bus start the command when somebody calls the service.
     void addActivation(const QString &service, const QString &command);
 
