@@ -46,7 +46,7 @@ void bringToFront(const QString &token)
     if (!token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
     for (QWidget *const window : QApplication::topLevelWidgets()) {
-        if (!window->isVisible() || !window->windowTitle().size())
+        if (!window->isVisible() || window->windowTitle().isEmpty())
             continue;
         window->raise();
         window->activateWindow();
