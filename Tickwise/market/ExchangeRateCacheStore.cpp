@@ -31,7 +31,8 @@ std::optional<TimePoint> dateOf(const QString &text)
 {
     QDateTime date = QDateTime::fromString(text, QLatin1String(dateForm));
     date.setTimeSpec(Qt::UTC);
-    if (!date.isValid())
+    // The clock's range ends in 2262.
+    if (!date.isValid() || date.date().year() < 1970 || date.date().year() > 2261)
         return std::nullopt;
     return TimePoint(std::chrono::seconds(date.toSecsSinceEpoch()));
 }

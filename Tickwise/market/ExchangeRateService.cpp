@@ -154,8 +154,10 @@ ExchangeRateService::ExchangeRateService(HttpClient &client, const Endpoints &en
 ExchangeRateService::~ExchangeRateService()
 {
     m_inFlight.reset();
-    for (Waiting *const waiting : m_waiting)
-        waiting->abandon();
+    for (const std::vector<Waiting *> &list : {m_finishing, m_waiting}) {
+        for (Waiting *const waiting : list)
+            waiting->abandon();
+    }
 }
 
 Subscription ExchangeRateService::rate(BaseCurrency currency, Completion<double> done)
@@ -200,7 +202,9 @@ void ExchangeRateService::wait(Waiting &waiting)
 
 void ExchangeRateService::leave(Waiting &waiting)
 {
-    std::erase(m_waiting, &waiting);
+    std::erase(m_finishing, &waiting);
+    if (std::erase(m_waiting, &waiting) == 0)
+        return;
     if (m_waiting.empty())
         m_inFlight.reset();
 }
@@ -211,11 +215,13 @@ void ExchangeRateService::receiveTable(const Result<RateTable> &result)
     if (table)
         adopt(*table);
     const std::unique_ptr<TableFetch> finished = std::move(m_inFlight);
-    // Each completion may drop its own handle, another's, or this service.
+    m_finishing.insert(m_finishing.end(), m_waiting.begin(), m_waiting.end());
+    m_waiting.clear();
+    // Each completion may drop its own handle, another's, or this service, and may ask again.
     const std::weak_ptr<int> alive = m_alive;
-    while (!alive.expired() && !m_waiting.empty()) {
-        Waiting *const waiting = m_waiting.front();
-        m_waiting.erase(m_waiting.begin());
+    while (!alive.expired() && !m_finishing.empty()) {
+        Waiting *const waiting = m_finishing.front();
+        m_finishing.erase(m_finishing.begin());
         waiting->finish(table);
     }
 }

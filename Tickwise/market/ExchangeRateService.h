@@ -57,7 +57,8 @@ private:
     std::optional<TimePoint> m_cacheTimestamp;
     QHash<QString, Pause> m_rateLimits; // by the provider's address
     std::unique_ptr<TableFetch> m_inFlight;
-    std::vector<Waiting *> m_waiting;
+    std::vector<Waiting *> m_waiting;   // for the table in flight
+    std::vector<Waiting *> m_finishing; // for their turn to hear of a table that has come
     std::shared_ptr<int> m_alive = std::make_shared<int>();
 };
 

@@ -38,14 +38,14 @@ struct PriceService::Core
     std::vector<std::unique_ptr<TickerProvider>> providers;
     Clock clock;
     ProviderHealth health;
-    QHash<QString, QString> lastLogged; // by provider name: an exchange that stays away is one line, not one a poll
+    QHash<const TickerProvider *, QString> lastLogged; // an exchange that stays away is one line, not one a poll
 
-    void log(const QString &provider, const QString &text)
+    void log(const TickerProvider &provider, const QString &text)
     {
-        if (lastLogged.value(provider) == text)
+        if (lastLogged.value(&provider) == text)
             return;
-        lastLogged.insert(provider, text);
-        qCInfo(lcPrices).noquote() << provider << "gives no prices:" << text;
+        lastLogged.insert(&provider, text);
+        qCInfo(lcPrices).noquote() << provider.providerName() << "gives no prices:" << text;
     }
 };
 
@@ -75,6 +75,8 @@ private:
 
     void receiveRate(const Result<double> &rate)
     {
+        if (m_core.expired())
+            return finish(failure(UrlLoadingError{UrlErrorCode::cancelled}));
         if (!rate)
             return finish(failure(rate.error()));
         m_rate = *rate;
@@ -107,7 +109,10 @@ private:
             m_causes.push_back({provider.providerName(), FailureReason::rateLimited, until});
             return {};
         }
-        return core.health.available(provider.providerName(), symbols, now);
+        const QStringList available = core.health.available(provider.providerName(), symbols, now);
+        if (available.isEmpty())
+            m_causes.push_back({provider.providerName(), FailureReason::badAnswer, std::nullopt});
+        return available;
     }
 
     void ask(Core &core, const TickerProvider &provider, const QStringList &symbols, const Answer &answer)
@@ -143,7 +148,6 @@ private:
             noteFailure(*core, provider, UrlLoadingError{UrlErrorCode::zeroByteResource});
             return attempt(position + 1);
         }
-        core->lastLogged.remove(provider.providerName());
         core->health.preferredProviderIndex = m_order[position];
         m_quotes = *quotes;
         collectGapProviders(*core, provider);
@@ -209,6 +213,8 @@ private:
         core.health.noteAnswer(
             provider.providerName(), asked, [&](const QString &symbol) { return quotes.contains(symbol); },
             core.clock());
+        if (!quotes.isEmpty())
+            core.lastLogged.remove(&provider);
     }
 
     void noteFailure(Core &core, const TickerProvider &provider, const Error &error)
@@ -220,7 +226,7 @@ private:
         if (limited)
             core.health.noteRateLimit(name, refused->retryAfter, now);
         m_causes.push_back({name, failureReason(error), core.health.rateLimitedUntil(name, now)});
-        core.log(name, description(error));
+        core.log(provider, description(error));
     }
 
     void deliverWhenComplete()
