@@ -155,8 +155,10 @@ ExchangeRateService::ExchangeRateService(HttpClient &client, const Endpoints &en
 ExchangeRateService::~ExchangeRateService()
 {
     m_inFlight.reset();
-    for (Waiting *const waiting : m_waiting)
-        waiting->abandon();
+    for (const std::vector<Waiting *> &list : {m_finishing, m_waiting}) {
+        for (Waiting *const waiting : list)
+            waiting->abandon();
+    }
 }
 
 Subscription ExchangeRateService::rate(BaseCurrency currency, Completion<double> done)
@@ -201,7 +203,9 @@ void ExchangeRateService::wait(Waiting &waiting)
 
 void ExchangeRateService::leave(Waiting &waiting)
 {
-    std::erase(m_waiting, &waiting);
+    std::erase(m_finishing, &waiting);
+    if (std::erase(m_waiting, &waiting) == 0)
+        return;
     if (m_waiting.empty())
         m_inFlight.reset();
 }

@@ -82,6 +82,8 @@ private:
 
     void receiveRate(const Result<double> &rate)
     {
+        if (m_core.expired())
+            return finish(failure(UrlLoadingError{UrlErrorCode::cancelled}));
         if (!rate)
             return finish(failure(rate.error()));
         m_rate = *rate;
