@@ -78,20 +78,23 @@ class X11Session(DesktopSession):
     panel: "xfce4-panel", "mate-panel", "lxqt-panel", "plasma" or None.
     window_manager: "openbox", "xfwm4", "kwin_x11" or None.
     notifications: "dunst", "recording" or None.
+    with_panel: False leaves the panel to `start_panel`.
     """
 
-    def __init__(self, panel="xfce4-panel", window_manager="openbox", notifications="dunst", width=1280, height=800):
+    def __init__(self, panel="xfce4-panel", window_manager="openbox", notifications="dunst", width=1280, height=800,
+                 with_panel=True):
         super().__init__(notifications)
         self.width = width
         self.height = height
         self._panel_kind = panel
+        self._with_panel = with_panel
         self._window_manager_kind = window_manager
         self.server = None
         self.window_manager = None
         self.panel = None
 
     def start_panel(self):
-        """Starts the panel again after `stop_panel`."""
+        """Starts the panel, also again after `stop_panel`."""
         if self._panel_kind == "xfce4-panel":
             self._configure_xfce()
         elif self._panel_kind == "mate-panel":
@@ -144,7 +147,7 @@ class X11Session(DesktopSession):
         if self._window_manager_kind is not None:
             self._start_window_manager()
         self._start_notifications()
-        if self._panel_kind is not None:
+        if self._panel_kind is not None and self._with_panel:
             self.start_panel()
 
     def _start_server(self):
