@@ -87,7 +87,8 @@ void CoinLogoView::setImage(std::optional<QImage> image)
 void CoinLogoView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    paintCoinLogo(painter, rect(), m_content.assetName, m_image, m_content.symbol, palette().color(QPalette::Highlight));
+    paintCoinLogo(painter, rect(), m_content.assetName, m_image, m_content.symbol,
+                  palette().color(QPalette::Highlight));
 }
 
 } // namespace tickwise
