@@ -7,6 +7,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <ctime>
 
 using namespace tickwise;
@@ -15,6 +16,7 @@ using namespace tickwise::test;
 namespace {
 
 constexpr double millisecondsOfFrame = 16;
+double longestOfAll = 0;
 
 double threadMilliseconds()
 {
@@ -24,7 +26,7 @@ double threadMilliseconds()
 }
 
 /// Decodes the picture over and over. Reports the longest decoding, the estimate that the limit works with, and whether
-/// the picture was taken; fails where a decoding took longer than a frame.
+/// the picture was taken.
 void decode(benchmark::State &state, const QByteArray &bytes)
 {
     double longest = 0;
@@ -39,8 +41,7 @@ void decode(benchmark::State &state, const QByteArray &bytes)
     state.counters["estimate_ms"] = picture ? double(picture->cost.count()) / 1e6 : 0;
     state.counters["longest_ms"] = longest;
     state.counters["bytes"] = double(bytes.size());
-    if (longest > millisecondsOfFrame)
-        state.SkipWithError("a decoding took longer than a frame");
+    longestOfAll = std::max(longestOfAll, longest);
 }
 
 /// The best quality that keeps the picture within what a logo may have.
@@ -116,5 +117,6 @@ int main(int argc, char **argv)
     benchmark::Initialize(&argc, argv);
     addAll();
     benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    std::printf("Longest decoding: %.1f ms of %.0f ms\n", longestOfAll, millisecondsOfFrame);
+    return longestOfAll < millisecondsOfFrame ? 0 : 1;
 }

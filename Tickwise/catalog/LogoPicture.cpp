@@ -10,12 +10,15 @@ namespace {
 // longest; what is left of the frame is for slower machines.
 constexpr std::chrono::milliseconds longestDecoding{14};
 
-constexpr double nanosecondsPerBmpPixel = 2.5;
-constexpr double nanosecondsPerWebPPixel = 12;
+constexpr double nanosecondsPerBmpPixel = 1.5;
+constexpr double nanosecondsPerBmpByte = 10;
+constexpr double nanosecondsPerWebPPixel = 2.6;
+constexpr double nanosecondsPerWebPByte = 26;
 
-std::chrono::nanoseconds pixelCost(QSize size, double nanosecondsEach)
+std::chrono::nanoseconds estimate(QSize size, double perPixel, qsizetype bytes, double perByte)
 {
-    return std::chrono::nanoseconds(qint64(double(size.width()) * double(size.height()) * nanosecondsEach));
+    const double pixels = double(size.width()) * double(size.height());
+    return std::chrono::nanoseconds(qint64(pixels * perPixel + double(bytes) * perByte));
 }
 
 std::optional<LogoPicture> affordable(LogoPicture picture)
@@ -62,7 +65,8 @@ std::optional<LogoPicture> inspectBmp(const QByteArray &bytes)
     if (!runLength && bytes.size() < littleEndian<quint32>(bytes, 10) + rowBytes * height)
         return std::nullopt;
     const QSize size{int(width), int(height)};
-    return affordable({"bmp", size, pixelCost(size, nanosecondsPerBmpPixel), bytes});
+    return affordable(
+        {"bmp", size, estimate(size, nanosecondsPerBmpPixel, bytes.size(), nanosecondsPerBmpByte), bytes});
 }
 
 std::optional<LogoPicture> inspectWebP(const QByteArray &bytes)
@@ -71,7 +75,8 @@ std::optional<LogoPicture> inspectWebP(const QByteArray &bytes)
     if (bytes.size() < fileOverhead + qsizetype(littleEndian<quint32>(bytes, 4)))
         return std::nullopt;
     const QSize size = webPSize(bytes);
-    return affordable({"webp", size, pixelCost(size, nanosecondsPerWebPPixel), bytes});
+    return affordable(
+        {"webp", size, estimate(size, nanosecondsPerWebPPixel, bytes.size(), nanosecondsPerWebPByte), bytes});
 }
 
 std::optional<LogoPicture> inspectLogo(const QByteArray &bytes)

@@ -13,7 +13,8 @@ constexpr qsizetype descriptorLength = 10;
 constexpr quint8 extension = 0x21;
 constexpr quint8 graphicControl = 0xf9;
 constexpr quint8 imageDescriptor = 0x2c;
-constexpr double nanosecondsPerPixel = 9;
+constexpr double nanosecondsPerPixel = 3.6;
+constexpr double nanosecondsPerByte = 15;
 
 qsizetype colorTableLength(quint8 flags)
 {
@@ -134,7 +135,11 @@ std::optional<LogoPicture> inspectGif(const QByteArray &bytes)
         littleEndian<quint16>(bytes, *image + 3) + frameHeight > canvas.height())
         return std::nullopt;
     const double pixels = double(canvas.width()) * double(canvas.height());
-    LogoPicture picture{"gif", canvas, std::chrono::nanoseconds(qint64(pixels * nanosecondsPerPixel)), {}};
+    LogoPicture picture{
+        "gif",
+        canvas,
+        std::chrono::nanoseconds(qint64(pixels * nanosecondsPerPixel + double(bytes.size()) * nanosecondsPerByte)),
+        {}};
     if (!isAffordable(picture))
         return std::nullopt;
     const qsizetype dataAt = *image + descriptorLength + colorTableLength(byteAt(bytes, *image + 9));

@@ -3,7 +3,6 @@
 #include "catalog/ByteFields.h"
 
 #include <array>
-#include <set>
 
 #include <zlib.h>
 
@@ -13,10 +12,17 @@ namespace {
 
 constexpr qsizetype signatureLength = 8;
 constexpr qsizetype chunkOverhead = 12; // length, type and checksum
+constexpr qsizetype pieceLength = 512;  // inflates to half a mebibyte at most
 constexpr quint32 headerLength = 13;
 constexpr quint32 widest = 1 << 16; // keeps the arithmetic below in range; far more than any logo has
-constexpr double nanosecondsPerByte = 3.2;
-constexpr double nanosecondsPerInterlacedByte = 8;
+
+struct Costs
+{
+    double perRawByte, perPixel; // nanoseconds
+};
+constexpr Costs plainCosts{2.5, 0.6};
+constexpr Costs interlacedCosts{4.5, 2.4};
+constexpr double nanosecondsPerByte = 3;
 
 struct Header
 {
@@ -79,55 +85,58 @@ qint64 rawBytes(const Header &header)
     return sum;
 }
 
-std::chrono::nanoseconds decodingCost(const Header &header)
+std::chrono::nanoseconds decodingCost(const Header &header, qsizetype bytes)
 {
-    const double each = header.interlaced ? nanosecondsPerInterlacedByte : nanosecondsPerByte;
-    return std::chrono::nanoseconds(qint64(double(rawBytes(header)) * each));
+    const Costs costs = header.interlaced ? interlacedCosts : plainCosts;
+    const double pixels = double(header.width) * double(header.height);
+    return std::chrono::nanoseconds(qint64(double(rawBytes(header)) * costs.perRawByte + pixels * costs.perPixel +
+                                           double(bytes) * nanosecondsPerByte));
 }
 
-/// True when the zlib stream ends after exactly that many bytes: the decoder would inflate whatever follows the rows.
-bool inflatesTo(qint64 expected, const QByteArray &compressed)
+quint32 checksum(QByteArrayView bytes)
 {
-    z_stream stream{};
-    if (inflateInit(&stream) != Z_OK)
-        return false;
-    stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(compressed.data()));
-    stream.avail_in = uInt(compressed.size());
-    std::array<Bytef, 65536> buffer;
-    int state = Z_OK;
-    while (state == Z_OK && qint64(stream.total_out) <= expected) {
-        stream.next_out = buffer.data();
-        stream.avail_out = uInt(buffer.size());
-        state = inflate(&stream, Z_NO_FLUSH);
+    return quint32(crc32(0, reinterpret_cast<const Bytef *>(bytes.data()), uInt(bytes.size())));
+}
+
+template<class T>
+void append(QByteArray &bytes, T number)
+{
+    const T stored = qToBigEndian(number);
+    bytes.append(reinterpret_cast<const char *>(&stored), sizeof stored);
+}
+
+/// Adds the compressed rows in pieces so short that the decoder asks for the next one often.
+void appendPieces(QByteArray &file, QByteArrayView rows)
+{
+    for (qsizetype at = 0; at < rows.size(); at += pieceLength) {
+        const QByteArrayView piece = rows.sliced(at, std::min(pieceLength, rows.size() - at));
+        append(file, quint32(piece.size()));
+        const qsizetype checked = file.size();
+        file.append("IDAT").append(piece);
+        append(file, checksum(QByteArrayView(file).sliced(checked)));
     }
-    const bool matches = state == Z_STREAM_END && qint64(stream.total_out) == expected;
-    inflateEnd(&stream);
-    return matches;
 }
 
-struct Chunks
+/// The chunks that a decoder needs, up to the last one; none when that is missing or the rows are damaged.
+std::optional<QByteArray> neededChunks(const QByteArray &bytes)
 {
-    QByteArray file;       ///< what the decoder needs, in order
-    QByteArray compressed; ///< the rows
-};
-
-/// The chunks up to the last one; none when that is missing.
-std::optional<Chunks> readChunks(const QByteArray &bytes)
-{
-    static const std::set<QByteArrayView> needed{"IHDR", "PLTE", "tRNS", "IDAT", "IEND"};
-    Chunks chunks{bytes.first(signatureLength), {}};
+    QByteArray file = bytes.first(signatureLength);
     for (qsizetype at = signatureLength; at + chunkOverhead <= bytes.size();) {
         const qsizetype length = bigEndian<quint32>(bytes, at);
         if (length > bytes.size() - at - chunkOverhead)
             return std::nullopt;
-        const QByteArrayView type = QByteArrayView(bytes).sliced(at + 4, 4);
-        if (needed.contains(type))
-            chunks.file.append(QByteArrayView(bytes).sliced(at, length + chunkOverhead));
-        if (type == QByteArrayView("IDAT"))
-            chunks.compressed.append(QByteArrayView(bytes).sliced(at + 8, length));
-        if (type == QByteArrayView("IEND"))
-            return chunks;
-        at += length + chunkOverhead;
+        const QByteArrayView chunk = QByteArrayView(bytes).sliced(at, length + chunkOverhead);
+        const QByteArrayView type = chunk.sliced(4, 4);
+        if (type == QByteArrayView("IDAT")) {
+            if (checksum(chunk.sliced(4, length + 4)) != bigEndian<quint32>(chunk, length + 8))
+                return std::nullopt;
+            appendPieces(file, chunk.sliced(8, length));
+        } else if (type == QByteArrayView("IHDR") || type == QByteArrayView("PLTE") || type == QByteArrayView("tRNS")) {
+            file.append(chunk);
+        } else if (type == QByteArrayView("IEND")) {
+            return file.append(chunk);
+        }
+        at += chunk.size();
     }
     return std::nullopt;
 }
@@ -142,13 +151,13 @@ std::optional<LogoPicture> inspectPng(const QByteArray &bytes)
     const std::optional<Header> header = readHeader(first);
     if (!header)
         return std::nullopt;
-    LogoPicture picture{"png", QSize(int(header->width), int(header->height)), decodingCost(*header), {}};
+    LogoPicture picture{"png", QSize(int(header->width), int(header->height)), decodingCost(*header, bytes.size()), {}};
     if (!isAffordable(picture))
         return std::nullopt;
-    std::optional<Chunks> chunks = readChunks(bytes);
-    if (!chunks || !inflatesTo(rawBytes(*header), chunks->compressed))
+    std::optional<QByteArray> file = neededChunks(bytes);
+    if (!file)
         return std::nullopt;
-    picture.bytes = chunks->file;
+    picture.bytes = *file;
     return picture;
 }
 
