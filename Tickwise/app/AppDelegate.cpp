@@ -2,6 +2,7 @@
 
 #include "app/StatusMenu.h"
 #include "catalog/ShippedImages.h"
+#include "settings/SettingsStream.h"
 
 #include <QThread>
 
@@ -60,7 +61,7 @@ void AppDelegate::applicationDidFinishLaunching()
         std::make_unique<WidgetSnapshotWriter>(WidgetSnapshotStore{m_environment.container}, coinListViewModel(),
                                                m_settingsViewModel, m_environment.reloadWidgets, m_environment.clock);
     m_notificationService.requestAuthorization();
-    m_launchAtLoginService.setEnabled(m_settingsViewModel.settings().launchAtLogin);
+    followLaunchAtLogin();
     followReloadSettings();
     followLanguage();
 }
@@ -87,31 +88,32 @@ void AppDelegate::createStatusItem()
     connect(m_statusItem.get(), &StatusItem::clicked, this, [this] { activate(); });
 }
 
+void AppDelegate::followLaunchAtLogin()
+{
+    const auto launchAtLogin = [](const AppSettings &settings) { return settings.launchAtLogin; };
+    m_launchAtLoginService.setEnabled(launchAtLogin(m_settingsViewModel.settings()));
+    m_notifiers.push_back(followSettings(m_settingsViewModel, launchAtLogin,
+                                         [this](bool enabled) { m_launchAtLoginService.setEnabled(enabled); }));
+}
+
 void AppDelegate::followReloadSettings()
 {
-    m_lastReloadSettings.emplace(m_settingsViewModel.settings());
-    m_notifiers.push_back(m_settingsViewModel.bindableSettings().addNotifier([this] {
-        const ReloadSettingsSnapshot current(m_settingsViewModel.settings());
-        if (current == *m_lastReloadSettings)
-            return;
-        m_lastReloadSettings = current;
-        m_reloadTimer.start();
-    }));
+    const auto reloadSettings = [](const AppSettings &settings) { return ReloadSettingsSnapshot(settings); };
+    m_notifiers.push_back(followSettings(m_settingsViewModel, reloadSettings,
+                                         [this](const ReloadSettingsSnapshot &) { m_reloadTimer.start(); }));
 }
 
 void AppDelegate::followLanguage()
 {
-    applyLanguage();
-    m_notifiers.push_back(m_settingsViewModel.bindableSettings().addNotifier([this] {
-        if (m_settingsViewModel.settings().language != m_appliedLanguage)
-            applyLanguage();
-    }));
+    const auto language = [](const AppSettings &settings) { return settings.language; };
+    applyLanguage(language(m_settingsViewModel.settings()));
+    m_notifiers.push_back(
+        followSettings(m_settingsViewModel, language, [this](AppLanguage chosen) { applyLanguage(chosen); }));
 }
 
-void AppDelegate::applyLanguage()
+void AppDelegate::applyLanguage(AppLanguage language)
 {
-    m_appliedLanguage = m_settingsViewModel.settings().language;
-    LocalizationManager::shared().apply(*m_appliedLanguage);
+    LocalizationManager::shared().apply(language);
     m_menuBarViewModel.refresh();
     Q_EMIT languageApplied();
 }

@@ -92,9 +92,10 @@ Q_SIGNALS:
 
 private:
     void createStatusItem();
+    void followLaunchAtLogin();
     void followReloadSettings();
     void followLanguage();
-    void applyLanguage();
+    void applyLanguage(AppLanguage language);
     Menu makeStatusMenu();
     void changeCoin(const QString &coinId);
 
@@ -111,8 +112,6 @@ private:
     std::unique_ptr<StatusItem> m_statusItem;
     std::unique_ptr<WidgetSnapshotWriter> m_widgetSnapshotWriter;
     QTimer m_reloadTimer;
-    std::optional<ReloadSettingsSnapshot> m_lastReloadSettings;
-    std::optional<AppLanguage> m_appliedLanguage;
     std::vector<QPropertyNotifier> m_notifiers;
 };
 

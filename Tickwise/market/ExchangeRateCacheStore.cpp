@@ -14,7 +14,7 @@ namespace tickwise {
 namespace {
 
 const auto dateForm = "yyyy-MM-dd'T'HH:mm:ss'Z'";
-constexpr qint64 largestFile = 1024 * 1024; // a table has a few kilobytes
+constexpr qint64 largestFile = 256 * 1024; // a table has a few kilobytes
 
 QString fileIn(const QString &directory)
 {
@@ -27,13 +27,16 @@ QString dateText(TimePoint time)
     return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC).toString(QLatin1String(dateForm));
 }
 
+/// The date that the text spells in exactly the form that `dateText` writes.
 std::optional<TimePoint> dateOf(const QString &text)
 {
-    QDateTime date = QDateTime::fromString(text, QLatin1String(dateForm));
-    date.setTimeSpec(Qt::UTC);
-    if (!date.isValid())
+    using std::chrono::duration_cast, std::chrono::seconds;
+    const QDateTime date = QDateTime::fromString(text, Qt::ISODate);
+    const seconds time(date.isValid() ? date.toSecsSinceEpoch() : 0);
+    if (!date.isValid() || time < duration_cast<seconds>(TimePoint::min().time_since_epoch()) ||
+        time > duration_cast<seconds>(TimePoint::max().time_since_epoch()) || dateText(TimePoint(time)) != text)
         return std::nullopt;
-    return TimePoint(std::chrono::seconds(date.toSecsSinceEpoch()));
+    return TimePoint(time);
 }
 
 tl::unexpected<Error> undecodable(const QString &text)

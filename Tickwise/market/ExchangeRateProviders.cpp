@@ -1,8 +1,7 @@
 #include "market/ExchangeRateProviders.h"
 
+#include "market/JsonBody.h"
 #include "settings/AppSettings.h"
-
-#include <nlohmann/json.hpp>
 
 #include <cmath>
 
@@ -10,58 +9,48 @@ namespace tickwise {
 
 namespace {
 
-using nlohmann::json;
-
-Result<json> parsed(const QByteArray &body)
-{
-    try {
-        json root = json::parse(body.cbegin(), body.cend());
-        if (root.is_object())
-            return root;
-        return failure(DecodingError{QStringLiteral("the document is not an object")});
-    } catch (const json::parse_error &error) {
-        return failure(DecodingError{QString::fromUtf8(error.what()), static_cast<qint64>(error.byte)});
-    } catch (const json::exception &error) {
-        return failure(DecodingError{QString::fromUtf8(error.what())});
-    }
-}
+using simdjson::dom::element;
 
 tl::unexpected<Error> unparsable(const QString &detail)
 {
     return failure(UrlLoadingError{UrlErrorCode::cannotParseResponse, detail});
 }
 
-/// The table under the key, with upper-case codes.
-Result<RateTable> table(const json &root, const char *key)
+QString textOf(std::string_view text)
 {
-    const auto member = root.find(key);
-    if (member == root.end() || !member->is_object())
-        return failure(DecodingError{QStringLiteral("%1 is not an object").arg(QLatin1String(key))});
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// The table under the key, with upper-case codes.
+Result<RateTable> table(element root, std::string_view key)
+{
+    simdjson::dom::object members;
+    if (root[key].get(members) != simdjson::SUCCESS)
+        return unexpectedForm(textOf(key) + QStringLiteral(" is not an object"));
     RateTable rates;
-    for (const auto &[code, rate] : member->items()) {
-        if (!rate.is_number())
-            return failure(
-                DecodingError{QStringLiteral("the rate of %1 is not a number").arg(QString::fromStdString(code))});
-        const double value = rate.get<double>();
-        const QString upperCase = QString::fromStdString(code).toUpper();
-        if (std::isfinite(value) && value > 0)
-            rates.insert(upperCase, value);
-        else if (fromRawValue<BaseCurrency>(upperCase))
-            return unparsable(QStringLiteral("the rate of %1 is %2").arg(upperCase).arg(value));
+    for (const simdjson::dom::key_value_pair &member : members) {
+        const QString code = textOf(member.key).toUpper();
+        double rate = 0;
+        if (!member.value.is_number() || member.value.get(rate) != simdjson::SUCCESS)
+            return unexpectedForm(QStringLiteral("the rate of %1 is not a number").arg(code));
+        if (std::isfinite(rate) && rate > 0)
+            rates.insert(code, rate);
+        else if (fromRawValue<BaseCurrency>(code))
+            return unparsable(QStringLiteral("the rate of %1 is %2").arg(code).arg(rate));
     }
     if (rates.isEmpty())
         return unparsable(QStringLiteral("the table is empty"));
     return rates;
 }
 
-Result<RateTable> successfulTable(const json &root)
+Result<RateTable> successfulTable(element root)
 {
-    const auto result = root.find("result");
-    if (result == root.end() || !result->is_string())
-        return failure(DecodingError{QStringLiteral("result is not a text")});
-    if (*result != "success") {
-        return failure(UrlLoadingError{UrlErrorCode::badServerResponse,
-                                       QStringLiteral("the service reports ") + QString::fromStdString(*result)});
+    std::string_view result;
+    if (root["result"].get(result) != simdjson::SUCCESS)
+        return unexpectedForm(QStringLiteral("result is not a text"));
+    if (result != "success") {
+        return failure(
+            UrlLoadingError{UrlErrorCode::badServerResponse, QStringLiteral("the service reports ") + textOf(result)});
     }
     return table(root, "rates");
 }
@@ -70,12 +59,12 @@ Result<RateTable> successfulTable(const json &root)
 
 Result<RateTable> ERAPIRateProvider::decode(const QByteArray &body) const
 {
-    return parsed(body).and_then(successfulTable);
+    return withDocument<RateTable>(body, successfulTable);
 }
 
 Result<RateTable> CurrencyAPIRateProvider::decode(const QByteArray &body) const
 {
-    return parsed(body).and_then([](const json &root) { return table(root, "usd"); });
+    return withDocument<RateTable>(body, [](element root) { return table(root, "usd"); });
 }
 
 std::vector<std::unique_ptr<ExchangeRateProvider>> makeExchangeRateProviders(const Endpoints &endpoints)

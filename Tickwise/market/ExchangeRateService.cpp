@@ -3,7 +3,7 @@
 #include "market/FailureReason.h"
 #include "market/HttpStatus.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace tickwise {
 
@@ -109,24 +109,25 @@ public:
             m_service->leave(*this);
     }
 
+    /// Delivers from the event loop, because a completion may ask again or drop this service.
     void finish(const Result<RateTable> &table)
     {
-        m_service = nullptr;
         Result<double> rate = table.and_then([this](const RateTable &rates) { return lookUp(rates); });
         if (!rate && m_stale)
             rate = *m_stale;
-        const Completion<double> done = std::move(m_done);
-        done(rate);
+        deliver(std::move(rate));
     }
 
     /// The service goes away.
-    void abandon()
-    {
-        m_service = nullptr;
-        m_delivery = deliverLater<double>(failure(UrlLoadingError{UrlErrorCode::cancelled}), std::move(m_done));
-    }
+    void abandon() { deliver(failure(UrlLoadingError{UrlErrorCode::cancelled})); }
 
 private:
+    void deliver(Result<double> rate)
+    {
+        m_service = nullptr;
+        m_delivery = deliverLater<double>(std::move(rate), std::move(m_done));
+    }
+
     Result<double> lookUp(const RateTable &rates) const
     {
         const auto rate = rates.constFind(m_code);
@@ -154,8 +155,10 @@ ExchangeRateService::ExchangeRateService(HttpClient &client, const Endpoints &en
 ExchangeRateService::~ExchangeRateService()
 {
     m_inFlight.reset();
-    for (Waiting *const waiting : m_waiting)
-        waiting->abandon();
+    for (const std::vector<Waiting *> &list : {m_finishing, m_waiting}) {
+        for (Waiting *const waiting : list)
+            waiting->abandon();
+    }
 }
 
 Subscription ExchangeRateService::rate(BaseCurrency currency, Completion<double> done)
@@ -200,24 +203,20 @@ void ExchangeRateService::wait(Waiting &waiting)
 
 void ExchangeRateService::leave(Waiting &waiting)
 {
-    std::erase(m_waiting, &waiting);
+    std::erase(m_finishing, &waiting);
+    if (std::erase(m_waiting, &waiting) == 0)
+        return;
     if (m_waiting.empty())
         m_inFlight.reset();
 }
 
 void ExchangeRateService::receiveTable(const Result<RateTable> &result)
 {
-    const Result<RateTable> table = result; // outlives the fetch that holds it
-    if (table)
-        adopt(*table);
-    const std::unique_ptr<TableFetch> finished = std::move(m_inFlight);
-    // Each completion may drop its own handle, another's, or this service.
-    const std::weak_ptr<int> alive = m_alive;
-    while (!alive.expired() && !m_waiting.empty()) {
-        Waiting *const waiting = m_waiting.front();
-        m_waiting.erase(m_waiting.begin());
-        waiting->finish(table);
-    }
+    const std::unique_ptr<TableFetch> finished = std::move(m_inFlight); // it holds the result
+    if (result)
+        adopt(*result);
+    for (Waiting *const waiting : std::exchange(m_waiting, {}))
+        waiting->finish(result);
 }
 
 void ExchangeRateService::adopt(const RateTable &table)

@@ -58,7 +58,6 @@ private:
     QHash<QString, Pause> m_rateLimits; // by the provider's address
     std::unique_ptr<TableFetch> m_inFlight;
     std::vector<Waiting *> m_waiting;
-    std::shared_ptr<int> m_alive = std::make_shared<int>();
 };
 
 } // namespace tickwise

@@ -9,6 +9,8 @@
 #include <QSet>
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace tickwise {
 
@@ -38,14 +40,15 @@ struct PriceService::Core
     std::vector<std::unique_ptr<TickerProvider>> providers;
     Clock clock;
     ProviderHealth health;
-    QHash<QString, QString> lastLogged; // by provider name: an exchange that stays away is one line, not one a poll
+    std::vector<SnapshotFetch *> fetches;              // those under way
+    QHash<const TickerProvider *, QString> lastLogged; // an exchange that stays away is one line, not one a poll
 
-    void log(const QString &provider, const QString &text)
+    void log(const TickerProvider &provider, const QString &text)
     {
-        if (lastLogged.value(provider) == text)
+        if (lastLogged.value(&provider) == text)
             return;
-        lastLogged.insert(provider, text);
-        qCInfo(lcPrices).noquote() << provider << "gives no prices:" << text;
+        lastLogged.insert(&provider, text);
+        qCInfo(lcPrices).noquote() << provider.providerName() << "gives no prices:" << text;
     }
 };
 
@@ -53,28 +56,34 @@ struct PriceService::Core
 class PriceService::SnapshotFetch : public Operation
 {
 public:
-    SnapshotFetch(const std::shared_ptr<Core> &core, const QStringList &symbols, BaseCurrency currency,
-                  Completion<PriceSnapshot> done)
-        : m_core(core)
+    SnapshotFetch(Core &core, const QStringList &symbols, BaseCurrency currency, Completion<PriceSnapshot> done)
+        : m_core(&core)
         , m_wantsTether(symbols.contains(tether))
         , m_wanted(symbols)
         , m_done(std::move(done))
     {
+        core.fetches.push_back(this);
         m_wanted.removeAll(tether);
-        for (std::size_t i = 0; i < core->providers.size(); ++i)
-            m_order.push_back((core->health.preferredProviderIndex + i) % core->providers.size());
-        m_rateRequest = core->rates.rate(currency, [this](const Result<double> &rate) { receiveRate(rate); });
+        for (std::size_t i = 0; i < core.providers.size(); ++i)
+            m_order.push_back((core.health.preferredProviderIndex + i) % core.providers.size());
+        m_rateRequest = core.rates.rate(currency, [this](const Result<double> &rate) { receiveRate(rate); });
         if (m_wanted.isEmpty())
             m_quotesComplete = true;
         else
             attempt(0);
     }
+    ~SnapshotFetch() override { leave(); }
+
+    /// The service goes away.
+    void abandon() { finishLater(UrlLoadingError{UrlErrorCode::cancelled}); }
 
 private:
     using Answer = std::function<void(const Result<TickerQuotes> &)>;
 
     void receiveRate(const Result<double> &rate)
     {
+        if (m_core.expired())
+            return finish(failure(UrlLoadingError{UrlErrorCode::cancelled}));
         if (!rate)
             return finish(failure(rate.error()));
         m_rate = *rate;
@@ -84,33 +93,34 @@ private:
     /// The provider at a position of the order, or failure past its end.
     void attempt(std::size_t position)
     {
-        const std::shared_ptr<Core> core = m_core.lock();
-        if (!core)
-            return finishLater(UrlLoadingError{UrlErrorCode::cancelled});
         if (position == m_order.size()) {
             return finishLater(UrlLoadingError{UrlErrorCode::cannotLoadFromNetwork,
                                                QStringLiteral("no exchange answered"), 0, m_causes});
         }
-        const TickerProvider &provider = *core->providers[m_order[position]];
-        const QStringList asked = askable(*core, provider, m_wanted);
+        const TickerProvider &provider = *m_core->providers[m_order[position]];
+        const QStringList asked = askable(provider, m_wanted);
         if (asked.isEmpty())
             return attempt(position + 1);
-        ask(*core, provider, asked,
+        ask(provider, asked,
             [this, position, asked](const Result<TickerQuotes> &quotes) { receiveQuotes(position, asked, quotes); });
     }
 
     /// The symbols that the provider may be asked for now; none while it is rate-limited.
-    QStringList askable(const Core &core, const TickerProvider &provider, const QStringList &symbols)
+    QStringList askable(const TickerProvider &provider, const QStringList &symbols)
     {
-        const TimePoint now = core.clock();
-        if (const auto until = core.health.rateLimitedUntil(provider.providerName(), now)) {
-            m_causes.push_back({provider.providerName(), FailureReason::rateLimited, until});
+        const TimePoint now = m_core->clock();
+        const QString name = provider.providerName();
+        if (const std::optional<ProviderFailure> limit = m_core->health.rateLimit(name, now)) {
+            m_causes.push_back(*limit);
             return {};
         }
-        return core.health.available(provider.providerName(), symbols, now);
+        const QStringList available = m_core->health.available(name, symbols, now);
+        if (available.isEmpty())
+            m_causes.push_back({name, FailureReason::badAnswer, std::nullopt});
+        return available;
     }
 
-    void ask(Core &core, const TickerProvider &provider, const QStringList &symbols, const Answer &answer)
+    void ask(const TickerProvider &provider, const QStringList &symbols, const Answer &answer)
     {
         const std::optional<HttpRequest> request = provider.makeRequest(symbols);
         if (!request) {
@@ -118,10 +128,7 @@ private:
             return;
         }
         m_tickerRequest =
-            core.client.send(*request, [this, &provider, symbols, answer](const Result<HttpResponse> &response) {
-                const std::shared_ptr<Core> alive = m_core.lock();
-                if (!alive)
-                    return finish(failure(UrlLoadingError{UrlErrorCode::cancelled}));
+            m_core->client.send(*request, [&provider, symbols, answer](const Result<HttpResponse> &response) {
                 answer(response.and_then(classifyTickerResponse).and_then([&](const QByteArray &body) {
                     return provider.parseQuotes(body, symbols);
                 }));
@@ -130,31 +137,27 @@ private:
 
     void receiveQuotes(std::size_t position, const QStringList &asked, const Result<TickerQuotes> &quotes)
     {
-        const std::shared_ptr<Core> core = m_core.lock();
-        if (!core)
-            return finish(failure(UrlLoadingError{UrlErrorCode::cancelled}));
-        const TickerProvider &provider = *core->providers[m_order[position]];
+        const TickerProvider &provider = *m_core->providers[m_order[position]];
         if (!quotes) {
-            noteFailure(*core, provider, quotes.error());
+            noteFailure(provider, quotes.error());
             return attempt(position + 1);
         }
-        noteAnswer(*core, provider, asked, *quotes);
+        noteAnswer(provider, asked, *quotes);
         if (quotes->isEmpty()) {
-            noteFailure(*core, provider, UrlLoadingError{UrlErrorCode::zeroByteResource});
+            noteFailure(provider, UrlLoadingError{UrlErrorCode::zeroByteResource});
             return attempt(position + 1);
         }
-        core->lastLogged.remove(provider.providerName());
-        core->health.preferredProviderIndex = m_order[position];
+        m_core->health.preferredProviderIndex = m_order[position];
         m_quotes = *quotes;
-        collectGapProviders(*core, provider);
+        collectGapProviders(provider);
         fillGap(0);
     }
 
     /// For every other exchange its first provider, in the order of the list.
-    void collectGapProviders(const Core &core, const TickerProvider &answered)
+    void collectGapProviders(const TickerProvider &answered)
     {
         QSet<QString> names{answered.providerName()};
-        for (const std::unique_ptr<TickerProvider> &provider : core.providers) {
+        for (const std::unique_ptr<TickerProvider> &provider : m_core->providers) {
             if (names.contains(provider->providerName()))
                 continue;
             names.insert(provider->providerName());
@@ -164,33 +167,27 @@ private:
 
     void fillGap(std::size_t index)
     {
-        const std::shared_ptr<Core> core = m_core.lock();
-        if (!core)
-            return finishLater(UrlLoadingError{UrlErrorCode::cancelled});
         const QStringList missing = missingSymbols();
         if (missing.isEmpty() || index == m_gapProviders.size()) {
             m_quotesComplete = true;
             return deliverWhenComplete();
         }
         const TickerProvider &provider = *m_gapProviders[index];
-        const QStringList asked = askable(*core, provider, missing);
+        const QStringList asked = askable(provider, missing);
         if (asked.isEmpty())
             return fillGap(index + 1);
-        ask(*core, provider, asked,
+        ask(provider, asked,
             [this, index, asked](const Result<TickerQuotes> &quotes) { receiveGapQuotes(index, asked, quotes); });
     }
 
     void receiveGapQuotes(std::size_t index, const QStringList &asked, const Result<TickerQuotes> &quotes)
     {
-        const std::shared_ptr<Core> core = m_core.lock();
-        if (!core)
-            return finish(failure(UrlLoadingError{UrlErrorCode::cancelled}));
         const TickerProvider &provider = *m_gapProviders[index];
         if (quotes) {
-            noteAnswer(*core, provider, asked, *quotes);
+            noteAnswer(provider, asked, *quotes);
             m_quotes.insert(*quotes);
         } else {
-            noteFailure(*core, provider, quotes.error());
+            noteFailure(provider, quotes.error());
         }
         fillGap(index + 1);
     }
@@ -203,24 +200,27 @@ private:
         return missing;
     }
 
-    static void noteAnswer(Core &core, const TickerProvider &provider, const QStringList &asked,
-                           const TickerQuotes &quotes)
+    void noteAnswer(const TickerProvider &provider, const QStringList &asked, const TickerQuotes &quotes)
     {
-        core.health.noteAnswer(
+        m_core->health.noteAnswer(
             provider.providerName(), asked, [&](const QString &symbol) { return quotes.contains(symbol); },
-            core.clock());
+            m_core->clock());
+        if (!quotes.isEmpty())
+            m_core->lastLogged.remove(&provider);
     }
 
-    void noteFailure(Core &core, const TickerProvider &provider, const Error &error)
+    void noteFailure(const TickerProvider &provider, const Error &error)
     {
         const QString name = provider.providerName();
-        const TimePoint now = core.clock();
+        const TimePoint now = m_core->clock();
+        ProviderFailure cause{name, failureReason(error), std::nullopt};
         const auto *const refused = std::get_if<TickerProviderError>(&error);
-        const bool limited = refused && refused->kind == TickerProviderError::Kind::rateLimited;
-        if (limited)
-            core.health.noteRateLimit(name, refused->retryAfter, now);
-        m_causes.push_back({name, failureReason(error), core.health.rateLimitedUntil(name, now)});
-        core.log(name, description(error));
+        if (refused && refused->kind == TickerProviderError::Kind::rateLimited) {
+            m_core->health.noteRateLimit(name, refused->retryAfter, cause.reason, now);
+            cause = m_core->health.rateLimit(name, now).value_or(cause);
+        }
+        m_causes.push_back(cause);
+        m_core->log(provider, description(error));
     }
 
     void deliverWhenComplete()
@@ -232,7 +232,10 @@ private:
         if (m_wantsTether)
             m_quotes.insert(tether, {1.0, 0.0});
         for (auto quote = m_quotes.cbegin(); quote != m_quotes.cend(); ++quote) {
-            snapshot.prices.insert(quote.key(), quote->priceUsd * *m_rate);
+            const double price = quote->priceUsd * *m_rate;
+            if (!std::isfinite(price))
+                continue;
+            snapshot.prices.insert(quote.key(), price);
             if (quote->change24hPercent)
                 snapshot.changes24h.insert(quote.key(), *quote->change24hPercent);
         }
@@ -242,21 +245,30 @@ private:
     /// For ends that may be reached inside the call that started the fetch.
     void finishLater(Error error)
     {
+        leave();
         m_rateRequest.cancel();
         m_tickerRequest = deliverLater<PriceSnapshot>(failure(std::move(error)),
                                                       [this](const Result<PriceSnapshot> &result) { finish(result); });
     }
 
-    /// The completion may destroy this fetch: nothing comes after it.
+    void leave()
+    {
+        if (m_core)
+            std::erase(m_core->fetches, this);
+        m_core = nullptr;
+    }
+
+    /// The completion may destroy this fetch and the service: nothing comes after it.
     void finish(Result<PriceSnapshot> result)
     {
+        leave();
         m_rateRequest.cancel();
         m_tickerRequest.cancel();
         const Completion<PriceSnapshot> done = std::move(m_done);
         done(std::move(result));
     }
 
-    std::weak_ptr<Core> m_core;
+    Core *m_core; // none once the outcome is known
     bool m_wantsTether;
     QStringList m_wanted;
     Completion<PriceSnapshot> m_done;
@@ -272,12 +284,16 @@ private:
 
 PriceService::PriceService(HttpClient &client, RateFetching &exchangeRateService, const Endpoints &endpoints,
                            Clock clock)
-    : m_core(std::make_shared<Core>(
-          Core{client, exchangeRateService, makeTickerProviders(endpoints, clock), clock, {}, {}}))
+    : m_core(std::make_unique<Core>(
+          Core{client, exchangeRateService, makeTickerProviders(endpoints, clock), clock, {}, {}, {}}))
 {
 }
 
-PriceService::~PriceService() = default;
+PriceService::~PriceService()
+{
+    for (SnapshotFetch *const fetch : std::exchange(m_core->fetches, {}))
+        fetch->abandon();
+}
 
 Subscription PriceService::fetchSnapshot(const QStringList &symbols, BaseCurrency currency,
                                          Completion<PriceSnapshot> done)
@@ -287,7 +303,7 @@ Subscription PriceService::fetchSnapshot(const QStringList &symbols, BaseCurrenc
         return deliverLater<PriceSnapshot>(failure(UrlLoadingError{UrlErrorCode::badURL, QStringLiteral("no symbols")}),
                                            std::move(done));
     }
-    return Subscription(std::make_unique<SnapshotFetch>(m_core, wanted, currency, std::move(done)));
+    return Subscription(std::make_unique<SnapshotFetch>(*m_core, wanted, currency, std::move(done)));
 }
 
 } // namespace tickwise

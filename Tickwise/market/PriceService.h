@@ -43,7 +43,7 @@ private:
     struct Core;
     class SnapshotFetch;
 
-    std::shared_ptr<Core> m_core; // a fetch holds it weakly
+    std::unique_ptr<Core> m_core;
 };
 
 } // namespace tickwise

@@ -11,15 +11,18 @@ QString key(const QString &provider, const QString &symbol)
 
 } // namespace
 
-std::optional<TimePoint> ProviderHealth::rateLimitedUntil(const QString &provider, TimePoint now) const
+std::optional<ProviderFailure> ProviderHealth::rateLimit(const QString &provider, TimePoint now) const
 {
-    const auto pause = m_rateLimits.constFind(provider);
-    return pause != m_rateLimits.constEnd() && pause->holds(now) ? std::optional(pause->until) : std::nullopt;
+    const auto limit = m_rateLimits.constFind(provider);
+    if (limit == m_rateLimits.constEnd() || !limit->pause.holds(now))
+        return std::nullopt;
+    return ProviderFailure{provider, limit->reason, limit->pause.until};
 }
 
-void ProviderHealth::noteRateLimit(const QString &provider, std::optional<double> retryAfterSeconds, TimePoint now)
+void ProviderHealth::noteRateLimit(const QString &provider, std::optional<double> retryAfterSeconds,
+                                   FailureReason reason, TimePoint now)
 {
-    m_rateLimits.insert(provider, Pause::lasting(retryAfterSeconds.value_or(rateLimitPause), now));
+    m_rateLimits.insert(provider, {Pause::lasting(retryAfterSeconds.value_or(rateLimitPause), now), reason});
 }
 
 QStringList ProviderHealth::available(const QString &provider, const QStringList &symbols, TimePoint now) const

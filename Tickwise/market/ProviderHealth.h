@@ -1,13 +1,13 @@
 #pragma once
 
 #include "market/Pause.h"
+#include "support/Error.h"
 
 #include <QHash>
 #include <QString>
 #include <QStringList>
 
 #include <functional>
-
 #include <optional>
 
 namespace tickwise {
@@ -22,9 +22,11 @@ public:
     /// Index of the provider that answered last.
     std::size_t preferredProviderIndex = 0;
 
-    /// Until when the provider must not be asked; none when it may be.
-    std::optional<TimePoint> rateLimitedUntil(const QString &provider, TimePoint now) const;
-    void noteRateLimit(const QString &provider, std::optional<double> retryAfterSeconds, TimePoint now);
+    /// Why and until when the provider must not be asked; none when it may be.
+    std::optional<ProviderFailure> rateLimit(const QString &provider, TimePoint now) const;
+    /// `reason` is what the refusal meant to the user: a rate limit, or a region that is blocked.
+    void noteRateLimit(const QString &provider, std::optional<double> retryAfterSeconds, FailureReason reason,
+                       TimePoint now);
 
     /// The symbols without those that the provider lacked a short while ago.
     QStringList available(const QString &provider, const QStringList &symbols, TimePoint now) const;
@@ -33,8 +35,13 @@ public:
                     TimePoint now);
 
 private:
-    QHash<QString, Pause> m_rateLimits;  // by provider name
-    QHash<QString, Pause> m_unavailable; // by provider name, "/" and symbol
+    struct RateLimit
+    {
+        Pause pause;
+        FailureReason reason;
+    };
+    QHash<QString, RateLimit> m_rateLimits; // by provider name
+    QHash<QString, Pause> m_unavailable;    // by provider name, "/" and symbol
 };
 
 } // namespace tickwise

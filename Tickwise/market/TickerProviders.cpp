@@ -1,9 +1,11 @@
 #include "market/TickerProviders.h"
 
-#include "market/TickerJson.h"
+#include "market/JsonBody.h"
 #include "support/DecimalText.h"
 
 #include <QUrlQuery>
+
+#include <cmath>
 
 namespace tickwise {
 
@@ -72,6 +74,12 @@ bool readBinance(element one, const WantedSymbols &wanted, double oldestCloseTim
     return true;
 }
 
+/// A change too large for a number is no change.
+std::optional<double> finite(double percent)
+{
+    return std::isfinite(percent) ? std::optional(percent) : std::nullopt;
+}
+
 bool readOkx(element one, const WantedSymbols &wanted, TickerQuotes &quotes)
 {
     static constexpr std::array keys{"instId"sv, "last"sv, "open24h"sv};
@@ -89,7 +97,7 @@ bool readOkx(element one, const WantedSymbols &wanted, TickerQuotes &quotes)
         return true;
     const std::optional<double> before = parseDecimal(*open);
     const bool hasChange = before && *before > 0;
-    quotes.insert(*base, {*price, hasChange ? std::optional((*price - *before) / *before * 100) : std::nullopt});
+    quotes.insert(*base, {*price, hasChange ? finite((*price - *before) / *before * 100) : std::nullopt});
     return true;
 }
 
@@ -109,7 +117,7 @@ bool readBybit(element one, const WantedSymbols &wanted, TickerQuotes &quotes)
     if (!price)
         return true;
     const std::optional<double> change = parseDecimal(*fraction);
-    quotes.insert(*base, {*price, change ? std::optional(*change * 100) : std::nullopt});
+    quotes.insert(*base, {*price, change ? finite(*change * 100) : std::nullopt});
     return true;
 }
 
@@ -145,7 +153,10 @@ std::optional<HttpRequest> BinanceTickerProvider::makeAllTickersRequest() const
 
 Result<TickerQuotes> BinanceTickerProvider::parseQuotes(const QByteArray &data, const QStringList &symbols) const
 {
-    const std::chrono::duration<double, std::milli> oldest = m_clock().time_since_epoch() - freshness;
+    // Whole microseconds fit into a double; nanoseconds would blur the milliseconds that are compared.
+    using std::chrono::microseconds;
+    const std::chrono::duration<double, std::milli> oldest =
+        std::chrono::floor<microseconds>(m_clock().time_since_epoch() - freshness);
     const WantedSymbols wanted(symbols);
     return withDocument<TickerQuotes>(data, [&](element root) {
         return readList(

@@ -17,7 +17,7 @@
 
 namespace tickwise {
 
-// What the ticker parsers share. Included by their implementations only.
+// What the parsers of exchange and rate bodies share. Included by their implementations only.
 
 /// Parses the whole body and hands the document to `read`. A body that is not valid JSON is a `DecodingError`.
 template<class T>

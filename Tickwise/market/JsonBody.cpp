@@ -1,4 +1,4 @@
-#include "market/TickerJson.h"
+#include "market/JsonBody.h"
 
 #include <memory>
 
