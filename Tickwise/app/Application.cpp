@@ -10,6 +10,7 @@
 #include <QDBusConnection>
 #include <QDesktopServices>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QWidget>
 
 #include <cstdio>
@@ -17,6 +18,9 @@
 namespace tickwise {
 
 namespace {
+
+/// Watching the network loads libraries that the first price need not wait for.
+constexpr std::chrono::seconds networkWatchDelay{3};
 
 /// The addresses that a launcher started this copy with.
 QList<QUrl> openedUrls()
@@ -153,7 +157,7 @@ void Application::freshPricesNeeded()
 int Application::run()
 {
     m_delegate.applicationDidFinishLaunching();
-    m_sleepMonitor.watchNetwork();
+    QTimer::singleShot(networkWatchDelay, &m_sleepMonitor, &SleepMonitor::watchNetwork);
     return QCoreApplication::exec();
 }
 

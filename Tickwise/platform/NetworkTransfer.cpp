@@ -91,7 +91,8 @@ void NetworkTransfer::open(const QUrl &url)
     m_reply = reply;
     m_gzip.reset();
     m_received = 0;
-    reply->setReadBufferSize(readBufferBytes);
+    if (m_request.sink)
+        reply->setReadBufferSize(readBufferBytes);
     QObject::connect(reply, &QNetworkReply::sslErrors, &m_context,
                      [this](const QList<QSslError> &e) { m_sslErrors = e; });
     QObject::connect(reply, &QNetworkReply::metaDataChanged, &m_context, [this] { readHead(); });
