@@ -91,8 +91,7 @@ void NetworkTransfer::open(const QUrl &url)
     m_reply = reply;
     m_gzip.reset();
     m_received = 0;
-    if (m_request.sink)
-        reply->setReadBufferSize(readBufferBytes);
+    reply->setReadBufferSize(readBufferBytes);
     QObject::connect(reply, &QNetworkReply::sslErrors, &m_context,
                      [this](const QList<QSslError> &e) { m_sslErrors = e; });
     QObject::connect(reply, &QNetworkReply::metaDataChanged, &m_context, [this] { readHead(); });
