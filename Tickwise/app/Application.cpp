@@ -5,6 +5,7 @@
 #include "platform/Log.h"
 #include "platform/LoginItem.h"
 #include "platform/PanelStatusItem.h"
+#include "platform/PortalNotificationCenter.h"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -94,10 +95,10 @@ Application::Application(ApplicationConfiguration configuration)
     , m_defaults(m_configuration.defaultsOrganization, m_configuration.defaultsApplication)
     , m_httpClient(m_configuration.tls)
     , m_soundPlayer(QString::fromLatin1(appInfo::displayName), m_configuration.identifier)
-    , m_notificationCenter(
-          QDBusConnection::sessionBus(),
+    , m_notificationCenter(makeUserNotificationCenter(
+          QDBusConnection::sessionBus(), runsInSandbox(),
           {QString::fromLatin1(appInfo::displayName), m_configuration.identifier, m_configuration.identifier},
-          [this] { m_soundPlayer.play(); })
+          [this] { m_soundPlayer.play(); }))
     , m_loginItem(makeLoginItem(m_configuration.identifier, QDBusConnection::sessionBus(), runsInSandbox(),
                                 localized(QStringLiteral("general.launch.atLogin"))))
     , m_widgetCenter(QDBusConnection::sessionBus())
@@ -128,7 +129,7 @@ AppEnvironment Application::makeEnvironment()
     AppEnvironment environment{
         .defaults = m_defaults,
         .httpClient = m_httpClient,
-        .notificationCenter = m_notificationCenter,
+        .notificationCenter = *m_notificationCenter,
         .loginItem = *m_loginItem,
         .makeStatusItem = [] { return std::make_unique<PanelStatusItem>(QDBusConnection::sessionBus()); },
         .reloadWidgets = [this] { m_widgetCenter.reloadAllTimelines(); },

@@ -1,0 +1,204 @@
+#include "market/ProviderHealth.h"
+
+#include "support/TestClock.h"
+
+#include <QTest>
+
+using namespace tickwise;
+
+namespace {
+
+const auto okx = QStringLiteral("okx");
+const auto bybit = QStringLiteral("bybit");
+const auto abc = QStringLiteral("ABC");
+const auto xyz = QStringLiteral("XYZ");
+const QStringList both{abc, xyz};
+
+} // namespace
+
+class ProviderHealthTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void startsWithTheFirstProviderAndNoMarks();
+    void rateLimitLasts_data();
+    void rateLimitLasts();
+    void rateLimitIsOfOneProvider();
+    void laterRateLimitReplacesTheEarlier();
+    void rateLimitEndsWhenTheClockGoesBack();
+    void rateLimitEndsWhenTheClockJumpsAhead();
+    void endlessRateLimitIsBounded();
+    void lackedSymbolIsLeftOut();
+    void markLasts_data();
+    void markLasts();
+    void markIsOfOneProvider();
+    void deliveredSymbolLosesItsMark();
+    void anotherMissRenewsTheMark();
+    void symbolsNotAskedKeepTheirMarks();
+    void markEndsWhenTheClockGoesBack();
+    void orderIsKept();
+
+private:
+    void noteLacks(const QString &provider, const QStringList &asked, const QStringList &had = {})
+    {
+        m_health.noteAnswer(
+            provider, asked, [&](const QString &symbol) { return had.contains(symbol); }, m_clock.now());
+    }
+    bool isLimited(const QString &provider) const { return m_health.rateLimit(provider, m_clock.now()).has_value(); }
+    QStringList available(const QString &provider, const QStringList &symbols = both) const
+    {
+        return m_health.available(provider, symbols, m_clock.now());
+    }
+
+    test::TestClock m_clock;
+    ProviderHealth m_health;
+};
+
+void ProviderHealthTest::init()
+{
+    m_clock.set(test::TestClock().now());
+    m_health = {};
+}
+
+void ProviderHealthTest::startsWithTheFirstProviderAndNoMarks()
+{
+    QCOMPARE(m_health.preferredProviderIndex, 0U);
+    QVERIFY(!isLimited(okx));
+    QCOMPARE(available(okx), both);
+}
+
+void ProviderHealthTest::rateLimitLasts_data()
+{
+    QTest::addColumn<std::optional<double>>("retryAfter");
+    QTest::addColumn<double>("seconds");
+    QTest::newRow("30 s") << std::optional(30.0) << 30.0;
+    QTest::newRow("half a second") << std::optional(0.5) << 0.5;
+    QTest::newRow("not told") << std::optional<double>() << 60.0;
+    QTest::newRow("600 s") << std::optional(600.0) << 600.0;
+}
+
+void ProviderHealthTest::rateLimitLasts()
+{
+    QFETCH(std::optional<double>, retryAfter);
+    QFETCH(double, seconds);
+    const TimePoint start = m_clock.now();
+    m_health.noteRateLimit(okx, retryAfter, FailureReason::rateLimited, start);
+    const TimePoint end = start + secondsDuration(seconds);
+    QCOMPARE(m_health.rateLimit(okx, start).value_or(ProviderFailure{}).until, end);
+    m_clock.set(end - std::chrono::milliseconds(1));
+    QCOMPARE(m_health.rateLimit(okx, m_clock.now()).value_or(ProviderFailure{}).until, end);
+    m_clock.set(end);
+    QVERIFY(!isLimited(okx));
+}
+
+void ProviderHealthTest::rateLimitIsOfOneProvider()
+{
+    m_health.noteRateLimit(okx, 30.0, FailureReason::rateLimited, m_clock.now());
+    QVERIFY(isLimited(okx));
+    QVERIFY(!isLimited(bybit));
+}
+
+void ProviderHealthTest::laterRateLimitReplacesTheEarlier()
+{
+    m_health.noteRateLimit(okx, 600.0, FailureReason::rateLimited, m_clock.now());
+    m_clock.advance(10);
+    m_health.noteRateLimit(okx, 5.0, FailureReason::rateLimited, m_clock.now());
+    m_clock.advance(5);
+    QVERIFY(!isLimited(okx));
+}
+
+void ProviderHealthTest::rateLimitEndsWhenTheClockGoesBack()
+{
+    m_health.noteRateLimit(okx, 30.0, FailureReason::rateLimited, m_clock.now());
+    m_clock.advance(-1);
+    QVERIFY(!isLimited(okx));
+    m_clock.advance(-86400 * 365);
+    QVERIFY(!isLimited(okx));
+}
+
+void ProviderHealthTest::rateLimitEndsWhenTheClockJumpsAhead()
+{
+    m_health.noteRateLimit(okx, 600.0, FailureReason::rateLimited, m_clock.now());
+    m_clock.advance(86400);
+    QVERIFY(!isLimited(okx));
+}
+
+void ProviderHealthTest::endlessRateLimitIsBounded()
+{
+    m_health.noteRateLimit(okx, 1e300, FailureReason::rateLimited, m_clock.now());
+    const auto until = m_health.rateLimit(okx, m_clock.now()).value_or(ProviderFailure{}).until;
+    QVERIFY(until && *until > m_clock.now());
+}
+
+void ProviderHealthTest::lackedSymbolIsLeftOut()
+{
+    noteLacks(okx, both, {abc});
+    QCOMPARE(available(okx), QStringList{abc});
+    QCOMPARE(available(okx, {xyz}), QStringList());
+}
+
+void ProviderHealthTest::markLasts_data()
+{
+    QTest::addColumn<double>("seconds");
+    QTest::addColumn<bool>("holds");
+    QTest::newRow("at once") << 0.0 << true;
+    QTest::newRow("1799.999 s") << 1799.999 << true;
+    QTest::newRow("1800 s") << 1800.0 << false;
+    QTest::newRow("a day") << 86400.0 << false;
+}
+
+void ProviderHealthTest::markLasts()
+{
+    QFETCH(double, seconds);
+    QFETCH(bool, holds);
+    noteLacks(okx, {xyz});
+    m_clock.advance(seconds);
+    QCOMPARE(available(okx, {xyz}).isEmpty(), holds);
+}
+
+void ProviderHealthTest::markIsOfOneProvider()
+{
+    noteLacks(okx, both);
+    QCOMPARE(available(bybit), both);
+}
+
+void ProviderHealthTest::deliveredSymbolLosesItsMark()
+{
+    noteLacks(okx, {xyz});
+    noteLacks(okx, {xyz}, {xyz});
+    QCOMPARE(available(okx), both);
+}
+
+void ProviderHealthTest::anotherMissRenewsTheMark()
+{
+    noteLacks(okx, {xyz});
+    m_clock.advance(1800);
+    noteLacks(okx, {xyz});
+    m_clock.advance(1799);
+    QCOMPARE(available(okx), QStringList{abc});
+}
+
+void ProviderHealthTest::symbolsNotAskedKeepTheirMarks()
+{
+    noteLacks(okx, {xyz});
+    noteLacks(okx, {abc}, both);
+    QCOMPARE(available(okx), QStringList{abc});
+}
+
+void ProviderHealthTest::markEndsWhenTheClockGoesBack()
+{
+    noteLacks(okx, {xyz});
+    m_clock.advance(-1);
+    QCOMPARE(available(okx), both);
+}
+
+void ProviderHealthTest::orderIsKept()
+{
+    const QStringList symbols{xyz, abc, QStringLiteral("B")};
+    QCOMPARE(available(okx, symbols), symbols);
+}
+
+QTEST_GUILESS_MAIN(ProviderHealthTest)
+#include "ProviderHealthTest.moc"
