@@ -95,7 +95,7 @@ void ExchangeRateProvidersTest::tables_data()
     const auto form = QStringLiteral("unexpected form: ");
     for (const QByteArray &service : {erApi, currencyApi}) {
         const auto row = [&](const char *name, const char *rates, const QString &expected) {
-            QTest::newRow((service + " " + name).constData()) << service << QByteArray(rates) << expected;
+            QTest::newRow(QByteArray(service + " " + name).constData()) << service << QByteArray(rates) << expected;
         };
         row("two", R"("EUR":0.5,"GBP":0.25)", QStringLiteral("EUR 0.5, GBP 0.25"));
         row("whole number", R"("JPY":150)", QStringLiteral("JPY 150"));
