@@ -81,7 +81,8 @@ QByteArray blankRows(const PngHeader &header, quint32 width, quint32 height, cha
 {
     if (width == 0)
         return {};
-    return (QByteArray(1, filter) + QByteArray(rowLength(header, width), '\0')).repeated(height);
+    const QByteArray row = QByteArray(1, filter) + QByteArray(rowLength(header, width), '\0');
+    return row.repeated(height);
 }
 
 } // namespace
