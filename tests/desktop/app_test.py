@@ -4,7 +4,7 @@
 import signal
 import unittest
 
-from application import IDENTIFIER, PROBE, Application, Texts, coin, read, settings_file
+from application import IDENTIFIER, PROBE, Application, Texts, coin, read, settings_file, wait_for_saved
 from desktop_session import SwaySession, X11Session
 from panel_pixels import GREEN, NEAR_WHITE, RED, WHITE, box_of, coloured, middle, wait_for_box
 
@@ -145,7 +145,7 @@ class XfceTest(PanelChecks, unittest.TestCase):
                 desktop.press_key(key)
             application.wait_for_content(text="ETH 3,188")
             wait_for_box(desktop, RED, lambda box: box[2] > 30)
-            self.assertIn(r'\"displayedCoinId\":\"ethereum\"', read(settings_file(desktop)))
+            wait_for_saved(desktop, r'\"displayedCoinId\":\"ethereum\"')
 
     def test_menu_quits(self):
         with self.make_session() as desktop:
@@ -232,7 +232,7 @@ class WaybarTest(PanelChecks, unittest.TestCase):
             desktop.click_menu_item(change["children"][1]["id"])
             application.wait_for_content(text="ETH 3,188")
             wait_for_box(desktop, RED, lambda box: box[2] > 30)
-            self.assertIn(r'\"displayedCoinId\":\"ethereum\"', read(settings_file(desktop)))
+            wait_for_saved(desktop, r'\"displayedCoinId\":\"ethereum\"')
             desktop.click_menu_item(desktop.menu_layout()["children"][-1]["id"])
             self.assertEqual(application.process.wait(), 0)
 
@@ -299,7 +299,7 @@ class LifeTest(unittest.TestCase):
             self.assertEqual(len(application.log_lines("Failed to decode stored settings")), 1)
             application.change_settings(displayedCoinId="ethereum", addedCoins=TWO_COINS)
             application.wait_for_content(text="ETH 3,188")
-            self.assertIn("ethereum", read(settings_file(desktop)))
+            wait_for_saved(desktop, "ethereum")
             self.assertEqual(len(application.log_lines("Failed to decode stored settings")), 1)
 
     def test_damaged_settings_file(self):
@@ -308,7 +308,7 @@ class LifeTest(unittest.TestCase):
             application = self.start_damaged(desktop, document)
             application.change_settings(displayedCoinId="ethereum", addedCoins=TWO_COINS)
             application.wait_for_content(text="ETH 3,188")
-            self.assertIn("ethereum", read(settings_file(desktop)))
+            wait_for_saved(desktop, "ethereum")
             self.assertEqual(read(settings_file(desktop) + ".broken"), document)
 
     def test_settings_survive_a_restart(self):
