@@ -1,14 +1,16 @@
 #!/usr/bin/python3
 """The whole application on real panels: what the user sees of prices, menu, settings and other copies."""
 
+import os
 import signal
 import unittest
 
-from application import IDENTIFIER, PROBE, Application, Texts, coin, read, settings_file, wait_for_saved
+from application import BUILD, IDENTIFIER, PROBE, Application, Texts, coin, read, settings_file, wait_for_saved
 from desktop_session import SwaySession, X11Session
 from panel_pixels import GREEN, NEAR_WHITE, RED, WHITE, box_of, coloured, middle, wait_for_box
 
 ENGLISH = Texts("en")
+DEMO = os.path.join(BUILD, "tickwise-demo")
 NO_HOST = "No panel shows status items"
 TWO_COINS = [coin("bitcoin"), coin("ethereum")]
 TWO_PRICES = (("BTC", 67432.4, 1.5), ("ETH", 3188, -2))
@@ -338,6 +340,15 @@ class LifeTest(unittest.TestCase):
             self.assertTrue(application.log_lines("binance gives no prices"))
             for line in application.process.errors().splitlines():
                 self.assertRegex(line, r"^com\.pelmo\.tickwise\.[A-Za-z]+: (info|error): ")
+
+    def test_demo_moves_by_itself_and_touches_nothing_of_the_users(self):
+        with self.make_session() as desktop:
+            demo = desktop.run(DEMO)
+            desktop.wait_for(lambda: len(set(demo.output().splitlines())) >= 3, 20, "three prices")
+            self.assertRegex(demo.output().splitlines()[-1], r"^BTC [0-9,]+ [\u25b2\u25bc]$")
+            self.assertEqual(desktop.stop_process(demo), 0)
+            folder = os.path.dirname(settings_file(desktop))
+            self.assertEqual(os.listdir(folder), ["tickwise-demo.conf"])
 
     def test_no_display(self):
         with self.make_session() as desktop:
