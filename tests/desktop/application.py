@@ -115,6 +115,11 @@ def read(path):
         return None
 
 
+def wait_for_saved(desktop, text):
+    """Waits until the settings file contains the text: a change is shown first, then saved."""
+    desktop.wait_for(lambda: text in (read(settings_file(desktop)) or ""), what=f"{text} in the settings file")
+
+
 def keep_picture(desktop, name):
     """Leaves a picture of the screen for whoever wants to see what the tests saw."""
     folder = os.path.join(os.path.dirname(os.path.abspath(BUILD)), "pictures")

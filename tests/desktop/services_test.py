@@ -79,16 +79,26 @@ class WidgetTest(unittest.TestCase):
 
 
 class LoginItemTest(unittest.TestCase):
-    def test_entry_comes_and_goes_with_the_setting(self):
+    def entry(self, desktop):
+        return os.path.join(desktop.environment["XDG_CONFIG_HOME"], "autostart", f"{IDENTIFIER}.desktop")
+
+    def test_entry_follows_the_setting(self):
         with X11Session(None, window_manager=None, notifications=None) as desktop:
-            entry = os.path.join(desktop.environment["XDG_CONFIG_HOME"], "autostart", f"{IDENTIFIER}.desktop")
-            for enabled in (False, True, True, False):
+            entry = self.entry(desktop)
+            application = Application(desktop)
+            application.wait_for_polls(1)
+            for enabled in (False, True, False, True):
+                application.change_settings(launchAtLogin=enabled)
+                desktop.wait_for(lambda: os.path.exists(entry) == enabled, what=f"launch at login {enabled}")
+            self.assertIn("app_probe", read(entry))
+            desktop.tool(["desktop-file-validate", entry])
+
+    def test_setting_is_applied_at_the_start(self):
+        with X11Session(None, window_manager=None, notifications=None) as desktop:
+            for enabled in (True, True, False, False):
                 application = Application(desktop, launchAtLogin=enabled)
                 application.wait_for_polls(1)
-                self.assertEqual(os.path.exists(entry), enabled)
-                if enabled:
-                    self.assertIn("app_probe", read(entry))
-                    desktop.tool(["desktop-file-validate", entry])
+                self.assertEqual(os.path.exists(self.entry(desktop)), enabled)
                 self.assertEqual(application.stop(), 0)
 
     def test_failure_is_one_log_line(self):
