@@ -1,7 +1,9 @@
-// The exchanges of the whole-process measurements, in a process of their own: OKX sends its full list over TLS, in two
-// versions by turns so that every poll brings new prices; Binance has rate-limited us. Runs until its input closes.
+// The exchanges of the whole-process measurements, over TLS and in a process of their own. Runs until its input closes.
 //
-// Usage: market_server OKX-LIST.json
+// Usage: market_server [OKX-LIST.json [gzip]]
+//
+// Without a list all are well. With one, Binance has rate-limited us and OKX sends the list, in two versions by turns
+// so that every poll brings new prices; compressed, as exchanges do for whoever accepts it, or as it is.
 #include "demo/LoopbackMarket.h"
 
 #include <QCoreApplication>
@@ -32,11 +34,31 @@ QByteArray moved(const QByteArray &list)
     return other;
 }
 
-Fault byTurns(const QByteArray &list)
+Fault byTurns(const std::array<QByteArray, 2> &bodies)
 {
-    return [bodies = std::array{list, moved(list)}, turn = 0U](LoopbackAnswer &answer) mutable {
-        answer.body = bodies.at(turn++ % bodies.size());
-    };
+    return [bodies, turn = 0U](LoopbackAnswer &answer) mutable { answer.body = bodies.at(turn++ % bodies.size()); };
+}
+
+Fault fullList(const QByteArray &list, bool compressed)
+{
+    if (!compressed)
+        return byTurns({list, moved(list)});
+    return faults::together(
+        {byTurns({gzipped(list), gzipped(moved(list))}), faults::headers({{"Content-Encoding", "gzip"}})});
+}
+
+/// False when the list cannot be read.
+bool servePollsByOkx(LoopbackMarket &market, const QStringList &arguments)
+{
+    QFile list(arguments.value(1));
+    if (!list.open(QIODevice::ReadOnly))
+        return false;
+    const Fault rateLimited = faults::status(429, {}, {{"Retry-After", "86400"}});
+    market.script(MarketEndpoint::binanceMain, rateLimited, LoopbackMarket::Repeat::always);
+    market.script(MarketEndpoint::binanceData, rateLimited, LoopbackMarket::Repeat::always);
+    const bool compressed = arguments.value(2) == QStringLiteral("gzip");
+    market.script(MarketEndpoint::okx, fullList(list.readAll(), compressed), LoopbackMarket::Repeat::always);
+    return true;
 }
 
 QJsonObject toJson(const Endpoints &endpoints)
@@ -55,16 +77,12 @@ QJsonObject toJson(const Endpoints &endpoints)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    QFile list(QCoreApplication::arguments().value(1));
-    if (!list.open(QIODevice::ReadOnly)) {
-        std::fprintf(stderr, "usage: market_server OKX-LIST.json\n");
+    LoopbackMarket market(LoopbackMarket::Options{.transport = LoopbackMarket::Transport::tls});
+    market.addCatalogCoins();
+    if (argc > 1 && !servePollsByOkx(market, QCoreApplication::arguments())) {
+        std::fprintf(stderr, "usage: market_server [OKX-LIST.json [gzip]]\n");
         return 2;
     }
-    LoopbackMarket market(LoopbackMarket::Options{.transport = LoopbackMarket::Transport::tls});
-    const Fault rateLimited = faults::status(429, {}, {{"Retry-After", "86400"}});
-    market.script(MarketEndpoint::binanceMain, rateLimited, LoopbackMarket::Repeat::always);
-    market.script(MarketEndpoint::binanceData, rateLimited, LoopbackMarket::Repeat::always);
-    market.script(MarketEndpoint::okx, byTurns(list.readAll()), LoopbackMarket::Repeat::always);
 
     const QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
     QObject::connect(&input, &QSocketNotifier::activated, &application, &QCoreApplication::quit);

@@ -23,6 +23,7 @@ NO_POLLS = 3600  # seconds between polls: none but those that are asked for
 STARTS = 15
 POLLS = 200
 IDLE_SECONDS = 20
+SETTLE_SECONDS = 8  # until what starts late has started
 
 
 def read(path):
@@ -61,9 +62,8 @@ def wakeups(pid):
 class Market:
     """The market's process and its endpoints."""
 
-    def __init__(self, desktop, programs):
-        self._desktop = desktop
-        self._process = desktop.run(os.path.join(programs, "market_server"), [OKX_LIST])
+    def __init__(self, desktop, programs, *arguments):
+        self._process = desktop.run(os.path.join(programs, "market_server"), arguments)
         desktop.wait_for(lambda: "\n" in self._process.output(), what="the market's endpoints")
         self.endpoints = json.loads(self._process.output())
         self.okx_url = self.endpoints["okx"] + "/api/v5/market/tickers?instType=SPOT"
@@ -99,8 +99,9 @@ def seconds_to_line(desktop, start, word):
 
 
 def run_curl(url, count):
-    """CPU seconds and requests' median seconds of one curl that fetches the address so many times on one connection."""
-    command = ["curl", "--silent", "--http1.1", "--cacert", AUTHORITY, "--write-out", "%{num_connects} %{time_total}\n"]
+    """CPU seconds of one curl that fetches the address so many times on one connection, and seconds of its first fetch."""
+    command = ["curl", "--silent", "--http1.1", "--compressed", "--cacert", AUTHORITY,
+               "--write-out", "%{num_connects} %{time_total}\n"]
     command += ["--output", "/dev/null", url] * count
     before = os.times()
     done = subprocess.run(command, capture_output=True, text=True, check=True)
@@ -109,13 +110,13 @@ def run_curl(url, count):
     if len(lines) != count or sum(int(connects) for connects, _ in lines) != 1:
         raise RuntimeError("curl did not keep its connection")
     cpu = after.children_user + after.children_system - before.children_user - before.children_system
-    return cpu, statistics.median(float(seconds) for _, seconds in lines)
+    return cpu, float(lines[0][1])
 
 
 def curl_seconds_per_fetch(url):
     few, many = 20, 20 + POLLS * 2
     samples = [(run_curl(url, many)[0] - run_curl(url, few)[0]) / (many - few) for _ in range(5)]
-    return statistics.median(samples)
+    return min(samples)
 
 
 def json_seconds(programs):
@@ -124,13 +125,13 @@ def json_seconds(programs):
 
 
 def poll_seconds(desktop, process):
-    """CPU of the application a poll: median of several rounds."""
+    """CPU of the application a poll: the best of several rounds, as other work on the machine only adds."""
     samples = []
     already = len(re.findall(r"^polls ", process.output(), re.MULTILINE))
     for done in range(5):
         process.write_line(f"polls {POLLS}")
         samples.append(float(wait_for_line(desktop, process, "polls", already + done + 1)[1]) / POLLS)
-    return statistics.median(samples)
+    return min(samples)
 
 
 def count_wakeups(process):
@@ -142,12 +143,34 @@ def count_wakeups(process):
 def run_polls(desktop, process, count):
     process.write_line(f"polls {count}")
     wait_for_line(desktop, process, "polls")
-    time.sleep(3)
+    time.sleep(SETTLE_SECONDS)
+
+
+def measure_poll(desktop, programs, *form):
+    """Seconds of CPU: a poll, curl's fetch of the same list, simdjson's parse of it."""
+    market = Market(desktop, programs, OKX_LIST, *form)
+    process, _ = start_application(desktop, programs, market.endpoints)
+    wait_for_line(desktop, process, "content")
+    poll = poll_seconds(desktop, process)
+    desktop.stop_process(process)
+    fetch = curl_seconds_per_fetch(market.okx_url)
+    market.stop()
+    return poll, fetch, json_seconds(programs)
+
+
+def measure_start(desktop, programs):
+    """Seconds: from start to the first price, the empty program's start, the first round trip with its TLS handshake."""
+    market = Market(desktop, programs)
+    ready = seconds_to_line(desktop, lambda: start_empty(desktop, programs), "ready")
+    content = seconds_to_line(desktop, lambda: start_application(desktop, programs, market.endpoints), "content")
+    trip = statistics.median(run_curl(market.okx_url, 1)[1] for _ in range(STARTS))
+    market.stop()
+    return content, ready, trip
 
 
 def measure_idle(desktop, programs):
     """Wake-ups and PSS in kilobytes after ten polls. The market ends first, which shares libraries with the application."""
-    market = Market(desktop, programs)
+    market = Market(desktop, programs, OKX_LIST)
     process, _ = start_application(desktop, programs, market.endpoints)
     wait_for_line(desktop, process, "content")
     run_polls(desktop, process, 10)
@@ -168,36 +191,26 @@ def measure_empty(desktop, programs):
     return pss
 
 
+def print_row(name, value, floor, budget, detail=""):
+    print(f"{name:34}{value:10.2f}{floor:10.2f}{value / floor:8.2f}{budget:8.2f}  {detail}", flush=True)
+
+
 def measure(desktop, programs):
-    rows = []
-    market = Market(desktop, programs)
-    process, _ = start_application(desktop, programs, market.endpoints)  # also writes the settings
-    wait_for_line(desktop, process, "content")
-    poll = poll_seconds(desktop, process)
-    desktop.stop_process(process)
-    fetch, parse = curl_seconds_per_fetch(market.okx_url), json_seconds(programs)
-    rows.append(("CPU of one poll, ms", poll * 1000, (fetch + parse) * 1000, 2.0))
-
-    ready = seconds_to_line(desktop, lambda: start_empty(desktop, programs), "ready")
-    content = seconds_to_line(desktop, lambda: start_application(desktop, programs, market.endpoints), "content")
-    round_trip = run_curl(market.okx_url, 50)[1]
-    rows.append(("start to the first price, ms", content * 1000, (ready + round_trip) * 1000, 1.5))
-    market.stop()
-
+    print(f"{'':34}{'measured':>10}{'floor':>10}{'ratio':>8}{'budget':>8}  floor's parts")
+    for name, form in (("CPU of a poll, ms", ()), ("CPU of a poll, compressed, ms", ("gzip",))):
+        poll, fetch, parse = measure_poll(desktop, programs, *form)
+        print_row(name, poll * 1000, (fetch + parse) * 1000, 2.0, f"curl {fetch * 1000:.3f}, simdjson {parse * 1000:.3f}")
+    content, ready, trip = measure_start(desktop, programs)
+    print_row("start to the first price, ms", content * 1000, (ready + trip) * 1000, 1.5,
+              f"empty program {ready * 1000:.1f}, first round trip {trip * 1000:.1f}")
     count, pss = measure_idle(desktop, programs)
-    rows.append(("PSS after ten polls, MB", pss / 1024, measure_empty(desktop, programs) / 1024, 1.4))
-    return rows, count, (fetch, parse, round_trip)
+    print_row("PSS after ten polls, MB", pss / 1024, measure_empty(desktop, programs) / 1024, 1.4, "empty program")
+    print(f"{f'wake-ups in {IDLE_SECONDS} idle seconds':34}{count:10}{0:10}")
 
 
 def main():
-    programs = os.path.abspath(sys.argv[1])
     with X11Session(panel="xfce4-panel") as desktop:
-        rows, count, (fetch, parse, round_trip) = measure(desktop, programs)
-    print(f"{'':32}{'measured':>10}{'floor':>10}{'ratio':>8}{'budget':>8}")
-    for name, value, floor, budget in rows:
-        print(f"{name:32}{value:10.2f}{floor:10.2f}{value / floor:8.2f}{budget:8.2f}")
-    print(f"{f'wake-ups in {IDLE_SECONDS} idle seconds':32}{count:10}{0:10}{'':8}{0:8}")
-    print(f"floors: curl {fetch * 1000:.2f} ms and simdjson {parse * 1000:.2f} ms a list, {round_trip * 1000:.2f} ms round trip")
+        measure(desktop, os.path.abspath(sys.argv[1]))
 
 
 if __name__ == "__main__":

@@ -60,6 +60,7 @@ void AppDelegate::applicationDidFinishLaunching()
     m_widgetSnapshotWriter =
         std::make_unique<WidgetSnapshotWriter>(WidgetSnapshotStore{m_environment.container}, coinListViewModel(),
                                                m_settingsViewModel, m_environment.reloadWidgets, m_environment.clock);
+    followWatchlistLogos();
     m_notificationService.requestAuthorization();
     followLaunchAtLogin();
     followReloadSettings();
@@ -86,6 +87,39 @@ void AppDelegate::createStatusItem()
     m_menuBarViewModel.bind(m_statusItem.get(), coinListViewModel(), m_settingsViewModel);
     m_statusItem->setMenu([this] { return makeStatusMenu(); });
     connect(m_statusItem.get(), &StatusItem::clicked, this, [this] { activate(); });
+}
+
+CoinLogoStore &AppDelegate::logoStore()
+{
+    if (!m_logoStore) {
+        m_logoStore = std::make_unique<CoinLogoStore>(CoinLogoCache::inContainer(m_environment.container),
+                                                      m_environment.httpClient, m_environment.isLogoAllowed);
+    }
+    return *m_logoStore;
+}
+
+void AppDelegate::followWatchlistLogos()
+{
+    const auto coinIds = [](const AppSettings &settings) {
+        QStringList ids;
+        for (const WatchlistCoin &coin : settings.watchlistCoins)
+            ids.append(coin.coinId);
+        return ids;
+    };
+    prefetchLogos(coinIds(m_settingsViewModel.settings()));
+    m_notifiers.push_back(
+        followSettings(m_settingsViewModel, coinIds, [this](const QStringList &ids) { prefetchLogos(ids); }));
+}
+
+void AppDelegate::prefetchLogos(const QStringList &coinIds)
+{
+    std::vector<CoinMetadata> coins;
+    for (const QString &id : coinIds) {
+        const auto coin = m_catalog.byID().constFind(id);
+        if (coin != m_catalog.byID().constEnd())
+            coins.push_back(*coin);
+    }
+    logoStore().sync(coins);
 }
 
 void AppDelegate::followLaunchAtLogin()

@@ -11,13 +11,19 @@
 #include <QDBusConnection>
 #include <QDesktopServices>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QWidget>
 
 #include <cstdio>
 
+#include <malloc.h>
+
 namespace tickwise {
 
 namespace {
+
+/// Watching the network loads libraries that the first price need not wait for.
+constexpr std::chrono::seconds networkWatchDelay{3};
 
 /// The addresses that a launcher started this copy with.
 QList<QUrl> openedUrls()
@@ -54,6 +60,15 @@ void bringToFront(const QString &token)
     }
 }
 
+/// Each poll's body takes some hundred kilobytes for a moment. The allocator would give their pages back after every
+/// poll, and faulting them in again costs more than the rest of the poll's own work.
+void keepPollMemory()
+{
+    constexpr int kept = 1024 * 1024; // bytes
+    mallopt(M_TRIM_THRESHOLD, kept);
+    mallopt(M_MMAP_THRESHOLD, kept);
+}
+
 QString downloadDirectory(const QString &identifier)
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QLatin1Char('/') + identifier +
@@ -65,6 +80,7 @@ QString downloadDirectory(const QString &identifier)
 bool prepareProcess()
 {
     installLogHandler();
+    keepPollMemory();
     if (prepareDisplay().backend != DisplayBackend::none)
         return true;
     std::fprintf(stderr, "%s\n", noDisplayMessage);
@@ -154,7 +170,7 @@ void Application::freshPricesNeeded()
 int Application::run()
 {
     m_delegate.applicationDidFinishLaunching();
-    m_sleepMonitor.watchNetwork();
+    QTimer::singleShot(networkWatchDelay, &m_sleepMonitor, &SleepMonitor::watchNetwork);
     return QCoreApplication::exec();
 }
 

@@ -155,10 +155,8 @@ ExchangeRateService::ExchangeRateService(HttpClient &client, const Endpoints &en
 ExchangeRateService::~ExchangeRateService()
 {
     m_inFlight.reset();
-    for (const std::vector<Waiting *> &list : {m_finishing, m_waiting}) {
-        for (Waiting *const waiting : list)
-            waiting->abandon();
-    }
+    for (Waiting *const waiting : m_waiting)
+        waiting->abandon();
 }
 
 Subscription ExchangeRateService::rate(BaseCurrency currency, Completion<double> done)
@@ -203,9 +201,7 @@ void ExchangeRateService::wait(Waiting &waiting)
 
 void ExchangeRateService::leave(Waiting &waiting)
 {
-    std::erase(m_finishing, &waiting);
-    if (std::erase(m_waiting, &waiting) == 0)
-        return;
+    std::erase(m_waiting, &waiting);
     if (m_waiting.empty())
         m_inFlight.reset();
 }

@@ -37,7 +37,8 @@ private:
     std::unordered_map<std::string_view, QString> m_symbols;
 };
 
-/// The values of the keys, in their order; none when the element is no object or lacks one of them.
+/// The values of the keys, in their order; none when the element is no object or lacks one of them. Fastest when the
+/// keys are named in the order in which the object has them.
 template<std::size_t N>
 std::optional<std::array<simdjson::dom::element, N>> members(simdjson::dom::element element,
                                                              const std::array<std::string_view, N> &keys)
@@ -47,19 +48,18 @@ std::optional<std::array<simdjson::dom::element, N>> members(simdjson::dom::elem
         return std::nullopt;
     std::array<simdjson::dom::element, N> values;
     std::size_t found = 0;
-    std::array<bool, N> has{};
     for (const simdjson::dom::key_value_pair &member : object) {
-        for (std::size_t i = 0; i < N; ++i) {
-            if (has[i] || member.key != keys[i])
-                continue;
-            values[i] = member.value;
-            has[i] = true;
-            if (++found == N)
-                return values;
-            break;
-        }
+        if (member.key != keys[found])
+            continue;
+        values[found] = member.value;
+        if (++found == N)
+            return values;
     }
-    return std::nullopt;
+    for (; found < N; ++found) {
+        if (object.at_key(keys[found]).get(values[found]) != simdjson::SUCCESS)
+            return std::nullopt;
+    }
+    return values;
 }
 
 inline std::optional<std::string_view> text(simdjson::dom::element element)

@@ -82,8 +82,6 @@ private:
 
     void receiveRate(const Result<double> &rate)
     {
-        if (m_core.expired())
-            return finish(failure(UrlLoadingError{UrlErrorCode::cancelled}));
         if (!rate)
             return finish(failure(rate.error()));
         m_rate = *rate;

@@ -6,6 +6,7 @@ import unittest
 
 from application import IDENTIFIER, Application, Texts, coin, keep_picture
 from desktop_session import NOTIFICATIONS, GLib, RecordingNotifications, X11Session
+from panel_pixels import GREEN, RED, wait_for_box
 
 BTC_ABOVE_100 = {"addedCoins": [coin("bitcoin", "above", 100)]}
 NOTIFICATIONS_PATH = "/org/freedesktop/Notifications"
@@ -230,12 +231,13 @@ class BubbleTest(unittest.TestCase):
         with X11Session("xfce4-panel") as desktop:
             application = Application(desktop, [("BTC", 99500, -1.2)], language=language,
                                       addedCoins=[coin("bitcoin", "above", 100000)])
-            application.wait_for_polls(1)
+            wait_for_box(desktop, RED, lambda box: box[2] > 40)
             before = desktop.picture()
             application.set_price("BTC", 100250, 0.4)
             desktop.wait_for(lambda: desktop.notifications.displayed_count() == 1, what="the bubble")
             corner = {"x": desktop.width - 320, "y": desktop.height - 120, "width": 320, "height": 120}
             desktop.wait_for(lambda: desktop.picture().colours(**corner) != before.colours(**corner), what="its pixels")
+            wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
             keep_picture(desktop, name)
             desktop.notifications.invoke_first()
             application.wait_for_event("activated", 1)

@@ -78,10 +78,10 @@ class Application:
         return self.desktop.wait_for(matches, what=f"{fields} in the status item")
 
     def windows(self):
-        """The open windows: dictionaries with title, texts, and buttons by text with their place on the screen."""
+        """The open windows that say something: dictionaries with title, texts, and the buttons' places on the screen by text."""
         before = len(self.events("windows"))
         self.tell("windows")
-        return json.loads(self.wait_for_event("windows", before + 1))
+        return [window for window in json.loads(self.wait_for_event("windows", before + 1)) if window["texts"]]
 
     def wait_for_window_text(self, text):
         """The window that shows the text."""
@@ -113,6 +113,11 @@ def read(path):
             return file.read()
     except FileNotFoundError:
         return None
+
+
+def wait_for_saved(desktop, text):
+    """Waits until the settings file contains the text: a change is shown first, then saved."""
+    desktop.wait_for(lambda: text in (read(settings_file(desktop)) or ""), what=f"{text} in the settings file")
 
 
 def keep_picture(desktop, name):

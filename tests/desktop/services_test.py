@@ -8,6 +8,7 @@ import unittest
 
 from application import IDENTIFIER, Application, Texts, coin, container, keep_picture, read
 from desktop_session import GLib, X11Session
+from panel_pixels import GREEN, wait_for_box
 
 ENGLISH = Texts("en")
 WIDGETS = "com.pelmo.tickwise.WidgetCenter"
@@ -78,16 +79,26 @@ class WidgetTest(unittest.TestCase):
 
 
 class LoginItemTest(unittest.TestCase):
-    def test_entry_comes_and_goes_with_the_setting(self):
+    def entry(self, desktop):
+        return os.path.join(desktop.environment["XDG_CONFIG_HOME"], "autostart", f"{IDENTIFIER}.desktop")
+
+    def test_entry_follows_the_setting(self):
         with X11Session(None, window_manager=None, notifications=None) as desktop:
-            entry = os.path.join(desktop.environment["XDG_CONFIG_HOME"], "autostart", f"{IDENTIFIER}.desktop")
-            for enabled in (False, True, True, False):
+            entry = self.entry(desktop)
+            application = Application(desktop)
+            application.wait_for_polls(1)
+            for enabled in (False, True, False, True):
+                application.change_settings(launchAtLogin=enabled)
+                desktop.wait_for(lambda: os.path.exists(entry) == enabled, what=f"launch at login {enabled}")
+            self.assertIn("app_probe", read(entry))
+            desktop.tool(["desktop-file-validate", entry])
+
+    def test_setting_is_applied_at_the_start(self):
+        with X11Session(None, window_manager=None, notifications=None) as desktop:
+            for enabled in (True, True, False, False):
                 application = Application(desktop, launchAtLogin=enabled)
                 application.wait_for_polls(1)
-                self.assertEqual(os.path.exists(entry), enabled)
-                if enabled:
-                    self.assertIn("app_probe", read(entry))
-                    desktop.tool(["desktop-file-validate", entry])
+                self.assertEqual(os.path.exists(self.entry(desktop)), enabled)
                 self.assertEqual(application.stop(), 0)
 
     def test_failure_is_one_log_line(self):
@@ -104,17 +115,24 @@ class UpdateTest(unittest.TestCase):
         application.wait_for_polls(1)
         return application
 
-    def press(self, desktop, window, key):
-        """Clicks a button of the window."""
-        desktop.click(*window["buttons"][ENGLISH.text(key)])
+    def press(self, application, key):
+        """Clicks a button of the one window, once the window manager has put it in its place."""
+        places = []
 
-    def install(self, desktop, application):
+        def stays():
+            time.sleep(0.1)
+            places.extend(window["buttons"][ENGLISH.text(key)] for window in application.windows())
+            return len(places) > 1 and places[-2] == places[-1]
+        application.desktop.wait_for(stays, what=f"the button {key} in its place")
+        application.desktop.click(*places[-1])
+
+    def install(self, application):
         """Asks for updates and accepts the one that is offered."""
         application.tell("checkForUpdates")
         offer = ENGLISH.text("update.available", "9.1", self.running_version())
         window = application.wait_for_window_text(offer)
         self.assertIn(ENGLISH.text("update.releaseNotes"), window["texts"])
-        self.press(desktop, window, "update.install")
+        self.press(application, "update.install")
 
     def running_version(self):
         with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "CMakeLists.txt"),
@@ -127,8 +145,9 @@ class UpdateTest(unittest.TestCase):
             application.tell("checkForUpdates")
             application.wait_for_window_text(ENGLISH.text("update.available", "9.1", self.running_version()))
             desktop.wait_for(lambda: desktop.windows(ENGLISH.text("update.window.title")), what="the window on the screen")
+            wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
             keep_picture(desktop, "update.png")
-            self.install(desktop, application)
+            self.install(application)
             application.wait_for_window_text(ENGLISH.text("update.ready"))
             desktop.press_key("Escape")
             desktop.wait_for(lambda: application.windows() == [], what="the window's end")
@@ -138,7 +157,7 @@ class UpdateTest(unittest.TestCase):
     def check_refused(self, update, key):
         with X11Session(None, notifications=None) as desktop:
             application = self.start(desktop, update)
-            self.install(desktop, application)
+            self.install(application)
             application.wait_for_window_text(ENGLISH.text("update.failed", ENGLISH.text(key)))
             cache = os.path.join(desktop.environment["XDG_CACHE_HOME"], IDENTIFIER, "updates")
             self.assertEqual(sum((files for _, _, files in os.walk(cache)), []), [], "the refused package is still there")
@@ -156,8 +175,8 @@ class UpdateTest(unittest.TestCase):
         with X11Session(None, notifications=None) as desktop:
             application = self.start(desktop, "signedUpdate 0.0.1")
             application.tell("checkForUpdates")
-            window = application.wait_for_window_text(ENGLISH.text("update.upToDate", self.running_version()))
-            self.press(desktop, window, "update.close")
+            application.wait_for_window_text(ENGLISH.text("update.upToDate", self.running_version()))
+            self.press(application, "update.close")
             desktop.wait_for(lambda: application.windows() == [], what="the window's end")
 
     def test_server_away(self):

@@ -46,10 +46,7 @@ private:
         m_health.noteAnswer(
             provider, asked, [&](const QString &symbol) { return had.contains(symbol); }, m_clock.now());
     }
-    bool isLimited(const QString &provider) const
-    {
-        return m_health.rateLimitedUntil(provider, m_clock.now()).has_value();
-    }
+    bool isLimited(const QString &provider) const { return m_health.rateLimit(provider, m_clock.now()).has_value(); }
     QStringList available(const QString &provider, const QStringList &symbols = both) const
     {
         return m_health.available(provider, symbols, m_clock.now());
@@ -87,34 +84,34 @@ void ProviderHealthTest::rateLimitLasts()
     QFETCH(std::optional<double>, retryAfter);
     QFETCH(double, seconds);
     const TimePoint start = m_clock.now();
-    m_health.noteRateLimit(okx, retryAfter, start);
+    m_health.noteRateLimit(okx, retryAfter, FailureReason::rateLimited, start);
     const TimePoint end = start + secondsDuration(seconds);
-    QCOMPARE(m_health.rateLimitedUntil(okx, start), end);
+    QCOMPARE(m_health.rateLimit(okx, start).value_or(ProviderFailure{}).until, end);
     m_clock.set(end - std::chrono::milliseconds(1));
-    QCOMPARE(m_health.rateLimitedUntil(okx, m_clock.now()), end);
+    QCOMPARE(m_health.rateLimit(okx, m_clock.now()).value_or(ProviderFailure{}).until, end);
     m_clock.set(end);
     QVERIFY(!isLimited(okx));
 }
 
 void ProviderHealthTest::rateLimitIsOfOneProvider()
 {
-    m_health.noteRateLimit(okx, 30.0, m_clock.now());
+    m_health.noteRateLimit(okx, 30.0, FailureReason::rateLimited, m_clock.now());
     QVERIFY(isLimited(okx));
     QVERIFY(!isLimited(bybit));
 }
 
 void ProviderHealthTest::laterRateLimitReplacesTheEarlier()
 {
-    m_health.noteRateLimit(okx, 600.0, m_clock.now());
+    m_health.noteRateLimit(okx, 600.0, FailureReason::rateLimited, m_clock.now());
     m_clock.advance(10);
-    m_health.noteRateLimit(okx, 5.0, m_clock.now());
+    m_health.noteRateLimit(okx, 5.0, FailureReason::rateLimited, m_clock.now());
     m_clock.advance(5);
     QVERIFY(!isLimited(okx));
 }
 
 void ProviderHealthTest::rateLimitEndsWhenTheClockGoesBack()
 {
-    m_health.noteRateLimit(okx, 30.0, m_clock.now());
+    m_health.noteRateLimit(okx, 30.0, FailureReason::rateLimited, m_clock.now());
     m_clock.advance(-1);
     QVERIFY(!isLimited(okx));
     m_clock.advance(-86400 * 365);
@@ -123,15 +120,15 @@ void ProviderHealthTest::rateLimitEndsWhenTheClockGoesBack()
 
 void ProviderHealthTest::rateLimitEndsWhenTheClockJumpsAhead()
 {
-    m_health.noteRateLimit(okx, 600.0, m_clock.now());
+    m_health.noteRateLimit(okx, 600.0, FailureReason::rateLimited, m_clock.now());
     m_clock.advance(86400);
     QVERIFY(!isLimited(okx));
 }
 
 void ProviderHealthTest::endlessRateLimitIsBounded()
 {
-    m_health.noteRateLimit(okx, 1e300, m_clock.now());
-    const auto until = m_health.rateLimitedUntil(okx, m_clock.now());
+    m_health.noteRateLimit(okx, 1e300, FailureReason::rateLimited, m_clock.now());
+    const auto until = m_health.rateLimit(okx, m_clock.now()).value_or(ProviderFailure{}).until;
     QVERIFY(until && *until > m_clock.now());
 }
 
