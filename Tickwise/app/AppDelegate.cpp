@@ -2,6 +2,7 @@
 
 #include "app/StatusMenu.h"
 #include "catalog/ShippedImages.h"
+#include "settings/SettingsStream.h"
 
 #include <QThread>
 
@@ -59,8 +60,9 @@ void AppDelegate::applicationDidFinishLaunching()
     m_widgetSnapshotWriter =
         std::make_unique<WidgetSnapshotWriter>(WidgetSnapshotStore{m_environment.container}, coinListViewModel(),
                                                m_settingsViewModel, m_environment.reloadWidgets, m_environment.clock);
+    followWatchlistLogos();
     m_notificationService.requestAuthorization();
-    m_launchAtLoginService.setEnabled(m_settingsViewModel.settings().launchAtLogin);
+    followLaunchAtLogin();
     followReloadSettings();
     followLanguage();
 }
@@ -87,31 +89,65 @@ void AppDelegate::createStatusItem()
     connect(m_statusItem.get(), &StatusItem::clicked, this, [this] { activate(); });
 }
 
+CoinLogoStore &AppDelegate::logoStore()
+{
+    if (!m_logoStore) {
+        m_logoStore = std::make_unique<CoinLogoStore>(CoinLogoCache::inContainer(m_environment.container),
+                                                      m_environment.httpClient, m_environment.isLogoAllowed);
+    }
+    return *m_logoStore;
+}
+
+void AppDelegate::followWatchlistLogos()
+{
+    const auto coinIds = [](const AppSettings &settings) {
+        QStringList ids;
+        for (const WatchlistCoin &coin : settings.watchlistCoins)
+            ids.append(coin.coinId);
+        return ids;
+    };
+    prefetchLogos(coinIds(m_settingsViewModel.settings()));
+    m_notifiers.push_back(
+        followSettings(m_settingsViewModel, coinIds, [this](const QStringList &ids) { prefetchLogos(ids); }));
+}
+
+void AppDelegate::prefetchLogos(const QStringList &coinIds)
+{
+    std::vector<CoinMetadata> coins;
+    for (const QString &id : coinIds) {
+        const auto coin = m_catalog.byID().constFind(id);
+        if (coin != m_catalog.byID().constEnd())
+            coins.push_back(*coin);
+    }
+    logoStore().sync(coins);
+}
+
+void AppDelegate::followLaunchAtLogin()
+{
+    const auto launchAtLogin = [](const AppSettings &settings) { return settings.launchAtLogin; };
+    m_launchAtLoginService.setEnabled(launchAtLogin(m_settingsViewModel.settings()));
+    m_notifiers.push_back(followSettings(m_settingsViewModel, launchAtLogin,
+                                         [this](bool enabled) { m_launchAtLoginService.setEnabled(enabled); }));
+}
+
 void AppDelegate::followReloadSettings()
 {
-    m_lastReloadSettings.emplace(m_settingsViewModel.settings());
-    m_notifiers.push_back(m_settingsViewModel.bindableSettings().addNotifier([this] {
-        const ReloadSettingsSnapshot current(m_settingsViewModel.settings());
-        if (current == *m_lastReloadSettings)
-            return;
-        m_lastReloadSettings = current;
-        m_reloadTimer.start();
-    }));
+    const auto reloadSettings = [](const AppSettings &settings) { return ReloadSettingsSnapshot(settings); };
+    m_notifiers.push_back(followSettings(m_settingsViewModel, reloadSettings,
+                                         [this](const ReloadSettingsSnapshot &) { m_reloadTimer.start(); }));
 }
 
 void AppDelegate::followLanguage()
 {
-    applyLanguage();
-    m_notifiers.push_back(m_settingsViewModel.bindableSettings().addNotifier([this] {
-        if (m_settingsViewModel.settings().language != m_appliedLanguage)
-            applyLanguage();
-    }));
+    const auto language = [](const AppSettings &settings) { return settings.language; };
+    applyLanguage(language(m_settingsViewModel.settings()));
+    m_notifiers.push_back(
+        followSettings(m_settingsViewModel, language, [this](AppLanguage chosen) { applyLanguage(chosen); }));
 }
 
-void AppDelegate::applyLanguage()
+void AppDelegate::applyLanguage(AppLanguage language)
 {
-    m_appliedLanguage = m_settingsViewModel.settings().language;
-    LocalizationManager::shared().apply(*m_appliedLanguage);
+    LocalizationManager::shared().apply(language);
     m_menuBarViewModel.refresh();
     Q_EMIT languageApplied();
 }

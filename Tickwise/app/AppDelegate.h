@@ -1,5 +1,6 @@
 #pragma once
 
+#include "catalog/CoinLogoStore.h"
 #include "market/Endpoints.h"
 #include "market/ExchangeRateService.h"
 #include "market/HttpClient.h"
@@ -41,6 +42,7 @@ struct AppEnvironment
     std::optional<QString> container;   ///< directory shared with the widget; none when it cannot be had
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     Endpoints endpoints;
+    LogoAddressRule isLogoAllowed = isLogoAddress; ///< only loopback worlds have another
     Clock clock = systemClock;
 };
 
@@ -71,6 +73,8 @@ public:
     SettingsViewModel &settingsViewModel() { return m_settingsViewModel; }
     CoinCatalog &catalog() { return m_catalog; }
     MenuBarViewModel &menuBarViewModel() { return m_menuBarViewModel; }
+    /// Created on first use.
+    CoinLogoStore &logoStore();
     UpdateController &updateController() { return m_updateController; }
     /// Created on first use, which starts polling.
     CoinListViewModel &coinListViewModel();
@@ -92,9 +96,12 @@ Q_SIGNALS:
 
 private:
     void createStatusItem();
+    void followWatchlistLogos();
+    void prefetchLogos(const QStringList &coinIds);
+    void followLaunchAtLogin();
     void followReloadSettings();
     void followLanguage();
-    void applyLanguage();
+    void applyLanguage(AppLanguage language);
     Menu makeStatusMenu();
     void changeCoin(const QString &coinId);
 
@@ -110,9 +117,8 @@ private:
     std::unique_ptr<CoinListViewModel> m_coinListViewModel;
     std::unique_ptr<StatusItem> m_statusItem;
     std::unique_ptr<WidgetSnapshotWriter> m_widgetSnapshotWriter;
+    std::unique_ptr<CoinLogoStore> m_logoStore;
     QTimer m_reloadTimer;
-    std::optional<ReloadSettingsSnapshot> m_lastReloadSettings;
-    std::optional<AppLanguage> m_appliedLanguage;
     std::vector<QPropertyNotifier> m_notifiers;
 };
 

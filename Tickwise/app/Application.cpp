@@ -5,18 +5,25 @@
 #include "platform/Log.h"
 #include "platform/LoginItem.h"
 #include "platform/PanelStatusItem.h"
+#include "platform/PortalNotificationCenter.h"
 
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDesktopServices>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QWidget>
 
 #include <cstdio>
 
+#include <malloc.h>
+
 namespace tickwise {
 
 namespace {
+
+/// Watching the network loads libraries that the first price need not wait for.
+constexpr std::chrono::seconds networkWatchDelay{3};
 
 /// The addresses that a launcher started this copy with.
 QList<QUrl> openedUrls()
@@ -46,11 +53,20 @@ void bringToFront(const QString &token)
     if (!token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
     for (QWidget *const window : QApplication::topLevelWidgets()) {
-        if (!window->isVisible() || !window->windowTitle().size())
+        if (!window->isVisible() || window->windowTitle().isEmpty())
             continue;
         window->raise();
         window->activateWindow();
     }
+}
+
+/// Each poll's body takes some hundred kilobytes for a moment. The allocator would give their pages back after every
+/// poll, and faulting them in again costs more than the rest of the poll's own work.
+void keepPollMemory()
+{
+    constexpr int kept = 1024 * 1024; // bytes
+    mallopt(M_TRIM_THRESHOLD, kept);
+    mallopt(M_MMAP_THRESHOLD, kept);
 }
 
 QString downloadDirectory(const QString &identifier)
@@ -64,6 +80,7 @@ QString downloadDirectory(const QString &identifier)
 bool prepareProcess()
 {
     installLogHandler();
+    keepPollMemory();
     if (prepareDisplay().backend != DisplayBackend::none)
         return true;
     std::fprintf(stderr, "%s\n", noDisplayMessage);
@@ -78,10 +95,10 @@ Application::Application(ApplicationConfiguration configuration)
     , m_defaults(m_configuration.defaultsOrganization, m_configuration.defaultsApplication)
     , m_httpClient(m_configuration.tls)
     , m_soundPlayer(QString::fromLatin1(appInfo::displayName), m_configuration.identifier)
-    , m_notificationCenter(
-          QDBusConnection::sessionBus(),
+    , m_notificationCenter(makeUserNotificationCenter(
+          QDBusConnection::sessionBus(), runsInSandbox(),
           {QString::fromLatin1(appInfo::displayName), m_configuration.identifier, m_configuration.identifier},
-          [this] { m_soundPlayer.play(); })
+          [this] { m_soundPlayer.play(); }))
     , m_loginItem(makeLoginItem(m_configuration.identifier, QDBusConnection::sessionBus(), runsInSandbox(),
                                 localized(QStringLiteral("general.launch.atLogin"))))
     , m_widgetCenter(QDBusConnection::sessionBus())
@@ -112,7 +129,7 @@ AppEnvironment Application::makeEnvironment()
     AppEnvironment environment{
         .defaults = m_defaults,
         .httpClient = m_httpClient,
-        .notificationCenter = m_notificationCenter,
+        .notificationCenter = *m_notificationCenter,
         .loginItem = *m_loginItem,
         .makeStatusItem = [] { return std::make_unique<PanelStatusItem>(QDBusConnection::sessionBus()); },
         .reloadWidgets = [this] { m_widgetCenter.reloadAllTimelines(); },
@@ -153,7 +170,7 @@ void Application::freshPricesNeeded()
 int Application::run()
 {
     m_delegate.applicationDidFinishLaunching();
-    m_sleepMonitor.watchNetwork();
+    QTimer::singleShot(networkWatchDelay, &m_sleepMonitor, &SleepMonitor::watchNetwork);
     return QCoreApplication::exec();
 }
 

@@ -2,7 +2,6 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppInfo.h"
-#include "platform/FreedesktopNotificationCenter.h"
 #include "platform/NetworkHttpClient.h"
 #include "platform/SingleInstance.h"
 #include "platform/SleepMonitor.h"
@@ -59,7 +58,7 @@ private:
     UserDefaults m_defaults;
     NetworkHttpClient m_httpClient;
     SoundPlayer m_soundPlayer;
-    FreedesktopNotificationCenter m_notificationCenter;
+    std::unique_ptr<UserNotificationCenter> m_notificationCenter;
     std::unique_ptr<LoginItem> m_loginItem;
     WidgetCenter m_widgetCenter;
     UpdateWindowPresenter m_updateWindow;

@@ -1,4 +1,5 @@
 #include "catalog/CoinCatalog.h"
+#include "catalog/CoinId.h"
 #include "catalog/LogoAddress.h"
 
 #include <QSet>
@@ -13,27 +14,14 @@ namespace {
 constexpr std::int64_t supportedSchema = 1;
 constexpr qsizetype fewestListed = 200;
 constexpr qsizetype mostListed = 1000;
-constexpr qsizetype longestId = 80;
 constexpr qsizetype longestSymbol = 15;
 constexpr qsizetype longestName = 60;
 
 using Index = QHash<QString, const CoinMetadata *>;
 
-bool isLowerAlphanumeric(QChar c)
-{
-    return (c >= QLatin1Char('a') && c <= QLatin1Char('z')) || (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
-}
-
 bool isUpperAlphanumeric(QChar c)
 {
     return (c >= QLatin1Char('A') && c <= QLatin1Char('Z')) || (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
-}
-
-bool isId(const QString &text)
-{
-    const auto isIdCharacter = [](QChar c) { return isLowerAlphanumeric(c) || c == QLatin1Char('-'); };
-    return !text.isEmpty() && text.size() <= longestId && isLowerAlphanumeric(text.front()) &&
-           std::all_of(text.begin(), text.end(), isIdCharacter);
 }
 
 bool isSymbol(const QString &text)
@@ -67,7 +55,7 @@ void checkRecord(const CoinMetadata &coin, const Index &byId, QStringList &probl
         if (!holds)
             problems.append(coin.id + suffix);
     };
-    check(isId(coin.id), QStringLiteral(": id"));
+    check(isCoinId(coin.id), QStringLiteral(": id"));
     check(isSymbol(coin.symbol), QStringLiteral(": symbol"));
     check(isName(coin.name), QStringLiteral(": name"));
     check(!coin.rank || *coin.rank >= 1, QStringLiteral(": rank"));

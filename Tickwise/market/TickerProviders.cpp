@@ -153,7 +153,10 @@ std::optional<HttpRequest> BinanceTickerProvider::makeAllTickersRequest() const
 
 Result<TickerQuotes> BinanceTickerProvider::parseQuotes(const QByteArray &data, const QStringList &symbols) const
 {
-    const std::chrono::duration<double, std::milli> oldest = m_clock().time_since_epoch() - freshness;
+    // Whole microseconds fit into a double; nanoseconds would blur the milliseconds that are compared.
+    using std::chrono::microseconds;
+    const std::chrono::duration<double, std::milli> oldest =
+        std::chrono::floor<microseconds>(m_clock().time_since_epoch() - freshness);
     const WantedSymbols wanted(symbols);
     return withDocument<TickerQuotes>(data, [&](element root) {
         return readList(

@@ -68,7 +68,9 @@ Result<void> WidgetSnapshotStore::write(const WidgetSnapshot &snapshot) const
 
 Result<WidgetSnapshot> WidgetSnapshotStore::read() const
 {
-    QFile file(path().value_or(QString()));
+    if (!directory)
+        return fileFailure(QStringLiteral("widget snapshot"), QStringLiteral("there is no container"));
+    QFile file(*path());
     if (!file.open(QIODevice::ReadOnly))
         return fileFailure(file.fileName(), file.errorString());
     return decodeWidgetSnapshot(file.readAll());

@@ -108,6 +108,8 @@ private Q_SLOTS:
     void threeIntervalChangesRestartPollingOnce();
     void otherSettingsDoNotRestartPolling();
     void languageIsAppliedAtStartAndLive();
+    void loginItemFollowsTheSetting();
+    void authorizationIsRequestedOnce();
     void menuListsTheWatchlistAndQuits();
     void menuHasNoEntryForAnUnknownCoin();
     void menuIsBuiltAnewEachTime();
@@ -206,6 +208,25 @@ void AppDelegateTest::languageIsAppliedAtStartAndLive()
     world.change([](AppSettings &settings) { settings.language = AppLanguage::zhHans; });
     QVERIFY(world.item->contents.back().toolTipBody.contains(
         localized(QStringLiteral("tooltip.age.now"), LocalizationManager::bundleFor(AppLanguage::zhHans))));
+}
+
+void AppDelegateTest::loginItemFollowsTheSetting()
+{
+    World world;
+    world.launch();
+    QCOMPARE(world.loginItem.requests, std::vector<bool>{false});
+    world.change([](AppSettings &settings) { settings.launchAtLogin = true; });
+    world.change([](AppSettings &settings) { settings.showMenuBarBackground = true; });
+    world.change([](AppSettings &settings) { settings.launchAtLogin = false; });
+    QCOMPARE(world.loginItem.requests, (std::vector<bool>{false, true, false}));
+}
+
+void AppDelegateTest::authorizationIsRequestedOnce()
+{
+    World world;
+    world.launch();
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    QCOMPARE(world.notifications.authorizationRequests, 1);
 }
 
 void AppDelegateTest::menuListsTheWatchlistAndQuits()

@@ -175,9 +175,10 @@ class DesktopSession:
         self.call_item("ContextMenu", "(ii)", (x, y), item)
 
     def menu_layout(self, item=None):
-        """The item's menu: a dictionary with "id", "properties" and "children", nested."""
+        """The item's menu as a host gets it that is about to show it: a dictionary with "id", "properties" and "children", nested."""
         service, path = item or self._only_item()
         menu = self.item_property("Menu", (service, path))
+        self.bus.call(service, menu, MENU_INTERFACE, "AboutToShow", "(i)", (0,))
         _, layout = self.bus.call(service, menu, MENU_INTERFACE, "GetLayout", "(iias)", (0, -1, []))
         return _menu_node(layout)
 

@@ -44,8 +44,7 @@ class MessageBus:
     def start(self):
         self.process = self._session.start_process(
             self._name, ["dbus-daemon", f"--config-file={self._configuration}", "--nofork", "--nopidfile", "--nosyslog"])
-        self._session.wait_for(lambda: os.path.exists(self._socket), what=f"the socket of {self._name}")
-        self._connection = self.connect()
+        self._connection = self._session.wait_for(self._try_to_connect, what=f"an answer of {self._name}")
 
     def stop(self):
         if self._connection is not None:
@@ -58,6 +57,13 @@ class MessageBus:
             self.process = None
         if os.path.exists(self._socket):
             os.unlink(self._socket)
+
+    def _try_to_connect(self):
+        """The socket is there a moment before the daemon listens on it."""
+        try:
+            return self.connect()
+        except GLib.Error:
+            return None
 
     def connect(self):
         """A new connection of the test's own."""

@@ -6,13 +6,9 @@ import os
 import unittest
 
 from desktop_session import SwaySession, X11Session
+from panel_pixels import GREEN, NEAR_WHITE, RED, WHITE, box_of, coloured, is_near, middle, wait_for_box
 
 PROBE = os.path.join(os.environ.get("TICKWISE_BUILD_DIR", "build/debug"), "tests", "statusitem_probe")
-GREEN = (0x2C, 0xBD, 0x84)
-RED = (0xF6, 0x46, 0x5D)
-WHITE = (255, 255, 255)
-PANEL_HEIGHT = 29
-TRAY_WIDTH = 200
 
 
 def text(words, color=None, pill=None):
@@ -25,24 +21,6 @@ DOWN = text("ETH 3,188", "#f6465d")
 PILL = text("BTC 67,432", "#ffffff", "#2cbd84")
 PLAIN = text("BTC 67,432")
 LOGO = {"logo": True}
-
-
-def is_near(one, other, tolerance=40):
-    return all(abs(a - b) <= tolerance for a, b in zip(one, other))
-
-
-def box_of(picture, matches):
-    """Left, top, width and height of the tray's pixels that match, or None."""
-    columns = range(picture.width - TRAY_WIDTH, picture.width)
-    places = [(x, y) for y in range(PANEL_HEIGHT) for x in columns if matches(picture.at(x, y))]
-    if not places:
-        return None
-    left, top = min(x for x, _ in places), min(y for _, y in places)
-    return left, top, max(x for x, _ in places) - left + 1, max(y for _, y in places) - top + 1
-
-
-def coloured(color):
-    return lambda pixel: is_near(pixel, color)
 
 
 class StatusItemChecks:
@@ -59,30 +37,20 @@ class StatusItemChecks:
     def show(self, probe, content):
         probe.write_line(json.dumps(content))
 
-    def wait_for_box(self, desktop, color, accepts=lambda box: True):
-        def accepted():
-            box = box_of(desktop.picture(), coloured(color))
-            return box if box and accepts(box) else None
-        return desktop.wait_for(accepted, what=f"{color} in the panel")
-
-    def middle(self, box):
-        left, top, width, height = box
-        return left + width // 2, top + height // 2
-
     def check_text_follows_the_content(self):
         with self.make_session() as desktop:
             probe = self.start(desktop, UP)
-            wide = self.wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
-            self.assertLess(abs(2 * self.middle(wide)[1] - 30), 8, "the text is not in the middle of the panel")
+            wide = wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
+            self.assertLess(abs(2 * middle(wide)[1] - 30), 8, "the text is not in the middle of the panel")
             self.show(probe, DOWN)
-            narrow = self.wait_for_box(desktop, RED, lambda box: box[2] > 30)
+            narrow = wait_for_box(desktop, RED, lambda box: box[2] > 30)
             self.assertLess(narrow[2], wide[2])
             self.assertIsNone(box_of(desktop.picture(), coloured(GREEN)))
 
     def check_pill(self):
         with self.make_session() as desktop:
             probe = self.start(desktop, PILL)
-            left, top, width, height = self.wait_for_box(desktop, GREEN, lambda box: box[2] > 50)
+            left, top, width, height = wait_for_box(desktop, GREEN, lambda box: box[2] > 50)
             self.assertGreater(width, 2 * height)
             picture = desktop.picture()
             for x in (left, left + width - 1):
@@ -95,20 +63,20 @@ class StatusItemChecks:
     def check_plain_text_can_be_read(self):
         with self.make_session() as desktop:
             probe = self.start(desktop, UP)
-            self.wait_for_box(desktop, GREEN)
+            wait_for_box(desktop, GREEN)
             self.show(probe, PLAIN)
-            box = self.wait_for_box(desktop, (0xF2, 0xF2, 0xF2), lambda found: found[2] > 40)
+            box = wait_for_box(desktop, NEAR_WHITE, lambda found: found[2] > 40)
             self.show(probe, LOGO)
-            self.wait_for_box(desktop, (0xF2, 0xF2, 0xF2), lambda found: 8 <= found[2] < box[2] // 2)
+            wait_for_box(desktop, NEAR_WHITE, lambda found: 8 <= found[2] < box[2] // 2)
 
     def check_returning_panel(self):
         with self.make_session() as desktop:
             self.start(desktop, UP)
-            self.wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
+            wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
             desktop.stop_panel()
             desktop.wait_for(lambda: box_of(desktop.picture(), coloured(GREEN)) is None, what="the item's end")
             desktop.start_panel()
-            self.wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
+            wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
 
 
 class XfceTest(StatusItemChecks, unittest.TestCase):
@@ -128,25 +96,24 @@ class XfceTest(StatusItemChecks, unittest.TestCase):
         self.check_returning_panel()
 
     def test_panel_that_comes_late(self):
-        with X11Session(None, notifications=None) as desktop:
+        with X11Session("xfce4-panel", notifications=None, with_panel=False) as desktop:
             probe = self.start(desktop, UP)
             desktop.wait_for(lambda: "No panel shows status items" in probe.errors(), what="the log line")
-            desktop._panel_kind = "xfce4-panel"
             desktop.start_panel()
-            self.wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
+            wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
             self.assertEqual(probe.errors().count("No panel shows status items"), 1)
 
     def test_left_click_tells_where(self):
         with self.make_session() as desktop:
             probe = self.start(desktop, PILL)
-            x, y = self.middle(self.wait_for_box(desktop, GREEN, lambda box: box[2] > 50))
+            x, y = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 50))
             desktop.click(x, y)
             desktop.wait_for(lambda: f"clicked {x} {y}" in probe.output(), what="the click")
 
     def test_right_click_opens_the_menu_and_the_next_left_click_is_a_click(self):
         with self.make_session() as desktop:
             probe = self.start(desktop, PILL)
-            x, y = self.middle(self.wait_for_box(desktop, GREEN, lambda box: box[2] > 50))
+            x, y = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 50))
             before = set(desktop.windows("statusitem_probe"))
             desktop.click(x, y, button=3)
             menu, = desktop.wait_for(lambda: set(desktop.windows("statusitem_probe")) - before, what="the menu")
@@ -178,7 +145,7 @@ class WaybarTest(StatusItemChecks, unittest.TestCase):
     def test_click_and_menu(self):
         with self.make_session() as desktop:
             probe = self.start(desktop, PILL)
-            x, y = self.middle(self.wait_for_box(desktop, GREEN, lambda box: box[2] > 50))
+            x, y = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 50))
             desktop.click(x, y)
             desktop.wait_for(lambda: "clicked" in probe.output(), what="the click")
             quit_entry = desktop.menu_layout()["children"][-1]
@@ -191,9 +158,9 @@ class SwaybarTest(StatusItemChecks, unittest.TestCase):
     def test_compact_icon(self):
         with SwaySession("swaybar", notifications=None) as desktop:
             probe = self.start(desktop, PILL)
-            left, top, width, height = self.wait_for_box(desktop, GREEN)
+            left, top, width, height = wait_for_box(desktop, GREEN)
             self.assertLess(abs(width - height), 3)
-            x, y = self.middle((left, top, width, height))
+            x, y = middle((left, top, width, height))
             desktop.click(x, y)
             desktop.wait_for(lambda: "clicked" in probe.output(), what="the click")
 

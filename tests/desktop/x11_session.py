@@ -16,7 +16,7 @@ _XFCE_PANEL = """<?xml version="1.0" encoding="UTF-8"?>
   <property name="configver" type="int" value="2"/>
   <property name="panels" type="array">
     <value type="int" value="1"/>
-    <property name="dark-mode" type="bool" value="true"/>
+    <property name="dark-mode" type="bool" value="{dark}"/>
     <property name="panel-1" type="empty">
       <property name="position" type="string" value="p=6;x=0;y=0"/>
       <property name="length" type="uint" value="100"/>
@@ -78,20 +78,25 @@ class X11Session(DesktopSession):
     panel: "xfce4-panel", "mate-panel", "lxqt-panel", "plasma" or None.
     window_manager: "openbox", "xfwm4", "kwin_x11" or None.
     notifications: "dunst", "recording" or None.
+    with_panel: False leaves the panel to `start_panel`.
+    dark_panel: whether XFCE's panel is dark.
     """
 
-    def __init__(self, panel="xfce4-panel", window_manager="openbox", notifications="dunst", width=1280, height=800):
+    def __init__(self, panel="xfce4-panel", window_manager="openbox", notifications="dunst", width=1280, height=800,
+                 with_panel=True, dark_panel=True):
         super().__init__(notifications)
         self.width = width
         self.height = height
         self._panel_kind = panel
+        self._with_panel = with_panel
+        self._dark_panel = dark_panel
         self._window_manager_kind = window_manager
         self.server = None
         self.window_manager = None
         self.panel = None
 
     def start_panel(self):
-        """Starts the panel again after `stop_panel`."""
+        """Starts the panel, also again after `stop_panel`."""
         if self._panel_kind == "xfce4-panel":
             self._configure_xfce()
         elif self._panel_kind == "mate-panel":
@@ -99,6 +104,7 @@ class X11Session(DesktopSession):
         elif self._panel_kind == "lxqt-panel":
             self._configure_lxqt()
         elif self._panel_kind == "plasma":
+            self.bus.allow_activation("org.kde.ActivityManager", self.environment)
             self.start_process("kded5", ["kded5"], _PLASMA_ENVIRONMENT)
         commands = {"xfce4-panel": ["xfce4-panel", "--disable-wm-check"], "mate-panel": ["mate-panel"],
                     "lxqt-panel": ["lxqt-panel"], "plasma": ["plasmashell"]}
@@ -144,7 +150,7 @@ class X11Session(DesktopSession):
         if self._window_manager_kind is not None:
             self._start_window_manager()
         self._start_notifications()
-        if self._panel_kind is not None:
+        if self._panel_kind is not None and self._with_panel:
             self.start_panel()
 
     def _start_server(self):
@@ -190,7 +196,7 @@ class X11Session(DesktopSession):
         self.bus.allow_activation("org.xfce.Xfconf", self.environment)
         self.environment["XDG_CURRENT_DESKTOP"] = "XFCE"
         self.write_file(os.path.join(self.environment["XDG_CONFIG_HOME"], "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"),
-                        _XFCE_PANEL)
+                        _XFCE_PANEL.format(dark=str(self._dark_panel).lower()))
 
     def _configure_mate(self):
         for service in ("ca.desrt.dconf", *(f"org.mate.panel.applet.{name}Factory" for name in _MATE_APPLETS)):

@@ -1,122 +1,133 @@
 #include "market/FailureReason.h"
 
+#include "support/TestClock.h"
+
 #include <QTest>
 
 using namespace tickwise;
+using enum FailureReason;
+using Kind = TickerProviderError::Kind;
+using Causes = std::vector<ProviderFailure>;
+
+namespace {
+
+const auto binance = QStringLiteral("binance");
+const auto okx = QStringLiteral("okx");
+
+ProviderFailure cause(FailureReason reason, const QString &provider = binance,
+                      std::optional<TimePoint> until = std::nullopt)
+{
+    return {provider, reason, until};
+}
+
+TimePoint after(double seconds)
+{
+    return test::TestClock().now() + secondsDuration(seconds);
+}
+
+} // namespace
 
 class FailureReasonTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void reasons_data();
-    void reasons();
-    void summaries_data();
-    void summaries();
-    void causesDecide();
+    void ofAnError_data();
+    void ofAnError();
+    void summaryOrder();
+    void summaryDoesNotDependOnTheOrder();
+    void earliestEndOfRateLimitsComesFirst();
+    void rateLimitWithAnEndComesFirst();
+    void firstOfEqualCausesIsTold();
+    void summaryOfNothing();
 };
 
-namespace {
-
-using Reason = FailureReason;
-using Causes = std::vector<ProviderFailure>;
-
-TimePoint second(int seconds)
-{
-    return TimePoint(std::chrono::seconds(seconds));
-}
-
-ProviderFailure cause(Reason reason, std::optional<TimePoint> until = std::nullopt)
-{
-    return {QStringLiteral("exchange"), reason, until};
-}
-
-Error loading(UrlErrorCode code, int status = 0)
-{
-    return UrlLoadingError{code, {}, status};
-}
-
-} // namespace
-
-void FailureReasonTest::reasons_data()
+void FailureReasonTest::ofAnError_data()
 {
     QTest::addColumn<Error>("error");
-    QTest::addColumn<Reason>("expected");
-    using Code = UrlErrorCode;
-    using Kind = TickerProviderError::Kind;
-    const auto row = [](const char *name, const Error &error, Reason expected) {
-        QTest::newRow(name) << error << expected;
+    QTest::addColumn<FailureReason>("reason");
+    const auto url = [](const char *name, UrlErrorCode code, FailureReason reason) {
+        QTest::newRow(name) << Error(UrlLoadingError{code}) << reason;
     };
-    row("offline", loading(Code::notConnectedToInternet), Reason::offline);
-    row("host", loading(Code::cannotFindHost), Reason::hostNotFound);
-    row("refused", loading(Code::cannotConnectToHost), Reason::unreachable);
-    row("lost", loading(Code::networkConnectionLost), Reason::unreachable);
-    row("nothing known", loading(Code::cannotLoadFromNetwork), Reason::unreachable);
-    row("slow", loading(Code::timedOut), Reason::timedOut);
-    row("clock", loading(Code::serverCertificateHasBadDate), Reason::clockWrong);
-    row("certificate", loading(Code::serverCertificateUntrusted), Reason::secureConnectionFailed);
-    row("TLS", loading(Code::secureConnectionFailed), Reason::secureConnectionFailed);
-    row("451", loading(Code::badServerResponse, 451), Reason::regionBlocked);
-    row("404", loading(Code::badServerResponse, 404), Reason::badAnswer);
-    row("empty", loading(Code::zeroByteResource), Reason::badAnswer);
-    row("form", loading(Code::cannotParseResponse), Reason::badAnswer);
-    row("large", loading(Code::dataLengthExceedsMaximum), Reason::badAnswer);
-    row("redirect", loading(Code::redirectRefused), Reason::badAnswer);
-    row("address", loading(Code::badURL), Reason::badAnswer);
-    row("cancelled", loading(Code::cancelled), Reason::cancelled);
-    row("429", TickerProviderError{Kind::rateLimited, 30.0, 429}, Reason::rateLimited);
-    row("ban", TickerProviderError{Kind::rateLimited, 600.0, 403, false}, Reason::rateLimited);
-    row("block page", TickerProviderError{Kind::rateLimited, 600.0, 403, true}, Reason::regionBlocked);
-    row("400", TickerProviderError{Kind::requestRejected, std::nullopt, 400}, Reason::badAnswer);
-    row("decoding", DecodingError{QStringLiteral("x")}, Reason::badAnswer);
+    url("badURL", UrlErrorCode::badURL, badAnswer);
+    url("badServerResponse", UrlErrorCode::badServerResponse, badAnswer);
+    url("cannotLoadFromNetwork", UrlErrorCode::cannotLoadFromNetwork, unreachable);
+    url("zeroByteResource", UrlErrorCode::zeroByteResource, badAnswer);
+    url("cannotParseResponse", UrlErrorCode::cannotParseResponse, badAnswer);
+    url("dataLengthExceedsMaximum", UrlErrorCode::dataLengthExceedsMaximum, badAnswer);
+    url("redirectRefused", UrlErrorCode::redirectRefused, badAnswer);
+    url("cancelled", UrlErrorCode::cancelled, cancelled);
+    url("timedOut", UrlErrorCode::timedOut, timedOut);
+    url("cannotFindHost", UrlErrorCode::cannotFindHost, hostNotFound);
+    url("cannotConnectToHost", UrlErrorCode::cannotConnectToHost, unreachable);
+    url("networkConnectionLost", UrlErrorCode::networkConnectionLost, unreachable);
+    url("notConnectedToInternet", UrlErrorCode::notConnectedToInternet, offline);
+    url("secureConnectionFailed", UrlErrorCode::secureConnectionFailed, secureConnectionFailed);
+    url("serverCertificateHasBadDate", UrlErrorCode::serverCertificateHasBadDate, clockWrong);
+    url("serverCertificateUntrusted", UrlErrorCode::serverCertificateUntrusted, secureConnectionFailed);
+    QTest::newRow("451") << Error(UrlLoadingError{UrlErrorCode::badServerResponse, {}, 451}) << regionBlocked;
+    QTest::newRow("503") << Error(UrlLoadingError{UrlErrorCode::badServerResponse, {}, 503}) << badAnswer;
+    QTest::newRow("several providers")
+        << Error(UrlLoadingError{UrlErrorCode::cannotLoadFromNetwork, {}, 0, {cause(badAnswer), cause(offline)}})
+        << offline;
+    QTest::newRow("rate limited") << Error(TickerProviderError{Kind::rateLimited, 30.0, 429}) << rateLimited;
+    QTest::newRow("block page") << Error(TickerProviderError{Kind::rateLimited, 600.0, 403, true}) << regionBlocked;
+    QTest::newRow("rejected") << Error(TickerProviderError{Kind::requestRejected, std::nullopt, 400}) << badAnswer;
+    QTest::newRow("undecodable") << Error(DecodingError{QStringLiteral("x")}) << badAnswer;
+    QTest::newRow("file") << Error(FileError{}) << badAnswer;
+    QTest::newRow("catalog") << Error(CatalogError{}) << badAnswer;
 }
 
-void FailureReasonTest::reasons()
+void FailureReasonTest::ofAnError()
 {
     QFETCH(Error, error);
-    QTEST(failureReason(error), "expected");
+    QFETCH(FailureReason, reason);
+    QCOMPARE(failureReason(error), reason);
 }
 
-void FailureReasonTest::summaries_data()
+void FailureReasonTest::summaryOrder()
 {
-    QTest::addColumn<Causes>("causes");
-    QTest::addColumn<ProviderFailure>("expected");
-    QTest::newRow("none") << Causes{} << ProviderFailure{{}, Reason::unreachable, std::nullopt};
-    QTest::newRow("all offline") << Causes{cause(Reason::offline), cause(Reason::offline)} << cause(Reason::offline);
-    QTest::newRow("the earliest end") << Causes{cause(Reason::rateLimited, second(90)),
-                                                cause(Reason::rateLimited, second(30)), cause(Reason::rateLimited)}
-                                      << cause(Reason::rateLimited, second(30));
-    QTest::newRow("the first of equals") << Causes{{QStringLiteral("first"), Reason::timedOut, {}},
-                                                   {QStringLiteral("second"), Reason::timedOut, {}}}
-                                         << ProviderFailure{QStringLiteral("first"), Reason::timedOut, {}};
-    // Each reason is told before all that follow it.
-    const std::vector<std::pair<const char *, Reason>> order{
-        {"clock", Reason::clockWrong},    {"offline", Reason::offline},         {"region", Reason::regionBlocked},
-        {"limit", Reason::rateLimited},   {"host", Reason::hostNotFound},       {"TLS", Reason::secureConnectionFailed},
-        {"slow", Reason::timedOut},       {"unreachable", Reason::unreachable}, {"nonsense", Reason::badAnswer},
-        {"cancelled", Reason::cancelled},
-    };
-    for (std::size_t first = 0; first + 1 < order.size(); ++first) {
-        Causes causes;
-        for (std::size_t i = order.size(); i > first; --i)
-            causes.push_back(cause(order[i - 1].second));
-        QTest::newRow(order[first].first) << causes << cause(order[first].second);
+    const std::vector order{clockWrong, offline,     regionBlocked, rateLimited, hostNotFound, secureConnectionFailed,
+                            timedOut,   unreachable, badAnswer,     cancelled};
+    for (std::size_t first = 0; first < order.size(); ++first) {
+        for (std::size_t second = first; second < order.size(); ++second) {
+            QCOMPARE(summary({cause(order[first]), cause(order[second])}).reason, order[first]);
+            QCOMPARE(summary({cause(order[second]), cause(order[first])}).reason, order[first]);
+        }
     }
 }
 
-void FailureReasonTest::summaries()
+void FailureReasonTest::summaryDoesNotDependOnTheOrder()
 {
-    QFETCH(Causes, causes);
-    QFETCH(ProviderFailure, expected);
-    const ProviderFailure told = summary(causes);
-    QVERIFY(told == expected);
+    Causes causes{cause(badAnswer), cause(timedOut), cause(regionBlocked, okx), cause(unreachable)};
+    QCOMPARE(summary(causes), cause(regionBlocked, okx));
+    std::reverse(causes.begin(), causes.end());
+    QCOMPARE(summary(causes), cause(regionBlocked, okx));
 }
 
-void FailureReasonTest::causesDecide()
+void FailureReasonTest::earliestEndOfRateLimitsComesFirst()
 {
-    UrlLoadingError error{UrlErrorCode::cannotLoadFromNetwork};
-    error.causes = {cause(Reason::badAnswer), cause(Reason::regionBlocked)};
-    QCOMPARE(failureReason(error), Reason::regionBlocked);
+    const Causes causes{cause(rateLimited, binance, after(600)), cause(rateLimited, okx, after(30)),
+                        cause(rateLimited, binance, after(60)), cause(badAnswer)};
+    QCOMPARE(summary(causes), causes[1]);
+}
+
+void FailureReasonTest::rateLimitWithAnEndComesFirst()
+{
+    const Causes causes{cause(rateLimited), cause(rateLimited, okx, after(600))};
+    QCOMPARE(summary(causes), causes[1]);
+    QCOMPARE(summary({causes[1], causes[0]}), causes[1]);
+}
+
+void FailureReasonTest::firstOfEqualCausesIsTold()
+{
+    QCOMPARE(summary({cause(timedOut, okx), cause(timedOut, binance)}).provider, okx);
+}
+
+void FailureReasonTest::summaryOfNothing()
+{
+    QCOMPARE(summary({}).reason, unreachable);
+    QVERIFY(summary({}).provider.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(FailureReasonTest)

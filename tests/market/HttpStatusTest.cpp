@@ -1,18 +1,27 @@
 #include "market/HttpStatus.h"
+
+#include "market/FailureReason.h"
+#include "market/Outcome.h"
 #include "support/TestData.h"
 
 #include <QTest>
 
 using namespace tickwise;
+using Kind = TickerProviderError::Kind;
 
 namespace {
 
-HttpResponse response(int status, const QByteArray &body = {}, const std::optional<QByteArray> &retry = std::nullopt)
+HttpResponse response(int status, const QByteArray &retryAfter = {}, const QByteArray &body = {})
 {
     HttpResponse response{status, {{"Content-Type", "application/json"}}, body};
-    if (retry)
-        response.headers.emplace_back("retry-after", *retry);
+    if (!retryAfter.isNull())
+        response.headers.emplace_back("retry-after", retryAfter);
     return response;
+}
+
+QByteArray recorded(const char *name)
+{
+    return test::readData(QStringLiteral("exchange/") + QLatin1String(name));
 }
 
 } // namespace
@@ -22,112 +31,163 @@ class HttpStatusTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void retryAfterText_data();
-    void retryAfterText();
-    void noRetryAfter();
-    void success();
-    void failures_data();
-    void failures();
-    void blockPages_data();
-    void blockPages();
+    void successIsTheBody_data();
+    void successIsTheBody();
+    void backOffs_data();
+    void backOffs();
+    void badRequestIsRejected();
+    void otherStatuses_data();
+    void otherStatuses();
+    void retryAfterValue_data();
+    void retryAfterValue();
+    void retryAfterIsAbsentWithoutTheHeader();
+    void forbiddenBodies_data();
+    void forbiddenBodies();
+    void legalReasonsAreARegionBlock();
 };
 
-void HttpStatusTest::retryAfterText_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<double>("seconds"); // -1: none
-    QTest::newRow("whole") << QByteArray("30") << 30.0;
-    QTest::newRow("fraction") << QByteArray("1.5") << 1.5;
-    QTest::newRow("exponent") << QByteArray("1e2") << 100.0;
-    QTest::newRow("zero") << QByteArray("0") << -1.0;
-    QTest::newRow("negative") << QByteArray("-5") << -1.0;
-    QTest::newRow("empty") << QByteArray("") << -1.0;
-    QTest::newRow("leading blank") << QByteArray(" 30") << -1.0;
-    QTest::newRow("trailing blank") << QByteArray("30 ") << -1.0;
-    QTest::newRow("unit") << QByteArray("30s") << -1.0;
-    QTest::newRow("date") << QByteArray("Wed, 21 Oct 2026 07:28:00 GMT") << -1.0;
-    QTest::newRow("infinite") << QByteArray("inf") << -1.0;
-    QTest::newRow("no number") << QByteArray("soon") << -1.0;
-}
-
-void HttpStatusTest::retryAfterText()
-{
-    QFETCH(QByteArray, text);
-    QTEST(retryAfter(response(429, {}, text)).value_or(-1.0), "seconds");
-}
-
-void HttpStatusTest::noRetryAfter()
-{
-    QVERIFY(!retryAfter(response(429)));
-}
-
-void HttpStatusTest::success()
-{
-    for (const int status : {200, 204, 299})
-        QCOMPARE(classifyTickerResponse(response(status, "body")).value(), QByteArray("body"));
-}
-
-void HttpStatusTest::failures_data()
+void HttpStatusTest::successIsTheBody_data()
 {
     QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("retry"); // null: no header
-    QTest::addColumn<QString>("expected");
-    const auto row = [](const QByteArray &name, int status, const QByteArray &retry, const QByteArray &expected) {
-        QTest::newRow(name.constData()) << status << retry << QString::fromLatin1(expected);
+    for (const int status : {200, 201, 204, 250, 299})
+        QTest::addRow("%d", status) << status;
+}
+
+void HttpStatusTest::successIsTheBody()
+{
+    QFETCH(int, status);
+    const Result<QByteArray> body = classifyTickerResponse(response(status, "30", "[]"));
+    QVERIFY(body.has_value());
+    QCOMPARE(*body, QByteArray("[]"));
+}
+
+void HttpStatusTest::backOffs_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("header");
+    QTest::addColumn<double>("seconds"); // 0: none
+    QTest::newRow("429 with 30") << 429 << QByteArray("30") << 30.0;
+    QTest::newRow("429 with 0") << 429 << QByteArray("0") << 0.0;
+    QTest::newRow("429 with a date") << 429 << QByteArray("Wed, 21 Oct 2026 07:28:00 GMT") << 0.0;
+    QTest::newRow("429 without") << 429 << QByteArray() << 0.0;
+    QTest::newRow("418 with 120.5") << 418 << QByteArray("120.5") << 120.5;
+    QTest::newRow("418 without") << 418 << QByteArray() << 0.0;
+    QTest::newRow("403 with 30") << 403 << QByteArray("30") << 30.0;
+    QTest::newRow("403 with 1000") << 403 << QByteArray("1000") << 1000.0;
+    QTest::newRow("403 without") << 403 << QByteArray() << 600.0;
+    QTest::newRow("403 with 0") << 403 << QByteArray("0") << 600.0;
+    QTest::newRow("403 with a date") << 403 << QByteArray("Wed, 21 Oct 2026 07:28:00 GMT") << 600.0;
+}
+
+void HttpStatusTest::backOffs()
+{
+    QFETCH(int, status);
+    QFETCH(QByteArray, header);
+    QFETCH(double, seconds);
+    const auto refusal = test::refusalOf(classifyTickerResponse(response(status, header)));
+    QVERIFY(refusal);
+    QCOMPARE(refusal->kind, Kind::rateLimited);
+    QCOMPARE(refusal->httpStatus, status);
+    QCOMPARE(refusal->retryAfter, seconds > 0 ? std::optional(seconds) : std::nullopt);
+}
+
+void HttpStatusTest::badRequestIsRejected()
+{
+    const Result<QByteArray> result =
+        classifyTickerResponse(response(400, "30", recorded("binance_error_1121_invalid_symbol.json")));
+    QCOMPARE(test::refusalOf(result), TickerProviderError({Kind::requestRejected, std::nullopt, 400, false}));
+}
+
+void HttpStatusTest::otherStatuses_data()
+{
+    QTest::addColumn<int>("status");
+    for (const int status :
+         {0, 100, 199, 300, 301, 302, 304, 399, 401, 402, 404, 417, 419, 428, 430, 451, 500, 502, 503, 599})
+        QTest::addRow("%d", status) << status;
+}
+
+void HttpStatusTest::otherStatuses()
+{
+    QFETCH(int, status);
+    const Result<QByteArray> result = classifyTickerResponse(response(status, "30", "[]"));
+    QCOMPARE(test::codeOf(result), UrlErrorCode::badServerResponse);
+    QCOMPARE(std::get<UrlLoadingError>(result.error()).httpStatus, status);
+}
+
+void HttpStatusTest::retryAfterValue_data()
+{
+    QTest::addColumn<QByteArray>("header");
+    QTest::addColumn<double>("seconds"); // 0: none
+    const auto row = [](const char *header, double seconds) {
+        QTest::addRow("'%s'", header) << QByteArray(header) << seconds;
     };
-    row("429 with 30", 429, "30", "rate limited (HTTP 429), retry after 30 s");
-    row("429 with 0", 429, "0", "rate limited (HTTP 429)");
-    row("429 with a date", 429, "Wed, 21 Oct 2026 07:28:00 GMT", "rate limited (HTTP 429)");
-    row("429", 429, {}, "rate limited (HTTP 429)");
-    row("418 with 120", 418, "120", "rate limited (HTTP 418), retry after 120 s");
-    row("418", 418, {}, "rate limited (HTTP 418)");
-    row("403", 403, {}, "rate limited (HTTP 403), retry after 600 s");
-    row("403 with 10", 403, "10", "rate limited (HTTP 403), retry after 10 s");
-    row("403 with 0", 403, "0", "rate limited (HTTP 403), retry after 600 s");
-    row("400", 400, {}, "request rejected (HTTP 400)");
-    row("503", 503, {}, "bad server response (HTTP 503)");
-    row("503 with 30", 503, "30", "bad server response (HTTP 503)");
-    row("no status", 0, {}, "bad server response");
-    for (const int status : {100, 199, 300, 301, 304, 401, 404, 451, 500, 502, 599}) {
-        const QByteArray name = QByteArray::number(status);
-        const QByteArray expected = "bad server response (HTTP " + name + ")";
-        row(name, status, {}, expected);
-    }
+    row("30", 30);
+    row("0.5", 0.5);
+    row("1e2", 100);
+    row("1800", 1800);
+    row(" 30", 0);
+    row("\t30", 0);
+    row("30 ", 0);
+    row("30s", 0);
+    row("30, 60", 0);
+    row("", 0);
+    row("0", 0);
+    row("0.0", 0);
+    row("-0", 0);
+    row("-30", 0);
+    row("nan", 0);
+    row("inf", 0);
+    row("infinity", 0);
+    row("1e999", 0);
+    row("0x1e", 0);
+    row("1,5", 0);
+    row("soon", 0);
+    row("Wed, 21 Oct 2026 07:28:00 GMT", 0);
 }
 
-void HttpStatusTest::failures()
+void HttpStatusTest::retryAfterValue()
 {
-    QFETCH(int, status);
-    QFETCH(QByteArray, retry);
-    const auto result =
-        classifyTickerResponse(response(status, "{}", retry.isNull() ? std::nullopt : std::optional(retry)));
-    QVERIFY(!result);
-    QTEST(description(result.error()), "expected");
+    QFETCH(QByteArray, header);
+    QFETCH(double, seconds);
+    QCOMPARE(retryAfter(response(429, header)), seconds > 0 ? std::optional(seconds) : std::nullopt);
 }
 
-void HttpStatusTest::blockPages_data()
+void HttpStatusTest::retryAfterIsAbsentWithoutTheHeader()
 {
-    QTest::addColumn<int>("status");
+    QCOMPARE(retryAfter(response(429)), std::nullopt);
+}
+
+void HttpStatusTest::forbiddenBodies_data()
+{
     QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<bool>("blockPage");
-    QTest::newRow("recorded block") << 403
-                                    << test::readData(QStringLiteral("exchange/bybit_http403_country_block.json"))
-                                    << true;
-    QTest::newRow("page") << 403 << QByteArray("\r\n<!DOCTYPE html><html><h1>403 ERROR</h1></html>") << true;
-    QTest::newRow("ban") << 403 << QByteArray(R"({"retCode":10010,"retMsg":"Unmatched IP"})") << false;
-    QTest::newRow("recorded limit") << 403 << test::readData(QStringLiteral("exchange/binance_error_1003_http429.json"))
-                                    << false;
-    QTest::newRow("empty") << 403 << QByteArray() << false;
-    QTest::newRow("page with 429") << 429 << QByteArray("<html></html>") << false;
+    QTest::addColumn<FailureReason>("reason");
+    QTest::newRow("recorded notice") << recorded("bybit_http403_country_block.json") << FailureReason::regionBlocked;
+    QTest::newRow("page") << QByteArray("\r\n <!DOCTYPE html><html><body>403 Forbidden</body></html>")
+                          << FailureReason::regionBlocked;
+    QTest::newRow("upper-case page") << QByteArray("<HTML><BODY>Forbidden") << FailureReason::regionBlocked;
+    QTest::newRow("restricted location") << QByteArray(
+                                                R"({"code":0,"msg":"Service unavailable from a restricted location"})")
+                                         << FailureReason::regionBlocked;
+    QTest::newRow("JSON") << recorded("binance_error_1003_http418_banned_old.json") << FailureReason::rateLimited;
+    QTest::newRow("empty") << QByteArray() << FailureReason::rateLimited;
 }
 
-void HttpStatusTest::blockPages()
+void HttpStatusTest::forbiddenBodies()
 {
-    QFETCH(int, status);
     QFETCH(QByteArray, body);
-    const auto result = classifyTickerResponse(response(status, body));
-    QVERIFY(!result);
-    QTEST(std::get<TickerProviderError>(result.error()).blockPage, "blockPage");
+    QFETCH(FailureReason, reason);
+    const Result<QByteArray> result = classifyTickerResponse(response(403, {}, body));
+    QCOMPARE(failureReason(result.error()), reason);
+    const auto refusal = test::refusalOf(result);
+    QVERIFY(refusal);
+    QCOMPARE(refusal->retryAfter, 600.0);
+}
+
+void HttpStatusTest::legalReasonsAreARegionBlock()
+{
+    const Result<QByteArray> result = classifyTickerResponse(response(451, {}, "<html>"));
+    QCOMPARE(test::codeOf(result), UrlErrorCode::badServerResponse);
+    QCOMPARE(failureReason(result.error()), FailureReason::regionBlocked);
 }
 
 QTEST_GUILESS_MAIN(HttpStatusTest)

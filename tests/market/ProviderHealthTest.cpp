@@ -1,17 +1,18 @@
 #include "market/ProviderHealth.h"
+
 #include "support/TestClock.h"
 
 #include <QTest>
 
 using namespace tickwise;
-using namespace tickwise::test;
 
 namespace {
 
 const auto okx = QStringLiteral("okx");
 const auto bybit = QStringLiteral("bybit");
+const auto abc = QStringLiteral("ABC");
 const auto xyz = QStringLiteral("XYZ");
-const auto btc = QStringLiteral("BTC");
+const QStringList both{abc, xyz};
 
 } // namespace
 
@@ -20,114 +21,183 @@ class ProviderHealthTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void startsWithEverythingAllowed();
-    void rateLimit_data();
-    void rateLimit();
-    void rateLimitTellsWhyAndUntilWhen();
-    void aLaterLimitReplacesAnEarlierOne();
-    void lackingSymbolsAreLeftOut();
-    void anAnswerClearsTheMark();
-    void clockGoesBack();
-    void anEndlessRetryAfter();
+    void init();
+    void startsWithTheFirstProviderAndNoMarks();
+    void rateLimitLasts_data();
+    void rateLimitLasts();
+    void rateLimitIsOfOneProvider();
+    void laterRateLimitReplacesTheEarlier();
+    void rateLimitEndsWhenTheClockGoesBack();
+    void rateLimitEndsWhenTheClockJumpsAhead();
+    void endlessRateLimitIsBounded();
+    void lackedSymbolIsLeftOut();
+    void markLasts_data();
+    void markLasts();
+    void markIsOfOneProvider();
+    void deliveredSymbolLosesItsMark();
+    void anotherMissRenewsTheMark();
+    void symbolsNotAskedKeepTheirMarks();
+    void markEndsWhenTheClockGoesBack();
+    void orderIsKept();
+
+private:
+    void noteLacks(const QString &provider, const QStringList &asked, const QStringList &had = {})
+    {
+        m_health.noteAnswer(
+            provider, asked, [&](const QString &symbol) { return had.contains(symbol); }, m_clock.now());
+    }
+    bool isLimited(const QString &provider) const { return m_health.rateLimit(provider, m_clock.now()).has_value(); }
+    QStringList available(const QString &provider, const QStringList &symbols = both) const
+    {
+        return m_health.available(provider, symbols, m_clock.now());
+    }
+
+    test::TestClock m_clock;
+    ProviderHealth m_health;
 };
 
-void ProviderHealthTest::startsWithEverythingAllowed()
+void ProviderHealthTest::init()
 {
-    const ProviderHealth health;
-    QCOMPARE(health.preferredProviderIndex, std::size_t(0));
-    QVERIFY(!health.rateLimit(okx, TestClock().now()));
-    QCOMPARE(health.available(okx, {btc, xyz}, TestClock().now()), QStringList({btc, xyz}));
+    m_clock.set(test::TestClock().now());
+    m_health = {};
 }
 
-void ProviderHealthTest::rateLimit_data()
+void ProviderHealthTest::startsWithTheFirstProviderAndNoMarks()
 {
-    QTest::addColumn<double>("retryAfter"); // -1: none
-    QTest::addColumn<double>("elapsed");
-    QTest::addColumn<bool>("limited");
-    QTest::newRow("at once") << 30.0 << 0.0 << true;
-    QTest::newRow("just before its end") << 30.0 << 29.999 << true;
-    QTest::newRow("at its end") << 30.0 << 30.0 << false;
-    QTest::newRow("default, before") << -1.0 << 59.999 << true;
-    QTest::newRow("default, at its end") << -1.0 << 60.0 << false;
-    QTest::newRow("fraction") << 0.5 << 0.5 << false;
+    QCOMPARE(m_health.preferredProviderIndex, 0U);
+    QVERIFY(!isLimited(okx));
+    QCOMPARE(available(okx), both);
 }
 
-void ProviderHealthTest::rateLimit()
+void ProviderHealthTest::rateLimitLasts_data()
 {
-    QFETCH(double, retryAfter);
-    QFETCH(double, elapsed);
-    TestClock clock;
-    ProviderHealth health;
-    health.noteRateLimit(okx, retryAfter < 0 ? std::nullopt : std::optional(retryAfter), FailureReason::rateLimited,
-                         clock.now());
-    clock.advance(elapsed);
-    QTEST(health.rateLimit(okx, clock.now()).has_value(), "limited");
-    QVERIFY(!health.rateLimit(bybit, clock.now()));
+    QTest::addColumn<std::optional<double>>("retryAfter");
+    QTest::addColumn<double>("seconds");
+    QTest::newRow("30 s") << std::optional(30.0) << 30.0;
+    QTest::newRow("half a second") << std::optional(0.5) << 0.5;
+    QTest::newRow("not told") << std::optional<double>() << 60.0;
+    QTest::newRow("600 s") << std::optional(600.0) << 600.0;
 }
 
-void ProviderHealthTest::rateLimitTellsWhyAndUntilWhen()
+void ProviderHealthTest::rateLimitLasts()
 {
-    TestClock clock;
-    ProviderHealth health;
-    health.noteRateLimit(bybit, 600.0, FailureReason::regionBlocked, clock.now());
-    const auto limit = health.rateLimit(bybit, clock.now());
-    QVERIFY(limit == (ProviderFailure{bybit, FailureReason::regionBlocked, clock.now() + secondsDuration(600)}));
+    QFETCH(std::optional<double>, retryAfter);
+    QFETCH(double, seconds);
+    const TimePoint start = m_clock.now();
+    m_health.noteRateLimit(okx, retryAfter, FailureReason::rateLimited, start);
+    const TimePoint end = start + secondsDuration(seconds);
+    QCOMPARE(m_health.rateLimit(okx, start).value_or(ProviderFailure{}).until, end);
+    m_clock.set(end - std::chrono::milliseconds(1));
+    QCOMPARE(m_health.rateLimit(okx, m_clock.now()).value_or(ProviderFailure{}).until, end);
+    m_clock.set(end);
+    QVERIFY(!isLimited(okx));
 }
 
-void ProviderHealthTest::aLaterLimitReplacesAnEarlierOne()
+void ProviderHealthTest::rateLimitIsOfOneProvider()
 {
-    TestClock clock;
-    ProviderHealth health;
-    health.noteRateLimit(okx, 600.0, FailureReason::rateLimited, clock.now());
-    health.noteRateLimit(okx, 10.0, FailureReason::rateLimited, clock.now());
-    clock.advance(10);
-    QVERIFY(!health.rateLimit(okx, clock.now()));
+    m_health.noteRateLimit(okx, 30.0, FailureReason::rateLimited, m_clock.now());
+    QVERIFY(isLimited(okx));
+    QVERIFY(!isLimited(bybit));
 }
 
-void ProviderHealthTest::lackingSymbolsAreLeftOut()
+void ProviderHealthTest::laterRateLimitReplacesTheEarlier()
 {
-    TestClock clock;
-    ProviderHealth health;
-    health.noteAnswer(
-        okx, {btc, xyz}, [](const QString &symbol) { return symbol == btc; }, clock.now());
-    QCOMPARE(health.available(okx, {btc, xyz}, clock.now()), QStringList{btc});
-    QCOMPARE(health.available(bybit, {btc, xyz}, clock.now()), QStringList({btc, xyz}));
-    clock.advance(1799.999);
-    QCOMPARE(health.available(okx, {btc, xyz}, clock.now()), QStringList{btc});
-    clock.advance(0.001);
-    QCOMPARE(health.available(okx, {btc, xyz}, clock.now()), QStringList({btc, xyz}));
+    m_health.noteRateLimit(okx, 600.0, FailureReason::rateLimited, m_clock.now());
+    m_clock.advance(10);
+    m_health.noteRateLimit(okx, 5.0, FailureReason::rateLimited, m_clock.now());
+    m_clock.advance(5);
+    QVERIFY(!isLimited(okx));
 }
 
-void ProviderHealthTest::anAnswerClearsTheMark()
+void ProviderHealthTest::rateLimitEndsWhenTheClockGoesBack()
 {
-    TestClock clock;
-    ProviderHealth health;
-    const auto none = [](const QString &) { return false; };
-    const auto all = [](const QString &) { return true; };
-    health.noteAnswer(okx, {btc, xyz}, none, clock.now());
-    health.noteAnswer(okx, {xyz}, all, clock.now());
-    QCOMPARE(health.available(okx, {btc, xyz}, clock.now()), QStringList{xyz});
+    m_health.noteRateLimit(okx, 30.0, FailureReason::rateLimited, m_clock.now());
+    m_clock.advance(-1);
+    QVERIFY(!isLimited(okx));
+    m_clock.advance(-86400 * 365);
+    QVERIFY(!isLimited(okx));
 }
 
-void ProviderHealthTest::clockGoesBack()
+void ProviderHealthTest::rateLimitEndsWhenTheClockJumpsAhead()
 {
-    TestClock clock;
-    ProviderHealth health;
-    health.noteRateLimit(okx, 30.0, FailureReason::rateLimited, clock.now());
-    health.noteAnswer(
-        okx, {xyz}, [](const QString &) { return false; }, clock.now());
-    clock.advance(-1);
-    QVERIFY(!health.rateLimit(okx, clock.now()));
-    QCOMPARE(health.available(okx, {xyz}, clock.now()), QStringList{xyz});
+    m_health.noteRateLimit(okx, 600.0, FailureReason::rateLimited, m_clock.now());
+    m_clock.advance(86400);
+    QVERIFY(!isLimited(okx));
 }
 
-void ProviderHealthTest::anEndlessRetryAfter()
+void ProviderHealthTest::endlessRateLimitIsBounded()
 {
-    TestClock clock;
-    ProviderHealth health;
-    health.noteRateLimit(okx, 1e300, FailureReason::rateLimited, clock.now());
-    clock.advance(10.0 * 365 * 86400);
-    QVERIFY(health.rateLimit(okx, clock.now()).has_value());
+    m_health.noteRateLimit(okx, 1e300, FailureReason::rateLimited, m_clock.now());
+    const auto until = m_health.rateLimit(okx, m_clock.now()).value_or(ProviderFailure{}).until;
+    QVERIFY(until && *until > m_clock.now());
+}
+
+void ProviderHealthTest::lackedSymbolIsLeftOut()
+{
+    noteLacks(okx, both, {abc});
+    QCOMPARE(available(okx), QStringList{abc});
+    QCOMPARE(available(okx, {xyz}), QStringList());
+}
+
+void ProviderHealthTest::markLasts_data()
+{
+    QTest::addColumn<double>("seconds");
+    QTest::addColumn<bool>("holds");
+    QTest::newRow("at once") << 0.0 << true;
+    QTest::newRow("1799.999 s") << 1799.999 << true;
+    QTest::newRow("1800 s") << 1800.0 << false;
+    QTest::newRow("a day") << 86400.0 << false;
+}
+
+void ProviderHealthTest::markLasts()
+{
+    QFETCH(double, seconds);
+    QFETCH(bool, holds);
+    noteLacks(okx, {xyz});
+    m_clock.advance(seconds);
+    QCOMPARE(available(okx, {xyz}).isEmpty(), holds);
+}
+
+void ProviderHealthTest::markIsOfOneProvider()
+{
+    noteLacks(okx, both);
+    QCOMPARE(available(bybit), both);
+}
+
+void ProviderHealthTest::deliveredSymbolLosesItsMark()
+{
+    noteLacks(okx, {xyz});
+    noteLacks(okx, {xyz}, {xyz});
+    QCOMPARE(available(okx), both);
+}
+
+void ProviderHealthTest::anotherMissRenewsTheMark()
+{
+    noteLacks(okx, {xyz});
+    m_clock.advance(1800);
+    noteLacks(okx, {xyz});
+    m_clock.advance(1799);
+    QCOMPARE(available(okx), QStringList{abc});
+}
+
+void ProviderHealthTest::symbolsNotAskedKeepTheirMarks()
+{
+    noteLacks(okx, {xyz});
+    noteLacks(okx, {abc}, both);
+    QCOMPARE(available(okx), QStringList{abc});
+}
+
+void ProviderHealthTest::markEndsWhenTheClockGoesBack()
+{
+    noteLacks(okx, {xyz});
+    m_clock.advance(-1);
+    QCOMPARE(available(okx), both);
+}
+
+void ProviderHealthTest::orderIsKept()
+{
+    const QStringList symbols{xyz, abc, QStringLiteral("B")};
+    QCOMPARE(available(okx, symbols), symbols);
 }
 
 QTEST_GUILESS_MAIN(ProviderHealthTest)

@@ -2,6 +2,7 @@
 
 #include <QDBusConnection>
 #include <QDBusContext>
+#include <QDBusError>
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
@@ -30,8 +31,8 @@ public:
         int timeout;
     };
 
-    FakeNotifications(const QDBusConnection &bus, QStringList capabilities)
-        : capabilities(std::move(capabilities))
+    FakeNotifications(const QDBusConnection &bus, QStringList names)
+        : capabilities(std::move(names))
         , m_bus(bus)
     {
         m_bus.registerObject(QStringLiteral("/org/freedesktop/Notifications"), this,
@@ -41,7 +42,11 @@ public:
     }
 
     /// Ends as a crash does: the connection closes.
-    void die() { QDBusConnection::disconnectFromBus(m_bus.name()); }
+    void die()
+    {
+        QDBusConnection::disconnectFromBus(m_bus.name());
+        m_bus = QDBusConnection(QString()); // the last reference
+    }
 
     std::vector<Call> calls;
     QStringList capabilities;

@@ -170,7 +170,7 @@ void WidgetSnapshotTest::dates()
     QFETCH(QByteArray, text);
     WidgetSnapshot snapshot = richSnapshot();
     snapshot.writtenAt = TimePoint(std::chrono::milliseconds(milliseconds));
-    QVERIFY(encodeWidgetSnapshot(snapshot).value().contains("{\"writtenAt\":\"" + text + "\","));
+    QVERIFY(encodeWidgetSnapshot(snapshot).value().startsWith(QByteArray("{\"writtenAt\":\"" + text + "\",")));
 }
 
 void WidgetSnapshotTest::notFiniteNumbersAreFailures_data()

@@ -481,7 +481,7 @@
     </message>
     <message id="update.ready">
         <source></source>
-        <translation>The update is ready. Restart Tickwise to use it.</translation>
+        <translation>The update was downloaded and verified. Install it, then restart Tickwise.</translation>
     </message>
     <message id="update.releaseNotes">
         <source></source>

@@ -481,7 +481,7 @@
     </message>
     <message id="update.ready">
         <source></source>
-        <translation>更新已就绪，重新启动 Tickwise 后生效。</translation>
+        <translation>更新已下载并通过验证。请安装后重新启动 Tickwise。</translation>
     </message>
     <message id="update.releaseNotes">
         <source></source>

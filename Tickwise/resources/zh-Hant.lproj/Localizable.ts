@@ -481,7 +481,7 @@
     </message>
     <message id="update.ready">
         <source></source>
-        <translation>更新已就緒，重新啟動 Tickwise 後生效。</translation>
+        <translation>更新已下載並通過驗證。請安裝後重新啟動 Tickwise。</translation>
     </message>
     <message id="update.releaseNotes">
         <source></source>

@@ -1,0 +1,160 @@
+// The application as it ships, with an identity of its own and the market of the measurements. The first line of its
+// input is a JSON object: "endpoints", "coins" (ids of the watchlist) and "pollingInterval" (seconds). Then commands:
+//
+//   polls N   polls N times back to back and prints "polls N <CPU seconds of this process>"
+//   quit
+//
+// Prints "content <CLOCK_MONOTONIC seconds>" when the status item first shows a price.
+#include "app/Application.h"
+#include "demo/LoopbackTls.h"
+
+#include <QApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QSocketNotifier>
+
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <iostream>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+using namespace tickwise;
+
+namespace {
+
+Endpoints endpointsFrom(const QJsonObject &json)
+{
+    const auto url = [&json](const char *name) { return json.value(QLatin1String(name)).toString(); };
+    return {url("binanceMain"),        url("binanceData"),        url("okx"), url("bybit"), url("exchangeRateApi"),
+            url("currencyApiPrimary"), url("currencyApiFallback")};
+}
+
+ApplicationConfiguration benchConfiguration(const QJsonObject &json)
+{
+    ApplicationConfiguration configuration;
+    configuration.identifier += QStringLiteral(".bench");
+    configuration.defaultsApplication += QStringLiteral("-bench");
+    configuration.appGroup += QStringLiteral(".bench");
+    configuration.endpoints = endpointsFrom(json.value(QStringLiteral("endpoints")).toObject());
+    configuration.tls = loopbackClientTls();
+    return configuration;
+}
+
+void seedSettings(const ApplicationConfiguration &configuration, const QJsonObject &json)
+{
+    UserDefaults defaults(configuration.defaultsOrganization, configuration.defaultsApplication);
+    UserDefaultsSettingsStore store(defaults);
+    if (store.load())
+        return;
+    AppSettings settings;
+    settings.pollingInterval = json.value(QStringLiteral("pollingInterval")).toDouble();
+    settings.watchlistCoins.clear();
+    for (const QJsonValue &id : json.value(QStringLiteral("coins")).toArray())
+        settings.watchlistCoins.push_back({id.toString(), CoinAlertKind::above, 1e9});
+    store.save(settings);
+}
+
+double seconds(const timeval &time)
+{
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+double cpuSeconds()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+void printFirstPrice(const MenuBarViewModel &menuBar)
+{
+    static bool printed = false;
+    if (printed || !menuBar.content().price.contains(QRegularExpression(QStringLiteral("[0-9]"))))
+        return;
+    printed = true;
+    std::timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    std::printf("content %lld.%09ld\n", static_cast<long long>(now.tv_sec), now.tv_nsec);
+    std::fflush(stdout);
+}
+
+/// Polls back to back.
+class PollRun : public QObject
+{
+public:
+    explicit PollRun(CoinListViewModel &coins)
+        : m_coins(coins)
+    {
+        connect(&coins, &CoinListViewModel::isLoadingChanged, this, &PollRun::next, Qt::QueuedConnection);
+    }
+
+    void start(int count)
+    {
+        m_count = m_left = count;
+        m_before = cpuSeconds();
+        next();
+    }
+
+private:
+    void next()
+    {
+        if (m_count == 0 || m_coins.isLoading())
+            return;
+        if (m_left-- > 0)
+            return m_coins.fetchPrices();
+        std::printf("polls %d %.6f\n", m_count, cpuSeconds() - m_before);
+        std::fflush(stdout);
+        m_count = 0;
+    }
+
+    CoinListViewModel &m_coins;
+    int m_count = 0;
+    int m_left = 0;
+    double m_before = 0;
+};
+
+void obey(const QByteArray &command, PollRun &polls)
+{
+    if (command.startsWith("polls "))
+        polls.start(command.mid(6).toInt());
+    else
+        QCoreApplication::quit();
+}
+
+QByteArray readSome()
+{
+    std::array<char, 256> bytes{};
+    const ssize_t count = read(STDIN_FILENO, bytes.data(), bytes.size());
+    return QByteArray(bytes.data(), std::max<ssize_t>(count, 0)).trimmed();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (!prepareProcess())
+        return 1;
+    const QApplication qtApplication(argc, argv);
+    std::string line;
+    std::getline(std::cin, line);
+    const QJsonObject json = QJsonDocument::fromJson(QByteArray::fromStdString(line)).object();
+    const ApplicationConfiguration configuration = benchConfiguration(json);
+    seedSettings(configuration, json);
+    Application application(configuration);
+
+    const MenuBarViewModel &menuBar = application.delegate().menuBarViewModel();
+    QObject::connect(&menuBar, &MenuBarViewModel::contentChanged, [&menuBar] { printFirstPrice(menuBar); });
+    std::optional<PollRun> polls;
+    const QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
+    QObject::connect(&input, &QSocketNotifier::activated, [&] {
+        if (!polls)
+            polls.emplace(application.delegate().coinListViewModel());
+        obey(readSome(), *polls);
+    });
+    return application.run();
+}

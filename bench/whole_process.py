@@ -1,0 +1,217 @@
+#!/usr/bin/python3
+"""Measures the whole application on a private desktop, next to floors measured in the same run. Prints a table.
+
+Usage: whole_process.py DIRECTORY-WITH-THE-BENCH-PROGRAMS
+"""
+import json
+import os
+import re
+import statistics
+import subprocess
+import sys
+import time
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+sys.path.insert(0, os.path.join(ROOT, "tests", "desktop"))
+from desktop_session import X11Session  # noqa: E402
+
+OKX_LIST = os.path.join(ROOT, "tests", "data", "exchange", "generated", "okx_tickers_spot_full_synthetic.json")
+CATALOG = os.path.join(ROOT, "Tickwise", "resources", "coins.json")
+AUTHORITY = os.path.join(ROOT, "demo", "tls", "loopback-only-authority.pem")
+WATCHLIST_LENGTH = 25
+NO_POLLS = 3600  # seconds between polls: none but those that are asked for
+STARTS = 15
+POLLS = 200
+IDLE_SECONDS = 20
+SETTLE_SECONDS = 8  # until what starts late has started
+
+
+def read(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+def watchlist():
+    """Catalog coins that the list has: a poll is then one request."""
+    listed = {ticker["instId"] for ticker in json.loads(read(OKX_LIST))["data"]}
+    coins = [coin["id"] for coin in json.loads(read(CATALOG))["coins"]
+             if coin["status"] == "active" and f"{coin['symbol']}-USDT" in listed]
+    return coins[:WATCHLIST_LENGTH]
+
+
+def wait_for_line(desktop, process, word, count=1):
+    """The fields after the word in the count-th line that starts with it."""
+    def fields():
+        lines = re.findall(rf"^{word} (.+)\n", process.output(), re.MULTILINE)
+        return len(lines) >= count and lines[count - 1].split()
+    return desktop.wait_for(fields, 60, f"a line {word}")
+
+
+def pss_kilobytes(pid):
+    return int(re.search(r"^Pss: +([0-9]+)", read(f"/proc/{pid}/smaps_rollup"), re.MULTILINE).group(1))
+
+
+def wakeups(pid):
+    total = 0
+    for thread in os.listdir(f"/proc/{pid}/task"):
+        status = read(f"/proc/{pid}/task/{thread}/status")
+        total += int(re.search(r"^voluntary_ctxt_switches:\s+([0-9]+)", status, re.MULTILINE).group(1))
+    return total
+
+
+class Market:
+    """The market's process and its endpoints."""
+
+    def __init__(self, desktop, programs, *arguments):
+        self._process = desktop.run(os.path.join(programs, "market_server"), arguments)
+        desktop.wait_for(lambda: "\n" in self._process.output(), what="the market's endpoints")
+        self.endpoints = json.loads(self._process.output())
+        self.okx_url = self.endpoints["okx"] + "/api/v5/market/tickers?instType=SPOT"
+
+    def stop(self):
+        self._process.close_input()
+        self._process.wait()
+
+
+def start_application(desktop, programs, endpoints):
+    """The process and when it was started (seconds of the monotonic clock)."""
+    begin = time.monotonic()
+    process = desktop.run(os.path.join(programs, "bench_application"))
+    line = {"endpoints": endpoints, "coins": watchlist(), "pollingInterval": NO_POLLS}
+    process.write_line(json.dumps(line))
+    return process, begin
+
+
+def start_empty(desktop, programs):
+    begin = time.monotonic()
+    return desktop.run(os.path.join(programs, "empty_tray")), begin
+
+
+def seconds_to_line(desktop, start, word):
+    """Median of several starts, after one that warms the caches."""
+    times = []
+    for _ in range(STARTS + 1):
+        process, begin = start()
+        times.append(float(wait_for_line(desktop, process, word)[0]) - begin)
+        time.sleep(0.3)
+        desktop.stop_process(process)
+    return statistics.median(times[1:])
+
+
+def run_curl(url, count):
+    """CPU seconds of one curl that fetches the address so many times on one connection, and seconds of its first fetch."""
+    command = ["curl", "--silent", "--http1.1", "--compressed", "--cacert", AUTHORITY,
+               "--write-out", "%{num_connects} %{time_total}\n"]
+    command += ["--output", "/dev/null", url] * count
+    before = os.times()
+    done = subprocess.run(command, capture_output=True, text=True, check=True)
+    after = os.times()
+    lines = [line.split() for line in done.stdout.splitlines()]
+    if len(lines) != count or sum(int(connects) for connects, _ in lines) != 1:
+        raise RuntimeError("curl did not keep its connection")
+    cpu = after.children_user + after.children_system - before.children_user - before.children_system
+    return cpu, float(lines[0][1])
+
+
+def curl_seconds_per_fetch(url):
+    few, many = 20, 20 + POLLS * 2
+    samples = [(run_curl(url, many)[0] - run_curl(url, few)[0]) / (many - few) for _ in range(5)]
+    return min(samples)
+
+
+def json_seconds(programs):
+    return float(subprocess.run([os.path.join(programs, "json_floor"), OKX_LIST, "2000"], capture_output=True, text=True,
+                                check=True).stdout)
+
+
+def poll_seconds(desktop, process):
+    """CPU of the application a poll: the best of several rounds, as other work on the machine only adds."""
+    samples = []
+    already = len(re.findall(r"^polls ", process.output(), re.MULTILINE))
+    for done in range(5):
+        process.write_line(f"polls {POLLS}")
+        samples.append(float(wait_for_line(desktop, process, "polls", already + done + 1)[1]) / POLLS)
+    return min(samples)
+
+
+def count_wakeups(process):
+    before = wakeups(process.pid)
+    time.sleep(IDLE_SECONDS)
+    return wakeups(process.pid) - before
+
+
+def run_polls(desktop, process, count):
+    process.write_line(f"polls {count}")
+    wait_for_line(desktop, process, "polls")
+    time.sleep(SETTLE_SECONDS)
+
+
+def measure_poll(desktop, programs, *form):
+    """Seconds of CPU: a poll, curl's fetch of the same list, simdjson's parse of it."""
+    market = Market(desktop, programs, OKX_LIST, *form)
+    process, _ = start_application(desktop, programs, market.endpoints)
+    wait_for_line(desktop, process, "content")
+    poll = poll_seconds(desktop, process)
+    desktop.stop_process(process)
+    fetch = curl_seconds_per_fetch(market.okx_url)
+    market.stop()
+    return poll, fetch, json_seconds(programs)
+
+
+def measure_start(desktop, programs):
+    """Seconds: from start to the first price, the empty program's start, the first round trip with its TLS handshake."""
+    market = Market(desktop, programs)
+    ready = seconds_to_line(desktop, lambda: start_empty(desktop, programs), "ready")
+    content = seconds_to_line(desktop, lambda: start_application(desktop, programs, market.endpoints), "content")
+    trip = statistics.median(run_curl(market.okx_url, 1)[1] for _ in range(STARTS))
+    market.stop()
+    return content, ready, trip
+
+
+def measure_idle(desktop, programs):
+    """Wake-ups and PSS in kilobytes after ten polls. The market ends first, which shares libraries with the application."""
+    market = Market(desktop, programs, OKX_LIST)
+    process, _ = start_application(desktop, programs, market.endpoints)
+    wait_for_line(desktop, process, "content")
+    run_polls(desktop, process, 10)
+    count = count_wakeups(process)
+    market.stop()
+    time.sleep(1)
+    pss = pss_kilobytes(process.pid)
+    desktop.stop_process(process)
+    return count, pss
+
+
+def measure_empty(desktop, programs):
+    process, _ = start_empty(desktop, programs)
+    wait_for_line(desktop, process, "ready")
+    time.sleep(3)
+    pss = pss_kilobytes(process.pid)
+    desktop.stop_process(process)
+    return pss
+
+
+def print_row(name, value, floor, budget, detail=""):
+    print(f"{name:34}{value:10.2f}{floor:10.2f}{value / floor:8.2f}{budget:8.2f}  {detail}", flush=True)
+
+
+def measure(desktop, programs):
+    print(f"{'':34}{'measured':>10}{'floor':>10}{'ratio':>8}{'budget':>8}  floor's parts")
+    for name, form in (("CPU of a poll, ms", ()), ("CPU of a poll, compressed, ms", ("gzip",))):
+        poll, fetch, parse = measure_poll(desktop, programs, *form)
+        print_row(name, poll * 1000, (fetch + parse) * 1000, 2.0, f"curl {fetch * 1000:.3f}, simdjson {parse * 1000:.3f}")
+    content, ready, trip = measure_start(desktop, programs)
+    print_row("start to the first price, ms", content * 1000, (ready + trip) * 1000, 1.5,
+              f"empty program {ready * 1000:.1f}, first round trip {trip * 1000:.1f}")
+    count, pss = measure_idle(desktop, programs)
+    print_row("PSS after ten polls, MB", pss / 1024, measure_empty(desktop, programs) / 1024, 1.4, "empty program")
+    print(f"{f'wake-ups in {IDLE_SECONDS} idle seconds':34}{count:10}{0:10}")
+
+
+def main():
+    with X11Session(panel="xfce4-panel") as desktop:
+        measure(desktop, os.path.abspath(sys.argv[1]))
+
+
+if __name__ == "__main__":
+    main()

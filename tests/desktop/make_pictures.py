@@ -1,0 +1,112 @@
+#!/usr/bin/python3
+"""Makes the pictures of docs/pictures: the application on private desktops, with prices that are always the same.
+
+Usage: make_pictures.py FOLDER [HOST...]   (hosts: those of HOSTS below; none: XFCE, waybar and the alert)"""
+
+import os
+import subprocess
+import sys
+
+from application import Application, coin
+from desktop_session import SwaySession, X11Session
+from gnome_session import GnomeSession
+
+STRIP_WIDTH = 360
+PRICES = (("BTC", 67432.4, 1.5), ("ETH", 3188, -2.1))
+WATCHLIST = [coin("bitcoin"), coin("ethereum")]
+# What a picture shows, one below the other.
+LOOKS = (
+    {"displayedCoinId": "bitcoin"},
+    {"displayedCoinId": "ethereum", "showMenuBarBackground": True},
+    {"displayedCoinId": "bitcoin", "showMenuBarBackground": False, "priceColorEnabled": False},
+    {"menuBarContent": "icon"},
+)
+
+
+def x11(panel, window_manager="openbox", **options):
+    return lambda: X11Session(panel, window_manager, notifications=None, **options)
+
+
+# The desktop, and top and height of its panel; a negative top counts from the bottom.
+HOSTS = {
+    "xfce": (x11("xfce4-panel"), 0, 30),
+    "xfce-light": (x11("xfce4-panel", dark_panel=False), 0, 30),
+    "waybar": (lambda: SwaySession("waybar", notifications=None), 0, 30),
+    "swaybar": (lambda: SwaySession("swaybar", notifications=None), 0, 23),
+    "mate": (x11("mate-panel"), 0, 32),
+    "lxqt": (x11("lxqt-panel"), 0, 32),
+    "gnome": (GnomeSession, 0, 32),
+    "plasma": (x11("plasma", "kwin_x11"), -50, 50),
+}
+USUAL = ("xfce", "waybar", "alert")
+
+
+def convert(*arguments, data=None):
+    return subprocess.run(["convert", *arguments], input=data, capture_output=True, check=True).stdout
+
+
+def crop(desktop, left, top, width, height):
+    """A part of the screen as PNG."""
+    path = desktop.screenshot(os.path.join(desktop.directory, "screen.png"))
+    return convert(path, "-crop", f"{width}x{height}+{left}+{top}", "+repage", "-strip", "png:-")
+
+
+def pixels(png):
+    return convert("png:-", "rgb:-", data=png)
+
+
+def settled_crop(desktop, area, unlike):
+    """The part of the screen once it differs from the ones before and has stopped changing."""
+    seen = []
+
+    def settled():
+        picture = crop(desktop, *area)
+        seen.append(pixels(picture))
+        return picture if seen[-2:] == [seen[-1]] * 2 and seen[-1] not in unlike else None
+    picture = desktop.wait_for(settled, 30, "a picture that stays")
+    unlike.append(seen[-1])
+    return picture
+
+
+def picture_of_panel(path, host):
+    make_session, top, height = HOSTS[host]
+    with make_session() as desktop:
+        area = (desktop.width - STRIP_WIDTH, top % desktop.height, STRIP_WIDTH, height)
+        unlike = [pixels(crop(desktop, *area))]
+        application = Application(desktop, PRICES, addedCoins=WATCHLIST)
+        application.wait_for_content(text="BTC 67,432")
+        rows = []
+        for number, look in enumerate(LOOKS):
+            application.change_settings(**look)
+            row = os.path.join(desktop.directory, f"{number}.png")
+            with open(row, "wb") as file:
+                file.write(settled_crop(desktop, area, unlike))
+            rows.append(row)
+        convert(*rows, "-append", "-colors", "255", f"PNG8:{path}")
+
+
+def picture_of_alert(path):
+    with X11Session("xfce4-panel") as desktop:
+        application = Application(desktop, [("BTC", 99500, -1.2)], addedCoins=[coin("bitcoin", "above", 100000)])
+        application.wait_for_polls(1)
+        area = (desktop.width - STRIP_WIDTH, desktop.height - 140, STRIP_WIDTH, 100)
+        unlike = [pixels(crop(desktop, *area))]
+        application.set_price("BTC", 100250, 0.4)
+        with open(path, "wb") as file:
+            file.write(settled_crop(desktop, area, unlike))
+
+
+def main():
+    folder, *names = sys.argv[1:]
+    for name in names or USUAL:
+        if name == "alert":
+            path = os.path.join(folder, "alert.png")
+            picture_of_alert(path)
+        else:
+            path = os.path.join(folder, f"panel-{name}.png")
+            picture_of_panel(path, name)
+        print(path, flush=True)
+
+
+if __name__ == "__main__":
+    main()
