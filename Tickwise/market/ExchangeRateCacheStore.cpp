@@ -14,7 +14,7 @@ namespace tickwise {
 namespace {
 
 const auto dateForm = "yyyy-MM-dd'T'HH:mm:ss'Z'";
-constexpr qint64 largestFile = 256 * 1024; // a table has a few kilobytes
+constexpr qint64 largestFile = 256LL * 1024; // a table has a few kilobytes
 
 QString fileIn(const QString &directory)
 {
