@@ -39,7 +39,7 @@ void applySnapshot(benchmark::State &state)
     const auto count = static_cast<std::size_t>(state.range(0));
     std::vector<CoinMetadata> records = validCoins(1000);
     records.resize(count);
-    MemoryStorage storage;
+    MemoryDefaults storage;
     SettingsViewModel settings{UserDefaultsSettingsStore(storage)};
     settings.update(longWatchlist(records));
     FixedCatalog catalog(records);
@@ -67,7 +67,7 @@ void pollThatFiresAlerts(benchmark::State &state)
     AppSettings watched = longWatchlist(records);
     for (WatchlistCoin &coin : watched.watchlistCoins)
         coin.notificationThreshold = 0;
-    MemoryStorage storage;
+    MemoryDefaults storage;
     SettingsViewModel settings{UserDefaultsSettingsStore(storage)};
     settings.update(watched);
     FixedCatalog catalog(records);

@@ -39,8 +39,7 @@ void MenuBarViewModel::refresh(const std::vector<Coin> &coins, const AppSettings
     if (!m_statusItem)
         return;
     const std::optional<ProviderFailure> failure = m_coinList ? m_coinList->lastFetchFailure() : std::nullopt;
-    StatusItemContent content =
-        statusItemContent({coins, settings, m_statusItem->appearance(), m_clock(), failure});
+    StatusItemContent content = statusItemContent({coins, settings, m_statusItem->appearance(), m_clock(), failure});
     m_statusItem->setContent(content);
     if (content == m_content)
         return;

@@ -1,6 +1,6 @@
 #include "platform/DBusMenuLayout.h"
 
-#include "platform/TintedSvg.h"
+#include "support/TintedSvg.h"
 
 #include <QBuffer>
 #include <QDBusMetaType>

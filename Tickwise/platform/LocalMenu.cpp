@@ -1,7 +1,7 @@
 #include "platform/LocalMenu.h"
 
 #include "platform/DBusMenuLayout.h"
-#include "platform/TintedSvg.h"
+#include "support/TintedSvg.h"
 
 #include <QActionGroup>
 #include <QGuiApplication>

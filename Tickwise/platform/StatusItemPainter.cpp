@@ -2,7 +2,7 @@
 
 #include "platform/CompactPrice.h"
 #include "platform/TabularText.h"
-#include "platform/TintedSvg.h"
+#include "support/TintedSvg.h"
 
 #include <QFontDatabase>
 #include <QFontInfo>

@@ -74,7 +74,7 @@ struct World
     int polls() const { return static_cast<int>(http.urls(Endpoints().binanceMain).size()); }
 
     TestClock clock;
-    MemoryStorage storage;
+    MemoryDefaults storage;
     ScriptedHttpClient http;
     RecordingNotificationCenter notifications;
     RecordingLoginItem loginItem;

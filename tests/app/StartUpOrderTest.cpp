@@ -166,7 +166,7 @@ struct World
     Record record;
     TestClock clock;
     QTemporaryDir container;
-    MemoryStorage storage;
+    MemoryDefaults storage;
     TellingHttpClient http{record};
     TellingNotificationCenter notifications{record};
     TellingLoginItem loginItem{record};

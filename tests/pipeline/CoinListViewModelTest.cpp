@@ -45,7 +45,7 @@ struct World
     }
     const Coin &coin(std::size_t index) const { return model->coins().at(index); }
 
-    MemoryStorage storage;
+    MemoryDefaults storage;
     SettingsViewModel settingsViewModel{UserDefaultsSettingsStore(storage)};
     TestClock clock;
     FixedCatalog catalog;
@@ -141,7 +141,7 @@ void CoinListViewModelTest::invalidDisplayedCoinBecomesTheFirst()
     settings.watchlistCoins = {{QStringLiteral("ethereum")}};
     const World world(settings);
     QCOMPARE(world.settingsViewModel.settings().displayedCoinId, QStringLiteral("ethereum"));
-    QCOMPARE(UserDefaultsSettingsStore(const_cast<MemoryStorage &>(world.storage)).load()->displayedCoinId,
+    QCOMPARE(UserDefaultsSettingsStore(const_cast<MemoryDefaults &>(world.storage)).load()->displayedCoinId,
              QStringLiteral("ethereum"));
 }
 

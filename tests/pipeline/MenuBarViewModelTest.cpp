@@ -13,7 +13,7 @@ namespace {
 
 struct World
 {
-    MemoryStorage storage;
+    MemoryDefaults storage;
     SettingsViewModel settings{UserDefaultsSettingsStore(storage)};
     TestClock clock;
     FixedCatalog catalog{validCoins()};

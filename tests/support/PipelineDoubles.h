@@ -3,41 +3,13 @@
 #include "market/PriceService.h"
 #include "pipeline/PriceAlertNotifying.h"
 #include "pipeline/StatusItem.h"
-#include "settings/UserDefaultsSettingsStore.h"
+#include "support/MemoryDefaults.h"
 
 #include <map>
 #include <memory>
 #include <vector>
 
 namespace tickwise::test {
-
-/// Settings storage in memory; `setData` can be made to fail.
-class MemoryStorage : public SettingsDataStorage
-{
-public:
-    std::optional<QByteArray> data(const QString &key) const override
-    {
-        const auto found = m_entries.find(key);
-        return found == m_entries.end() ? std::nullopt : std::optional(found->second);
-    }
-    Result<void> setData(const QString &key, const std::optional<QByteArray> &data) override
-    {
-        ++writes;
-        if (failing)
-            return failure(FileError{QStringLiteral("memory"), QStringLiteral("disk full")});
-        if (data)
-            m_entries[key] = *data;
-        else
-            m_entries.erase(key);
-        return {};
-    }
-
-    int writes = 0;
-    bool failing = false;
-
-private:
-    std::map<QString, QByteArray> m_entries;
-};
 
 /// A price service whose answers the test gives when it likes; they arrive from the event loop.
 class FakePriceFetching : public PriceFetching

@@ -64,7 +64,7 @@ struct World
 
     QTemporaryDir directory;
     WidgetSnapshotStore store{directory.filePath(QStringLiteral("container"))};
-    MemoryStorage storage;
+    MemoryDefaults storage;
     SettingsViewModel settings{UserDefaultsSettingsStore(storage)};
     TestClock clock;
     FixedCatalog catalog{validCoins()};

@@ -1,4 +1,4 @@
-#include "platform/TintedSvg.h"
+#include "support/TintedSvg.h"
 
 #include <QFile>
 #include <QPainter>
