@@ -14,7 +14,7 @@ namespace tickwise {
 namespace {
 
 const auto dateForm = "yyyy-MM-dd'T'HH:mm:ss'Z'";
-constexpr qint64 largestFile = 256 * 1024; // a table has a few kilobytes
+constexpr qint64 largestFile = 256LL * 1024; // a table has a few kilobytes
 
 QString fileIn(const QString &directory)
 {
@@ -33,8 +33,9 @@ std::optional<TimePoint> dateOf(const QString &text)
     using std::chrono::duration_cast, std::chrono::seconds;
     const QDateTime date = QDateTime::fromString(text, Qt::ISODate);
     const seconds time(date.isValid() ? date.toSecsSinceEpoch() : 0);
-    if (!date.isValid() || time < duration_cast<seconds>(TimePoint::min().time_since_epoch()) ||
-        time > duration_cast<seconds>(TimePoint::max().time_since_epoch()) || dateText(TimePoint(time)) != text)
+    // The clock can tell the time between any two moments from its epoch on, but not between all that it can name.
+    if (!date.isValid() || time.count() < 0 || time > duration_cast<seconds>(TimePoint::max().time_since_epoch()) ||
+        dateText(TimePoint(time)) != text)
         return std::nullopt;
     return TimePoint(time);
 }

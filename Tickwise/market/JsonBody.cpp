@@ -7,8 +7,8 @@ namespace tickwise {
 namespace {
 
 // The largest full list is about 1 MB.
-constexpr qsizetype ordinaryBody = 2 * 1024 * 1024;
-constexpr std::size_t largestBody = 16 * 1024 * 1024;
+constexpr qsizetype ordinaryBody = 2LL * 1024 * 1024;
+constexpr std::size_t largestBody = 16UL * 1024 * 1024;
 
 std::unique_ptr<simdjson::dom::parser> &threadParser()
 {

@@ -112,7 +112,7 @@ private:
             m_causes.push_back(*limit);
             return {};
         }
-        const QStringList available = m_core->health.available(name, symbols, now);
+        QStringList available = m_core->health.available(name, symbols, now);
         if (available.isEmpty())
             m_causes.push_back({name, FailureReason::badAnswer, std::nullopt});
         return available;
@@ -283,7 +283,7 @@ private:
 PriceService::PriceService(HttpClient &client, RateFetching &exchangeRateService, const Endpoints &endpoints,
                            Clock clock)
     : m_core(std::make_unique<Core>(
-          Core{client, exchangeRateService, makeTickerProviders(endpoints, clock), clock, {}, {}, {}}))
+          Core{client, exchangeRateService, makeTickerProviders(endpoints, clock), std::move(clock), {}, {}, {}}))
 {
 }
 

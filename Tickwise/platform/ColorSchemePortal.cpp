@@ -45,7 +45,7 @@ ColorSchemePortal::ColorSchemePortal(const QDBusConnection &bus)
         return;
     // Named by path and interface alone: with the sender's name QtDBus would wait for the bus to resolve it.
     m_bus.connect(QString(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"), this,
-                  SLOT(settingChanged(QString, QString, QDBusVariant)));
+                  SLOT(settingChanged(QDBusMessage)));
     read();
 }
 
@@ -63,10 +63,13 @@ void ColorSchemePortal::read()
     });
 }
 
-void ColorSchemePortal::settingChanged(const QString &group, const QString &key, const QDBusVariant &value)
+// Takes the message whole: a slot with a variant parameter is not called before something else has made QtDBus know
+// that type.
+void ColorSchemePortal::settingChanged(const QDBusMessage &message)
 {
-    if (group == appearanceGroup() && key == colorSchemeKey())
-        setScheme(QVariant::fromValue(value));
+    const QVariantList arguments = message.arguments();
+    if (arguments.size() == 3 && arguments[0] == appearanceGroup() && arguments[1] == colorSchemeKey())
+        setScheme(arguments[2]);
 }
 
 void ColorSchemePortal::setScheme(const QVariant &value)

@@ -3,7 +3,7 @@
 #include "pipeline/StatusItem.h"
 
 #include <QDBusConnection>
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QObject>
 
 namespace tickwise {
@@ -22,7 +22,7 @@ Q_SIGNALS:
     void schemeChanged();
 
 private Q_SLOTS:
-    void settingChanged(const QString &group, const QString &key, const QDBusVariant &value);
+    void settingChanged(const QDBusMessage &message);
 
 private:
     void read();

@@ -35,8 +35,8 @@ int main(int argc, char *argv[])
         return 1;
     }
     const QApplication application(argc, argv);
-    say(QStringLiteral("platform %1%2").arg(QGuiApplication::platformName(),
-                                            decision.layerShell ? QStringLiteral(" layer-shell") : QString()));
+    say(QStringLiteral("platform %1%2")
+            .arg(QGuiApplication::platformName(), decision.layerShell ? QStringLiteral(" layer-shell") : QString()));
     QMenu menu;
     QObject::connect(menu.addAction(QStringLiteral("Leave")), &QAction::triggered, &application, &QApplication::quit);
     QSystemTrayIcon item(redSquare());

@@ -1,6 +1,7 @@
-// Shows a status item in the running desktop's panel. Each line of the standard input is its next content, a JSON object such as
-// {"text": "BTC 67,432", "symbol": "BTC", "price": "67,432", "color": "#2cbd84", "pill": "#2cbd84", "trend": "up"}, or {"logo": true};
-// "quit" ends the program. Clicks and chosen menu entries are printed, one a line.
+// Shows a status item in the running desktop's panel. Each line of the standard input is its next content, a JSON
+// object such as
+// {"text": "BTC 67,432", "symbol": "BTC", "price": "67,432", "color": "#2cbd84", "pill": "#2cbd84", "trend": "up"}, or
+// {"logo": true}; "quit" ends the program. Clicks and chosen menu entries are printed, one a line.
 
 #include "platform/PanelStatusItem.h"
 
@@ -66,7 +67,8 @@ Menu probeMenu()
     change.children = {action(QStringLiteral("BTC - Bitcoin"), true), action(QStringLiteral("ETH - Ethereum"), false)};
     MenuEntry updates = action(QStringLiteral("Check for updates"));
     updates.enabled = false;
-    return {change, MenuEntry{MenuEntry::Kind::separator}, action(QStringLiteral("Settings")), updates, action(QStringLiteral("Quit"))};
+    return {change, MenuEntry{MenuEntry::Kind::separator}, action(QStringLiteral("Settings")), updates,
+            action(QStringLiteral("Quit"))};
 }
 
 /// The complete lines that have come; the end of the input ends the program.
@@ -91,10 +93,12 @@ int main(int argc, char **argv)
     PanelStatusItem item(QDBusConnection::sessionBus());
     item.setMenu(probeMenu);
     QObject::connect(&item, &StatusItem::clicked, [](std::optional<QPoint> position) {
-        print(position ? QStringLiteral("clicked %1 %2").arg(position->x()).arg(position->y()) : QStringLiteral("clicked"));
+        print(position ? QStringLiteral("clicked %1 %2").arg(position->x()).arg(position->y())
+                       : QStringLiteral("clicked"));
     });
     QObject::connect(&item, &StatusItem::appearanceChanged, [&item] {
-        print(QStringLiteral("appearance ") + (item.appearance() == PanelAppearance::dark ? QStringLiteral("dark") : QStringLiteral("light")));
+        print(QStringLiteral("appearance ") +
+              (item.appearance() == PanelAppearance::dark ? QStringLiteral("dark") : QStringLiteral("light")));
     });
     QByteArray buffer;
     QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);

@@ -55,6 +55,7 @@ private Q_SLOTS:
     void laterDuplicatesWin();
     void oneBadElementNeverFailsTheAnswer();
     void otherKeysAndOrdersDoNotMatter();
+    void recordsOfDifferentOrders();
     void emptyListIsNoError();
     void recordedTwelve();
     void recordedFullLists_data();
@@ -253,6 +254,22 @@ void BinanceTickerProviderTest::otherKeysAndOrdersDoNotMatter()
     const auto quotes = parse(R"([{"closeTime":1769847300000.0,"extra":{"symbol":[1,null]},"lastPrice":"9","symbol":)"
                               R"("BTCUSDT","count":-1,"priceChangePercent":"0"}])");
     QCOMPARE(*quotes, TickerQuotes({{QStringLiteral("BTC"), {9, 0}}}));
+}
+
+void BinanceTickerProviderTest::recordsOfDifferentOrders()
+{
+    const QByteArray plain = element("\"BTCUSDT\"", "\"1\"");
+    const QByteArray longer = R"({"a":1,"b":[{}],)" + element("\"ETHUSDT\"", "\"2\"").mid(1);
+    const QByteArray turned =
+        R"({"closeTime":1769847300000,"lastPrice":"3","priceChangePercent":"2.5","symbol":"SOLUSDT"})";
+    const TickerQuotes expected{
+        {QStringLiteral("BTC"), {1, 2.5}}, {QStringLiteral("ETH"), {2, 2.5}}, {QStringLiteral("SOL"), {3, 2.5}}};
+    QByteArrayList records{plain, longer, turned};
+    std::sort(records.begin(), records.end());
+    do {
+        QCOMPARE(*parse('[' + records.join(',') + ']', expected.keys()), expected);
+        QVERIFY(test::isDecodingError(parse('[' + records.join(',') + R"(,{"symbol":"X","lastPrice":"1"}])")));
+    } while (std::next_permutation(records.begin(), records.end()));
 }
 
 void BinanceTickerProviderTest::emptyListIsNoError()

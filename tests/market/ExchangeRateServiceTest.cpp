@@ -1,100 +1,9 @@
-#include "market/ExchangeRateService.h"
-#include "market/FailureReason.h"
-#include "support/ScriptedHttpClient.h"
-#include "support/TestClock.h"
-#include "support/TestData.h"
+#include "ExchangeRateFixture.h"
 
-#include <QTemporaryDir>
-#include <QTest>
+#include "support/TestData.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
-
-namespace {
-
-const auto er = QStringLiteral("https://er.example");
-const auto cdn = QStringLiteral("https://cdn.example/npm/set");
-const auto fallback = QStringLiteral("https://fallback.example");
-const auto eurCode = QStringLiteral("EUR");
-
-QByteArray erBody(double eur)
-{
-    return R"({"result":"success","rates":{"EUR":)" + QByteArray::number(eur) + "}}";
-}
-
-QByteArray setBody(double eur)
-{
-    return R"({"usd":{"eur":)" + QByteArray::number(eur) + "}}";
-}
-
-void letEverythingHappen()
-{
-    for (int i = 0; i < 20; ++i)
-        QCoreApplication::processEvents();
-}
-
-using Rates = std::vector<Result<double>>;
-
-Completion<double> into(Rates &rates)
-{
-    return [&rates](const Result<double> &rate) { rates.push_back(rate); };
-}
-
-/// A service over scripted rate services with a cache folder of its own.
-struct Fixture
-{
-    ScriptedHttpClient client;
-    TestClock clock;
-    QTemporaryDir directory;
-    ExchangeRateCacheStore store{directory.path()};
-    std::unique_ptr<ExchangeRateService> service = make();
-
-    std::unique_ptr<ExchangeRateService> make()
-    {
-        return std::make_unique<ExchangeRateService>(client, Endpoints{{}, {}, {}, {}, er, cdn, fallback}, store,
-                                                     clock.clock());
-    }
-    void restart() { service = make(); }
-
-    void cache(double eur, double ageSeconds)
-    {
-        QVERIFY(store.save({{{eurCode, eur}}, clock.now() - secondsDuration(ageSeconds)}).has_value());
-    }
-
-    void answer(const QString &provider, int status, const QByteArray &body,
-                std::vector<std::pair<QByteArray, QByteArray>> headers = {})
-    {
-        client.clear(provider);
-        client.answer(provider, status, body, std::move(headers));
-    }
-
-    Result<double> rate(BaseCurrency currency = BaseCurrency::eur)
-    {
-        client.forgetRequests();
-        Rates rates;
-        const Subscription subscription = service->rate(currency, into(rates));
-        if (!QTest::qWaitFor([&] { return !rates.empty(); }))
-            return failure(DecodingError{QStringLiteral("nothing was delivered")});
-        letEverythingHappen();
-        return rates.size() == 1 ? rates.front() : failure(DecodingError{QStringLiteral("delivered more than once")});
-    }
-
-    /// The services asked since the last question, in order: "er cdn".
-    QString asked() const
-    {
-        QStringList names;
-        for (const HttpRequest &request : client.requests())
-            names.append(request.url.host().section(QLatin1Char('.'), 0, 0));
-        return names.join(QLatin1Char(' '));
-    }
-};
-
-UrlErrorCode codeOf(const Result<double> &rate)
-{
-    return std::get<UrlLoadingError>(rate.error()).code;
-}
-
-} // namespace
 
 class ExchangeRateServiceTest : public QObject
 {
@@ -110,28 +19,18 @@ private Q_SLOTS:
     void cacheAge();
     void corruptCacheIsOverwritten();
     void withoutADirectory();
-    void failsOver_data();
-    void failsOver();
-    void nobodyAnswers();
-    void staleRateOfAnyAge();
-    void rateLimitDefault();
-    void rateLimitWithRetryAfter_data();
-    void rateLimitWithRetryAfter();
-    void everyServiceIsRateLimited();
     void missingCurrency();
     void missingCurrencyFallsBackToTheOldRate();
     void lastGoodValuesStayWhenATableIsNonsense();
     void clockGoesBackBehindTheTable();
-    void clockGoesBackBehindARateLimit();
     void clockGoesForward();
     void theNewerOfFileAndMemoryCounts();
     void unwritableCacheIsIgnored();
-    void unbuildableAddress();
 };
 
 void ExchangeRateServiceTest::usdNeedsNothing()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     Rates rates;
     const Subscription subscription = f.service->rate(BaseCurrency::usd, into(rates));
     QVERIFY(rates.empty());
@@ -142,7 +41,7 @@ void ExchangeRateServiceTest::usdNeedsNothing()
 
 void ExchangeRateServiceTest::requestsByAddress()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     QVERIFY(!f.rate());
     QStringList addresses;
     for (const HttpRequest &request : f.client.requests()) {
@@ -157,7 +56,7 @@ void ExchangeRateServiceTest::requestsByAddress()
 
 void ExchangeRateServiceTest::coalesces()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.answer(er, 200, R"({"result":"success","rates":{"EUR":0.5,"GBP":0.25}})");
     Rates first;
     Rates second;
@@ -175,7 +74,7 @@ void ExchangeRateServiceTest::coalesces()
 
 void ExchangeRateServiceTest::aTableServesEveryCurrencyForAnHour()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.answer(er, 200, readData(QStringLiteral("exchange/exchangerate_latest_USD_2024-01-09.json")));
     QCOMPARE(f.rate().value(), 0.913083);
     QCOMPARE(f.asked(), QStringLiteral("er"));
@@ -189,7 +88,7 @@ void ExchangeRateServiceTest::aTableServesEveryCurrencyForAnHour()
 
 void ExchangeRateServiceTest::theCacheFileSurvivesARestart()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.answer(er, 200, erBody(0.5));
     QVERIFY(f.rate().has_value());
     QVERIFY(f.store.load() == (ExchangeRateEntry{{{eurCode, 0.5}}, f.clock.now()}));
@@ -211,7 +110,7 @@ void ExchangeRateServiceTest::cacheAge_data()
 void ExchangeRateServiceTest::cacheAge()
 {
     QFETCH(double, age);
-    Fixture f;
+    ExchangeRateFixture f;
     f.cache(0.5, age);
     QCOMPARE(f.rate().value(), 0.5);
     QTEST(f.asked(), "asked");
@@ -219,7 +118,7 @@ void ExchangeRateServiceTest::cacheAge()
 
 void ExchangeRateServiceTest::corruptCacheIsOverwritten()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     QFile file(f.directory.filePath(QStringLiteral("exchange-rates.json")));
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(R"({"rates":{"EUR":0.5},"fetchedAt":"yesterday"})");
@@ -233,7 +132,7 @@ void ExchangeRateServiceTest::corruptCacheIsOverwritten()
 
 void ExchangeRateServiceTest::withoutADirectory()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.store = ExchangeRateCacheStore(std::nullopt);
     f.restart();
     f.answer(er, 200, erBody(0.5));
@@ -242,129 +141,16 @@ void ExchangeRateServiceTest::withoutADirectory()
     QVERIFY(f.client.requests().empty());
 }
 
-void ExchangeRateServiceTest::failsOver_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("body");
-    QTest::newRow("429") << 429 << QByteArray();
-    QTest::newRow("404") << 404 << readData(QStringLiteral("exchange/exchangerate_error_unsupported_code.json"));
-    QTest::newRow("503") << 503 << QByteArray("<html>");
-    QTest::newRow("301") << 301 << QByteArray();
-    QTest::newRow("result is error") << 200
-                                     << readData(QStringLiteral("exchange/exchangerate_error_unsupported_code.json"));
-    QTest::newRow("empty table") << 200 << QByteArray(R"({"result":"success","rates":{}})");
-    QTest::newRow("nonsense rate") << 200 << erBody(0);
-    QTest::newRow("page") << 200 << QByteArray("<html>");
-    QTest::newRow("empty body") << 200 << QByteArray();
-    QTest::newRow("rates as text") << 200 << QByteArray(R"({"result":"success","rates":{"EUR":"0.5"}})");
-}
-
-void ExchangeRateServiceTest::failsOver()
-{
-    QFETCH(int, status);
-    QFETCH(QByteArray, body);
-    Fixture f;
-    f.answer(er, status, body);
-    f.answer(cdn, 500, {});
-    f.answer(fallback, 200, setBody(0.25));
-    QCOMPARE(f.rate().value(), 0.25);
-    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
-}
-
-void ExchangeRateServiceTest::nobodyAnswers()
-{
-    Fixture f;
-    f.client.fail(er, UrlLoadingError{UrlErrorCode::timedOut});
-    f.client.fail(cdn, UrlLoadingError{UrlErrorCode::serverCertificateHasBadDate});
-    f.client.fail(fallback, UrlLoadingError{UrlErrorCode::cannotFindHost});
-    const auto rate = f.rate();
-    QVERIFY(!rate);
-    QCOMPARE(codeOf(rate), UrlErrorCode::cannotLoadFromNetwork);
-    QCOMPARE(std::get<UrlLoadingError>(rate.error()).causes.size(), std::size_t(3));
-    QCOMPARE(failureReason(rate.error()), FailureReason::clockWrong);
-    // The next question asks again.
-    QVERIFY(!f.rate());
-    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
-}
-
-void ExchangeRateServiceTest::staleRateOfAnyAge()
-{
-    Fixture f;
-    f.cache(0.5, 5 * 365 * 86400.0);
-    QCOMPARE(f.rate().value(), 0.5);
-    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
-    // No old rate helps for another currency.
-    QCOMPARE(codeOf(f.rate(BaseCurrency::gbp)), UrlErrorCode::cannotLoadFromNetwork);
-}
-
-void ExchangeRateServiceTest::rateLimitDefault()
-{
-    Fixture f;
-    f.answer(er, 429, {});
-    f.answer(cdn, 200, setBody(0.25));
-    QCOMPARE(f.rate().value(), 0.25);
-    QCOMPARE(f.asked(), QStringLiteral("er cdn"));
-    f.restart(); // the limits are not kept
-    f.store = ExchangeRateCacheStore(std::nullopt);
-    f.restart();
-    f.answer(cdn, 500, {});
-    QVERIFY(!f.rate());
-    f.clock.advance(1199);
-    QVERIFY(!f.rate());
-    QCOMPARE(f.asked(), QStringLiteral("cdn fallback"));
-    f.clock.advance(1);
-    QVERIFY(!f.rate());
-    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
-}
-
-void ExchangeRateServiceTest::rateLimitWithRetryAfter_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<double>("pause");
-    QTest::newRow("30") << QByteArray("30") << 30.0;
-    QTest::newRow("0") << QByteArray("0") << 1200.0;
-    QTest::newRow("date") << QByteArray("Wed, 21 Oct 2026 07:28:00 GMT") << 1200.0;
-}
-
-void ExchangeRateServiceTest::rateLimitWithRetryAfter()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(double, pause);
-    Fixture f;
-    f.answer(er, 429, {}, {{"Retry-After", text}});
-    QVERIFY(!f.rate());
-    f.clock.advance(pause - 0.5);
-    QVERIFY(!f.rate());
-    QCOMPARE(f.asked(), QStringLiteral("cdn fallback"));
-    f.clock.advance(0.5);
-    QVERIFY(!f.rate());
-    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
-}
-
-void ExchangeRateServiceTest::everyServiceIsRateLimited()
-{
-    Fixture f;
-    for (const QString &provider : {er, cdn, fallback})
-        f.answer(provider, 429, {});
-    QVERIFY(!f.rate());
-    Rates rates;
-    const Subscription subscription = f.service->rate(BaseCurrency::eur, into(rates));
-    QVERIFY(rates.empty());
-    QTRY_COMPARE(rates.size(), std::size_t(1));
-    QCOMPARE(failureReason(rates.front().error()), FailureReason::rateLimited);
-    QCOMPARE(f.client.requests().size(), std::size_t(3));
-}
-
 void ExchangeRateServiceTest::missingCurrency()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.answer(er, 200, erBody(0.5));
     QCOMPARE(codeOf(f.rate(BaseCurrency::twd)), UrlErrorCode::cannotParseResponse);
 }
 
 void ExchangeRateServiceTest::missingCurrencyFallsBackToTheOldRate()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.cache(0.5, 7200);
     f.answer(er, 200, R"({"result":"success","rates":{"GBP":0.25}})");
     QCOMPARE(f.rate().value(), 0.5);
@@ -374,7 +160,7 @@ void ExchangeRateServiceTest::missingCurrencyFallsBackToTheOldRate()
 
 void ExchangeRateServiceTest::lastGoodValuesStayWhenATableIsNonsense()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.answer(er, 200, erBody(0.5));
     QVERIFY(f.rate().has_value());
     f.clock.advance(3600);
@@ -386,7 +172,7 @@ void ExchangeRateServiceTest::lastGoodValuesStayWhenATableIsNonsense()
 
 void ExchangeRateServiceTest::clockGoesBackBehindTheTable()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.answer(er, 200, erBody(0.5));
     QVERIFY(f.rate().has_value());
     f.clock.advance(-86400);
@@ -396,19 +182,9 @@ void ExchangeRateServiceTest::clockGoesBackBehindTheTable()
     QVERIFY(f.client.requests().empty());
 }
 
-void ExchangeRateServiceTest::clockGoesBackBehindARateLimit()
-{
-    Fixture f;
-    f.answer(er, 429, {});
-    QVERIFY(!f.rate());
-    f.clock.advance(-1);
-    QVERIFY(!f.rate());
-    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
-}
-
 void ExchangeRateServiceTest::clockGoesForward()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.answer(er, 200, erBody(0.5));
     QVERIFY(f.rate().has_value());
     f.clock.advance(50.0 * 365 * 86400);
@@ -418,7 +194,7 @@ void ExchangeRateServiceTest::clockGoesForward()
 
 void ExchangeRateServiceTest::theNewerOfFileAndMemoryCounts()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.answer(er, 200, erBody(0.5));
     QVERIFY(f.rate().has_value());
     f.clock.advance(3600);
@@ -434,22 +210,11 @@ void ExchangeRateServiceTest::theNewerOfFileAndMemoryCounts()
 
 void ExchangeRateServiceTest::unwritableCacheIsIgnored()
 {
-    Fixture f;
+    ExchangeRateFixture f;
     f.store = ExchangeRateCacheStore(QStringLiteral("/proc/nowhere"));
     f.restart();
     f.answer(er, 200, erBody(0.5));
     QCOMPARE(f.rate().value(), 0.5);
-}
-
-void ExchangeRateServiceTest::unbuildableAddress()
-{
-    Fixture f;
-    f.service = std::make_unique<ExchangeRateService>(
-        f.client, Endpoints{{}, {}, {}, {}, QStringLiteral("https://not a host"), {}, fallback}, f.store,
-        f.clock.clock());
-    f.answer(fallback, 200, setBody(0.25));
-    QCOMPARE(f.rate().value(), 0.25);
-    QCOMPARE(f.asked(), QStringLiteral("fallback"));
 }
 
 QTEST_GUILESS_MAIN(ExchangeRateServiceTest)

@@ -1,0 +1,161 @@
+#include "ExchangeRateFixture.h"
+
+#include "market/FailureReason.h"
+#include "support/TestData.h"
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+class ExchangeRateFailoverTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void failsOver_data();
+    void failsOver();
+    void nobodyAnswers();
+    void staleRateOfAnyAge();
+    void rateLimitDefault();
+    void rateLimitWithRetryAfter_data();
+    void rateLimitWithRetryAfter();
+    void everyServiceIsRateLimited();
+    void clockGoesBackBehindARateLimit();
+    void unbuildableAddress();
+};
+
+void ExchangeRateFailoverTest::failsOver_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("body");
+    QTest::newRow("429") << 429 << QByteArray();
+    QTest::newRow("404") << 404 << readData(QStringLiteral("exchange/exchangerate_error_unsupported_code.json"));
+    QTest::newRow("503") << 503 << QByteArray("<html>");
+    QTest::newRow("301") << 301 << QByteArray();
+    QTest::newRow("result is error") << 200
+                                     << readData(QStringLiteral("exchange/exchangerate_error_unsupported_code.json"));
+    QTest::newRow("empty table") << 200 << QByteArray(R"({"result":"success","rates":{}})");
+    QTest::newRow("nonsense rate") << 200 << erBody(0);
+    QTest::newRow("page") << 200 << QByteArray("<html>");
+    QTest::newRow("empty body") << 200 << QByteArray();
+    QTest::newRow("rates as text") << 200 << QByteArray(R"({"result":"success","rates":{"EUR":"0.5"}})");
+}
+
+void ExchangeRateFailoverTest::failsOver()
+{
+    QFETCH(int, status);
+    QFETCH(QByteArray, body);
+    ExchangeRateFixture f;
+    f.answer(er, status, body);
+    f.answer(cdn, 500, {});
+    f.answer(fallback, 200, setBody(0.25));
+    QCOMPARE(f.rate().value(), 0.25);
+    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
+}
+
+void ExchangeRateFailoverTest::nobodyAnswers()
+{
+    ExchangeRateFixture f;
+    f.client.fail(er, UrlLoadingError{UrlErrorCode::timedOut});
+    f.client.fail(cdn, UrlLoadingError{UrlErrorCode::serverCertificateHasBadDate});
+    f.client.fail(fallback, UrlLoadingError{UrlErrorCode::cannotFindHost});
+    const auto rate = f.rate();
+    QVERIFY(!rate);
+    QCOMPARE(codeOf(rate), UrlErrorCode::cannotLoadFromNetwork);
+    QCOMPARE(std::get<UrlLoadingError>(rate.error()).causes.size(), std::size_t(3));
+    QCOMPARE(failureReason(rate.error()), FailureReason::clockWrong);
+    // The next question asks again.
+    QVERIFY(!f.rate());
+    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
+}
+
+void ExchangeRateFailoverTest::staleRateOfAnyAge()
+{
+    ExchangeRateFixture f;
+    f.cache(0.5, 5 * 365 * 86400.0);
+    QCOMPARE(f.rate().value(), 0.5);
+    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
+    // No old rate helps for another currency.
+    QCOMPARE(codeOf(f.rate(BaseCurrency::gbp)), UrlErrorCode::cannotLoadFromNetwork);
+}
+
+void ExchangeRateFailoverTest::rateLimitDefault()
+{
+    ExchangeRateFixture f;
+    f.answer(er, 429, {});
+    f.answer(cdn, 200, setBody(0.25));
+    QCOMPARE(f.rate().value(), 0.25);
+    QCOMPARE(f.asked(), QStringLiteral("er cdn"));
+    f.restart(); // the limits are not kept
+    f.store = ExchangeRateCacheStore(std::nullopt);
+    f.restart();
+    f.answer(cdn, 500, {});
+    QVERIFY(!f.rate());
+    f.clock.advance(1199);
+    QVERIFY(!f.rate());
+    QCOMPARE(f.asked(), QStringLiteral("cdn fallback"));
+    f.clock.advance(1);
+    QVERIFY(!f.rate());
+    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
+}
+
+void ExchangeRateFailoverTest::rateLimitWithRetryAfter_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<double>("pause");
+    QTest::newRow("30") << QByteArray("30") << 30.0;
+    QTest::newRow("0") << QByteArray("0") << 1200.0;
+    QTest::newRow("date") << QByteArray("Wed, 21 Oct 2026 07:28:00 GMT") << 1200.0;
+}
+
+void ExchangeRateFailoverTest::rateLimitWithRetryAfter()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(double, pause);
+    ExchangeRateFixture f;
+    f.answer(er, 429, {}, {{"Retry-After", text}});
+    QVERIFY(!f.rate());
+    f.clock.advance(pause - 0.5);
+    QVERIFY(!f.rate());
+    QCOMPARE(f.asked(), QStringLiteral("cdn fallback"));
+    f.clock.advance(0.5);
+    QVERIFY(!f.rate());
+    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
+}
+
+void ExchangeRateFailoverTest::everyServiceIsRateLimited()
+{
+    ExchangeRateFixture f;
+    for (const QString &provider : {er, cdn, fallback})
+        f.answer(provider, 429, {});
+    QVERIFY(!f.rate());
+    Rates rates;
+    const Subscription subscription = f.service->rate(BaseCurrency::eur, into(rates));
+    QVERIFY(rates.empty());
+    QTRY_COMPARE(rates.size(), std::size_t(1));
+    QCOMPARE(failureReason(rates.front().error()), FailureReason::rateLimited);
+    QCOMPARE(f.client.requests().size(), std::size_t(3));
+}
+
+void ExchangeRateFailoverTest::clockGoesBackBehindARateLimit()
+{
+    ExchangeRateFixture f;
+    f.answer(er, 429, {});
+    QVERIFY(!f.rate());
+    f.clock.advance(-1);
+    QVERIFY(!f.rate());
+    QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
+}
+
+void ExchangeRateFailoverTest::unbuildableAddress()
+{
+    ExchangeRateFixture f;
+    f.service = std::make_unique<ExchangeRateService>(
+        f.client, Endpoints{{}, {}, {}, {}, QStringLiteral("https://not a host"), {}, fallback}, f.store,
+        f.clock.clock());
+    f.answer(fallback, 200, setBody(0.25));
+    QCOMPARE(f.rate().value(), 0.25);
+    QCOMPARE(f.asked(), QStringLiteral("fallback"));
+}
+
+QTEST_GUILESS_MAIN(ExchangeRateFailoverTest)
+#include "ExchangeRateFailoverTest.moc"
