@@ -158,6 +158,8 @@ void CoinLogoStoreTest::keepsADownload()
     QFile stored(file(QStringLiteral("bitcoin")));
     QVERIFY(stored.open(QIODevice::ReadOnly));
     QCOMPARE(stored.readAll(), logo);
+    // It is in memory already.
+    QVERIFY(stored.remove());
     QCOMPARE(store().image(QStringLiteral("bitcoin"))->size(), QSize(32, 32));
     QVERIFY(m_log->lines().empty());
 }

@@ -175,7 +175,6 @@ void CoinLogoTransferTest::refusesARedirectOutOfTheRule()
 
 void CoinLogoTransferTest::statusWithoutALogoIsSilent()
 {
-    m_market->script(files, faults::status(404, m_logo));
     m_market->script(files, faults::status(404, m_logo), LoopbackMarket::Repeat::always);
     finishDownload();
     QVERIFY(m_store->cachedIDs().isEmpty());

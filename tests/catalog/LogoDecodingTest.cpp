@@ -209,6 +209,8 @@ void LogoDecodingTest::refusesBombs_data()
     QTest::newRow("png of 2048 x 2048, rgba") << blankPng({2048, 2048});
     QTest::newRow("png with 400 MiB behind its rows") << png({1, 1}, QByteArray(400 << 20, '\0'));
     QTest::newRow("gif with more pixels than its frame") << gifOfData(8, 8, flatGifData(40'000'000));
+    QTest::newRow("gif with a few pixels too many") << gifOfData(8, 8, flatGifData(100));
+    QTest::newRow("gif with a few pixels too few") << gifOfData(8, 8, flatGifData(60));
     QTest::newRow("gif whose frame exceeds its screen")
         << gifOfData(30000, 30000, flatGifData(100)).replace(6, 4, QByteArray("\1\0\1\0", 4));
     QTest::newRow("icon with a png of 30000 x 30000")

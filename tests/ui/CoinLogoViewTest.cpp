@@ -274,9 +274,8 @@ void CoinLogoViewTest::isSharpOnDenseScreens()
     QImage dense(96, 96, QImage::Format_ARGB32_Premultiplied);
     dense.setDevicePixelRatio(3);
     logo->render(&dense);
-    QImage expected = *logo->image();
     dense.setDevicePixelRatio(1);
-    expected = expected.convertToFormat(QImage::Format_ARGB32);
+    // Neighbouring pixels of the screen differ, which a logo drawn at single density would not let them.
     int different = 0;
     for (int i = 0; i < 96; ++i)
         different += dense.pixelColor(i, 50).lightness() != dense.pixelColor(i / 3 * 3, 50).lightness() ? 1 : 0;
