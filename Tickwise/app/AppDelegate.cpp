@@ -183,7 +183,7 @@ void AppDelegate::openUrls(const QList<QUrl> &urls, const QString &token)
 void AppDelegate::machineWillSleep()
 {
     if (m_coinListViewModel)
-        m_coinListViewModel->discardFetch();
+        m_coinListViewModel->suspendPolling();
 }
 
 void AppDelegate::freshPricesNeeded()

@@ -83,7 +83,7 @@ public:
     void activate(const QString &token = {});
     /// The first address of the scheme "tickwise" brings the application to the front; others are ignored.
     void openUrls(const QList<QUrl> &urls, const QString &token);
-    /// Drops quotes that are under way: the machine is about to sleep.
+    /// Stops polling and drops quotes that are under way: the machine is about to sleep.
     void machineWillSleep();
     /// Polls anew at once: the machine woke, or the network returned.
     void freshPricesNeeded();

@@ -10,13 +10,12 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDesktopServices>
+#include <QIcon>
 #include <QStandardPaths>
 #include <QTimer>
 #include <QWidget>
 
 #include <cstdio>
-
-#include <malloc.h>
 
 namespace tickwise {
 
@@ -47,26 +46,18 @@ void openPackage(const QString &path)
     QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
-/// Raises every window that is open. The desktop lets a program raise itself for a token that it gave.
+/// Raises every window that is open; the one inside a panel's tray has no frame. The desktop lets a program raise
+/// itself for a token that it gave.
 void bringToFront(const QString &token)
 {
     if (!token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
     for (QWidget *const window : QApplication::topLevelWidgets()) {
-        if (!window->isVisible() || window->windowTitle().isEmpty())
+        if (!window->isVisible() || window->windowFlags().testFlag(Qt::FramelessWindowHint))
             continue;
         window->raise();
         window->activateWindow();
     }
-}
-
-/// Each poll's body takes some hundred kilobytes for a moment. The allocator would give their pages back after every
-/// poll, and faulting them in again costs more than the rest of the poll's own work.
-void keepPollMemory()
-{
-    constexpr int kept = 1024 * 1024; // bytes
-    mallopt(M_TRIM_THRESHOLD, kept);
-    mallopt(M_MMAP_THRESHOLD, kept);
 }
 
 QString downloadDirectory(const QString &identifier)
@@ -80,7 +71,6 @@ QString downloadDirectory(const QString &identifier)
 bool prepareProcess()
 {
     installLogHandler();
-    keepPollMemory();
     if (prepareDisplay().backend != DisplayBackend::none)
         return true;
     std::fprintf(stderr, "%s\n", noDisplayMessage);
@@ -106,6 +96,7 @@ Application::Application(ApplicationConfiguration configuration)
 {
     QGuiApplication::setApplicationDisplayName(QString::fromLatin1(appInfo::displayName));
     QGuiApplication::setDesktopFileName(m_configuration.identifier);
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/app-logo.svg")));
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setApplicationVersion(QString::fromLatin1(appInfo::version));
     connectServices();

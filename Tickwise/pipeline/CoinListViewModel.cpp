@@ -120,10 +120,15 @@ void CoinListViewModel::keepDisplayedCoinValid()
 void CoinListViewModel::restartPolling()
 {
     assertMainThread(this);
-    m_pollTimer.stop();
-    discardFetch();
+    suspendPolling();
     m_pollTimer.start(timerPeriod(m_settingsViewModel.settings().pollingInterval));
     fetchPrices();
+}
+
+void CoinListViewModel::suspendPolling()
+{
+    m_pollTimer.stop();
+    discardFetch();
 }
 
 void CoinListViewModel::discardFetch()

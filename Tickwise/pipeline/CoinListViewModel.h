@@ -49,8 +49,9 @@ public:
     void restartPolling();
     /// One fetch, unless one is under way.
     void fetchPrices();
-    /// Drops the fetch in flight: its quotes are from before the machine slept.
-    void discardFetch();
+    /// Stops polling and drops the fetch in flight until `restartPolling`: the machine goes to sleep, and quotes from
+    /// before must not count as fresh afterwards.
+    void suspendPolling();
 
 Q_SIGNALS:
     void coinsChanged();
@@ -59,6 +60,7 @@ Q_SIGNALS:
     void lastFetchFailureChanged();
 
 private:
+    void discardFetch();
     void receive(const Result<PriceSnapshot> &result, BaseCurrency requested);
     void applySnapshot(const PriceSnapshot &snapshot, BaseCurrency currency);
     void keepDisplayedCoinValid();

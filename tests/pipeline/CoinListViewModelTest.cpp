@@ -80,7 +80,7 @@ private Q_SLOTS:
     void changedIntervalRestartsTheTimerAndFetches();
     void intervalOfZeroOrLessStillReturnsToTheLoop();
     void restartDropsTheFetchInFlight();
-    void discardedFetchFiresNothing();
+    void sleepStopsPollingUntilItRestarts();
     void snapshotInAnOldCurrencyIsDropped();
     void newCurrencyClearsPricesAndBaselines();
     void aboveAlertFiresPerCrossing();
@@ -283,19 +283,24 @@ void CoinListViewModelTest::restartDropsTheFetchInFlight()
     QCOMPARE(world.coin(0).currentPrice, std::optional(7.0));
 }
 
-void CoinListViewModelTest::discardedFetchFiresNothing()
+void CoinListViewModelTest::sleepStopsPollingUntilItRestarts()
 {
-    World world;
-    world.change([](AppSettings &settings) {
-        settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
-    });
+    AppSettings settings = World::quietSettings();
+    settings.pollingInterval = 0.02;
+    settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
+    World world(settings);
     world.poll({{btc, 90}});
-    world.model->fetchPrices();
-    world.model->discardFetch();
+    QTRY_VERIFY(world.prices.isOpen());
+    world.model->suspendPolling();
     QVERIFY(!world.prices.isOpen());
     QVERIFY(!world.model->isLoading());
+    const std::size_t before = world.prices.requests.size();
+    QTest::qWait(100); // five periods
+    QCOMPARE(world.prices.requests.size(), before);
     QVERIFY(world.notifier.alerts.empty());
     QCOMPARE(world.coin(0).currentPrice, std::optional(90.0));
+    world.model->restartPolling();
+    QCOMPARE(world.prices.requests.size(), before + 1);
 }
 
 void CoinListViewModelTest::snapshotInAnOldCurrencyIsDropped()
