@@ -10,7 +10,6 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDesktopServices>
-#include <QIcon>
 #include <QStandardPaths>
 #include <QTimer>
 #include <QWidget>
@@ -96,7 +95,6 @@ Application::Application(ApplicationConfiguration configuration)
 {
     QGuiApplication::setApplicationDisplayName(QString::fromLatin1(appInfo::displayName));
     QGuiApplication::setDesktopFileName(m_configuration.identifier);
-    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/app-logo.svg")));
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setApplicationVersion(QString::fromLatin1(appInfo::version));
     connectServices();

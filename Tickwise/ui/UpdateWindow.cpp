@@ -1,6 +1,7 @@
 #include "ui/UpdateWindow.h"
 
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressBar>
@@ -20,6 +21,7 @@ UpdateWindow::UpdateWindow(QWidget *parent)
     : QDialog(parent)
 {
     setObjectName(QStringLiteral("updateWindow"));
+    setWindowIcon(QIcon(QStringLiteral(":/app-logo.svg")));
     setMinimumWidth(fontMetrics().averageCharWidth() * minimumWidthInCharacters);
     auto *layout = new QVBoxLayout(this);
     buildText(layout);
