@@ -98,7 +98,7 @@ private:
     qsizetype scan(qsizetype at)
     {
         const int components = byteAt(m_bytes, m_at + 4);
-        const bool refines = byteAt(m_bytes, m_at + 7 + 2 * components) >> 4 != 0;
+        const bool refines = byteAt(m_bytes, m_at + 7 + 2LL * components) >> 4 != 0;
         const double samples = double(m_picture.size.width()) * double(m_picture.size.height()) * components;
         m_scanCost += samples * (refines ? nanosecondsPerRefinedSample : nanosecondsPerSample);
         while (at < m_bytes.size()) {

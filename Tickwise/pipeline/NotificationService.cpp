@@ -3,6 +3,7 @@
 #include "pipeline/AlertRule.h"
 #include "pipeline/PriceFormat.h"
 
+#include <QLocale>
 #include <QLoggingCategory>
 #include <QThread>
 

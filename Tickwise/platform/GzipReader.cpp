@@ -8,7 +8,7 @@ namespace tickwise {
 namespace {
 
 constexpr int gzipOnly = 16 + MAX_WBITS;
-constexpr std::size_t pieceBytes = 32 * 1024;
+constexpr std::size_t pieceBytes = std::size_t{32} * 1024;
 
 } // namespace
 
