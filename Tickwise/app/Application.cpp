@@ -11,7 +11,6 @@
 #include <QDBusConnection>
 #include <QDesktopServices>
 #include <QStandardPaths>
-#include <QTimer>
 #include <QWidget>
 
 #include <cstdio>
@@ -19,9 +18,6 @@
 namespace tickwise {
 
 namespace {
-
-/// Watching the network loads libraries that the first price need not wait for.
-constexpr std::chrono::seconds networkWatchDelay{3};
 
 /// The addresses that a launcher started this copy with.
 QList<QUrl> openedUrls()
@@ -110,7 +106,7 @@ void Application::connectServices()
     QObject::connect(&m_singleInstance, &SingleInstance::urlsOpened, &m_delegate, &AppDelegate::openUrls);
     QObject::connect(&m_sleepMonitor, &SleepMonitor::willSleep, &m_delegate, &AppDelegate::machineWillSleep);
     QObject::connect(&m_sleepMonitor, &SleepMonitor::didWake, &m_delegate, [this] { freshPricesNeeded(); });
-    QObject::connect(&m_sleepMonitor, &SleepMonitor::networkReturned, &m_delegate, [this] { freshPricesNeeded(); });
+    QObject::connect(&m_networkWatch, &NetworkWatch::networkReturned, &m_delegate, [this] { freshPricesNeeded(); });
 }
 
 AppEnvironment Application::makeEnvironment()
@@ -159,7 +155,6 @@ void Application::freshPricesNeeded()
 int Application::run()
 {
     m_delegate.applicationDidFinishLaunching();
-    QTimer::singleShot(networkWatchDelay, &m_sleepMonitor, &SleepMonitor::watchNetwork);
     return QCoreApplication::exec();
 }
 

@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/AppInfo.h"
 #include "platform/NetworkHttpClient.h"
+#include "platform/NetworkWatch.h"
 #include "platform/SingleInstance.h"
 #include "platform/SleepMonitor.h"
 #include "platform/SoundPlayer.h"
@@ -55,6 +56,7 @@ private:
     TerminationSignals m_signals;
     SingleInstance m_singleInstance;
     SleepMonitor m_sleepMonitor;
+    NetworkWatch m_networkWatch;
     UserDefaults m_defaults;
     NetworkHttpClient m_httpClient;
     SoundPlayer m_soundPlayer;

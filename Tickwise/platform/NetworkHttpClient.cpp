@@ -3,8 +3,6 @@
 #include "platform/NetworkTransfer.h"
 
 #include <QHostAddress>
-#include <QNetworkInformation>
-#include <QNetworkInterface>
 #include <QNetworkProxyFactory>
 
 namespace tickwise {
@@ -26,23 +24,7 @@ public:
     }
 };
 
-bool isUsable(const QNetworkInterface &interface)
-{
-    const QNetworkInterface::InterfaceFlags flags = interface.flags();
-    return flags.testFlag(QNetworkInterface::IsUp) && flags.testFlag(QNetworkInterface::IsRunning) &&
-           !flags.testFlag(QNetworkInterface::IsLoopBack) && !interface.addressEntries().isEmpty();
-}
-
 } // namespace
-
-bool machineHasNetwork()
-{
-    const QNetworkInformation *information = QNetworkInformation::instance();
-    if (information && information->reachability() == QNetworkInformation::Reachability::Disconnected)
-        return false;
-    const QList<QNetworkInterface> interfaces = QNetworkInterface::allInterfaces();
-    return std::any_of(interfaces.begin(), interfaces.end(), isUsable);
-}
 
 NetworkHttpClient::NetworkHttpClient(const QSslConfiguration &tls, std::function<bool()> hasNetwork)
     : m_tls(tls)

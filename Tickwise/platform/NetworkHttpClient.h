@@ -1,15 +1,12 @@
 #pragma once
 
 #include "market/HttpClient.h"
+#include "platform/NetworkWatch.h"
 
 #include <QNetworkAccessManager>
 #include <QSslConfiguration>
 
 namespace tickwise {
-
-/// Whether the machine seems to have a network: an interface besides loopback is up, and the desktop does not say
-/// otherwise.
-bool machineHasNetwork();
 
 /// HTTP/1.1 over Qt: certificates verified, the system's proxies (never for loopback addresses), connections kept
 /// alive, nothing cached, no cookies, at most five redirects and none from https to http.

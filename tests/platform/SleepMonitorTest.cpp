@@ -12,8 +12,6 @@ using namespace tickwise::test;
 
 namespace {
 
-using Reachability = QNetworkInformation::Reachability;
-
 /// Speaks as org.freedesktop.login1 does.
 class FakeLogin
 {
@@ -46,9 +44,6 @@ private Q_SLOTS:
     void hearsAServiceThatStartsLater();
     void hearsNobodyElse();
     void quietWithoutASystemBus();
-    void networkReturns_data();
-    void networkReturns();
-    void networkReturnsFromTheSystem();
 };
 
 void SleepMonitorTest::tellsSleepAndWake()
@@ -99,45 +94,6 @@ void SleepMonitorTest::quietWithoutASystemBus()
     QSignalSpy didWake(&monitor, &SleepMonitor::didWake);
     QCoreApplication::processEvents();
     QCOMPARE(willSleep.size() + didWake.size(), 0);
-}
-
-void SleepMonitorTest::networkReturns_data()
-{
-    QTest::addColumn<QList<int>>("states");
-    QTest::addColumn<int>("returns");
-    const int unknown = static_cast<int>(Reachability::Unknown);
-    const int disconnected = static_cast<int>(Reachability::Disconnected);
-    const int site = static_cast<int>(Reachability::Site);
-    const int online = static_cast<int>(Reachability::Online);
-    QTest::newRow("off and on") << QList<int>{online, disconnected, online} << 2;
-    QTest::newRow("on and on") << QList<int>{online, online} << 1;
-    QTest::newRow("off") << QList<int>{disconnected} << 0;
-    QTest::newRow("half on") << QList<int>{disconnected, site} << 0;
-    QTest::newRow("half on, then on") << QList<int>{site, online} << 1;
-    QTest::newRow("unknown") << QList<int>{online, unknown, unknown} << 1;
-}
-
-void SleepMonitorTest::networkReturns()
-{
-    QFETCH(QList<int>, states);
-    QFETCH(int, returns);
-    SleepMonitor monitor(QDBusConnection(QStringLiteral("not connected")));
-    QSignalSpy returned(&monitor, &SleepMonitor::networkReturned);
-    for (const int state : states)
-        monitor.noteReachability(static_cast<Reachability>(state));
-    QCOMPARE(returned.size(), returns);
-}
-
-void SleepMonitorTest::networkReturnsFromTheSystem()
-{
-    SleepMonitor monitor(QDBusConnection(QStringLiteral("not connected")));
-    QVERIFY(monitor.watchNetwork());
-    const QNetworkInformation *const network = QNetworkInformation::instance();
-    QVERIFY(network != nullptr);
-    monitor.noteReachability(Reachability::Disconnected);
-    QSignalSpy returned(&monitor, &SleepMonitor::networkReturned);
-    Q_EMIT const_cast<QNetworkInformation *>(network)->reachabilityChanged(Reachability::Online);
-    QCOMPARE(returned.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(SleepMonitorTest)
