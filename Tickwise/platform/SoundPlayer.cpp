@@ -1,5 +1,6 @@
 #include "platform/SoundPlayer.h"
 
+#include <QLibrary>
 #include <QLoggingCategory>
 #include <QPromise>
 
@@ -15,7 +16,38 @@ Q_LOGGING_CATEGORY(lcNotifications, "com.pelmo.tickwise.Notifications")
 
 } // namespace
 
-/// The connection to the sound server, made by the first sound.
+/// The sound library. Loaded by the first sound, as it brings more libraries, and without it only sounds are missing.
+class SoundPlayer::Library
+{
+public:
+    /// Why the library cannot be used; empty when it can.
+    QString load()
+    {
+        resolve(create, "ca_context_create");
+        resolve(changeProperties, "ca_context_change_props");
+        resolve(play, "ca_context_play");
+        resolve(destroy, "ca_context_destroy");
+        resolve(describe, "ca_strerror");
+        return create && changeProperties && play && destroy && describe ? QString() : m_library.errorString();
+    }
+
+    decltype(&ca_context_create) create = nullptr;
+    decltype(&ca_context_change_props) changeProperties = nullptr;
+    decltype(&ca_context_play) play = nullptr;
+    decltype(&ca_context_destroy) destroy = nullptr;
+    decltype(&ca_strerror) describe = nullptr;
+
+private:
+    template<class Function>
+    void resolve(Function &function, const char *name)
+    {
+        function = reinterpret_cast<Function>(m_library.resolve(name));
+    }
+
+    QLibrary m_library{QStringLiteral("canberra"), 0};
+};
+
+/// The connection to the sound server, made by the first sound. Used by one thread at a time.
 class SoundPlayer::Context
 {
 public:
@@ -27,18 +59,22 @@ public:
     ~Context()
     {
         if (m_context)
-            ca_context_destroy(m_context);
+            m_library.destroy(m_context);
     }
     Context(const Context &) = delete;
     Context &operator=(const Context &) = delete;
 
-    int play()
+    /// Why there is no sound; empty when there is.
+    QString play()
     {
-        if (const int failed = open())
-            return failed;
+        if (const QString missing = m_library.load(); !missing.isEmpty())
+            return missing;
         constexpr uint32_t sound = 0;
-        return ca_context_play(m_context, sound, CA_PROP_EVENT_ID, "message-new-instant", CA_PROP_EVENT_DESCRIPTION,
-                               "Price alert", nullptr);
+        int failed = open();
+        if (!failed)
+            failed = m_library.play(m_context, sound, CA_PROP_EVENT_ID, "message-new-instant",
+                                    CA_PROP_EVENT_DESCRIPTION, "Price alert", nullptr);
+        return failed ? QString::fromUtf8(m_library.describe(failed)) : QString();
     }
 
 private:
@@ -46,14 +82,15 @@ private:
     {
         if (m_context)
             return CA_SUCCESS;
-        const int failed = ca_context_create(&m_context);
+        const int failed = m_library.create(&m_context);
         return failed ? failed
-                      : ca_context_change_props(m_context, CA_PROP_APPLICATION_NAME, m_name.constData(),
-                                                CA_PROP_APPLICATION_ID, m_id.constData(), nullptr);
+                      : m_library.changeProperties(m_context, CA_PROP_APPLICATION_NAME, m_name.constData(),
+                                                   CA_PROP_APPLICATION_ID, m_id.constData(), nullptr);
     }
 
     QByteArray m_name;
     QByteArray m_id;
+    Library m_library;
     ca_context *m_context = nullptr;
 };
 
@@ -61,9 +98,9 @@ SoundPlayer::SoundPlayer(const QString &applicationName, const QString &applicat
     : QObject(parent)
     , m_context(std::make_shared<Context>(applicationName, applicationId))
 {
-    connect(&m_start, &QFutureWatcher<int>::finished, this, [this] {
-        if (const int failed = m_start.result())
-            qCDebug(lcNotifications, "Notification sound not played: %s", ca_strerror(failed));
+    connect(&m_start, &QFutureWatcher<QString>::finished, this, [this] {
+        if (const QString failed = m_start.result(); !failed.isEmpty())
+            qCDebug(lcNotifications).noquote() << "Notification sound not played:" << failed;
     });
 }
 
@@ -73,7 +110,7 @@ void SoundPlayer::play()
 {
     if (m_start.isRunning())
         return;
-    QPromise<int> promise;
+    QPromise<QString> promise;
     promise.start();
     m_start.setFuture(promise.future());
     // The library waits for the sound server's answer, and the server may hang: the thread shares the context and is

@@ -21,10 +21,11 @@ public:
     void play();
 
 private:
+    class Library;
     class Context;
 
     std::shared_ptr<Context> m_context;
-    QFutureWatcher<int> m_start; ///< the sound server's answer to the last sound
+    QFutureWatcher<QString> m_start; ///< why the last sound failed; empty when it did not
 };
 
 } // namespace tickwise
