@@ -24,8 +24,10 @@ Result<simdjson::dom::element> BodyParser::parse(const QByteArray &data)
 {
     m_unusual = data.size() > ordinaryBody;
     simdjson::dom::element root;
+    // The parser reads a little past the end, which a body with room to spare allows without a copy.
+    const bool needsCopy = data.capacity() - data.size() < static_cast<qsizetype>(simdjson::SIMDJSON_PADDING);
     const simdjson::error_code error =
-        threadParser()->parse(data.constData(), static_cast<std::size_t>(data.size())).get(root);
+        threadParser()->parse(data.constData(), static_cast<std::size_t>(data.size()), needsCopy).get(root);
     if (error != simdjson::SUCCESS)
         return failure(DecodingError{QString::fromUtf8(simdjson::error_message(error))});
     return root;
