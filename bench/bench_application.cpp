@@ -12,7 +12,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QSocketNotifier>
 
 #include <array>
@@ -74,7 +73,8 @@ double cpuSeconds()
 void printFirstPrice(const MenuBarViewModel &menuBar)
 {
     static bool printed = false;
-    if (printed || !menuBar.content().price.contains(QRegularExpression(QStringLiteral("[0-9]"))))
+    const QString &price = menuBar.content().price;
+    if (printed || std::none_of(price.begin(), price.end(), [](QChar c) { return c.isDigit(); }))
         return;
     printed = true;
     std::timespec now{};

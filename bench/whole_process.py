@@ -23,7 +23,7 @@ NO_POLLS = 3600  # seconds between polls: none but those that are asked for
 STARTS = 15
 POLLS = 200
 IDLE_SECONDS = 20
-SETTLE_SECONDS = 8  # until what starts late has started
+SETTLE_SECONDS = 8  # until the start is over
 
 
 def read(path):
@@ -143,7 +143,7 @@ def count_wakeups(process):
 def run_polls(desktop, process, count):
     process.write_line(f"polls {count}")
     wait_for_line(desktop, process, "polls")
-    time.sleep(SETTLE_SECONDS)
+    time.sleep(1)
 
 
 def measure_poll(desktop, programs, *form):
@@ -173,6 +173,7 @@ def measure_idle(desktop, programs):
     market = Market(desktop, programs, OKX_LIST)
     process, _ = start_application(desktop, programs, market.endpoints)
     wait_for_line(desktop, process, "content")
+    time.sleep(SETTLE_SECONDS)
     run_polls(desktop, process, 10)
     count = count_wakeups(process)
     market.stop()

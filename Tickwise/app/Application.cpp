@@ -6,11 +6,13 @@
 #include "platform/LoginItem.h"
 #include "platform/PanelStatusItem.h"
 #include "platform/PortalNotificationCenter.h"
+#include "platform/ProcessMemory.h"
 
 #include <QApplication>
 #include <QDBusConnection>
 #include <QDesktopServices>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QWidget>
 
 #include <cstdio>
@@ -18,6 +20,9 @@
 namespace tickwise {
 
 namespace {
+
+/// When the first price is shown, or slow to come.
+constexpr std::chrono::seconds startIsOver{5};
 
 /// The addresses that a launcher started this copy with.
 QList<QUrl> openedUrls()
@@ -66,6 +71,7 @@ QString downloadDirectory(const QString &identifier)
 bool prepareProcess()
 {
     installLogHandler();
+    keepMemoryOfPolls();
     if (prepareDisplay().backend != DisplayBackend::none)
         return true;
     std::fprintf(stderr, "%s\n", noDisplayMessage);
@@ -155,6 +161,7 @@ void Application::freshPricesNeeded()
 int Application::run()
 {
     m_delegate.applicationDidFinishLaunching();
+    QTimer::singleShot(startIsOver, qApp, releaseUnusedMemory);
     return QCoreApplication::exec();
 }
 
