@@ -57,6 +57,7 @@ struct ReasonOf
     FailureReason operator()(const DecodingError &) const { return FailureReason::badAnswer; }
     FailureReason operator()(const FileError &) const { return FailureReason::badAnswer; }
     FailureReason operator()(const CatalogError &) const { return FailureReason::badAnswer; }
+    FailureReason operator()(const DesktopServiceError &) const { return FailureReason::badAnswer; }
 };
 
 /// The first to tell comes first.

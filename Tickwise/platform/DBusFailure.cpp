@@ -4,21 +4,23 @@ namespace tickwise {
 
 namespace {
 
-UrlErrorCode errorCode(QDBusError::ErrorType type)
+using Kind = DesktopServiceError::Kind;
+
+Kind kindOf(QDBusError::ErrorType type)
 {
     switch (type) {
     case QDBusError::NoReply:
     case QDBusError::Timeout:
     case QDBusError::TimedOut:
-        return UrlErrorCode::timedOut;
+        return Kind::timedOut;
     case QDBusError::ServiceUnknown:
-        return UrlErrorCode::cannotFindHost;
+        return Kind::noService;
     case QDBusError::Disconnected:
     case QDBusError::NoServer:
     case QDBusError::NoNetwork:
-        return UrlErrorCode::cannotConnectToHost;
+        return Kind::noMessageBus;
     default:
-        return UrlErrorCode::badServerResponse;
+        return Kind::refused;
     }
 }
 
@@ -26,12 +28,12 @@ UrlErrorCode errorCode(QDBusError::ErrorType type)
 
 Error errorFromDBus(const QDBusError &error)
 {
-    return UrlLoadingError{errorCode(error.type()), error.message()};
+    return DesktopServiceError{kindOf(error.type()), error.message()};
 }
 
 Error noMessageBus()
 {
-    return UrlLoadingError{UrlErrorCode::cannotConnectToHost, QStringLiteral("there is no message bus")};
+    return DesktopServiceError{Kind::noMessageBus, {}};
 }
 
 } // namespace tickwise

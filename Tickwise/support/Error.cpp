@@ -45,6 +45,26 @@ QString name(UrlErrorCode code)
     return QStringLiteral("unknown failure");
 }
 
+QString name(DesktopServiceError::Kind kind)
+{
+    switch (kind) {
+    case DesktopServiceError::Kind::noMessageBus:
+        return QStringLiteral("no message bus");
+    case DesktopServiceError::Kind::noService:
+        return QStringLiteral("no such service");
+    case DesktopServiceError::Kind::timedOut:
+        return QStringLiteral("no answer");
+    case DesktopServiceError::Kind::refused:
+        return QStringLiteral("refused");
+    }
+    return QStringLiteral("unknown failure");
+}
+
+QString withDetail(const QString &text, const QString &detail)
+{
+    return detail.isEmpty() ? text : text + QStringLiteral(": ") + detail;
+}
+
 QString withStatus(const QString &text, int status)
 {
     return status == 0 ? text : QStringLiteral("%1 (HTTP %2)").arg(text).arg(status);
@@ -54,14 +74,14 @@ struct Describe
 {
     QString operator()(const UrlLoadingError &error) const
     {
-        const QString text = withStatus(name(error.code), error.httpStatus);
-        return error.detail.isEmpty() ? text : text + QStringLiteral(": ") + error.detail;
+        return withDetail(withStatus(name(error.code), error.httpStatus), error.detail);
     }
     QString operator()(const TickerProviderError &error) const
     {
         if (error.kind == TickerProviderError::Kind::requestRejected)
             return withStatus(QStringLiteral("request rejected"), error.httpStatus);
-        const QString text = withStatus(QStringLiteral("rate limited"), error.httpStatus);
+        const QString what = error.blockPage ? QStringLiteral("region blocked") : QStringLiteral("rate limited");
+        const QString text = withStatus(what, error.httpStatus);
         return error.retryAfter ? QStringLiteral("%1, retry after %2 s").arg(text).arg(*error.retryAfter) : text;
     }
     QString operator()(const DecodingError &error) const
@@ -75,6 +95,7 @@ struct Describe
                    ? error.message
                    : QStringList(error.problems.begin(), error.problems.end()).join(QStringLiteral(", "));
     }
+    QString operator()(const DesktopServiceError &error) const { return withDetail(name(error.kind), error.text); }
 };
 
 } // namespace

@@ -105,8 +105,24 @@ struct CatalogError
     bool operator==(const CatalogError &) const = default;
 };
 
+/// A service of the desktop that did not do what it was asked.
+struct DesktopServiceError
+{
+    enum class Kind
+    {
+        noMessageBus,
+        noService,
+        timedOut,
+        refused
+    };
+    Kind kind = Kind::refused;
+    QString text; ///< the message bus's or the service's own words
+    bool operator==(const DesktopServiceError &) const = default;
+};
+
 /// Every failure that an operation of this program can end in.
-using Error = std::variant<UrlLoadingError, TickerProviderError, DecodingError, FileError, CatalogError>;
+using Error =
+    std::variant<UrlLoadingError, TickerProviderError, DecodingError, FileError, CatalogError, DesktopServiceError>;
 
 /// The error in one English line: the public argument of log lines.
 QString description(const Error &error);

@@ -76,6 +76,7 @@ void FailureReasonTest::ofAnError_data()
     QTest::newRow("undecodable") << Error(DecodingError{QStringLiteral("x")}) << badAnswer;
     QTest::newRow("file") << Error(FileError{}) << badAnswer;
     QTest::newRow("catalog") << Error(CatalogError{}) << badAnswer;
+    QTest::newRow("desktop service") << Error(DesktopServiceError{}) << badAnswer;
 }
 
 void FailureReasonTest::ofAnError()

@@ -249,11 +249,11 @@ void NotificationServiceTest::authorizationErrorIsLogged()
 {
     const LogCapture log;
     FakeCenter center;
-    center.result = failure(UrlLoadingError{UrlErrorCode::timedOut, QStringLiteral("50% silent")});
+    center.result = failure(DesktopServiceError{DesktopServiceError::Kind::timedOut, QStringLiteral("50% silent")});
     NotificationService service(center);
     service.requestAuthorization();
     QTRY_COMPARE(center.answered, 1);
-    QCOMPARE(log.texts(category), QStringList(QStringLiteral("Notification permission error: timed out: 50% silent")));
+    QCOMPARE(log.texts(category), QStringList(QStringLiteral("Notification permission error: no answer: 50% silent")));
     QCOMPARE(log.lines().front().type, QtWarningMsg);
 }
 
@@ -261,12 +261,12 @@ void NotificationServiceTest::deliveryErrorIsLogged()
 {
     const LogCapture log;
     FakeCenter center;
-    center.result = failure(UrlLoadingError{UrlErrorCode::cannotFindHost, QStringLiteral("no such name")});
+    center.result = failure(DesktopServiceError{DesktopServiceError::Kind::noService, QStringLiteral("no such name")});
     NotificationService service(center);
     service.notify(bitcoin(1), CoinAlertKind::notSet, BaseCurrency::usd, 0, 0, 1);
     QTRY_COMPARE(center.answered, 1);
     QCOMPARE(log.texts(category),
-             QStringList(QStringLiteral("Failed to deliver notification: cannot find host: no such name")));
+             QStringList(QStringLiteral("Failed to deliver notification: no such service: no such name")));
     QCOMPARE(log.lines().front().type, QtWarningMsg);
 }
 
@@ -274,7 +274,7 @@ void NotificationServiceTest::serviceMayGoBeforeItsAnswers()
 {
     const LogCapture log;
     FakeCenter center;
-    center.result = failure(UrlLoadingError{UrlErrorCode::timedOut});
+    center.result = failure(DesktopServiceError{DesktopServiceError::Kind::timedOut});
     std::make_unique<NotificationService>(center)->notify(bitcoin(1), CoinAlertKind::notSet, BaseCurrency::usd, 0, 0,
                                                           1);
     QTRY_COMPARE(center.answered, 1);

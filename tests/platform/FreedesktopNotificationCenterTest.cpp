@@ -42,9 +42,10 @@ struct Client
         center.add(notification(identifier), collect());
     }
     std::size_t answered() const { return results.size(); }
-    bool lastFailedWith(UrlErrorCode code) const
+    bool lastFailedWith(DesktopServiceError::Kind kind) const
     {
-        return !results.empty() && !results.back() && std::get<UrlLoadingError>(results.back().error()).code == code;
+        return !results.empty() && !results.back() &&
+               std::get<DesktopServiceError>(results.back().error()).kind == kind;
     }
 
     int sounds = 0;
@@ -194,10 +195,10 @@ void FreedesktopNotificationCenterTest::failsWithoutAService()
     Client client(bus.connect());
     client.center.requestAuthorization(client.collect());
     QTRY_COMPARE(client.answered(), std::size_t(1));
-    QVERIFY(client.lastFailedWith(UrlErrorCode::cannotFindHost));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noService));
     client.add();
     QTRY_COMPARE(client.answered(), std::size_t(2));
-    QVERIFY(client.lastFailedWith(UrlErrorCode::cannotFindHost));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noService));
     QCOMPARE(client.sounds, 0);
 }
 
@@ -209,7 +210,7 @@ void FreedesktopNotificationCenterTest::failsWithoutABus()
     QVERIFY(client.results.empty()); // never inside the call
     QTRY_COMPARE(client.answered(), std::size_t(2));
     QVERIFY(!client.results.front());
-    QVERIFY(client.lastFailedWith(UrlErrorCode::cannotConnectToHost));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noMessageBus));
 }
 
 void FreedesktopNotificationCenterTest::failsWhenTheServiceRefuses()
@@ -220,7 +221,7 @@ void FreedesktopNotificationCenterTest::failsWhenTheServiceRefuses()
     Client client(bus.connect());
     client.add();
     QTRY_COMPARE(client.answered(), std::size_t(1));
-    QVERIFY(client.lastFailedWith(UrlErrorCode::badServerResponse));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::refused));
     QVERIFY(description(client.results.back().error()).endsWith(QStringLiteral("too many")));
 }
 
@@ -239,7 +240,7 @@ void FreedesktopNotificationCenterTest::hangingServiceTimesOutAndNothingBlocks()
     QVERIFY(elapsed.elapsed() < 30000); // nobody waited for the service
     QTRY_COMPARE(client.answered(), std::size_t(2));
     QVERIFY(elapsed.elapsed() >= shortTimeout.count() - 5);
-    QVERIFY(client.lastFailedWith(UrlErrorCode::timedOut));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::timedOut));
     QVERIFY(service.calls.empty());
     QVERIFY(patient.results.empty());
 
@@ -259,7 +260,7 @@ void FreedesktopNotificationCenterTest::hangingDeliveryTimesOut()
     service.hangs = true;
     client.add();
     QTRY_COMPARE(client.answered(), std::size_t(2));
-    QVERIFY(client.lastFailedWith(UrlErrorCode::timedOut));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::timedOut));
     QCOMPARE(client.sounds, 0);
 }
 
@@ -278,7 +279,7 @@ void FreedesktopNotificationCenterTest::serviceThatDiesAndReturns()
     QVERIFY(!client.results.back());
     client.add(QStringLiteral("nobody there"));
     QTRY_COMPARE(client.answered(), std::size_t(3));
-    QVERIFY(client.lastFailedWith(UrlErrorCode::cannotFindHost));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noService));
 
     service = std::make_unique<FakeNotifications>(bus.connect(), QStringList());
     client.add(QStringLiteral("after"));
@@ -315,7 +316,7 @@ void FreedesktopNotificationCenterTest::busThatDies()
     QVERIFY(!client.results.back());
     client.add();
     QTRY_COMPARE(client.answered(), std::size_t(2));
-    QVERIFY(client.lastFailedWith(UrlErrorCode::cannotConnectToHost));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noMessageBus));
 }
 
 void FreedesktopNotificationCenterTest::goneCenterAnswersNothing()

@@ -57,9 +57,10 @@ struct Client
     {
         return [this](const Result<void> &result) { results.push_back(result); };
     }
-    bool lastFailedWith(UrlErrorCode code) const
+    bool lastFailedWith(DesktopServiceError::Kind kind) const
     {
-        return !results.empty() && !results.back() && std::get<UrlLoadingError>(results.back().error()).code == code;
+        return !results.empty() && !results.back() &&
+               std::get<DesktopServiceError>(results.back().error()).kind == kind;
     }
 
     int sounds = 0;
@@ -123,7 +124,7 @@ void PortalNotificationCenterTest::failsWithoutThePortal()
     client.center.add(notification, client.collect());
     QTRY_COMPARE(client.results.size(), std::size_t(2));
     QVERIFY(!client.results.front());
-    QVERIFY(client.lastFailedWith(UrlErrorCode::cannotFindHost));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noService));
     QCOMPARE(client.sounds, 0);
 }
 
@@ -133,7 +134,7 @@ void PortalNotificationCenterTest::failsWithoutABus()
     client.center.add(notification, client.collect());
     QVERIFY(client.results.empty());
     QTRY_COMPARE(client.results.size(), std::size_t(1));
-    QVERIFY(client.lastFailedWith(UrlErrorCode::cannotConnectToHost));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noMessageBus));
 }
 
 void PortalNotificationCenterTest::hangingPortalTimesOut()
@@ -144,7 +145,7 @@ void PortalNotificationCenterTest::hangingPortalTimesOut()
     Client client(bus.connect(), std::chrono::milliseconds(100));
     client.center.add(notification, client.collect());
     QTRY_COMPARE(client.results.size(), std::size_t(1));
-    QVERIFY(client.lastFailedWith(UrlErrorCode::timedOut));
+    QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::timedOut));
     QCOMPARE(client.sounds, 0);
 }
 

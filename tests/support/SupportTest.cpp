@@ -1,4 +1,5 @@
 #include "support/DecimalText.h"
+#include "support/Error.h"
 #include "support/Subscription.h"
 
 #include <QTest>
@@ -10,6 +11,8 @@ class SupportTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void errorsInWords_data();
+    void errorsInWords();
     void decimalText_data();
     void decimalText();
     void deliversLaterOnce();
@@ -72,6 +75,36 @@ void SupportTest::droppedDeliveryDeliversNothing()
     }
     QCoreApplication::processEvents();
     QCOMPARE(calls, 0);
+}
+
+void SupportTest::errorsInWords_data()
+{
+    QTest::addColumn<Error>("error");
+    QTest::addColumn<QString>("words");
+    const auto row = [](const Error &error, const char *words) {
+        QTest::newRow(words) << error << QString::fromUtf8(words);
+    };
+    using Kind = TickerProviderError::Kind;
+    using Service = DesktopServiceError::Kind;
+    row(UrlLoadingError{UrlErrorCode::timedOut}, "timed out");
+    row(UrlLoadingError{UrlErrorCode::badServerResponse, QStringLiteral("busy"), 503},
+        "bad server response (HTTP 503): busy");
+    row(TickerProviderError{Kind::requestRejected, std::nullopt, 400}, "request rejected (HTTP 400)");
+    row(TickerProviderError{Kind::rateLimited, 30.0, 429}, "rate limited (HTTP 429), retry after 30 s");
+    row(TickerProviderError{Kind::rateLimited, 600.0, 403, true}, "region blocked (HTTP 403), retry after 600 s");
+    row(DecodingError{QStringLiteral("no object"), 7}, "no object at byte 7");
+    row(FileError{QStringLiteral("/a/b"), QStringLiteral("no space")}, "/a/b: no space");
+    row(CatalogError{{}, {QStringLiteral("one"), QStringLiteral("two")}}, "one, two");
+    row(DesktopServiceError{Service::noMessageBus, {}}, "no message bus");
+    row(DesktopServiceError{Service::noService, QStringLiteral("unknown name")}, "no such service: unknown name");
+    row(DesktopServiceError{Service::timedOut, {}}, "no answer");
+    row(DesktopServiceError{Service::refused, QStringLiteral("not today")}, "refused: not today");
+}
+
+void SupportTest::errorsInWords()
+{
+    QFETCH(Error, error);
+    QTEST(description(error), "words");
 }
 
 QTEST_GUILESS_MAIN(SupportTest)
