@@ -40,8 +40,16 @@ qint64 LoopbackHttpServer::bodyBytesSent() const
 void LoopbackHttpServer::shutDown()
 {
     close();
-    while (!m_connections.empty())
-        remove(m_connections.front().get(), 0);
+    closeConnections();
+}
+
+void LoopbackHttpServer::closeConnections()
+{
+    while (!m_connections.empty()) {
+        LoopbackConnection *const connection = m_connections.front().get();
+        connection->close();
+        remove(connection, 0);
+    }
 }
 
 void LoopbackHttpServer::incomingConnection(qintptr descriptor)

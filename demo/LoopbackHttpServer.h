@@ -25,6 +25,8 @@ public:
     int connectionsSoFar() const { return m_accepted; }
     /// Bytes of bodies handed to sockets since the start.
     qint64 bodyBytesSent() const;
+    /// Closes the open connections and goes on taking others.
+    void closeConnections();
     /// Takes no connections any more and closes the open ones.
     void shutDown();
 

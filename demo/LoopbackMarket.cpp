@@ -155,6 +155,11 @@ void LoopbackMarket::clearScript(MarketEndpoint endpoint)
     slot(endpoint).always = nullptr;
 }
 
+void LoopbackMarket::closeConnections(MarketEndpoint endpoint)
+{
+    slot(endpoint).server->closeConnections();
+}
+
 void LoopbackMarket::shutDown(MarketEndpoint endpoint)
 {
     slot(endpoint).server->shutDown();

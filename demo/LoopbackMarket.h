@@ -83,6 +83,8 @@ public:
     void script(MarketEndpoint endpoint, Fault fault, Repeat repeat = Repeat::once);
     /// The service is well again.
     void clearScript(MarketEndpoint endpoint);
+    /// Closes the service's connections, which are idle or not, and goes on serving.
+    void closeConnections(MarketEndpoint endpoint);
     /// The service takes no connections any more; those that are open are closed.
     void shutDown(MarketEndpoint endpoint);
 

@@ -70,6 +70,8 @@ UrlErrorCode urlErrorCode(const NetworkFailure &failure)
     case CURLE_USE_SSL_FAILED:
         return UrlErrorCode::secureConnectionFailed;
     case CURLE_FILESIZE_EXCEEDED:
+    // What libcurl says of a header line above its own limit.
+    case CURLE_OUT_OF_MEMORY:
         return UrlErrorCode::dataLengthExceedsMaximum;
     default:
         return UrlErrorCode::badServerResponse;

@@ -205,6 +205,7 @@ void NetworkHttpClientTest::failureCodes_data()
     row("no HTTP", {CURLE_UNSUPPORTED_PROTOCOL}, UrlErrorCode::badServerResponse);
     row("strange reply", {CURLE_WEIRD_SERVER_REPLY}, UrlErrorCode::badServerResponse);
     row("many headers", {CURLE_FILESIZE_EXCEEDED}, UrlErrorCode::dataLengthExceedsMaximum);
+    row("a long header", {CURLE_OUT_OF_MEMORY}, UrlErrorCode::dataLengthExceedsMaximum);
 }
 
 void NetworkHttpClientTest::failureCodes()
