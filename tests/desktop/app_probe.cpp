@@ -187,7 +187,7 @@ Probe::Probe()
     m_configuration.defaultsApplication += QStringLiteral("-probe");
     m_configuration.appGroup += QStringLiteral(".probe");
     m_configuration.endpoints = m_market.endpoints();
-    m_configuration.tls = LoopbackMarket::clientTls();
+    m_configuration.authorities = LoopbackMarket::authorities();
 }
 
 bool Probe::prepare()
