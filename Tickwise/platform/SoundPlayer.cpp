@@ -67,7 +67,7 @@ public:
     /// Why there is no sound; empty when there is.
     QString play()
     {
-        if (const QString missing = m_library.load(); !missing.isEmpty())
+        if (QString missing = m_library.load(); !missing.isEmpty())
             return missing;
         constexpr uint32_t sound = 0;
         int failed = open();
