@@ -40,7 +40,7 @@ ApplicationConfiguration benchConfiguration(const QJsonObject &json)
     configuration.defaultsApplication += QStringLiteral("-bench");
     configuration.appGroup += QStringLiteral(".bench");
     configuration.endpoints = endpointsFrom(json.value(QStringLiteral("endpoints")).toObject());
-    configuration.tls = loopbackClientTls();
+    configuration.authorities = loopbackAuthorities();
     return configuration;
 }
 

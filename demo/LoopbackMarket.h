@@ -62,8 +62,8 @@ public:
     /// The base URLs of the services.
     Endpoints endpoints() const;
     QUrl url(MarketEndpoint endpoint, const QString &pathAndQuery) const;
-    /// Trusts the authority of this world's certificates and no other.
-    static QSslConfiguration clientTls() { return loopbackClientTls(); }
+    /// The PEM certificate of the authority of this world.
+    static QByteArray authorities() { return loopbackAuthorities(); }
 
     /// Adds or changes a coin, which brings it back to exchanges that lacked it.
     void setPrice(const QString &symbol, double usd, double change24hPercent = 0);

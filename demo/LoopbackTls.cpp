@@ -42,11 +42,9 @@ QSslConfiguration loopbackServerTls(LoopbackCertificate certificate)
     return tls;
 }
 
-QSslConfiguration loopbackClientTls()
+QByteArray loopbackAuthorities()
 {
-    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-    tls.setCaCertificates({QSslCertificate(shipped(QStringLiteral("authority.pem")))});
-    return tls;
+    return shipped(QStringLiteral("authority.pem"));
 }
 
 } // namespace tickwise

@@ -16,7 +16,7 @@ enum class LoopbackCertificate
 /// The TLS configuration of a loopback server.
 QSslConfiguration loopbackServerTls(LoopbackCertificate certificate);
 
-/// Trusts the loopback authority and nothing else.
-QSslConfiguration loopbackClientTls();
+/// The PEM certificate of the authority behind the valid certificates.
+QByteArray loopbackAuthorities();
 
 } // namespace tickwise

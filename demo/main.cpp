@@ -20,7 +20,7 @@ ApplicationConfiguration demoConfiguration(const LoopbackMarket &market)
     configuration.defaultsApplication += QStringLiteral("-demo");
     configuration.appGroup += QStringLiteral(".demo");
     configuration.endpoints = market.endpoints();
-    configuration.tls = LoopbackMarket::clientTls();
+    configuration.authorities = LoopbackMarket::authorities();
     return configuration;
 }
 

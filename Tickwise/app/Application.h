@@ -13,8 +13,6 @@
 #include "platform/WidgetCenter.h"
 #include "ui/UpdateWindowPresenter.h"
 
-#include <QSslConfiguration>
-
 namespace tickwise {
 
 /// What sets one build of the application apart from another: its identity, its files and the world it talks to.
@@ -25,7 +23,7 @@ struct ApplicationConfiguration
     QString defaultsApplication = QString::fromLatin1(appInfo::defaultsApplication);
     QString appGroup = QString::fromLatin1(appInfo::appGroup);
     Endpoints endpoints;
-    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+    QByteArray authorities; ///< PEM certificates, trusted instead of the system's; empty: the system's
     QString feedUrl = QString::fromLatin1(appInfo::feedUrl); ///< of the appcast; empty: no updater
     QByteArray feedKey = appInfo::feedKey;                   ///< base64 Ed25519 key of the releases
 };

@@ -1,81 +1,76 @@
 #include "platform/NetworkFailure.h"
 
-#include <algorithm>
+#include <cerrno>
 
 namespace tickwise {
 
 namespace {
 
-bool isDateError(const QSslError &error)
+// X509_V_ERR_CERT_NOT_YET_VALID and X509_V_ERR_CERT_HAS_EXPIRED of openssl/x509_vfy.h, which its ABI keeps.
+constexpr long certificateNotYetValid = 9;
+constexpr long certificateExpired = 10;
+
+UrlErrorCode certificateErrorCode(long verifyResult)
 {
-    return error.error() == QSslError::CertificateExpired || error.error() == QSslError::CertificateNotYetValid;
+    const bool isDateError = verifyResult == certificateNotYetValid || verifyResult == certificateExpired;
+    return isDateError ? UrlErrorCode::serverCertificateHasBadDate : UrlErrorCode::serverCertificateUntrusted;
 }
 
-bool isBesideTheCertificate(const QSslError &error)
+UrlErrorCode connectErrorCode(const NetworkFailure &failure)
 {
-    return error.error() == QSslError::NoSslSupport || error.error() == QSslError::NoPeerCertificate ||
-           error.error() == QSslError::UnspecifiedError;
+    switch (failure.osError) {
+    case ENETUNREACH:
+    case ENETDOWN:
+        return UrlErrorCode::notConnectedToInternet;
+    case EHOSTUNREACH:
+        return failure.hasNetwork ? UrlErrorCode::cannotConnectToHost : UrlErrorCode::notConnectedToInternet;
+    case ETIMEDOUT:
+        return UrlErrorCode::timedOut;
+    default:
+        return UrlErrorCode::cannotConnectToHost;
+    }
 }
 
-UrlErrorCode handshakeErrorCode(const QList<QSslError> &errors)
+bool isRefusedByProxy(const NetworkFailure &failure)
 {
-    if (std::all_of(errors.begin(), errors.end(), isBesideTheCertificate))
-        return UrlErrorCode::secureConnectionFailed;
-    return std::all_of(errors.begin(), errors.end(), isDateError) ? UrlErrorCode::serverCertificateHasBadDate
-                                                                  : UrlErrorCode::serverCertificateUntrusted;
-}
-
-// An unreachable network has no error of its own.
-UrlErrorCode unknownErrorCode(const NetworkFailure &failure)
-{
-    if (failure.status != 0)
-        return UrlErrorCode::networkConnectionLost;
-    return failure.hasNetwork ? UrlErrorCode::cannotConnectToHost : UrlErrorCode::notConnectedToInternet;
+    return failure.proxyStatus >= 300 && failure.status == 0;
 }
 
 } // namespace
 
-bool isStatusOnly(QNetworkReply::NetworkError error, int status)
-{
-    const bool isAboutTheAnswer = error >= QNetworkReply::ContentAccessDenied;
-    return status >= 400 &&
-           (isAboutTheAnswer || (status == 407 && error == QNetworkReply::ProxyAuthenticationRequiredError));
-}
-
 UrlErrorCode urlErrorCode(const NetworkFailure &failure)
 {
-    switch (failure.error) {
-    case QNetworkReply::HostNotFoundError:
-        return failure.hasNetwork ? UrlErrorCode::cannotFindHost : UrlErrorCode::notConnectedToInternet;
-    case QNetworkReply::ProxyNotFoundError:
-        return UrlErrorCode::cannotFindHost;
-    case QNetworkReply::ConnectionRefusedError:
-    case QNetworkReply::BackgroundRequestNotAllowedError:
-    case QNetworkReply::ProxyConnectionRefusedError:
-    case QNetworkReply::ProxyAuthenticationRequiredError:
-    case QNetworkReply::UnknownProxyError:
-        return UrlErrorCode::cannotConnectToHost;
-    case QNetworkReply::RemoteHostClosedError:
-    case QNetworkReply::TemporaryNetworkFailureError:
-    case QNetworkReply::ProxyConnectionClosedError:
-        return UrlErrorCode::networkConnectionLost;
-    case QNetworkReply::NetworkSessionFailedError:
-        return UrlErrorCode::notConnectedToInternet;
-    case QNetworkReply::TimeoutError:
-    case QNetworkReply::OperationCanceledError:
-    case QNetworkReply::ProxyTimeoutError:
-        return UrlErrorCode::timedOut;
-    case QNetworkReply::SslHandshakeFailedError:
-        return handshakeErrorCode(failure.sslErrors);
-    case QNetworkReply::TooManyRedirectsError:
-    case QNetworkReply::InsecureRedirectError:
-        return UrlErrorCode::redirectRefused;
-    case QNetworkReply::ProtocolUnknownError:
+    switch (failure.result) {
+    case CURLE_URL_MALFORMAT:
         return UrlErrorCode::badURL;
-    case QNetworkReply::UnknownContentError:
-        return UrlErrorCode::cannotParseResponse;
-    case QNetworkReply::UnknownNetworkError:
-        return unknownErrorCode(failure);
+    case CURLE_COULDNT_RESOLVE_HOST:
+        return failure.hasNetwork ? UrlErrorCode::cannotFindHost : UrlErrorCode::notConnectedToInternet;
+    case CURLE_COULDNT_RESOLVE_PROXY:
+        return UrlErrorCode::cannotFindHost;
+    case CURLE_COULDNT_CONNECT:
+        return connectErrorCode(failure);
+    case CURLE_PROXY:
+        return UrlErrorCode::cannotConnectToHost;
+    case CURLE_OPERATION_TIMEDOUT:
+        return UrlErrorCode::timedOut;
+    case CURLE_SEND_ERROR:
+    case CURLE_RECV_ERROR:
+    case CURLE_GOT_NOTHING:
+    case CURLE_PARTIAL_FILE:
+        return isRefusedByProxy(failure) ? UrlErrorCode::cannotConnectToHost : UrlErrorCode::networkConnectionLost;
+    case CURLE_PEER_FAILED_VERIFICATION:
+        return certificateErrorCode(failure.verifyResult);
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_CIPHER:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_ENGINE_NOTFOUND:
+    case CURLE_SSL_ENGINE_SETFAILED:
+    case CURLE_SSL_ENGINE_INITFAILED:
+    case CURLE_USE_SSL_FAILED:
+        return UrlErrorCode::secureConnectionFailed;
+    case CURLE_FILESIZE_EXCEEDED:
+        return UrlErrorCode::dataLengthExceedsMaximum;
     default:
         return UrlErrorCode::badServerResponse;
     }

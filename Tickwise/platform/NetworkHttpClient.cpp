@@ -1,42 +1,23 @@
 #include "platform/NetworkHttpClient.h"
 
+#include "platform/CurlSession.h"
 #include "platform/NetworkTransfer.h"
-
-#include <QHostAddress>
-#include <QNetworkProxyFactory>
 
 namespace tickwise {
 
-namespace {
-
-bool isLoopback(const QString &host)
-{
-    return host == QStringLiteral("localhost") || QHostAddress(host).isLoopback();
-}
-
-class SystemProxies : public QNetworkProxyFactory
-{
-public:
-    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery &query) override
-    {
-        return isLoopback(query.peerHostName()) ? QList{QNetworkProxy(QNetworkProxy::NoProxy)}
-                                                : systemProxyForQuery(query);
-    }
-};
-
-} // namespace
-
-NetworkHttpClient::NetworkHttpClient(const QSslConfiguration &tls, std::function<bool()> hasNetwork)
-    : m_tls(tls)
+NetworkHttpClient::NetworkHttpClient(QByteArray authorities, std::function<bool()> hasNetwork)
+    : m_authorities(std::move(authorities))
     , m_hasNetwork(std::move(hasNetwork))
+    , m_session(std::make_shared<CurlSession>())
 {
-    m_tls.setPeerVerifyMode(QSslSocket::VerifyPeer);
-    m_manager.setProxyFactory(new SystemProxies);
 }
+
+NetworkHttpClient::~NetworkHttpClient() = default;
 
 Subscription NetworkHttpClient::send(const HttpRequest &request, Completion<HttpResponse> done)
 {
-    return Subscription(std::make_unique<NetworkTransfer>(m_manager, m_tls, m_hasNetwork, request, std::move(done)));
+    TransferNetwork network{m_session, m_proxies, m_lifetime, m_authorities, m_hasNetwork};
+    return Subscription(std::make_unique<NetworkTransfer>(std::move(network), request, std::move(done)));
 }
 
 } // namespace tickwise

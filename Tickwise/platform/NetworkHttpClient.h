@@ -2,30 +2,33 @@
 
 #include "market/HttpClient.h"
 #include "platform/NetworkWatch.h"
-
-#include <QNetworkAccessManager>
-#include <QSslConfiguration>
+#include "platform/SystemProxies.h"
 
 namespace tickwise {
 
-/// HTTP/1.1 over Qt: certificates verified, the system's proxies (never for loopback addresses), connections kept
+class CurlSession;
+
+/// HTTP/1.1 over libcurl: certificates verified, the system's proxies (never for loopback addresses), connections kept
 /// alive, nothing cached, no cookies, at most five redirects and none from https to http.
 ///
-/// Errors are `UrlLoadingError` with Qt's text as detail; a status of 400 and above is a response. A sink that takes no
-/// bytes ends in `FileError`. Destroying the client ends what is under way with `cancelled`.
+/// Errors are `UrlLoadingError` with libcurl's text as detail; a status of 400 and above is a response. A sink that
+/// takes no bytes ends in `FileError`. Destroying the client ends what is under way with `cancelled`.
 class NetworkHttpClient : public HttpClient
 {
 public:
-    /// `tls` names the trusted authorities; `hasNetwork` is asked only to tell why a host was not found or not reached.
-    explicit NetworkHttpClient(const QSslConfiguration &tls = QSslConfiguration::defaultConfiguration(),
-                               std::function<bool()> hasNetwork = machineHasNetwork);
+    /// `authorities` are PEM certificates, trusted instead of the system's if there are any; `hasNetwork` is asked only
+    /// to tell why a host was not found or not reached.
+    explicit NetworkHttpClient(QByteArray authorities = {}, std::function<bool()> hasNetwork = machineHasNetwork);
+    ~NetworkHttpClient() override;
 
     [[nodiscard]] Subscription send(const HttpRequest &request, Completion<HttpResponse> done) override;
 
 private:
-    QNetworkAccessManager m_manager;
-    QSslConfiguration m_tls;
+    QByteArray m_authorities;
     std::function<bool()> m_hasNetwork;
+    SystemProxies m_proxies;
+    std::shared_ptr<CurlSession> m_session;
+    QObject m_lifetime;
 };
 
 } // namespace tickwise

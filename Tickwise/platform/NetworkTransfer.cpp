@@ -1,18 +1,20 @@
 #include "platform/NetworkTransfer.h"
 
-#include "platform/NetworkFailure.h"
+#include "platform/CurlSession.h"
+#include "platform/SystemProxies.h"
 
 #include <QFileDevice>
-#include <QNetworkAccessManager>
-
-#include <array>
+#include <QPointer>
 
 namespace tickwise {
 
 namespace {
 
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
 constexpr int maximumRedirects = 5;
-constexpr qint64 readBufferBytes = 64 * 1024;
+constexpr qsizetype parserPadding = 64; // a parser that may read behind the end needs no copy of the body
 
 bool isHttp(const QUrl &url)
 {
@@ -23,24 +25,6 @@ bool isHttp(const QUrl &url)
 int portOf(const QUrl &url)
 {
     return url.port(url.scheme() == QStringLiteral("https") ? 443 : 80);
-}
-
-QNetworkRequest networkRequest(const HttpRequest &request, const QUrl &url, const QSslConfiguration &tls)
-{
-    QNetworkRequest made(url);
-    made.setSslConfiguration(tls);
-    made.setTransferTimeout(static_cast<int>(request.timeout.count()));
-    // Said by us, Qt leaves the inflating to us, which it could not stop at a limit without losing the reply.
-    made.setRawHeader("Accept-Encoding", "gzip");
-    made.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    made.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    made.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    made.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    made.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
-    made.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    // One request at a time goes to a host: a second stream would bring nothing.
-    made.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    return made;
 }
 
 FileError sinkError(const QIODevice &sink)
@@ -60,23 +44,21 @@ bool mayRedirect(const HttpRequest &request, const QUrl &from, const QUrl &to)
     return from.scheme() == to.scheme() && from.host() == to.host() && portOf(from) == portOf(to);
 }
 
-NetworkTransfer::NetworkTransfer(QNetworkAccessManager &manager, const QSslConfiguration &tls,
-                                 std::function<bool()> hasNetwork, const HttpRequest &request,
-                                 Completion<HttpResponse> done)
-    : m_manager(manager)
-    , m_tls(tls)
-    , m_hasNetwork(std::move(hasNetwork))
+NetworkTransfer::NetworkTransfer(TransferNetwork network, const HttpRequest &request, Completion<HttpResponse> done)
+    : m_network(std::move(network))
     , m_request(request)
     , m_done(std::move(done))
+    , m_end(steady_clock::now() + request.deadline)
 {
     if (!isHttp(request.url)) {
         fail(UrlErrorCode::badURL, request.url.toString());
         return;
     }
-    m_deadline.setSingleShot(true);
-    m_deadline.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&m_deadline, &QTimer::timeout, &m_context, [this] { failForDeadline(); });
-    m_deadline.start(request.deadline);
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&m_timer, &QTimer::timeout, &m_context, [this] { watchTime(); });
+    QObject::connect(&m_network.lifetime, &QObject::destroyed, &m_context,
+                     [this] { fail(UrlErrorCode::cancelled, QStringLiteral("The client is gone")); });
     open(request.url);
 }
 
@@ -87,63 +69,86 @@ NetworkTransfer::~NetworkTransfer()
 
 void NetworkTransfer::open(const QUrl &url)
 {
-    QNetworkReply *reply = m_manager.get(networkRequest(m_request, url, m_tls));
-    m_reply = reply;
+    m_url = url;
+    m_response = {};
     m_gzip.reset();
     m_received = 0;
-    reply->setReadBufferSize(readBufferBytes);
-    QObject::connect(reply, &QNetworkReply::sslErrors, &m_context,
-                     [this](const QList<QSslError> &e) { m_sslErrors = e; });
-    QObject::connect(reply, &QNetworkReply::metaDataChanged, &m_context, [this] { readHead(); });
-    QObject::connect(reply, &QNetworkReply::readyRead, &m_context, [this] { readBody(); });
-    QObject::connect(reply, &QNetworkReply::finished, &m_context, [this] { conclude(); });
-    QObject::connect(reply, &QObject::destroyed, &m_context,
-                     [this] { fail(UrlErrorCode::cancelled, QStringLiteral("The client is gone")); });
+    m_lastByte = steady_clock::now();
+    watchTime();
+    if (isLoopback(url.host()))
+        start({});
+    else
+        m_proxyQuery = m_network.proxies.find(url, [this](const QByteArray &proxy) { start(proxy); });
 }
 
-int NetworkTransfer::status() const
+void NetworkTransfer::start(const QByteArray &proxy)
 {
-    return m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    m_exchange = m_network.session->start({m_url, proxy, m_network.authorities}, *this);
+}
+
+// The one timer runs until the end of the longest wait as it was seen last; bytes that came since only move its next
+// end.
+void NetworkTransfer::watchTime()
+{
+    const Instant now = steady_clock::now();
+    const Instant silence = m_lastByte + m_request.timeout;
+    if (now >= m_end)
+        fail(UrlErrorCode::timedOut, QStringLiteral("not done after %1 ms").arg(m_request.deadline.count()));
+    else if (now >= silence)
+        fail(UrlErrorCode::timedOut, QStringLiteral("nothing for %1 ms").arg(m_request.timeout.count()));
+    else
+        m_timer.start(std::chrono::ceil<milliseconds>(std::min(silence, m_end) - now));
 }
 
 bool NetworkTransfer::isRedirect() const
 {
-    const int code = status();
-    return (code == 301 || code == 302 || code == 303 || code == 307 || code == 308) &&
-           m_reply->hasRawHeader("Location");
+    const int code = m_response.status;
+    return (code == 301 || code == 302 || code == 303 || code == 307 || code == 308) && m_response.header("Location");
 }
 
 bool NetworkTransfer::isGzip() const
 {
-    return m_reply->rawHeader("Content-Encoding").trimmed().compare("gzip", Qt::CaseInsensitive) == 0;
+    const auto encoding = m_response.header("Content-Encoding");
+    return encoding && encoding->compare("gzip", Qt::CaseInsensitive) == 0;
+}
+
+bool NetworkTransfer::goesToSink() const
+{
+    return m_request.sink && m_response.status >= 200 && m_response.status <= 299;
 }
 
 qint64 NetworkTransfer::announcedLength() const
 {
-    const QVariant length = m_reply->header(QNetworkRequest::ContentLengthHeader);
-    return length.isValid() ? length.toLongLong() : -1;
+    bool isNumber = false;
+    const qint64 length = m_response.header("Content-Length").value_or(QByteArray()).toLongLong(&isNumber);
+    return isNumber ? length : -1;
 }
 
-void NetworkTransfer::readHead()
+bool NetworkTransfer::takeHead(HttpResponse head)
 {
-    if (m_reply && announcedLength() > m_request.maximumBytes)
+    m_lastByte = steady_clock::now();
+    m_response = std::move(head);
+    if (announcedLength() > m_request.maximumBytes) {
         fail(UrlErrorCode::dataLengthExceedsMaximum, QStringLiteral("%1 bytes announced").arg(announcedLength()));
+        return false;
+    }
+    reserveBody();
+    return true;
 }
 
-void NetworkTransfer::readBody()
+void NetworkTransfer::reserveBody()
 {
-    std::array<char, 16 * 1024> chunk; // NOLINT: filled by read
-    bool any = false;
-    while (m_reply && m_reply->isOpen()) {
-        const qint64 count = m_reply->read(chunk.data(), chunk.size());
-        if (count <= 0)
-            break;
-        any = true;
-        if (!decode(chunk.data(), count))
-            return;
-    }
-    if (any && m_reply)
-        reportProgress();
+    if (announcedLength() > 0 && !isGzip() && !isRedirect() && !goesToSink())
+        m_response.body.reserve(announcedLength() + parserPadding);
+}
+
+bool NetworkTransfer::takeBody(const char *bytes, qint64 count)
+{
+    m_lastByte = steady_clock::now();
+    if (!decode(bytes, count))
+        return false;
+    reportProgress();
+    return true;
 }
 
 bool NetworkTransfer::decode(const char *bytes, qint64 count)
@@ -171,12 +176,15 @@ bool NetworkTransfer::store(const char *bytes, qint64 count)
 
 bool NetworkTransfer::deliver(const char *bytes, qint64 count)
 {
-    if (!m_request.sink || status() < 200 || status() > 299) {
-        m_body.append(bytes, count);
+    if (!goesToSink()) {
+        m_response.body.append(bytes, count);
         return true;
     }
-    if (m_request.sink->write(bytes, count) == count)
-        return true;
+    // Whoever listens to the sink may drop the handle.
+    const QPointer<QObject> alive(&m_context);
+    const bool isTaken = m_request.sink->write(bytes, count) == count;
+    if (isTaken || !alive)
+        return isTaken && alive;
     finish(failure(sinkError(*m_request.sink)));
     return false;
 }
@@ -190,55 +198,38 @@ void NetworkTransfer::reportProgress()
     progress(m_received, isGzip() ? -1 : announcedLength());
 }
 
-void NetworkTransfer::conclude()
+void NetworkTransfer::takeEnd(NetworkFailure why)
 {
-    const QPointer<QObject> alive(&m_context);
-    readBody();
-    if (!alive || !m_reply)
-        return;
-    const QNetworkReply::NetworkError error = m_reply->error();
-    if (error != QNetworkReply::NoError && !isStatusOnly(error, status())) {
-        const NetworkFailure why{error, m_reply->errorString(), m_sslErrors, status(), m_hasNetwork()};
+    m_exchange = nullptr;
+    if (why.result != CURLE_OK) {
+        why.hasNetwork = m_network.hasNetwork();
         fail(urlErrorCode(why), why.text);
         return;
     }
     if (isRedirect()) {
-        follow(m_reply->url().resolved(QUrl::fromEncoded(m_reply->rawHeader("Location"))));
-        return;
-    }
-    if (status() == 0) {
-        fail(UrlErrorCode::badServerResponse, QStringLiteral("no HTTP answer"));
+        follow();
         return;
     }
     if (m_gzip && !m_gzip->isComplete()) {
         fail(UrlErrorCode::networkConnectionLost, QStringLiteral("the gzip stream ends early"));
         return;
     }
-    finish(takeResponse());
+    finish(std::move(m_response));
 }
 
-HttpResponse NetworkTransfer::takeResponse()
+void NetworkTransfer::follow()
 {
-    HttpResponse response{status(), {}, std::move(m_body)};
-    for (const QNetworkReply::RawHeaderPair &header : m_reply->rawHeaderPairs())
-        response.headers.emplace_back(header.first, header.second);
-    return response;
-}
-
-void NetworkTransfer::follow(const QUrl &target)
-{
-    const QUrl from = m_reply->url();
-    if (++m_redirects > maximumRedirects || !mayRedirect(m_request, from, target)) {
-        fail(UrlErrorCode::redirectRefused, from.host() + QStringLiteral(" sends to ") + target.toString());
+    const QUrl target = m_url.resolved(QUrl::fromEncoded(m_response.header("Location").value_or(QByteArray())));
+    // The request's rule may drop the handle, and with it the function that it is.
+    const QPointer<QObject> alive(&m_context);
+    const HttpRequest request = m_request;
+    const bool mayFollow = ++m_redirects <= maximumRedirects && mayRedirect(request, QUrl(m_url), target);
+    if (!alive || !m_network.session)
         return;
-    }
-    release();
-    open(target);
-}
-
-void NetworkTransfer::failForDeadline()
-{
-    fail(UrlErrorCode::timedOut, QStringLiteral("not done after %1 ms").arg(m_request.deadline.count()));
+    if (mayFollow)
+        open(target);
+    else
+        fail(UrlErrorCode::redirectRefused, m_url.host() + QStringLiteral(" sends to ") + target.toString());
 }
 
 void NetworkTransfer::fail(UrlErrorCode code, const QString &detail)
@@ -246,14 +237,13 @@ void NetworkTransfer::fail(UrlErrorCode code, const QString &detail)
     UrlLoadingError error;
     error.code = code;
     error.detail = detail;
-    error.httpStatus = m_reply ? status() : 0;
+    error.httpStatus = m_response.status;
     finish(failure(std::move(error)));
 }
 
-// The completion runs in an event of its own, outside of any signal of the reply, so that it may destroy the client.
+// The completion runs in an event of its own, outside of libcurl's work, so that it may destroy the client.
 void NetworkTransfer::finish(Result<HttpResponse> result)
 {
-    m_deadline.stop();
     release();
     QMetaObject::invokeMethod(
         &m_context,
@@ -266,13 +256,14 @@ void NetworkTransfer::finish(Result<HttpResponse> result)
 
 void NetworkTransfer::release()
 {
-    if (!m_reply)
+    if (!m_network.session)
         return;
-    QNetworkReply *reply = m_reply;
-    m_reply = nullptr;
-    QObject::disconnect(reply, nullptr, &m_context, nullptr);
-    reply->abort();
-    reply->deleteLater();
+    m_timer.stop();
+    QObject::disconnect(&m_network.lifetime, nullptr, &m_context, nullptr);
+    m_proxyQuery.cancel();
+    if (m_exchange)
+        m_network.session->drop(std::exchange(m_exchange, nullptr));
+    m_network.session.reset();
 }
 
 } // namespace tickwise

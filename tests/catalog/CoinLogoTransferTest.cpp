@@ -64,7 +64,7 @@ void CoinLogoTransferTest::start(LoopbackCertificate certificate)
     m_market = std::make_unique<LoopbackMarket>(options);
     m_market->addFile(QStringLiteral("/logos/bitcoin.png"), m_logo, "image/png");
     m_market->addFile(QStringLiteral("/elsewhere/bitcoin.png"), m_logo, "image/png");
-    m_client = std::make_unique<NetworkHttpClient>(LoopbackMarket::clientTls());
+    m_client = std::make_unique<NetworkHttpClient>(LoopbackMarket::authorities());
     m_store =
         std::make_unique<CoinLogoStore>(CoinLogoCache::inContainer(m_container->path()), *m_client, isLoopbackLogo);
 }

@@ -99,7 +99,7 @@ void LoopbackMarketTest::init()
 {
     LoopbackMarket::Options options;
     options.clock = m_clock.clock();
-    m_client = std::make_unique<NetworkHttpClient>(LoopbackMarket::clientTls());
+    m_client = std::make_unique<NetworkHttpClient>(LoopbackMarket::authorities());
     m_market = std::make_unique<LoopbackMarket>(options);
     m_market->setPrice(QStringLiteral("BTC"), 67432.1, 2.5);
     m_market->setPrice(QStringLiteral("ETH"), 3521.44, -1.25);

@@ -89,7 +89,7 @@ void MarketServiceTest::start(LoopbackMarket::Options options)
     m_market->setPrice(eth, 3521.44, -1.25);
     m_market->setPrice(sol, 150.5, 10);
     m_market->setRate(QStringLiteral("EUR"), 0.5);
-    m_client = std::make_unique<NetworkHttpClient>(LoopbackMarket::clientTls(), [] { return true; });
+    m_client = std::make_unique<NetworkHttpClient>(LoopbackMarket::authorities(), [] { return true; });
     m_rates = std::make_unique<ExchangeRateService>(*m_client, m_market->endpoints(),
                                                     ExchangeRateCacheStore(std::nullopt), m_clock.clock());
     m_prices = std::make_unique<PriceService>(*m_client, *m_rates, m_market->endpoints(), m_clock.clock());

@@ -149,7 +149,7 @@ void NetworkHttpClientTest::start(Transport transport, LoopbackCertificate certi
     LoopbackMarket::Options options;
     options.transport = transport;
     options.certificate = certificate;
-    m_client = std::make_unique<NetworkHttpClient>(LoopbackMarket::clientTls(), [] { return true; });
+    m_client = std::make_unique<NetworkHttpClient>(LoopbackMarket::authorities(), [] { return true; });
     m_market = std::make_unique<LoopbackMarket>(options);
     m_market->setPrice(QStringLiteral("BTC"), 67432.1, 2.5);
     m_market->addFile(QStringLiteral("/a.txt"), "the file", "text/plain");
@@ -157,49 +157,54 @@ void NetworkHttpClientTest::start(Transport transport, LoopbackCertificate certi
 
 void NetworkHttpClientTest::failureCodes_data()
 {
-    using Error = QNetworkReply;
     QTest::addColumn<NetworkFailure>("failure");
     QTest::addColumn<UrlErrorCode>("code");
     const auto row = [](const char *name, NetworkFailure failure, UrlErrorCode code) {
         QTest::newRow(name) << failure << code;
     };
-    const QSslError expired(QSslError::CertificateExpired);
-    const QSslError early(QSslError::CertificateNotYetValid);
-    const QSslError untrusted(QSslError::SelfSignedCertificateInChain);
-    const QSslError otherName(QSslError::HostNameMismatch);
-    row("refused", {Error::ConnectionRefusedError}, UrlErrorCode::cannotConnectToHost);
-    row("closed", {Error::RemoteHostClosedError}, UrlErrorCode::networkConnectionLost);
-    row("host", {Error::HostNotFoundError}, UrlErrorCode::cannotFindHost);
-    row("host, no network", {Error::HostNotFoundError, {}, {}, 0, false}, UrlErrorCode::notConnectedToInternet);
-    row("socket time-out", {Error::TimeoutError}, UrlErrorCode::timedOut);
-    row("transfer time-out", {Error::OperationCanceledError}, UrlErrorCode::timedOut);
-    row("handshake", {Error::SslHandshakeFailedError}, UrlErrorCode::secureConnectionFailed);
-    row("expired", {Error::SslHandshakeFailedError, {}, {expired}}, UrlErrorCode::serverCertificateHasBadDate);
-    row("both dates", {Error::SslHandshakeFailedError, {}, {expired, early}},
-        UrlErrorCode::serverCertificateHasBadDate);
-    row("expired and untrusted", {Error::SslHandshakeFailedError, {}, {expired, untrusted}},
-        UrlErrorCode::serverCertificateUntrusted);
-    row("other name", {Error::SslHandshakeFailedError, {}, {otherName}}, UrlErrorCode::serverCertificateUntrusted);
-    row("no certificate", {Error::SslHandshakeFailedError, {}, {QSslError(QSslError::NoPeerCertificate)}},
-        UrlErrorCode::secureConnectionFailed);
-    row("temporary", {Error::TemporaryNetworkFailureError}, UrlErrorCode::networkConnectionLost);
-    row("session", {Error::NetworkSessionFailedError}, UrlErrorCode::notConnectedToInternet);
-    row("background", {Error::BackgroundRequestNotAllowedError}, UrlErrorCode::cannotConnectToHost);
-    row("many redirects", {Error::TooManyRedirectsError}, UrlErrorCode::redirectRefused);
-    row("insecure redirect", {Error::InsecureRedirectError}, UrlErrorCode::redirectRefused);
-    row("unreachable", {Error::UnknownNetworkError}, UrlErrorCode::cannotConnectToHost);
-    row("unreachable, no network", {Error::UnknownNetworkError, {}, {}, 0, false},
+    const auto connect = [](int osError, bool hasNetwork = true) {
+        return NetworkFailure{.result = CURLE_COULDNT_CONNECT, .osError = osError, .hasNetwork = hasNetwork};
+    };
+    const auto certificate = [](long verdict) {
+        return NetworkFailure{.result = CURLE_PEER_FAILED_VERIFICATION, .verifyResult = verdict};
+    };
+    row("refused", connect(ECONNREFUSED), UrlErrorCode::cannotConnectToHost);
+    row("refused, no network", connect(ECONNREFUSED, false), UrlErrorCode::cannotConnectToHost);
+    row("nothing known", connect(0), UrlErrorCode::cannotConnectToHost);
+    row("network unreachable", connect(ENETUNREACH), UrlErrorCode::notConnectedToInternet);
+    row("network down", connect(ENETDOWN), UrlErrorCode::notConnectedToInternet);
+    row("host unreachable", connect(EHOSTUNREACH), UrlErrorCode::cannotConnectToHost);
+    row("host unreachable, no network", connect(EHOSTUNREACH, false), UrlErrorCode::notConnectedToInternet);
+    row("socket time-out", connect(ETIMEDOUT), UrlErrorCode::timedOut);
+    row("host", {CURLE_COULDNT_RESOLVE_HOST}, UrlErrorCode::cannotFindHost);
+    row("host, no network", {.result = CURLE_COULDNT_RESOLVE_HOST, .hasNetwork = false},
         UrlErrorCode::notConnectedToInternet);
-    row("broken in the body", {Error::UnknownNetworkError, {}, {}, 200, false}, UrlErrorCode::networkConnectionLost);
-    row("proxy refused", {Error::ProxyConnectionRefusedError}, UrlErrorCode::cannotConnectToHost);
-    row("proxy closed", {Error::ProxyConnectionClosedError}, UrlErrorCode::networkConnectionLost);
-    row("proxy host", {Error::ProxyNotFoundError}, UrlErrorCode::cannotFindHost);
-    row("proxy time-out", {Error::ProxyTimeoutError}, UrlErrorCode::timedOut);
-    row("proxy password", {Error::ProxyAuthenticationRequiredError}, UrlErrorCode::cannotConnectToHost);
-    row("proxy", {Error::UnknownProxyError}, UrlErrorCode::cannotConnectToHost);
-    row("scheme", {Error::ProtocolUnknownError}, UrlErrorCode::badURL);
-    row("damaged", {Error::UnknownContentError, {}, {}, 200}, UrlErrorCode::cannotParseResponse);
-    row("no HTTP", {Error::ProtocolFailure}, UrlErrorCode::badServerResponse);
+    row("time-out", {CURLE_OPERATION_TIMEDOUT}, UrlErrorCode::timedOut);
+    row("reset", {CURLE_RECV_ERROR}, UrlErrorCode::networkConnectionLost);
+    row("reset while sending", {CURLE_SEND_ERROR}, UrlErrorCode::networkConnectionLost);
+    row("closed", {CURLE_GOT_NOTHING}, UrlErrorCode::networkConnectionLost);
+    row("cut", {.result = CURLE_PARTIAL_FILE, .status = 200}, UrlErrorCode::networkConnectionLost);
+    row("broken in the body", {.result = CURLE_RECV_ERROR, .status = 200, .hasNetwork = false},
+        UrlErrorCode::networkConnectionLost);
+    row("broken in the body, behind a proxy", {.result = CURLE_RECV_ERROR, .proxyStatus = 200, .status = 200},
+        UrlErrorCode::networkConnectionLost);
+    row("handshake", {CURLE_SSL_CONNECT_ERROR}, UrlErrorCode::secureConnectionFailed);
+    row("no cipher", {CURLE_SSL_CIPHER}, UrlErrorCode::secureConnectionFailed);
+    row("no authorities", {CURLE_SSL_CACERT_BADFILE}, UrlErrorCode::secureConnectionFailed);
+    row("early", certificate(9), UrlErrorCode::serverCertificateHasBadDate);
+    row("expired", certificate(10), UrlErrorCode::serverCertificateHasBadDate);
+    row("self-signed", certificate(18), UrlErrorCode::serverCertificateUntrusted);
+    row("unknown issuer", certificate(20), UrlErrorCode::serverCertificateUntrusted);
+    row("revoked", certificate(23), UrlErrorCode::serverCertificateUntrusted);
+    row("other name", certificate(0), UrlErrorCode::serverCertificateUntrusted);
+    row("proxy refuses", {.result = CURLE_RECV_ERROR, .proxyStatus = 502}, UrlErrorCode::cannotConnectToHost);
+    row("proxy password", {.result = CURLE_RECV_ERROR, .proxyStatus = 407}, UrlErrorCode::cannotConnectToHost);
+    row("proxy host", {CURLE_COULDNT_RESOLVE_PROXY}, UrlErrorCode::cannotFindHost);
+    row("proxy", {CURLE_PROXY}, UrlErrorCode::cannotConnectToHost);
+    row("URL", {CURLE_URL_MALFORMAT}, UrlErrorCode::badURL);
+    row("no HTTP", {CURLE_UNSUPPORTED_PROTOCOL}, UrlErrorCode::badServerResponse);
+    row("strange reply", {CURLE_WEIRD_SERVER_REPLY}, UrlErrorCode::badServerResponse);
+    row("many headers", {CURLE_FILESIZE_EXCEEDED}, UrlErrorCode::dataLengthExceedsMaximum);
 }
 
 void NetworkHttpClientTest::failureCodes()
@@ -244,8 +249,7 @@ void NetworkHttpClientTest::faultsOverPlainAndTls_data()
             faults::together(
                 {faults::body("\x1f\x8bnothing of the kind"), faults::headers({{"Content-Encoding", "gzip"}})}),
             UrlErrorCode::cannotParseResponse);
-        // Qt gives up such a connection as if it had been lost.
-        row("not HTTP", faults::notHttp(), UrlErrorCode::networkConnectionLost);
+        row("not HTTP", faults::notHttp(), UrlErrorCode::badServerResponse);
         row("redirect elsewhere", faults::redirect(QUrl(QStringLiteral("https://www.example.invalid/"))),
             UrlErrorCode::redirectRefused);
     }
@@ -791,7 +795,7 @@ void NetworkHttpClientTest::refusedConnection()
 void NetworkHttpClientTest::unknownHost()
 {
     for (const bool hasNetwork : {true, false}) {
-        NetworkHttpClient client(QSslConfiguration::defaultConfiguration(), [hasNetwork] { return hasNetwork; });
+        NetworkHttpClient client({}, [hasNetwork] { return hasNetwork; });
         Outcome outcome;
         HttpRequest request = to(QUrl(QStringLiteral("http://no-such-host.invalid/")));
         request.timeout = 30s;

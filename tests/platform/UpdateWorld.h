@@ -86,7 +86,7 @@ public:
     QStringList opened;
     QByteArray openedContent;
     UpdaterConfiguration configuration;
-    NetworkHttpClient http{loopbackClientTls()};
+    NetworkHttpClient http{loopbackAuthorities()};
     std::unique_ptr<UpdateController> controller;
 
 private:
