@@ -46,7 +46,7 @@ std::optional<QStringList> pairsOf(const QString &symbols)
     if (!legal.match(symbols).hasMatch())
         return std::nullopt;
     QStringList pairs;
-    for (const QJsonValue &pair : QJsonDocument::fromJson(symbols.toUtf8()).array())
+    for (const auto &pair : QJsonDocument::fromJson(symbols.toUtf8()).array())
         pairs.append(pair.toString());
     return pairs;
 }

@@ -75,7 +75,7 @@ QStringList listedSymbols()
         qFatal("The coin catalog is not built in");
     QStringList symbols;
     const QJsonArray coins = QJsonDocument::fromJson(file.readAll()).object().value(QStringLiteral("coins")).toArray();
-    for (const QJsonValue &coin : coins) {
+    for (const auto &coin : coins) {
         if (coin[QStringLiteral("listed")].toBool())
             symbols.append(coin[QStringLiteral("symbol")].toString());
     }

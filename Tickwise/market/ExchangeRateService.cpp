@@ -2,12 +2,15 @@
 
 #include "market/FailureReason.h"
 #include "market/HttpStatus.h"
+#include "support/Log.h"
 
 #include <utility>
 
 namespace tickwise {
 
 namespace {
+
+Q_LOGGING_CATEGORY(lcRates, "com.pelmo.tickwise.ExchangeRates")
 
 constexpr int tooManyRequests = 429;
 
@@ -59,15 +62,18 @@ private:
         const ExchangeRateProvider &provider = *m_service.m_providers[index];
         const Result<RateTable> table =
             response.and_then(classify).and_then([&](const QByteArray &body) { return provider.decode(body); });
-        if (table)
-            m_service.receiveTable(table);
-        else
-            attemptFailed(index, table.error());
+        if (!table)
+            return attemptFailed(index, table.error());
+        m_service.m_failing.forget(&provider);
+        m_service.receiveTable(table);
     }
 
     void attemptFailed(std::size_t index, const Error &error)
     {
         const QString &provider = m_service.m_providers[index]->urlString();
+        if (const QString text = description(error);
+            m_service.m_failing.isNew(m_service.m_providers[index].get(), text))
+            qCInfo(lcRates).noquote() << provider << "gives no rates:" << text;
         ProviderFailure cause{provider, failureReason(error), std::nullopt};
         if (const auto *const limited = std::get_if<TickerProviderError>(&error)) {
             const Pause pause = Pause::lasting(*limited->retryAfter, m_service.m_clock());

@@ -3,6 +3,7 @@
 #include "market/ExchangeRateCacheStore.h"
 #include "market/HttpClient.h"
 #include "market/Pause.h"
+#include "market/ProviderCauses.h"
 #include "settings/AppSettings.h"
 #include "support/Subscription.h"
 
@@ -55,6 +56,7 @@ private:
     Clock m_clock;
     RateTable m_cachedRates;
     std::optional<TimePoint> m_cacheTimestamp;
+    ProviderCauses m_failing;
     QHash<QString, Pause> m_rateLimits; // by the provider's address
     std::unique_ptr<TableFetch> m_inFlight;
     std::vector<Waiting *> m_waiting;

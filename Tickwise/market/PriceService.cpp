@@ -2,6 +2,7 @@
 
 #include "market/FailureReason.h"
 #include "market/HttpStatus.h"
+#include "market/ProviderCauses.h"
 #include "market/ProviderHealth.h"
 #include "market/TickerProviders.h"
 #include "support/Log.h"
@@ -40,15 +41,13 @@ struct PriceService::Core
     std::vector<std::unique_ptr<TickerProvider>> providers;
     Clock clock;
     ProviderHealth health;
-    std::vector<SnapshotFetch *> fetches;              // those under way
-    QHash<const TickerProvider *, QString> lastLogged; // an exchange that stays away is one line, not one a poll
+    std::vector<SnapshotFetch *> fetches; // those under way
+    ProviderCauses causes;
 
     void log(const TickerProvider &provider, const QString &text)
     {
-        if (lastLogged.value(&provider) == text)
-            return;
-        lastLogged.insert(&provider, text);
-        qCInfo(lcPrices).noquote() << provider.providerName() << "gives no prices:" << text;
+        if (causes.isNew(&provider, text))
+            qCInfo(lcPrices).noquote() << provider.providerName() << "gives no prices:" << text;
     }
 };
 
@@ -204,7 +203,7 @@ private:
             provider.providerName(), asked, [&](const QString &symbol) { return quotes.contains(symbol); },
             m_core->clock());
         if (!quotes.isEmpty())
-            m_core->lastLogged.remove(&provider);
+            m_core->causes.forget(&provider);
     }
 
     void noteFailure(const TickerProvider &provider, const Error &error)

@@ -12,7 +12,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr qint64 maximumTableBytes = 1024 * 1024;
+constexpr qint64 maximumTableBytes = 1024LL * 1024;
 
 // linux/route.h, linux/ipv6_route.h
 constexpr uint routeIsUp = 0x0001;

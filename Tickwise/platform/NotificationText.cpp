@@ -10,7 +10,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr int longestLine = 200; ///< characters
+constexpr qsizetype longestLine = 200; ///< characters
 constexpr uchar normalUrgency = 1;
 constexpr int serviceDecides = -1; ///< how long the notification stays
 
@@ -25,7 +25,7 @@ QString shortened(const QString &text)
 {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     qsizetype end = 0;
-    for (int i = 1; i < longestLine && end >= 0; ++i)
+    for (qsizetype i = 1; i < longestLine && end >= 0; ++i)
         end = finder.toNextBoundary();
     const qsizetype whole = end < 0 ? end : finder.toNextBoundary();
     return whole < 0 || whole == text.size() ? text : text.left(end) + u'…';

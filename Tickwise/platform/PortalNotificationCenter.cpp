@@ -34,7 +34,7 @@ QString activationToken(const QVariantList &parameter)
 {
     for (const QVariant &value : parameter) {
         const auto data = qdbus_cast<QVariantMap>(value);
-        const QString token = data.value(QStringLiteral("activation-token")).toString();
+        QString token = data.value(QStringLiteral("activation-token")).toString();
         if (!token.isEmpty())
             return token;
     }

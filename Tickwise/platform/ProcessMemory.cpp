@@ -57,7 +57,7 @@ void releaseUnusedMemory()
     QFile smaps(QStringLiteral("/proc/self/smaps"));
     if (smaps.open(QIODevice::ReadOnly)) {
         for (const MemoryRange &range : cleanFileMappings(smaps))
-            madvise(reinterpret_cast<void *>(range.begin), range.bytes, MADV_DONTNEED);
+            madvise(reinterpret_cast<void *>(range.begin), range.bytes, MADV_DONTNEED); // NOLINT: the kernel's number
     }
     malloc_trim(0);
 }

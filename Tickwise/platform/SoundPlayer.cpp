@@ -1,12 +1,11 @@
 #include "platform/SoundPlayer.h"
 
+#include "support/DetachedWork.h"
+
 #include <QLibrary>
 #include <QLoggingCategory>
-#include <QPromise>
 
 #include <canberra.h>
-
-#include <thread>
 
 namespace tickwise {
 
@@ -67,7 +66,7 @@ public:
     /// Why there is no sound; empty when there is.
     QString play()
     {
-        if (const QString missing = m_library.load(); !missing.isEmpty())
+        if (QString missing = m_library.load(); !missing.isEmpty())
             return missing;
         constexpr uint32_t sound = 0;
         int failed = open();
@@ -110,15 +109,8 @@ void SoundPlayer::play()
 {
     if (m_start.isRunning())
         return;
-    QPromise<QString> promise;
-    promise.start();
-    m_start.setFuture(promise.future());
-    // The library waits for the sound server's answer, and the server may hang: the thread shares the context and is
-    // left to itself.
-    std::thread([context = m_context, promise = std::move(promise)]() mutable {
-        promise.addResult(context->play());
-        promise.finish();
-    }).detach();
+    // The library waits for the sound server's answer, and the server may hang.
+    m_start.setFuture(runDetached([context = m_context] { return context->play(); }));
 }
 
 } // namespace tickwise

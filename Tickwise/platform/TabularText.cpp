@@ -44,12 +44,16 @@ TabularText::TabularText(const QFont &font)
 {
 }
 
+// A single character needs no shaping, which costs more than all the rest.
+double TabularText::advanceOf(const QString &run) const
+{
+    return run.size() == 1 ? m_metrics.horizontalAdvance(run.front()) : m_metrics.horizontalAdvance(run);
+}
+
 double TabularText::width(const QString &text) const
 {
     double total = 0;
-    forEachRun(text, [&](const QString &run, bool digit) {
-        total += digit ? m_cell : std::round(m_metrics.horizontalAdvance(run));
-    });
+    forEachRun(text, [&](const QString &run, bool digit) { total += digit ? m_cell : std::round(advanceOf(run)); });
     return total;
 }
 
@@ -57,7 +61,7 @@ void TabularText::draw(QPainter &painter, double x, double baseline, const QStri
 {
     painter.setFont(m_font);
     forEachRun(text, [&](const QString &run, bool digit) {
-        const double advance = m_metrics.horizontalAdvance(run);
+        const double advance = advanceOf(run);
         const double inset = digit ? std::round((m_cell - advance) / 2) : 0;
         painter.drawText(QPointF(x + inset, baseline), run);
         x += digit ? m_cell : std::round(advance);

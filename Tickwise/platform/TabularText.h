@@ -21,6 +21,8 @@ public:
     void draw(QPainter &painter, double x, double baseline, const QString &text) const;
 
 private:
+    double advanceOf(const QString &run) const;
+
     QFont m_font;
     QFontMetricsF m_metrics;
     double m_cell;

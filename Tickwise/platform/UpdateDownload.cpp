@@ -1,6 +1,6 @@
 #include "platform/UpdateDownload.h"
 
-#include "ui/UpdateSignature.h"
+#include "support/DetachedWork.h"
 
 #include <QDir>
 
@@ -52,6 +52,8 @@ UpdateDownload::UpdateDownload(HttpClient &http, UpdateDownloadOrder order)
     , m_order(std::move(order))
     , m_file(QDir(m_order.directory).filePath(QStringLiteral("download.part")))
 {
+    QObject::connect(&m_verification, &QFutureWatcher<SignatureCheck>::finished, &m_context,
+                     [this] { conclude(signatureRefusal(m_verification.result())); });
     QMetaObject::invokeMethod(
         &m_context, [this] { start(); }, Qt::QueuedConnection);
 }
@@ -107,7 +109,7 @@ void UpdateDownload::receive(const Result<HttpResponse> &response)
     if (const std::optional<UpdateFailure> failure = refusal(response))
         finish(tl::unexpected(*failure));
     else
-        keep();
+        verify();
 }
 
 std::optional<UpdateFailure> UpdateDownload::refusal(const Result<HttpResponse> &response) const
@@ -118,8 +120,7 @@ std::optional<UpdateFailure> UpdateDownload::refusal(const Result<HttpResponse> 
         return downloadFailure(response.error());
     if (response->status < 200 || response->status > 299)
         return downloadFailure(UrlLoadingError{UrlErrorCode::badServerResponse, {}, response->status});
-    const std::optional<UpdateFailure> wrongLength = lengthRefusal();
-    return wrongLength ? wrongLength : signatureRefusal();
+    return lengthRefusal();
 }
 
 std::optional<UpdateFailure> UpdateDownload::lengthRefusal() const
@@ -131,9 +132,24 @@ std::optional<UpdateFailure> UpdateDownload::lengthRefusal() const
     return downloadFailure(UrlLoadingError{UrlErrorCode::networkConnectionLost, text});
 }
 
-std::optional<UpdateFailure> UpdateDownload::signatureRefusal() const
+// Half a gigabyte takes more than a second.
+void UpdateDownload::verify()
 {
-    switch (checkSignature(m_file.fileName(), m_order.item.signature, m_order.publicKey)) {
+    m_verification.setFuture(runDetached([path = m_file.fileName(), signature = m_order.item.signature,
+                                          key = m_order.publicKey] { return checkSignature(path, signature, key); }));
+}
+
+void UpdateDownload::conclude(const std::optional<UpdateFailure> &failure)
+{
+    if (failure)
+        finish(tl::unexpected(*failure));
+    else
+        keep();
+}
+
+std::optional<UpdateFailure> UpdateDownload::signatureRefusal(SignatureCheck check) const
+{
+    switch (check) {
     case SignatureCheck::valid:
         return std::nullopt;
     case SignatureCheck::missing:

@@ -2,9 +2,11 @@
 
 #include "market/HttpClient.h"
 #include "ui/AppcastItem.h"
+#include "ui/UpdateSignature.h"
 #include "ui/UpdateState.h"
 
 #include <QFile>
+#include <QFutureWatcher>
 
 namespace tickwise {
 
@@ -37,7 +39,9 @@ private:
     void receive(const Result<HttpResponse> &response);
     std::optional<UpdateFailure> refusal(const Result<HttpResponse> &response) const;
     std::optional<UpdateFailure> lengthRefusal() const;
-    std::optional<UpdateFailure> signatureRefusal() const;
+    void verify();
+    std::optional<UpdateFailure> signatureRefusal(SignatureCheck check) const;
+    void conclude(const std::optional<UpdateFailure> &failure);
     void keep();
     void removeFile();
     void finish(tl::expected<QString, UpdateFailure> result);
@@ -48,6 +52,7 @@ private:
     std::optional<int> m_percent;
     QObject m_context;
     Subscription m_request;
+    QFutureWatcher<SignatureCheck> m_verification;
 };
 
 /// The name that a verified package is kept under: the last part of its address where that is a plain file name.

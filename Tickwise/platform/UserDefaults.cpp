@@ -164,7 +164,7 @@ Result<void> UserDefaults::setAsideIfDamaged() const
 
 Result<void> UserDefaults::setData(const QString &key, const std::optional<QByteArray> &data)
 {
-    if (const Result<void> intact = setAsideIfDamaged(); !intact)
+    if (Result<void> intact = setAsideIfDamaged(); !intact)
         return intact;
     if (!store(m_path, key, data))
         return fileFailure(m_path, QStringLiteral("cannot be written"));

@@ -8,11 +8,11 @@
 namespace tickwise {
 
 /// A feed with more bytes is refused.
-inline constexpr qint64 maximumAppcastBytes = 1024 * 1024;
+inline constexpr qint64 maximumAppcastBytes = 1024LL * 1024;
 /// A feed with more items is refused.
 inline constexpr std::size_t maximumAppcastItems = 500;
 /// Release notes are cut to so many UTF-16 units.
-inline constexpr qsizetype maximumReleaseNotesLength = 32 * 1024;
+inline constexpr qsizetype maximumReleaseNotesLength = 32LL * 1024;
 
 /// The items of an update feed: RSS 2.0 with the sparkle namespace, in document order.
 ///

@@ -1,6 +1,7 @@
 #include "ExchangeRateFixture.h"
 
 #include "market/FailureReason.h"
+#include "support/LogCapture.h"
 #include "support/TestData.h"
 
 using namespace tickwise;
@@ -14,6 +15,7 @@ private Q_SLOTS:
     void failsOver_data();
     void failsOver();
     void nobodyAnswers();
+    void logsAFailureOnce();
     void staleRateOfAnyAge();
     void rateLimitDefault();
     void rateLimitWithRetryAfter_data();
@@ -66,6 +68,24 @@ void ExchangeRateFailoverTest::nobodyAnswers()
     // The next question asks again.
     QVERIFY(!f.rate());
     QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
+}
+
+void ExchangeRateFailoverTest::logsAFailureOnce()
+{
+    ExchangeRateFixture f;
+    f.client.fail(er, UrlLoadingError{UrlErrorCode::timedOut});
+    f.answer(cdn, 500, {});
+    f.client.fail(fallback, UrlLoadingError{UrlErrorCode::cannotFindHost});
+    const QString category = QStringLiteral("com.pelmo.tickwise.ExchangeRates");
+    const LogCapture log;
+    for (int question = 0; question < 3; ++question)
+        QVERIFY(!f.rate());
+    QCOMPARE(
+        log.texts(category),
+        QStringList({er + QStringLiteral("/v6/latest/USD gives no rates: timed out"),
+                     cdn + QStringLiteral("/v1/currencies/usd.min.json gives no rates: bad server response (HTTP 500)"),
+                     fallback + QStringLiteral("/v1/currencies/usd.min.json gives no rates: cannot find host")}));
+    QCOMPARE(log.lines().front().type, QtInfoMsg);
 }
 
 void ExchangeRateFailoverTest::staleRateOfAnyAge()

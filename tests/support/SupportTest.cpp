@@ -1,8 +1,12 @@
 #include "support/DecimalText.h"
+#include "support/DetachedWork.h"
 #include "support/Error.h"
 #include "support/Subscription.h"
 
+#include <QFutureWatcher>
+#include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 using namespace tickwise;
 
@@ -11,6 +15,7 @@ class SupportTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void detachedWorkRunsElsewhere();
     void errorsInWords_data();
     void errorsInWords();
     void decimalText_data();
@@ -75,6 +80,16 @@ void SupportTest::droppedDeliveryDeliversNothing()
     }
     QCoreApplication::processEvents();
     QCOMPARE(calls, 0);
+}
+
+void SupportTest::detachedWorkRunsElsewhere()
+{
+    QFutureWatcher<QThread *> watcher;
+    const QSignalSpy finished(&watcher, &QFutureWatcher<QThread *>::finished);
+    watcher.setFuture(runDetached([] { return QThread::currentThread(); }));
+    QVERIFY(finished.isEmpty());
+    QTRY_COMPARE(finished.size(), 1);
+    QVERIFY(watcher.result() != QThread::currentThread());
 }
 
 void SupportTest::errorsInWords_data()
