@@ -153,6 +153,7 @@ void Application::attachUpdater(UpdateController &controller)
 
 void Application::freshPricesNeeded()
 {
+    m_httpClient.forgetConnections();
     m_delegate.freshPricesNeeded();
     if (m_updater)
         m_updater->reconsiderSchedule();

@@ -20,4 +20,10 @@ Subscription NetworkHttpClient::send(const HttpRequest &request, Completion<Http
     return Subscription(std::make_unique<NetworkTransfer>(std::move(network), request, std::move(done)));
 }
 
+// Requests under way hold the session that they began in.
+void NetworkHttpClient::forgetConnections()
+{
+    m_session = std::make_shared<CurlSession>();
+}
+
 } // namespace tickwise

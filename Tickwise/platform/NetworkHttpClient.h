@@ -23,6 +23,9 @@ public:
 
     [[nodiscard]] Subscription send(const HttpRequest &request, Completion<HttpResponse> done) override;
 
+    /// Requests from now on go over new connections: those that are kept do not survive sleep or another network.
+    void forgetConnections();
+
 private:
     QByteArray m_authorities;
     std::function<bool()> m_hasNetwork;

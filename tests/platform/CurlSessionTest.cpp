@@ -75,6 +75,8 @@ private Q_SLOTS:
     void sleepsWhileConnectionsAreKept();
     void closesItsConnectionsWithTheClient_data();
     void closesItsConnectionsWithTheClient();
+    void forgetsItsConnections();
+    void forgettingConnectionsLeavesRequestsAlone();
     void opensFewConnectionsToAHost();
     void droppingFromAnotherCompletion();
     void droppingFromAnotherProgress();
@@ -207,6 +209,45 @@ void CurlSessionTest::closesItsConnectionsWithTheClient()
     QTRY_COMPARE(m_market->server(files).openConnections(), 0);
     QTRY_COMPARE(m_market->server(okx).openConnections(), 0);
     QCOMPARE(outcome.isOver(), underWay);
+}
+
+void CurlSessionTest::forgetsItsConnections()
+{
+    QVERIFY(fetch(to(files)));
+    QVERIFY(fetch(to(files)));
+    QCOMPARE(m_market->server(files).connectionsSoFar(), 1);
+    m_client->forgetConnections();
+    QTRY_COMPARE(m_market->server(files).openConnections(), 0);
+    QVERIFY(fetch(to(files)));
+    QCOMPARE(m_market->server(files).connectionsSoFar(), 2);
+}
+
+void CurlSessionTest::forgettingConnectionsLeavesRequestsAlone()
+{
+    m_market->script(files, faults::drip(1, 5ms));
+    Outcome outcome;
+    Outcome dropped;
+    HttpRequest request = to(files);
+    // In the midst of libcurl's work, too.
+    request.progress = [&](qint64 received, qint64) {
+        if (received <= 3)
+            m_client->forgetConnections();
+    };
+    const Subscription subscription = m_client->send(request, outcome.completion());
+    QTRY_VERIFY(outcome.isOver());
+    QCOMPARE(outcome.results[0].value().body, QByteArray("the file"));
+    // Nobody needs its connection any more.
+    QVERIFY(fetch(to(files)));
+    QTRY_COMPARE(m_market->server(files).openConnections(), 1);
+
+    m_market->script(okx, faults::hang());
+    const Subscription hanging = m_client->send(to(okx), dropped.completion());
+    QTRY_COMPARE(m_market->requestCount(okx), 1);
+    m_client->forgetConnections();
+    m_client.reset();
+    QTRY_VERIFY(dropped.isOver());
+    QCOMPARE(std::get<UrlLoadingError>(dropped.results[0].error()).code, UrlErrorCode::cancelled);
+    QTRY_COMPARE(m_market->server(okx).openConnections(), 0);
 }
 
 void CurlSessionTest::opensFewConnectionsToAHost()
