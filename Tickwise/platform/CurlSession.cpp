@@ -3,6 +3,7 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <csignal>
 #include <new>
 
 namespace tickwise {
@@ -18,6 +19,8 @@ constexpr std::size_t keptHandles = 2;
 CurlSession::CurlSession()
     : m_timer(new QTimer)
 {
+    // A server that closes its connection ends what is written to it, not the process.
+    std::signal(SIGPIPE, SIG_IGN);
     if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK)
         throw std::bad_alloc();
     m_multi = curl_multi_init();
@@ -40,6 +43,8 @@ CurlSession::~CurlSession()
     for (CURL *easy : m_spare)
         curl_easy_cleanup(easy);
     curl_multi_cleanup(m_multi);
+    for (const auto &[socket, watch] : m_watches)
+        this->watch(socket, CURL_POLL_REMOVE);
     m_timer->disconnect();
     m_timer->stop();
     curl_global_cleanup();

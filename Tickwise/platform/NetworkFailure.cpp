@@ -1,5 +1,6 @@
 #include "platform/NetworkFailure.h"
 
+#include <array>
 #include <cerrno>
 
 namespace tickwise {
@@ -29,6 +30,16 @@ UrlErrorCode connectErrorCode(const NetworkFailure &failure)
     default:
         return UrlErrorCode::cannotConnectToHost;
     }
+}
+
+// So libcurl and OpenSSL say that the connection ended in the midst of the handshake; libcurl has no result for it.
+UrlErrorCode handshakeErrorCode(const QString &text)
+{
+    const std::array words{QStringLiteral("Recv failure"), QStringLiteral("Send failure"),
+                           QStringLiteral(" SSL_connect: "), QStringLiteral("unexpected eof")};
+    const auto isSaid = [&text](const QString &word) { return text.contains(word); };
+    return std::any_of(words.begin(), words.end(), isSaid) ? UrlErrorCode::networkConnectionLost
+                                                           : UrlErrorCode::secureConnectionFailed;
 }
 
 bool isRefusedByProxy(const NetworkFailure &failure)
@@ -61,6 +72,7 @@ UrlErrorCode urlErrorCode(const NetworkFailure &failure)
     case CURLE_PEER_FAILED_VERIFICATION:
         return certificateErrorCode(failure.verifyResult);
     case CURLE_SSL_CONNECT_ERROR:
+        return handshakeErrorCode(failure.text);
     case CURLE_SSL_CERTPROBLEM:
     case CURLE_SSL_CIPHER:
     case CURLE_SSL_CACERT_BADFILE:

@@ -8,8 +8,11 @@
 #include <QElapsedTimer>
 #include <QSemaphore>
 #include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 
+#include <csignal>
 #include <netdb.h>
 
 using namespace tickwise;
@@ -90,6 +93,9 @@ private Q_SLOTS:
     void destroyingWhileTheHostIsLookedUp();
     void boundsTheHeaders_data();
     void boundsTheHeaders();
+    void brokenHandshakes_data();
+    void brokenHandshakes();
+    void writingToAClosedConnectionKillsNobody();
     void leavesRoomBehindTheBody();
     void damagedGzipIsNoAnswer_data();
     void damagedGzipIsNoAnswer();
@@ -459,6 +465,57 @@ void CurlSessionTest::boundsTheHeaders()
         const auto error = std::get<UrlLoadingError>(result.error());
         QVERIFY2(error.code == UrlErrorCode::dataLengthExceedsMaximum, qPrintable(error.detail));
     }
+}
+
+void CurlSessionTest::brokenHandshakes_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<bool>("byReset");
+    QTest::addColumn<UrlErrorCode>("code");
+    QTest::newRow("closed") << QByteArray() << false << UrlErrorCode::networkConnectionLost;
+    QTest::newRow("reset") << QByteArray() << true << UrlErrorCode::networkConnectionLost;
+    QTest::newRow("no TLS") << QByteArray("HTTP/1.1 400 Bad Request\r\n\r\n") << false
+                            << UrlErrorCode::secureConnectionFailed;
+    QTest::newRow("refused by TLS") << QByteArray("\x15\x03\x03\x00\x02\x02\x28", 7) << false
+                                    << UrlErrorCode::secureConnectionFailed;
+}
+
+void CurlSessionTest::brokenHandshakes()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(bool, byReset);
+    QFETCH(UrlErrorCode, code);
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    connect(&server, &QTcpServer::newConnection, this, [&] {
+        QTcpSocket *const socket = server.nextPendingConnection();
+        connect(socket, &QIODevice::readyRead, this, [=] {
+            // A socket that is closed with bytes unread resets its connection.
+            if (!byReset)
+                socket->readAll();
+            socket->write(answer);
+            socket->disconnectFromHost();
+        });
+        if (byReset)
+            socket->setReadBufferSize(1);
+    });
+    HttpRequest request;
+    request.url = QUrl(QStringLiteral("https://127.0.0.1:%1/").arg(server.serverPort()));
+    const Result<HttpResponse> result = fetch(request);
+    QVERIFY(!result);
+    const auto error = std::get<UrlLoadingError>(result.error());
+    QVERIFY2(error.code == code, qPrintable(error.detail));
+}
+
+void CurlSessionTest::writingToAClosedConnectionKillsNobody()
+{
+    std::signal(SIGPIPE, SIG_DFL);
+    const NetworkHttpClient client;
+    struct sigaction action
+    {
+    };
+    QCOMPARE(sigaction(SIGPIPE, nullptr, &action), 0);
+    QVERIFY(action.sa_handler == SIG_IGN);
 }
 
 void CurlSessionTest::leavesRoomBehindTheBody()

@@ -189,6 +189,19 @@ void NetworkHttpClientTest::failureCodes_data()
     row("broken in the body, behind a proxy", {.result = CURLE_RECV_ERROR, .proxyStatus = 200, .status = 200},
         UrlErrorCode::networkConnectionLost);
     row("handshake", {CURLE_SSL_CONNECT_ERROR}, UrlErrorCode::secureConnectionFailed);
+    row("closed in the handshake",
+        {CURLE_SSL_CONNECT_ERROR, QStringLiteral("error:0A000126:SSL routines::unexpected eof while reading")},
+        UrlErrorCode::networkConnectionLost);
+    row("reset in the handshake", {CURLE_SSL_CONNECT_ERROR, QStringLiteral("Recv failure: Connection reset by peer")},
+        UrlErrorCode::networkConnectionLost);
+    row("written to what is closed", {CURLE_SSL_CONNECT_ERROR, QStringLiteral("Send failure: Broken pipe")},
+        UrlErrorCode::networkConnectionLost);
+    row("broken in the handshake",
+        {CURLE_SSL_CONNECT_ERROR, QStringLiteral("OpenSSL SSL_connect: Connection reset by peer in connection to a:1")},
+        UrlErrorCode::networkConnectionLost);
+    row("other protocol",
+        {CURLE_SSL_CONNECT_ERROR, QStringLiteral("error:0A00010B:SSL routines::wrong version number")},
+        UrlErrorCode::secureConnectionFailed);
     row("no cipher", {CURLE_SSL_CIPHER}, UrlErrorCode::secureConnectionFailed);
     row("no authorities", {CURLE_SSL_CACERT_BADFILE}, UrlErrorCode::secureConnectionFailed);
     row("early", certificate(9), UrlErrorCode::serverCertificateHasBadDate);
