@@ -6,9 +6,13 @@
 //
 // Prints "content <CLOCK_MONOTONIC seconds>" when the status item first shows a price.
 #include "app/Application.h"
+#include "catalog/CoinLogoCache.h"
 #include "demo/LoopbackTls.h"
+#include "platform/AppGroupContainer.h"
 
 #include <QApplication>
+#include <QBuffer>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -44,7 +48,20 @@ ApplicationConfiguration benchConfiguration(const QJsonObject &json)
     return configuration;
 }
 
-void seedSettings(const ApplicationConfiguration &configuration, const QJsonObject &json)
+/// Logos as an earlier start has left them: the first start alone downloads them.
+void seedLogos(const ApplicationConfiguration &configuration, const QJsonObject &json)
+{
+    QImage picture(64, 64, QImage::Format_RGB32);
+    picture.fill(Qt::darkCyan);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    picture.save(&buffer, "PNG");
+    const CoinLogoCache cache = CoinLogoCache::inContainer(appGroupContainer(configuration.appGroup));
+    for (const QJsonValue &id : json.value(QStringLiteral("coins")).toArray())
+        (void)cache.write(id.toString(), bytes);
+}
+
+void seed(const ApplicationConfiguration &configuration, const QJsonObject &json)
 {
     UserDefaults defaults(configuration.defaultsOrganization, configuration.defaultsApplication);
     UserDefaultsSettingsStore store(defaults);
@@ -56,6 +73,7 @@ void seedSettings(const ApplicationConfiguration &configuration, const QJsonObje
     for (const QJsonValue &id : json.value(QStringLiteral("coins")).toArray())
         settings.watchlistCoins.push_back({id.toString(), CoinAlertKind::above, 1e9});
     store.save(settings);
+    seedLogos(configuration, json);
 }
 
 double seconds(const timeval &time)
@@ -144,7 +162,7 @@ int main(int argc, char **argv)
     std::getline(std::cin, line);
     const QJsonObject json = QJsonDocument::fromJson(QByteArray::fromStdString(line)).object();
     const ApplicationConfiguration configuration = benchConfiguration(json);
-    seedSettings(configuration, json);
+    seed(configuration, json);
     Application application(configuration);
 
     const MenuBarViewModel &menuBar = application.delegate().menuBarViewModel();
