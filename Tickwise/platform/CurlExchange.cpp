@@ -1,6 +1,6 @@
 #include "platform/CurlExchange.h"
 
-#include <QDir>
+#include <QDirIterator>
 #include <QFile>
 
 #include <initializer_list>
@@ -46,7 +46,7 @@ const char *hashedAuthorities()
     if (!folder)
         return nullptr;
     const QStringList hashed{QStringLiteral("[0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f].0")};
-    return QDir(QFile::decodeName(folder)).entryList(hashed, QDir::Files).isEmpty() ? nullptr : folder;
+    return QDirIterator(QFile::decodeName(folder), hashed, QDir::NoFilter).hasNext() ? folder : nullptr;
 }
 
 } // namespace
@@ -116,18 +116,19 @@ CurlExchange *CurlExchange::of(CURL *easy)
     return static_cast<CurlExchange *>(exchange);
 }
 
-size_t CurlExchange::onHeader(const char *bytes, size_t size, size_t count, void *exchange)
+// The size of an element is always 1.
+size_t CurlExchange::onHeader(const char *bytes, size_t /*size*/, size_t count, void *exchange)
 {
     auto *const self = static_cast<CurlExchange *>(exchange);
-    const auto length = static_cast<qsizetype>(size * count);
-    return self->m_receiver && self->readHeaderLine({bytes, length}) && self->m_receiver ? size * count : 0;
+    const auto length = static_cast<qsizetype>(count);
+    return self->m_receiver && self->readHeaderLine({bytes, length}) && self->m_receiver ? count : 0;
 }
 
-size_t CurlExchange::onBody(const char *bytes, size_t size, size_t count, void *exchange)
+size_t CurlExchange::onBody(const char *bytes, size_t /*size*/, size_t count, void *exchange)
 {
     auto *const self = static_cast<CurlExchange *>(exchange);
-    const auto length = static_cast<qint64>(size * count);
-    return self->m_receiver && self->m_receiver->takeBody(bytes, length) && self->m_receiver ? size * count : 0;
+    const auto length = static_cast<qint64>(count);
+    return self->m_receiver && self->m_receiver->takeBody(bytes, length) && self->m_receiver ? count : 0;
 }
 
 bool CurlExchange::readHeaderLine(QByteArrayView line)
