@@ -42,6 +42,7 @@ private:
     void watch(curl_socket_t socket, int what);
     std::unique_ptr<QSocketNotifier, LaterDeletion> notifier(curl_socket_t socket, bool forReading);
     void act(curl_socket_t socket, int events);
+    bool hasMore(curl_socket_t socket) const;
     void settle();
     void tellEnds();
     void end(CURL *easy, CURLcode result);
