@@ -6,6 +6,7 @@ Usage: whole_process.py DIRECTORY-WITH-THE-BENCH-PROGRAMS
 import json
 import os
 import re
+import resource
 import statistics
 import subprocess
 import sys
@@ -22,6 +23,7 @@ WATCHLIST_LENGTH = 25
 NO_POLLS = 3600  # seconds between polls: none but those that are asked for
 STARTS = 15
 POLLS = 200
+ROUNDS = 7
 IDLE_SECONDS = 20
 SETTLE_SECONDS = 8  # until the start is over
 
@@ -103,20 +105,19 @@ def run_curl(url, count):
     command = ["curl", "--silent", "--http1.1", "--compressed", "--cacert", AUTHORITY,
                "--write-out", "%{num_connects} %{time_total}\n"]
     command += ["--output", "/dev/null", url] * count
-    before = os.times()
+    before = resource.getrusage(resource.RUSAGE_CHILDREN)
     done = subprocess.run(command, capture_output=True, text=True, check=True)
-    after = os.times()
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
     lines = [line.split() for line in done.stdout.splitlines()]
     if len(lines) != count or sum(int(connects) for connects, _ in lines) != 1:
         raise RuntimeError("curl did not keep its connection")
-    cpu = after.children_user + after.children_system - before.children_user - before.children_system
+    cpu = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
     return cpu, float(lines[0][1])
 
 
 def curl_seconds_per_fetch(url):
     few, many = 20, 20 + POLLS * 2
-    samples = [(run_curl(url, many)[0] - run_curl(url, few)[0]) / (many - few) for _ in range(5)]
-    return min(samples)
+    return (run_curl(url, many)[0] - run_curl(url, few)[0]) / (many - few)
 
 
 def json_seconds(programs):
@@ -125,13 +126,10 @@ def json_seconds(programs):
 
 
 def poll_seconds(desktop, process):
-    """CPU of the application a poll: the best of several rounds, as other work on the machine only adds."""
-    samples = []
+    """CPU of the application a poll."""
     already = len(re.findall(r"^polls ", process.output(), re.MULTILINE))
-    for done in range(5):
-        process.write_line(f"polls {POLLS}")
-        samples.append(float(wait_for_line(desktop, process, "polls", already + done + 1)[1]) / POLLS)
-    return min(samples)
+    process.write_line(f"polls {POLLS}")
+    return float(wait_for_line(desktop, process, "polls", already + 1)[1]) / POLLS
 
 
 def count_wakeups(process):
@@ -147,15 +145,16 @@ def run_polls(desktop, process, count):
 
 
 def measure_poll(desktop, programs, *form):
-    """Seconds of CPU: a poll, curl's fetch of the same list, simdjson's parse of it."""
+    """Seconds of CPU: a poll, curl's fetch of the same list, simdjson's parse of it. Each the best of rounds in which
+    they take turns, as other work on the machine only adds."""
     market = Market(desktop, programs, OKX_LIST, *form)
     process, _ = start_application(desktop, programs, market.endpoints)
     wait_for_line(desktop, process, "content")
-    poll = poll_seconds(desktop, process)
+    rounds = [(poll_seconds(desktop, process), curl_seconds_per_fetch(market.okx_url), json_seconds(programs))
+              for _ in range(ROUNDS)]
     desktop.stop_process(process)
-    fetch = curl_seconds_per_fetch(market.okx_url)
     market.stop()
-    return poll, fetch, json_seconds(programs)
+    return [min(samples) for samples in zip(*rounds)]
 
 
 def measure_start(desktop, programs):

@@ -19,6 +19,7 @@ using namespace std::chrono_literals;
 
 constexpr auto compositorTimeout = 2s;
 constexpr char platformVariable[] = "QT_QPA_PLATFORM";
+constexpr char noSharedMemoryVariable[] = "QT_XCB_NO_MITSHM";
 constexpr char bypassVariable[] = "QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT";
 
 /// One connection that lists the compositor's globals.
@@ -117,10 +118,13 @@ void probeCompositor(DisplayFacts &facts)
 
 void applyDecision(const DisplayDecision &decision)
 {
-    if (decision.backend == DisplayBackend::xcb)
+    if (decision.backend == DisplayBackend::xcb) {
         qputenv(platformVariable, "xcb");
-    else if (decision.backend == DisplayBackend::wayland)
+        // A price is a few kilobytes of pixels: sending them costs less than waiting until the X server has read them.
+        qputenv(noSharedMemoryVariable, "1");
+    } else if (decision.backend == DisplayBackend::wayland) {
         qputenv(platformVariable, "wayland");
+    }
     if (decision.layerShell)
         qputenv(bypassVariable, "1");
 }
