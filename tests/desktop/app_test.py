@@ -133,8 +133,9 @@ class XfceTest(PanelChecks, unittest.TestCase):
 
     def open_menu(self, desktop):
         """Right-clicks the item; returns the menu's window."""
+        item = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 40))
         before = set(desktop.windows("app_probe"))
-        desktop.click(*middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 40)), button=3)
+        desktop.click(*item, button=3)
         opened = desktop.wait_for(lambda: set(desktop.windows("app_probe")) - before, what="the menu")
         return opened.pop()
 
