@@ -18,6 +18,13 @@ std::unique_ptr<simdjson::dom::parser> &threadParser()
     return parser;
 }
 
+/// Bytes that belong to the body behind its end. A copy that shares the bytes is asked, as Qt asks a changeable one
+/// only.
+qsizetype roomBehind(QByteArray body)
+{
+    return body.data_ptr().freeSpaceAtEnd();
+}
+
 } // namespace
 
 Result<simdjson::dom::element> BodyParser::parse(const QByteArray &data)
@@ -25,7 +32,7 @@ Result<simdjson::dom::element> BodyParser::parse(const QByteArray &data)
     m_unusual = data.size() > ordinaryBody;
     simdjson::dom::element root;
     // The parser reads a little past the end, which a body with room to spare allows without a copy.
-    const bool needsCopy = data.capacity() - data.size() < static_cast<qsizetype>(simdjson::SIMDJSON_PADDING);
+    const bool needsCopy = roomBehind(data) < static_cast<qsizetype>(simdjson::SIMDJSON_PADDING);
     const simdjson::error_code error =
         threadParser()->parse(data.constData(), static_cast<std::size_t>(data.size()), needsCopy).get(root);
     if (error != simdjson::SUCCESS)

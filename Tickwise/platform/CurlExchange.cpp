@@ -3,7 +3,9 @@
 #include <QDirIterator>
 #include <QFile>
 
+#include <cstring>
 #include <initializer_list>
+#include <new>
 
 namespace tickwise {
 
@@ -49,13 +51,23 @@ const char *hashedAuthorities()
     return QDirIterator(QFile::decodeName(folder), hashed, QDir::NoFilter).hasNext() ? folder : nullptr;
 }
 
+/// Nothing may be thrown through libcurl: where memory is short the exchange ends.
+template<class Condition>
+bool holds(const Condition &condition)
+{
+    try {
+        return condition();
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+}
+
 } // namespace
 
 template<class Value>
 void CurlExchange::set(CURLoption option, Value value)
 {
-    [[maybe_unused]] const CURLcode result = curl_easy_setopt(m_easy, option, value);
-    Q_ASSERT_X(result == CURLE_OK, "curl_easy_setopt", curl_easy_strerror(result));
+    m_isPrepared = curl_easy_setopt(m_easy, option, value) == CURLE_OK && m_isPrepared;
 }
 
 CurlExchange::CurlExchange(CURL *easy, const CurlRequest &request, ExchangeReceiver &receiver)
@@ -121,14 +133,16 @@ size_t CurlExchange::onHeader(const char *bytes, size_t /*size*/, size_t count, 
 {
     auto *const self = static_cast<CurlExchange *>(exchange);
     const auto length = static_cast<qsizetype>(count);
-    return self->m_receiver && self->readHeaderLine({bytes, length}) && self->m_receiver ? count : 0;
+    const auto read = [&] { return self->m_receiver && self->readHeaderLine({bytes, length}) && self->m_receiver; };
+    return holds(read) ? count : 0;
 }
 
 size_t CurlExchange::onBody(const char *bytes, size_t /*size*/, size_t count, void *exchange)
 {
     auto *const self = static_cast<CurlExchange *>(exchange);
     const auto length = static_cast<qint64>(count);
-    return self->m_receiver && self->m_receiver->takeBody(bytes, length) && self->m_receiver ? count : 0;
+    const auto take = [&] { return self->m_receiver && self->m_receiver->takeBody(bytes, length) && self->m_receiver; };
+    return holds(take) ? count : 0;
 }
 
 bool CurlExchange::readHeaderLine(QByteArrayView line)
@@ -175,12 +189,19 @@ bool CurlExchange::finishHead()
     return m_receiver->takeHead(std::move(m_head));
 }
 
+// libcurl's longer words for some results name milliseconds and bytes: no two of them would be the same cause.
+QString CurlExchange::words(CURLcode result, int osError) const
+{
+    if (result == CURLE_COULDNT_CONNECT && osError != 0)
+        return QString::fromLocal8Bit(std::strerror(osError));
+    const bool isBrief = result == CURLE_COULDNT_CONNECT || result == CURLE_PARTIAL_FILE || m_errorText.front() == 0;
+    return QString::fromUtf8(isBrief ? curl_easy_strerror(result) : m_errorText.data());
+}
+
 NetworkFailure CurlExchange::failure(CURLcode result) const
 {
     NetworkFailure failure;
     failure.result = result;
-    if (result == CURLE_OK)
-        return failure;
     if (m_headerBytes > maximumHeaderBytes) {
         failure.result = CURLE_FILESIZE_EXCEEDED;
         failure.text = QStringLiteral("more than %1 bytes of headers").arg(maximumHeaderBytes);
@@ -194,7 +215,7 @@ NetworkFailure CurlExchange::failure(CURLcode result) const
     failure.osError = static_cast<int>(info(CURLINFO_OS_ERRNO));
     failure.proxyStatus = static_cast<int>(info(CURLINFO_HTTP_CONNECTCODE));
     failure.status = static_cast<int>(info(CURLINFO_RESPONSE_CODE));
-    failure.text = QString::fromUtf8(m_errorText.front() != 0 ? m_errorText.data() : curl_easy_strerror(result));
+    failure.text = words(result, failure.osError);
     return failure;
 }
 

@@ -46,6 +46,8 @@ public:
 
     CURL *easy() const { return m_easy; }
     ExchangeReceiver *receiver() const { return m_receiver; }
+    /// Whether libcurl took every option. Without that the exchange must not be started.
+    bool isPrepared() const { return m_isPrepared; }
     /// Tells the receiver nothing more; the next piece that comes in ends the exchange.
     void forgetReceiver() { m_receiver = nullptr; }
     /// What libcurl knows after it ended with `result`.
@@ -58,12 +60,14 @@ private:
     bool readHeaderLine(QByteArrayView line);
     void addHeader(QByteArrayView line);
     bool finishHead();
+    QString words(CURLcode result, int osError) const;
     template<class Value>
     void set(CURLoption option, Value value);
 
     CURL *m_easy;
     ExchangeReceiver *m_receiver;
     HttpResponse m_head;
+    bool m_isPrepared = true;
     bool m_headIsWhole = false;
     qsizetype m_headerBytes = 0;
     std::array<char, CURL_ERROR_SIZE> m_errorText{};

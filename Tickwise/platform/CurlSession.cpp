@@ -66,11 +66,26 @@ CurlExchange *CurlSession::start(const CurlRequest &request, ExchangeReceiver &r
     }
     m_exchanges.push_back(std::make_unique<CurlExchange>(easy, request, receiver));
     CurlExchange *const exchange = m_exchanges.back().get();
-    if (m_acting)
-        m_new.push_back(exchange);
-    else
-        curl_multi_add_handle(m_multi, easy);
+    m_new.push_back(exchange);
+    if (!m_acting)
+        beginNew();
     return exchange;
+}
+
+void CurlSession::beginNew()
+{
+    for (CurlExchange *exchange : std::exchange(m_new, {})) {
+        if (!exchange->isPrepared() || curl_multi_add_handle(m_multi, exchange->easy()) != CURLM_OK)
+            m_stillborn.push_back(exchange);
+    }
+    if (m_stillborn.empty())
+        return;
+    // Its end is told later, as every end.
+    const auto settleLater = [session = weak_from_this()] {
+        if (const auto self = session.lock())
+            self->settle();
+    };
+    QMetaObject::invokeMethod(m_timer.get(), settleLater, Qt::QueuedConnection);
 }
 
 void CurlSession::drop(CurlExchange *exchange)
@@ -85,6 +100,7 @@ void CurlSession::remove(const CurlExchange *exchange)
     CURL *const easy = exchange->easy();
     curl_multi_remove_handle(m_multi, easy);
     std::erase(m_new, exchange);
+    std::erase(m_stillborn, exchange);
     std::erase_if(m_exchanges, [exchange](const auto &owned) { return owned.get() == exchange; });
     if (m_spare.size() < keptHandles)
         m_spare.push_back(easy);
@@ -138,7 +154,8 @@ void CurlSession::act(curl_socket_t socket, int events)
     m_acting = true;
     int running = 0;
     curl_multi_socket_action(m_multi, socket, events, &running);
-    // libcurl takes one TLS record at a time; going through the event loop for the next one costs as much as the record.
+    // libcurl takes one TLS record at a time; going through the event loop for the next one costs as much as the
+    // record.
     for (int more = recordsAtOnce; more > 0 && events == CURL_CSELECT_IN && hasMore(socket); --more)
         curl_multi_socket_action(m_multi, socket, events, &running);
     m_acting = false;
@@ -163,13 +180,14 @@ void CurlSession::settle()
     }
     for (const CurlExchange *exchange : dropped)
         remove(exchange);
-    for (CurlExchange *exchange : std::exchange(m_new, {}))
-        curl_multi_add_handle(m_multi, exchange->easy());
+    beginNew();
     tellEnds();
 }
 
 void CurlSession::tellEnds()
 {
+    while (!m_stillborn.empty())
+        end(m_stillborn.back()->easy(), CURLE_FAILED_INIT);
     int left = 0;
     while (const CURLMsg *message = curl_multi_info_read(m_multi, &left)) {
         if (message->msg == CURLMSG_DONE)

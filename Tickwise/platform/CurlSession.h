@@ -43,6 +43,7 @@ private:
     std::unique_ptr<QSocketNotifier, LaterDeletion> notifier(curl_socket_t socket, bool forReading);
     void act(curl_socket_t socket, int events);
     bool hasMore(curl_socket_t socket) const;
+    void beginNew();
     void settle();
     void tellEnds();
     void end(CURL *easy, CURLcode result);
@@ -52,9 +53,10 @@ private:
     std::unique_ptr<QTimer, LaterDeletion> m_timer;
     std::unordered_map<curl_socket_t, Watch> m_watches;
     std::vector<std::unique_ptr<CurlExchange>> m_exchanges;
-    std::vector<CURL *> m_spare;       ///< handles for exchanges to come
-    std::vector<CurlExchange *> m_new; ///< started while libcurl was working
-    bool m_acting = false;             ///< libcurl is working and takes no exchanges in or out
+    std::vector<CURL *> m_spare;             ///< handles for exchanges to come
+    std::vector<CurlExchange *> m_new;       ///< started while libcurl was working
+    std::vector<CurlExchange *> m_stillborn; ///< not taken by libcurl; their ends are to be told
+    bool m_acting = false;                   ///< libcurl is working and takes no exchanges in or out
 };
 
 } // namespace tickwise

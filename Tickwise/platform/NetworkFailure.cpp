@@ -20,9 +20,9 @@ UrlErrorCode certificateErrorCode(long verifyResult)
 UrlErrorCode connectErrorCode(const NetworkFailure &failure)
 {
     switch (failure.osError) {
+    // Also the last address of a host may be unreachable, such as an IPv6 one, while the others were refused.
     case ENETUNREACH:
     case ENETDOWN:
-        return UrlErrorCode::notConnectedToInternet;
     case EHOSTUNREACH:
         return failure.hasNetwork ? UrlErrorCode::cannotConnectToHost : UrlErrorCode::notConnectedToInternet;
     case ETIMEDOUT:
@@ -61,6 +61,7 @@ UrlErrorCode urlErrorCode(const NetworkFailure &failure)
     case CURLE_COULDNT_CONNECT:
         return connectErrorCode(failure);
     case CURLE_PROXY:
+    case CURLE_FAILED_INIT:
         return UrlErrorCode::cannotConnectToHost;
     case CURLE_OPERATION_TIMEDOUT:
         return UrlErrorCode::timedOut;

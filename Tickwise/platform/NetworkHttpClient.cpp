@@ -24,6 +24,7 @@ Subscription NetworkHttpClient::send(const HttpRequest &request, Completion<Http
 void NetworkHttpClient::forgetConnections()
 {
     m_session = std::make_shared<CurlSession>();
+    m_proxies.startAnew();
 }
 
 } // namespace tickwise

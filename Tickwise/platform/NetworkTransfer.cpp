@@ -75,6 +75,8 @@ void NetworkTransfer::open(const QUrl &url)
     m_received = 0;
     m_lastByte = steady_clock::now();
     watchTime();
+    if (!m_network.session)
+        return; // the time is over already
     if (isLoopback(url.host()))
         start({});
     else
@@ -206,6 +208,10 @@ void NetworkTransfer::takeEnd(NetworkFailure why)
         fail(urlErrorCode(why), why.text);
         return;
     }
+    if (m_response.status == 0) {
+        failWithoutHead(why.status);
+        return;
+    }
     if (isRedirect()) {
         follow();
         return;
@@ -215,6 +221,15 @@ void NetworkTransfer::takeEnd(NetworkFailure why)
         return;
     }
     finish(std::move(m_response));
+}
+
+// libcurl takes a head that ends early, and one that only announces another, for a whole answer.
+void NetworkTransfer::failWithoutHead(int announced)
+{
+    if (announced >= 100 && announced < 200)
+        fail(UrlErrorCode::badServerResponse, QStringLiteral("nothing behind status %1").arg(announced));
+    else
+        fail(UrlErrorCode::networkConnectionLost, QStringLiteral("the head ends early"));
 }
 
 void NetworkTransfer::follow()

@@ -46,6 +46,7 @@ private:
     bool store(const char *bytes, qint64 count);
     bool deliver(const char *bytes, qint64 count);
     void reportProgress();
+    void failWithoutHead(int announced);
     void follow();
     void watchTime();
     void fail(UrlErrorCode code, const QString &detail);

@@ -120,7 +120,8 @@ void NetworkWatch::drain()
     while (received > 0 || (received < 0 && (errno == EINTR || errno == ENOBUFS)));
     if (received == 0)
         m_notifier.setEnabled(false);
-    m_settling.start();
+    if (!m_settling.isActive()) // others may change routes without end
+        m_settling.start();
 }
 
 void NetworkWatch::compare()

@@ -33,7 +33,7 @@ class NetworkWatch : public QObject
 
 public:
     /// Whatever `socket` says means that routes have changed; the watch closes it. With -1 the watch stays quiet. It
-    /// looks at the routes `settling` after the last word.
+    /// looks at the routes `settling` after a word.
     explicit NetworkWatch(int socket = openRouteSocket(), std::function<QByteArrayList()> routes = currentDefaultRoutes,
                           std::chrono::milliseconds settling = routesSettle);
     ~NetworkWatch() override;

@@ -4,9 +4,12 @@
 #include <QFile>
 
 #include <optional>
+#include <span>
 
+#include <link.h>
 #include <malloc.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace tickwise {
 
@@ -30,17 +33,43 @@ std::optional<MemoryRange> readOnlyFile(const QByteArrayList &fields)
     return MemoryRange{begin, end - begin};
 }
 
+bool contains(const dl_phdr_info &object, const ElfW(Phdr) & segment, const MemoryRange &range)
+{
+    const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const std::uintptr_t begin = (object.dlpi_addr + segment.p_vaddr) & ~(page - 1);
+    const std::uintptr_t end = object.dlpi_addr + segment.p_vaddr + segment.p_memsz + page - 1;
+    return range.begin >= begin && range.begin + range.bytes <= (end & ~(page - 1));
+}
+
+// Called with the loader's lock held: while another thread loads or unloads a library, something else may lie where the
+// list of mappings had one. What the loader says is loaded and unwritable is still there.
+int releaseWithin(dl_phdr_info *object, std::size_t, void *clean)
+{
+    for (const ElfW(Phdr) & segment : std::span(object->dlpi_phdr, object->dlpi_phnum)) {
+        if (segment.p_type != PT_LOAD || (segment.p_flags & PF_W) != 0)
+            continue;
+        for (const MemoryRange &range : *static_cast<const std::vector<MemoryRange> *>(clean)) {
+            if (contains(*object, segment, range))
+                madvise(reinterpret_cast<void *>(range.begin), range.bytes, MADV_DONTNEED); // NOLINT: an address
+        }
+    }
+    return 0;
+}
+
 } // namespace
 
 std::vector<MemoryRange> cleanFileMappings(QIODevice &smaps)
 {
     std::vector<MemoryRange> clean;
     std::optional<MemoryRange> current;
+    bool isUnwritten = false;
     for (QByteArray line = smaps.readLine(); !line.isEmpty(); line = smaps.readLine()) {
         const QByteArrayList fields = line.simplified().split(' ');
         if (!fields.front().endsWith(':'))
             current = readOnlyFile(fields);
-        else if (current && fields.front() == "Anonymous:" && fields.value(1) == "0")
+        else if (fields.front() == "Anonymous:")
+            isUnwritten = fields.value(1) == "0";
+        else if (current && isUnwritten && fields.front() == "Swap:" && fields.value(1) == "0")
             clean.push_back(*current);
     }
     return clean;
@@ -56,8 +85,8 @@ void releaseUnusedMemory()
 {
     QFile smaps(QStringLiteral("/proc/self/smaps"));
     if (smaps.open(QIODevice::ReadOnly)) {
-        for (const MemoryRange &range : cleanFileMappings(smaps))
-            madvise(reinterpret_cast<void *>(range.begin), range.bytes, MADV_DONTNEED); // NOLINT: the kernel's number
+        std::vector<MemoryRange> clean = cleanFileMappings(smaps);
+        dl_iterate_phdr(&releaseWithin, &clean);
     }
     malloc_trim(0);
 }

@@ -14,6 +14,7 @@ namespace tickwise {
 namespace {
 
 using Lookup = SystemProxies::Lookup;
+using Instant = std::chrono::steady_clock::time_point;
 
 constexpr std::chrono::milliseconds patience{100};
 
@@ -109,9 +110,12 @@ struct SystemProxies::Worker
     std::mutex mutex;
     std::condition_variable changed;
     std::deque<Question> questions;
+    std::optional<Instant> busySince; ///< none: no lookup is under way
+    std::chrono::milliseconds longestLookup{};
     SystemProxies *owner = nullptr; ///< none: the thread is to end
     bool hasEnded = false;
 
+    bool isStuck() const { return busySince && std::chrono::steady_clock::now() - *busySince > longestLookup; }
     void run(Lookup lookup);
     void answer(std::unique_lock<std::mutex> &lock, const Lookup &lookup);
 };
@@ -127,7 +131,9 @@ void SystemProxies::Worker::run(Lookup lookup)
         else
             answer(lock, lookup);
     }
+    lock.unlock();
     lookup = {};
+    lock.lock();
     hasEnded = true;
     changed.notify_all();
 }
@@ -136,9 +142,11 @@ void SystemProxies::Worker::answer(std::unique_lock<std::mutex> &lock, const Loo
 {
     const Question question = questions.front();
     questions.pop_front();
+    busySince = std::chrono::steady_clock::now();
     lock.unlock();
     const QByteArray proxy = usableProxy(lookup(question.url));
     lock.lock();
+    busySince.reset();
     if (owner)
         QMetaObject::invokeMethod(
             &owner->m_context, [owner = owner, query = question.query, proxy] { owner->deliver(query, proxy); },
@@ -154,18 +162,25 @@ public:
     {
         m_proxies.m_waiting.emplace(number, std::move(done));
     }
-    ~Query() override { m_proxies.m_waiting.erase(m_number); }
+    ~Query() override { m_proxies.forget(m_number); }
 
 private:
     SystemProxies &m_proxies;
     quint64 m_number;
 };
 
-SystemProxies::SystemProxies(Lookup lookup)
+SystemProxies::SystemProxies(Lookup lookup, std::chrono::milliseconds longestLookup)
     : m_lookup(std::move(lookup))
-    , m_worker(std::make_shared<Worker>())
+    , m_longestLookup(longestLookup)
 {
+    makeWorker();
+}
+
+void SystemProxies::makeWorker()
+{
+    m_worker = std::make_shared<Worker>();
     m_worker->owner = this;
+    m_worker->longestLookup = m_longestLookup;
 }
 
 SystemProxies::~SystemProxies()
@@ -183,16 +198,41 @@ SystemProxies::~SystemProxies()
         m_thread.detach();
 }
 
+void SystemProxies::startAnew()
+{
+    const std::shared_ptr<Worker> current = m_worker;
+    const std::scoped_lock lock(current->mutex);
+    if (!current->isStuck())
+        return;
+    current->owner = nullptr;
+    m_thread.detach();
+    m_thread = {};
+    makeWorker();
+}
+
 Subscription SystemProxies::find(const QUrl &url, Done done)
 {
     if (!m_thread.joinable())
         m_thread = std::thread([worker = m_worker, lookup = m_lookup] { worker->run(lookup); });
     const quint64 number = ++m_lastQuery;
     const QUrl::FormattingOptions server = QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery;
+    auto query = std::make_unique<Query>(*this, number, std::move(done));
     const std::scoped_lock lock(m_worker->mutex);
+    if (m_worker->isStuck()) {
+        QMetaObject::invokeMethod(
+            &m_context, [this, number] { deliver(number, {}); }, Qt::QueuedConnection);
+        return Subscription(std::move(query));
+    }
     m_worker->questions.push_back({number, url.toEncoded(server | QUrl::RemoveFragment) + '/'});
     m_worker->changed.notify_all();
-    return Subscription(std::make_unique<Query>(*this, number, std::move(done)));
+    return Subscription(std::move(query));
+}
+
+void SystemProxies::forget(quint64 query)
+{
+    m_waiting.erase(query);
+    const std::scoped_lock lock(m_worker->mutex);
+    std::erase_if(m_worker->questions, [query](const Worker::Question &asked) { return asked.query == query; });
 }
 
 void SystemProxies::deliver(quint64 query, const QByteArray &proxy)

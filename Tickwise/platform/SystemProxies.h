@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QUrl>
 
+#include <chrono>
 #include <thread>
 #include <unordered_map>
 #include <vector>
@@ -18,8 +19,8 @@ bool isLoopback(const QString &host);
 /// Empty: none, or none that is understood. SOCKS proxies look up the host themselves.
 QByteArray usableProxy(const std::vector<QByteArray> &answers);
 
-/// Asks the system, that is the desktop's settings or the environment, by which proxy a host is reached. Looking that
-/// up may take a while, and happens on a thread of its own, one host after another.
+/// Asks the system, that is the environment or, by libproxy's plugins, the desktop's settings, by which proxy a host is
+/// reached. Looking that up may take a while, and happens on a thread of its own, one host after another.
 class SystemProxies
 {
 public:
@@ -27,8 +28,9 @@ public:
     using Lookup = std::function<std::vector<QByteArray>(const QByteArray &url)>;
     using Done = std::function<void(const QByteArray &proxy)>;
 
-    /// Without `lookup` the system is asked.
-    explicit SystemProxies(Lookup lookup = {});
+    /// Without `lookup` the system is asked. While one lookup takes longer than `longestLookup` the answer to all
+    /// others is: no proxy.
+    explicit SystemProxies(Lookup lookup = {}, std::chrono::milliseconds longestLookup = std::chrono::seconds(10));
     /// Leaves a lookup behind that does not end.
     ~SystemProxies();
     SystemProxies(const SystemProxies &) = delete;
@@ -37,14 +39,19 @@ public:
     /// Tells the proxy for `url` later, on this thread, as `usableProxy` names it. Dropping the handle tells nothing;
     /// it must go before this object does.
     Subscription find(const QUrl &url, Done done);
+    /// Leaves a lookup behind that takes too long: on another network its script may be had.
+    void startAnew();
 
 private:
     struct Worker;
     class Query;
 
+    void makeWorker();
+    void forget(quint64 query);
     void deliver(quint64 query, const QByteArray &proxy);
 
     Lookup m_lookup;
+    std::chrono::milliseconds m_longestLookup;
     std::shared_ptr<Worker> m_worker;
     std::thread m_thread; ///< runs from the first question on
     std::unordered_map<quint64, Done> m_waiting;

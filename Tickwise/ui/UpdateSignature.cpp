@@ -42,11 +42,12 @@ SignatureCheck checkSignature(const QString &path, const QByteArray &signature, 
     if (!file.open(QIODevice::ReadOnly))
         return SignatureCheck::unreadable;
     // The signature covers the content as one message, which the library wants in one piece: mapped, not copied.
-    const unsigned char *content = file.size() == 0 ? bytesOf(*keyBytes) : file.map(0, file.size());
+    const qint64 length = file.size();
+    const unsigned char *content = length == 0 ? bytesOf(*keyBytes) : file.map(0, length);
     if (!content)
         return SignatureCheck::unreadable;
     const int wrong = crypto_sign_verify_detached(bytesOf(*signatureBytes), content,
-                                                  static_cast<unsigned long long>(file.size()), bytesOf(*keyBytes));
+                                                  static_cast<unsigned long long>(length), bytesOf(*keyBytes));
     return wrong ? SignatureCheck::mismatch : SignatureCheck::valid;
 }
 

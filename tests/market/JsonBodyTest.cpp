@@ -35,6 +35,7 @@ private Q_SLOTS:
     void nothingBehindTheEndCounts_data();
     void nothingBehindTheEndCounts();
     void cutBodiesReadTheSame();
+    void roomInFrontIsNoRoomBehind();
 };
 
 void JsonBodyTest::nothingBehindTheEndCounts_data()
@@ -60,6 +61,15 @@ void JsonBodyTest::cutBodiesReadTheSame()
     const QByteArray whole = test::readData(QStringLiteral("exchange/generated/okx_tickers_spot_full_synthetic.json"));
     for (qsizetype length = whole.size(); length > 0; length -= 997)
         QCOMPARE(outcome(beginning(whole, length)), outcome(QByteArray(whole.constData(), length)));
+}
+
+void JsonBodyTest::roomInFrontIsNoRoomBehind()
+{
+    QByteArray body;
+    body.reserve(200);
+    body.append(QByteArray(100, ' ')).append('[').append(QByteArray(98, ' ')).append(']');
+    body.remove(0, 100);
+    QCOMPARE(outcome(body), std::string("[]"));
 }
 
 QTEST_GUILESS_MAIN(JsonBodyTest)

@@ -2,6 +2,7 @@
 
 #include "demo/LoopbackMarket.h"
 #include "platform/NetworkHttpClient.h"
+#include "platform/ProxyEnvironment.h"
 
 #include <QAbstractEventDispatcher>
 #include <QBuffer>
@@ -101,6 +102,10 @@ private Q_SLOTS:
     void damagedGzipIsNoAnswer();
     void gzipMembersOneAfterAnother();
     void readsFoldedHeaders();
+    void answersWithoutAHead_data();
+    void answersWithoutAHead();
+    void failuresInTheSameWords_data();
+    void failuresInTheSameWords();
     void skipsAnnouncements();
     void ignoresTrailers();
 
@@ -115,6 +120,7 @@ private:
 
 void CurlSessionTest::init()
 {
+    test::clearProxyEnvironment();
     m_client = std::make_unique<NetworkHttpClient>(LoopbackMarket::authorities(), [] { return true; });
     m_market = std::make_unique<LoopbackMarket>();
     m_market->addFile(QStringLiteral("/a"), "the file", "text/plain");
@@ -584,6 +590,50 @@ void CurlSessionTest::ignoresTrailers()
     const Result<HttpResponse> result = fetch(to(files));
     QCOMPARE(result->body, QByteArray("ok"));
     QVERIFY(!result->header("X-Late"));
+}
+
+void CurlSessionTest::answersWithoutAHead_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<UrlErrorCode>("code");
+    QTest::newRow("nothing") << QByteArray() << UrlErrorCode::networkConnectionLost;
+    QTest::newRow("cut in the head") << QByteArray("HTTP/1.1 200 OK\r\nContent-Le")
+                                     << UrlErrorCode::networkConnectionLost;
+    QTest::newRow("cut behind a header") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n")
+                                         << UrlErrorCode::networkConnectionLost;
+    QTest::newRow("another protocol") << QByteArray("HTTP/1.1 101 Switching Protocols\r\n\r\nhello")
+                                      << UrlErrorCode::badServerResponse;
+}
+
+void CurlSessionTest::answersWithoutAHead()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(UrlErrorCode, code);
+    answerWith(answer);
+    const Result<HttpResponse> result = fetch(to(files));
+    QVERIFY(!result);
+    QCOMPARE(std::get<UrlLoadingError>(result.error()).code, code);
+}
+
+// What a log tells once must not come in other words each time.
+void CurlSessionTest::failuresInTheSameWords_data()
+{
+    QTest::addColumn<bool>("isRefused");
+    QTest::addColumn<QString>("detail");
+    QTest::newRow("refused") << true << QStringLiteral("Connection refused");
+    QTest::newRow("cut body") << false << QString::fromUtf8(curl_easy_strerror(CURLE_PARTIAL_FILE));
+}
+
+void CurlSessionTest::failuresInTheSameWords()
+{
+    QFETCH(bool, isRefused);
+    answerWith("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nok");
+    HttpRequest request = to(files);
+    if (isRefused)
+        request.url = QUrl(QStringLiteral("http://127.0.0.1:1/"));
+    const Result<HttpResponse> result = fetch(request);
+    QVERIFY(!result);
+    QTEST(std::get<UrlLoadingError>(result.error()).detail, "detail");
 }
 
 QTEST_GUILESS_MAIN(CurlSessionTest)

@@ -3,11 +3,13 @@
 #include "demo/LoopbackMarket.h"
 #include "platform/NetworkFailure.h"
 #include "platform/NetworkTransfer.h"
+#include "platform/ProxyEnvironment.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 using namespace tickwise;
 using namespace std::chrono_literals;
@@ -103,6 +105,7 @@ private Q_SLOTS:
     void timesOutWithoutAnAnswer();
     void anAnswerThatKeepsComingOutlivesTheTimeout();
     void deadlineEndsASlowDrip();
+    void deadlinePassesDuringARedirect();
     void announcedOversizeIsNotRead();
     void endlessBodyStopsAtTheLimit();
     void bodyOfExactlyTheLimit();
@@ -135,6 +138,7 @@ private:
 
 void NetworkHttpClientTest::init()
 {
+    test::clearProxyEnvironment();
     start(Transport::plain);
 }
 
@@ -171,8 +175,10 @@ void NetworkHttpClientTest::failureCodes_data()
     row("refused", connect(ECONNREFUSED), UrlErrorCode::cannotConnectToHost);
     row("refused, no network", connect(ECONNREFUSED, false), UrlErrorCode::cannotConnectToHost);
     row("nothing known", connect(0), UrlErrorCode::cannotConnectToHost);
-    row("network unreachable", connect(ENETUNREACH), UrlErrorCode::notConnectedToInternet);
-    row("network down", connect(ENETDOWN), UrlErrorCode::notConnectedToInternet);
+    row("network unreachable", connect(ENETUNREACH), UrlErrorCode::cannotConnectToHost);
+    row("network unreachable, no network", connect(ENETUNREACH, false), UrlErrorCode::notConnectedToInternet);
+    row("network down", connect(ENETDOWN), UrlErrorCode::cannotConnectToHost);
+    row("network down, no network", connect(ENETDOWN, false), UrlErrorCode::notConnectedToInternet);
     row("host unreachable", connect(EHOSTUNREACH), UrlErrorCode::cannotConnectToHost);
     row("host unreachable, no network", connect(EHOSTUNREACH, false), UrlErrorCode::notConnectedToInternet);
     row("socket time-out", connect(ETIMEDOUT), UrlErrorCode::timedOut);
@@ -570,6 +576,23 @@ void NetworkHttpClientTest::deadlineEndsASlowDrip()
     QCOMPARE(outcome.code(), UrlErrorCode::timedOut);
     QVERIFY(m_market->server(okx).bodyBytesSent() > 0);
     QTRY_COMPARE(m_market->server(okx).openConnections(), 0);
+}
+
+// The main thread stalls longer than the deadline just when the request is sent on.
+void NetworkHttpClientTest::deadlinePassesDuringARedirect()
+{
+    m_market->script(files, faults::redirect(okxUrl()));
+    HttpRequest request = to(fileUrl(QStringLiteral("/a.txt")));
+    request.deadline = 500ms;
+    request.mayRedirectTo = [](const QUrl &) {
+        QThread::sleep(1);
+        return true;
+    };
+    Outcome outcome;
+    const Subscription subscription = m_client->send(request, outcome.completion());
+    QTRY_VERIFY(outcome.isOver());
+    QCOMPARE(outcome.code(), UrlErrorCode::timedOut);
+    QCOMPARE(m_market->requestCount(okx), 0);
 }
 
 void NetworkHttpClientTest::announcedOversizeIsNotRead()

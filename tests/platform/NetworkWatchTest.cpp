@@ -5,6 +5,7 @@
 
 #include <array>
 
+#include <linux/rtnetlink.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -164,11 +165,11 @@ void NetworkWatchTest::opensTheKernelsSocket()
 {
     const int socket = openRouteSocket();
     QVERIFY(socket >= 0);
-    std::array<char, 16> nothing{};
-    QCOMPARE(recv(socket, nothing.data(), nothing.size(), MSG_DONTWAIT), -1);
-    QCOMPARE(errno, EAGAIN);
+    sockaddr_nl address{};
+    socklen_t length = sizeof address;
+    QCOMPARE(getsockname(socket, reinterpret_cast<sockaddr *>(&address), &length), 0);
+    QCOMPARE(address.nl_groups, uint(RTMGRP_IPV4_ROUTE | RTMGRP_IPV6_ROUTE));
     close(socket);
-    QCOMPARE(machineHasNetwork(), !currentDefaultRoutes().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(NetworkWatchTest)

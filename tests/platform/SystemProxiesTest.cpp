@@ -2,6 +2,7 @@
 
 #include "demo/LoopbackMarket.h"
 #include "platform/NetworkHttpClient.h"
+#include "platform/ProxyEnvironment.h"
 
 #include <QElapsedTimer>
 #include <QSemaphore>
@@ -10,6 +11,7 @@
 #include <QTest>
 
 using namespace tickwise;
+using namespace tickwise::test;
 using namespace std::chrono_literals;
 
 namespace {
@@ -65,7 +67,30 @@ private:
     quint16 m_target;
 };
 
-constexpr std::array environmentNames{"http_proxy", "https_proxy", "HTTP_PROXY", "HTTPS_PROXY", "no_proxy", "NO_PROXY"};
+/// Lookups of which the first waits until it is let go.
+struct SlowLookups
+{
+    std::vector<QByteArray> operator()(const QByteArray &url) const
+    {
+        asked->append(url);
+        begun->release();
+        if (asked->size() == 1) {
+            mayEnd->acquire();
+            hasEnded->release();
+        }
+        return {"http://proxy:1"};
+    }
+
+    std::shared_ptr<QByteArrayList> asked = std::make_shared<QByteArrayList>(); // read while no lookup is under way
+    std::shared_ptr<QSemaphore> begun = std::make_shared<QSemaphore>();
+    std::shared_ptr<QSemaphore> mayEnd = std::make_shared<QSemaphore>();
+    std::shared_ptr<QSemaphore> hasEnded = std::make_shared<QSemaphore>();
+};
+
+QUrl server(const char *name)
+{
+    return QUrl(QStringLiteral("https://%1.example").arg(QLatin1String(name)));
+}
 
 } // namespace
 
@@ -76,7 +101,7 @@ class SystemProxiesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup();
+    void init();
     void usableProxies_data();
     void usableProxies();
     void loopbackHosts_data();
@@ -87,6 +112,8 @@ private Q_SLOTS:
     void aDroppedQuestionIsNotAnswered();
     void droppingInTheAnswer();
     void doesNotWaitForALookup();
+    void aLookupWithoutEndHoldsUpNobody();
+    void droppedQuestionsAreNotLookedUp();
     void requestsGoThroughTheProxy();
     void requestsGoThroughATunnel_data();
     void requestsGoThroughATunnel();
@@ -97,10 +124,9 @@ private:
     Result<HttpResponse> fetch(const QUrl &url);
 };
 
-void SystemProxiesTest::cleanup()
+void SystemProxiesTest::init()
 {
-    for (const char *name : environmentNames)
-        qunsetenv(name);
+    clearProxyEnvironment();
 }
 
 Result<HttpResponse> SystemProxiesTest::fetch(const QUrl &url)
@@ -270,6 +296,43 @@ void SystemProxiesTest::doesNotWaitForALookup()
     QVERIFY2(time.elapsed() < 2000, qPrintable(QString::number(time.elapsed())));
     mayEnd->release();
     hasEnded->acquire();
+}
+
+void SystemProxiesTest::aLookupWithoutEndHoldsUpNobody()
+{
+    const SlowLookups lookups;
+    QByteArrayList found;
+    const auto note = [&found](const QByteArray &proxy) { found.append(proxy); };
+    SystemProxies proxies(lookups, 50ms);
+    const Subscription endless = proxies.find(server("endless"), note);
+    lookups.begun->acquire();
+    std::vector<Subscription> others;
+    QTRY_VERIFY((others.push_back(proxies.find(server("other"), note)), found.contains(QByteArray())));
+    QCOMPARE(found.size(), found.count(QByteArray()));
+
+    proxies.startAnew();
+    others.clear();
+    found.clear();
+    const Subscription next = proxies.find(server("next"), note);
+    QTRY_COMPARE(found, QByteArrayList{"http://proxy:1"});
+    lookups.mayEnd->release();
+    lookups.hasEnded->acquire();
+}
+
+void SystemProxiesTest::droppedQuestionsAreNotLookedUp()
+{
+    const SlowLookups lookups;
+    int found = 0;
+    const auto note = [&found](const QByteArray &) { ++found; };
+    SystemProxies proxies(lookups);
+    const Subscription first = proxies.find(server("first"), note);
+    lookups.begun->acquire();
+    Subscription dropped = proxies.find(server("dropped"), note);
+    const Subscription last = proxies.find(server("last"), note);
+    dropped.cancel();
+    lookups.mayEnd->release();
+    QTRY_COMPARE(found, 2);
+    QCOMPARE(*lookups.asked, (QByteArrayList{"https://first.example/", "https://last.example/"}));
 }
 
 void SystemProxiesTest::requestsGoThroughTheProxy()
