@@ -9,8 +9,8 @@ class QTimer;
 
 namespace tickwise {
 
-/// Runs exchanges in the main thread and keeps their connections for later ones, at most ten of them, each for two
-/// minutes. Without an exchange under way nothing wakes the process.
+/// Runs exchanges in the main thread and keeps their connections for later ones, at most ten of them, none of them
+/// used after two minutes. Without an exchange under way nothing wakes the process.
 ///
 /// Owned by a `std::shared_ptr`: it stays until the function of a receiver that let go of it has returned.
 class CurlSession : public std::enable_shared_from_this<CurlSession>
