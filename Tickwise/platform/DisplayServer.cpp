@@ -120,8 +120,8 @@ void applyDecision(const DisplayDecision &decision)
 {
     if (decision.backend == DisplayBackend::xcb) {
         qputenv(platformVariable, "xcb");
-        // What changes all day is the price, a few kilobytes of pixels: sending them costs less than waiting until the X
-        // server has read them from shared memory.
+        // What changes all day is the price, a few kilobytes of pixels: sending them costs less than waiting until the
+        // X server has read them from shared memory.
         if (!qEnvironmentVariableIsSet(noSharedMemoryVariable))
             qputenv(noSharedMemoryVariable, "1");
     } else if (decision.backend == DisplayBackend::wayland) {
