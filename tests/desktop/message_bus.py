@@ -81,9 +81,12 @@ class MessageBus:
 
     def owner(self, service):
         """The unique name of a service's owner, or None."""
-        if not self.call_daemon("NameHasOwner", "(s)", (service,))[0]:
-            return None
-        return self.call_daemon("GetNameOwner", "(s)", (service,))[0]
+        try:
+            return self.call_daemon("GetNameOwner", "(s)", (service,))[0]
+        except GLib.Error as error:
+            if Gio.DBusError.get_remote_error(error) == "org.freedesktop.DBus.Error.NameHasNoOwner":
+                return None
+            raise
 
     def process_id(self, service):
         """The process id of a service's owner."""
