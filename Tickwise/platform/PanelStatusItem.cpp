@@ -115,7 +115,7 @@ void PanelStatusItem::settle()
         build(presentation);
     if (m_item && m_isNewHost) {
         redraw();
-        m_item->registerWithWatcher();
+        m_item->registerWithWatcher(isAnnouncedByConnection(m_host));
     }
     m_isNewHost = false;
     if (presentation == StatusItemPresentation::nothing && !std::exchange(m_toldOfNoHost, true))

@@ -124,6 +124,11 @@ StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray)
     return StatusItemPresentation::squareSni;
 }
 
+bool isAnnouncedByConnection(StatusItemHost host)
+{
+    return host == StatusItemHost::gnome;
+}
+
 bool tellsClickPosition(StatusItemHost host)
 {
     switch (host) {

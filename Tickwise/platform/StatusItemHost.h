@@ -59,6 +59,11 @@ StatusItemHost hostFor(const WatcherProcess &process, const QString &currentDesk
 /// The presentation for a host; `hasTray` tells whether an X11 system tray can dock windows.
 StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray);
 
+/// Whether the item is announced to the host by its connection instead of by its bus name. GNOME's extension watches a
+/// name that it is given; what it hears of the name at first makes it forget the properties that it has just read, and
+/// it may then give the item up.
+bool isAnnouncedByConnection(StatusItemHost host);
+
 /// Whether the positions that the host sends with a click are on the screen; some send them within the item, or none.
 bool tellsClickPosition(StatusItemHost host);
 

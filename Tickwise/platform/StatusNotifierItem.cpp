@@ -104,9 +104,10 @@ void StatusNotifierItem::requestName()
     });
 }
 
-void StatusNotifierItem::registerWithWatcher()
+void StatusNotifierItem::registerWithWatcher(bool byConnection)
 {
     m_wantsWatcher = true;
+    m_byConnection = byConnection;
     if (m_ownsName)
         announce();
 }
@@ -116,7 +117,7 @@ void StatusNotifierItem::announce()
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.kde.StatusNotifierWatcher"), QStringLiteral("/StatusNotifierWatcher"),
         QStringLiteral("org.kde.StatusNotifierWatcher"), QStringLiteral("RegisterStatusNotifierItem"));
-    call << m_service;
+    call << (m_byConnection ? m_bus.baseService() : m_service);
     call.setAutoStartService(false);
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [](QDBusPendingCallWatcher *finished) {

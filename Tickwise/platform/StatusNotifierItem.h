@@ -35,8 +35,8 @@ public:
     /// "org.kde.StatusNotifierItem-PID-N"; N counts the items of the process.
     const QString &service() const { return m_service; }
 
-    /// Announces the item to the watcher; again for each new watcher.
-    void registerWithWatcher();
+    /// Announces the item to the watcher, by its bus name or its connection; again for each new watcher.
+    void registerWithWatcher(bool byConnection);
 
     /// Tells the hosts what changed against the content before.
     void setContent(const StatusNotifierContent &content);
@@ -63,6 +63,7 @@ private:
     std::unique_ptr<DBusMenu> m_menu;
     bool m_ownsName = false;
     bool m_wantsWatcher = false;
+    bool m_byConnection = false;
 };
 
 } // namespace tickwise

@@ -372,6 +372,7 @@ def make_socket_directory():
 
 def _split_item(item):
     service, slash, path = item.partition("/")
+    service = service.removesuffix("@")  # GNOME puts one between the name and the path
     return service, (slash + path) or "/StatusNotifierItem"
 
 

@@ -59,6 +59,7 @@ private Q_SLOTS:
     void aLatePanelGetsTheItemAfterOneLogLine();
     void aRestartedPanelGetsTheItemAgain();
     void aPanelOfAnotherKindGetsAnotherItem();
+    void isAnnouncedByNameOrConnection();
     void withoutABusItSaysSoOnceAndGoesOn();
     void aDeafBusDoesNotHoldTheProgram();
     void leavesTheBusWhenItEnds();
@@ -165,6 +166,19 @@ void PanelStatusItemTest::aPanelOfAnotherKindGetsAnotherItem()
     QTRY_VERIFY(hasItems(1));
     QVERIFY(m_panel->items()[0] != service);
     QVERIFY(m_panel->itemProperties().contains(QStringLiteral("XAyatanaLabel")));
+}
+
+void PanelStatusItemTest::isAnnouncedByNameOrConnection()
+{
+    const auto item = makeItem(QStringLiteral("waybar"));
+    QTRY_VERIFY(hasItems(1));
+    QVERIFY(m_panel->items()[0].startsWith(QStringLiteral("org.kde.StatusNotifierItem-")));
+    m_host = QStringLiteral("gnome-shell");
+    m_panel.reset();
+    m_panel = std::make_unique<FakeStatusPanel>(*m_bus);
+    QTRY_VERIFY(hasItems(1));
+    QVERIFY(m_panel->items()[0].startsWith(u':'));
+    QCOMPARE(m_panel->itemProperties().value(QStringLiteral("Status")).toString(), QStringLiteral("Active"));
 }
 
 void PanelStatusItemTest::withoutABusItSaysSoOnceAndGoesOn()

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void eachHostHasItsAppearance();
     void trayTextColourTellsTheAppearance();
     void onlySomeHostsTellWhereAClickWas();
+    void gnomeIsToldTheConnection();
     void waybarGetsOnePixmapOfItsIconSize();
     void theUsersWaybarConfigurationIsFound();
     void swaybarReadsPremultipliedAlpha();
@@ -179,6 +180,15 @@ void StatusItemHostTest::onlySomeHostsTellWhereAClickWas()
     for (StatusItemHost host :
          {StatusItemHost::waybar, StatusItemHost::mate, StatusItemHost::cinnamon, StatusItemHost::unknown})
         QVERIFY(!tellsClickPosition(host));
+}
+
+void StatusItemHostTest::gnomeIsToldTheConnection()
+{
+    QVERIFY(isAnnouncedByConnection(StatusItemHost::gnome));
+    for (StatusItemHost host :
+         {StatusItemHost::xfce, StatusItemHost::waybar, StatusItemHost::mate, StatusItemHost::lxqt,
+          StatusItemHost::plasma, StatusItemHost::swaybar, StatusItemHost::unknown})
+        QVERIFY(!isAnnouncedByConnection(host));
 }
 
 void StatusItemHostTest::waybarGetsOnePixmapOfItsIconSize()
