@@ -6,8 +6,8 @@ namespace tickwise {
 
 namespace {
 
-constexpr qsizetype longestHead = 64 * 1024;
-constexpr qint64 pieceBytes = 16 * 1024;
+constexpr qsizetype longestHead = 64LL * 1024;
+constexpr qint64 pieceBytes = 16LL * 1024;
 
 LoopbackAnswer refusal(int status)
 {

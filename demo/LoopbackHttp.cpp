@@ -102,7 +102,7 @@ Fault truncateAfter(qint64 bytes)
     return ending(LoopbackAnswer::Ending::close, bytes, true);
 }
 
-Fault status(int status, QByteArray body, LoopbackHeaders extra)
+Fault status(int status, const QByteArray &body, const LoopbackHeaders &extra)
 {
     return [=](LoopbackAnswer &answer) {
         answer.status = status;
@@ -111,12 +111,12 @@ Fault status(int status, QByteArray body, LoopbackHeaders extra)
     };
 }
 
-Fault headers(LoopbackHeaders extra)
+Fault headers(const LoopbackHeaders &extra)
 {
     return [=](LoopbackAnswer &answer) { answer.headers.insert(answer.headers.end(), extra.begin(), extra.end()); };
 }
 
-Fault body(QByteArray body, QByteArray contentType)
+Fault body(const QByteArray &body, const QByteArray &contentType)
 {
     return [=](LoopbackAnswer &answer) {
         answer.body = body;
@@ -151,7 +151,7 @@ Fault oversize(qint64 bytes)
 Fault gzipBomb(int mebibytes)
 {
     return [=](LoopbackAnswer &answer) {
-        answer.body = gzipped(QByteArray(1024 * 1024, '\0')).repeated(mebibytes);
+        answer.body = gzipped(QByteArray(1024LL * 1024, '\0')).repeated(mebibytes);
         answer.headers.emplace_back("Content-Encoding", "gzip");
     };
 }

@@ -78,9 +78,9 @@ Fault stallAfter(qint64 bytes);
 /// The connection is closed after that many bytes of a longer body.
 Fault truncateAfter(qint64 bytes);
 /// Another status with a body, instead of the answer.
-Fault status(int status, QByteArray body = {}, LoopbackHeaders headers = {});
-Fault headers(LoopbackHeaders headers);
-Fault body(QByteArray body, QByteArray contentType = "application/json");
+Fault status(int status, const QByteArray &body = {}, const LoopbackHeaders &headers = {});
+Fault headers(const LoopbackHeaders &headers);
+Fault body(const QByteArray &body, const QByteArray &contentType = "application/json");
 /// Bytes that are no JSON under status 200.
 Fault garbage();
 /// Bytes that are no HTTP.

@@ -139,7 +139,7 @@ private:
 
     QUrl packageUrl(const QString &text)
     {
-        const QUrl url(text, QUrl::StrictMode);
+        QUrl url(text, QUrl::StrictMode);
         if (!url.isValid() || url.scheme() != QLatin1StringView("https") || url.host().isEmpty())
             m_xml.raiseError(QStringLiteral("a package is not behind https"));
         return url;

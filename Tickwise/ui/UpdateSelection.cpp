@@ -11,18 +11,18 @@ constexpr std::chrono::hours rollbackMemory{14 * 24};
 bool meetsSystem(const AppcastItem &item, const QString &systemVersion)
 {
     return item.minimumSystemVersion.isEmpty() || !isVersion(systemVersion) ||
-           compareVersions(systemVersion, item.minimumSystemVersion) >= 0;
+           std::is_gteq(compareVersions(systemVersion, item.minimumSystemVersion));
 }
 
 const AppcastItem *newer(const AppcastItem *best, const AppcastItem &item)
 {
-    return !best || compareVersions(item.version, best->version) > 0 ? &item : best;
+    return !best || std::is_gt(compareVersions(item.version, best->version)) ? &item : best;
 }
 
 bool isSkipped(const AppcastItem &item, const UpdateQuery &query)
 {
     return !query.userInitiated && !query.skippedVersion.isEmpty() &&
-           compareVersions(item.version, query.skippedVersion) <= 0;
+           std::is_lteq(compareVersions(item.version, query.skippedVersion));
 }
 
 } // namespace
@@ -32,7 +32,7 @@ UpdateSelection selectUpdate(const std::vector<AppcastItem> &items, const Update
     const AppcastItem *best = nullptr;
     bool needsNewerSystem = false;
     for (const AppcastItem &item : items) {
-        if (compareVersions(item.version, query.runningVersion) <= 0)
+        if (std::is_lteq(compareVersions(item.version, query.runningVersion)))
             continue;
         if (meetsSystem(item, query.systemVersion))
             best = newer(best, item);
@@ -56,7 +56,8 @@ QString newestVersion(const std::vector<AppcastItem> &items)
 
 bool isRolledBack(const QString &newest, const std::optional<SeenVersion> &seen, TimePoint now)
 {
-    return seen && seen->at <= now && now - seen->at < rollbackMemory && compareVersions(newest, seen->version) < 0;
+    return seen && seen->at <= now && now - seen->at < rollbackMemory &&
+           std::is_lt(compareVersions(newest, seen->version));
 }
 
 } // namespace tickwise

@@ -79,7 +79,7 @@ std::weak_ordering compareVersions(const QString &left, const QString &right)
     for (std::size_t i = 0; i < std::max(lefts.size(), rights.size()); ++i) {
         const Part missing;
         const auto order = compareParts(i < lefts.size() ? lefts[i] : missing, i < rights.size() ? rights[i] : missing);
-        if (order != 0)
+        if (std::is_neq(order))
             return order;
     }
     return std::weak_ordering::equivalent;

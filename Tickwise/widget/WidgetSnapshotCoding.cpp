@@ -11,8 +11,8 @@ namespace tickwise {
 
 namespace {
 
-constexpr qsizetype largestDocument = 4 * 1024 * 1024; ///< bytes; a thousand coins take a tenth of a megabyte
-constexpr qsizetype dateLength = 20;                   ///< "2026-01-31T08:15:00Z"
+constexpr qsizetype largestDocument = 4LL * 1024 * 1024; ///< bytes; a thousand coins take a tenth of a megabyte
+constexpr qsizetype dateLength = 20;                     ///< "2026-01-31T08:15:00Z"
 
 tl::unexpected<Error> invalid(const QString &text)
 {
