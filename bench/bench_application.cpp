@@ -1,5 +1,6 @@
 // The application as it ships, with an identity of its own and the market of the measurements. The first line of its
-// input is a JSON object: "endpoints", "coins" (ids of the watchlist) and "pollingInterval" (seconds). Then commands:
+// input is a JSON object: "endpoints", "authorities" (PEM), "coins" (ids of the watchlist) and "pollingInterval"
+// (seconds). Then commands:
 //
 //   polls N   polls N times back to back and prints "polls N <CPU seconds of this process>"
 //   quit
@@ -7,7 +8,6 @@
 // Prints "content <CLOCK_MONOTONIC seconds>" when the status item first shows a price.
 #include "app/Application.h"
 #include "catalog/CoinLogoCache.h"
-#include "demo/LoopbackTls.h"
 #include "platform/AppGroupContainer.h"
 
 #include <QApplication>
@@ -44,7 +44,7 @@ ApplicationConfiguration benchConfiguration(const QJsonObject &json)
     configuration.defaultsApplication += QStringLiteral("-bench");
     configuration.appGroup += QStringLiteral(".bench");
     configuration.endpoints = endpointsFrom(json.value(QStringLiteral("endpoints")).toObject());
-    configuration.authorities = loopbackAuthorities();
+    configuration.authorities = json.value(QStringLiteral("authorities")).toString().toLatin1();
     return configuration;
 }
 

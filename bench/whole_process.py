@@ -79,7 +79,7 @@ def start_application(desktop, programs, endpoints):
     """The process and when it was started (seconds of the monotonic clock)."""
     begin = time.monotonic()
     process = desktop.run(os.path.join(programs, "bench_application"))
-    line = {"endpoints": endpoints, "coins": watchlist(), "pollingInterval": NO_POLLS}
+    line = {"endpoints": endpoints, "authorities": read(AUTHORITY), "coins": watchlist(), "pollingInterval": NO_POLLS}
     process.write_line(json.dumps(line))
     return process, begin
 
@@ -90,14 +90,12 @@ def start_empty(desktop, programs):
 
 
 def seconds_to_line(desktop, start, word):
-    """Median of several starts, after one that warms the caches."""
-    times = []
-    for _ in range(STARTS + 1):
-        process, begin = start()
-        times.append(float(wait_for_line(desktop, process, word)[0]) - begin)
-        time.sleep(0.3)
-        desktop.stop_process(process)
-    return statistics.median(times[1:])
+    """From one start to the line."""
+    process, begin = start()
+    seconds = float(wait_for_line(desktop, process, word)[0]) - begin
+    time.sleep(0.3)
+    desktop.stop_process(process)
+    return seconds
 
 
 def run_curl(url, count):
@@ -158,13 +156,15 @@ def measure_poll(desktop, programs, *form):
 
 
 def measure_start(desktop, programs):
-    """Seconds: from start to the first price, the empty program's start, the first round trip with its TLS handshake."""
+    """Seconds: from start to the first price, the empty program's start, the first round trip with its TLS handshake.
+    Medians of starts that take turns."""
     market = Market(desktop, programs)
-    ready = seconds_to_line(desktop, lambda: start_empty(desktop, programs), "ready")
-    content = seconds_to_line(desktop, lambda: start_application(desktop, programs, market.endpoints), "content")
-    trip = statistics.median(run_curl(market.okx_url, 1)[1] for _ in range(STARTS))
+    rounds = [(seconds_to_line(desktop, lambda: start_application(desktop, programs, market.endpoints), "content"),
+               seconds_to_line(desktop, lambda: start_empty(desktop, programs), "ready"),
+               run_curl(market.okx_url, 1)[1])
+              for _ in range(STARTS + 1)]
     market.stop()
-    return content, ready, trip
+    return [statistics.median(samples) for samples in zip(*rounds[1:])]  # the first warms the caches
 
 
 def measure_idle(desktop, programs):
