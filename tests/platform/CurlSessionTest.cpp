@@ -102,6 +102,7 @@ private Q_SLOTS:
     void damagedGzipIsNoAnswer();
     void gzipMembersOneAfterAnother();
     void readsFoldedHeaders();
+    void whatLibcurlDoesNotTakeFailsLater();
     void answersWithoutAHead_data();
     void answersWithoutAHead();
     void failuresInTheSameWords_data();
@@ -590,6 +591,23 @@ void CurlSessionTest::ignoresTrailers()
     const Result<HttpResponse> result = fetch(to(files));
     QCOMPARE(result->body, QByteArray("ok"));
     QVERIFY(!result->header("X-Late"));
+}
+
+void CurlSessionTest::whatLibcurlDoesNotTakeFailsLater()
+{
+    constexpr qsizetype longerThanLibcurlTakes = 8'000'001;
+    HttpRequest request = to(files);
+    request.url.setPath(u'/' + QString(longerThanLibcurlTakes, u'a'));
+    Outcome outcome;
+    const Subscription subscription = m_client->send(request, outcome.completion());
+    QVERIFY(!outcome.isOver());
+    QTRY_VERIFY(outcome.isOver());
+    QCOMPARE(std::get<UrlLoadingError>(outcome.results.front().error()).code, UrlErrorCode::cannotConnectToHost);
+    QCOMPARE(m_market->requestCount(files), 0);
+    Subscription dropped = m_client->send(request, outcome.completion());
+    dropped.cancel();
+    QCOMPARE(fetch(to(files)).value().body, QByteArray("the file"));
+    QCOMPARE(outcome.results.size(), std::size_t(1));
 }
 
 void CurlSessionTest::answersWithoutAHead_data()
