@@ -1,6 +1,6 @@
-#include "catalog/LogoDecoding.h"
-#include "catalog/LogoPicture.h"
-#include "support/LogoPictures.h"
+#include "catalog/logos/LogoDecoding.h"
+#include "catalog/logos/LogoPicture.h"
+#include "doubles/LogoPictures.h"
 
 #include <QGuiApplication>
 

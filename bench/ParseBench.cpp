@@ -1,8 +1,8 @@
 // parseQuotes of the exchanges' full lists for 25 wanted symbols, against simdjson's own DOM parse of the same bytes.
 // The floor parses from a padded_string prepared outside its loop and keeps its parser; parseQuotes pads a copy of the
 // body each time. The counter `ratio` of each parser is its throughput as a share of the floor's, both taken in turns.
-#include "market/TickerProviders.h"
-#include "support/TestData.h"
+#include "doubles/TestData.h"
+#include "market/exchanges/TickerProviders.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,9 +1,9 @@
 // The pipeline's own work: one poll's snapshot merged and published for watchlists of growing length, and the catalog's
 // load.
+#include "doubles/Catalogs.h"
+#include "doubles/PipelineDoubles.h"
+#include "doubles/TestClock.h"
 #include "pipeline/CoinListViewModel.h"
-#include "support/Catalogs.h"
-#include "support/PipelineDoubles.h"
-#include "support/TestClock.h"
 
 #include <QCoreApplication>
 

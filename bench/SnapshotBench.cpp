@@ -1,7 +1,7 @@
 // What the widget's snapshot costs: one write of 100 coins against the bare write of the same bytes, and the decision
 // whether the widgets redraw.
-#include "support/Catalogs.h"
-#include "support/TestClock.h"
+#include "doubles/Catalogs.h"
+#include "doubles/TestClock.h"
 #include "widget/ReloadDecision.h"
 #include "widget/WidgetSnapshotStore.h"
 

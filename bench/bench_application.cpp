@@ -7,8 +7,8 @@
 //
 // Prints "content <CLOCK_MONOTONIC seconds>" when the status item first shows a price.
 #include "app/Application.h"
-#include "catalog/CoinLogoCache.h"
-#include "platform/AppGroupContainer.h"
+#include "catalog/logos/CoinLogoCache.h"
+#include "platform/storage/AppGroupContainer.h"
 
 #include <QApplication>
 #include <QBuffer>

@@ -15,6 +15,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(tickwise_options INTERFACE -Wno-null-dereference -Wno-restrict)
 endif()
 
+# lld links a test program in a fifth of the time that ld takes.
+find_program(TICKWISE_LLD ld.lld)
+if(TICKWISE_LLD)
+    target_link_options(tickwise_options INTERFACE -fuse-ld=lld)
+endif()
+
 if(TICKWISE_SANITIZE)
     set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     # With sanitizers g++ takes empty optionals for uninitialised ones.

@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include "app/LocalizationManager.h"
 #include "app/StatusMenu.h"
 #include "catalog/ShippedImages.h"
 #include "settings/SettingsStream.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "catalog/CoinLogoStore.h"
+#include "catalog/logos/CoinLogoStore.h"
 #include "market/Endpoints.h"
 #include "market/ExchangeRateService.h"
 #include "market/HttpClient.h"
@@ -10,7 +10,7 @@
 #include "pipeline/NotificationService.h"
 #include "pipeline/StatusItem.h"
 #include "ui/LaunchAtLoginService.h"
-#include "ui/UpdateService.h"
+#include "ui/updates/UpdateController.h"
 #include "widget/WidgetSnapshotWriter.h"
 
 #include <QList>

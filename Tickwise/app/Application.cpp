@@ -1,12 +1,13 @@
 #include "app/Application.h"
 
-#include "platform/AppGroupContainer.h"
-#include "platform/DisplayServer.h"
-#include "platform/Log.h"
-#include "platform/LoginItem.h"
-#include "platform/PanelStatusItem.h"
-#include "platform/PortalNotificationCenter.h"
-#include "platform/ProcessMemory.h"
+#include "platform/notifications/PortalNotificationCenter.h"
+#include "platform/session/DesktopLoginItem.h"
+#include "platform/session/DisplayServer.h"
+#include "platform/session/LogHandler.h"
+#include "platform/session/ProcessMemory.h"
+#include "platform/statusitem/PanelStatusItem.h"
+#include "platform/storage/AppGroupContainer.h"
+#include "support/Localization.h"
 
 #include <QApplication>
 #include <QDBusConnection>

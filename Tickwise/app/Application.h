@@ -2,16 +2,17 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppInfo.h"
-#include "platform/NetworkHttpClient.h"
-#include "platform/NetworkWatch.h"
-#include "platform/SingleInstance.h"
-#include "platform/SleepMonitor.h"
-#include "platform/SoundPlayer.h"
-#include "platform/SparkleUpdaterBackend.h"
-#include "platform/TerminationSignals.h"
-#include "platform/UserDefaults.h"
-#include "platform/WidgetCenter.h"
-#include "ui/UpdateWindowPresenter.h"
+#include "platform/network/NetworkHttpClient.h"
+#include "platform/network/NetworkWatch.h"
+#include "platform/notifications/SoundPlayer.h"
+#include "platform/session/SingleInstance.h"
+#include "platform/session/SleepMonitor.h"
+#include "platform/session/TerminationSignals.h"
+#include "platform/session/WidgetCenter.h"
+#include "platform/storage/UserDefaults.h"
+#include "ui/LoginItem.h"
+#include "ui/updates/SparkleUpdaterBackend.h"
+#include "ui/updates/UpdateWindowPresenter.h"
 
 namespace tickwise {
 

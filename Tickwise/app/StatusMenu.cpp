@@ -1,5 +1,6 @@
 #include "app/StatusMenu.h"
 
+#include "support/Localization.h"
 namespace tickwise {
 
 namespace {

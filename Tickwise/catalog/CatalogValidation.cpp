@@ -1,6 +1,6 @@
 #include "catalog/CoinCatalog.h"
 #include "catalog/CoinId.h"
-#include "catalog/LogoAddress.h"
+#include "catalog/logos/LogoAddress.h"
 
 #include <QSet>
 #include <QTextBoundaryFinder>

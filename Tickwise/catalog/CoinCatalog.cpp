@@ -1,6 +1,6 @@
 #include "catalog/CoinCatalog.h"
 
-#include "support/Log.h"
+#include "support/LogCategories.h"
 
 #include <QFile>
 #include <QThread>

@@ -2,7 +2,7 @@
 
 #include "market/FailureReason.h"
 #include "market/HttpStatus.h"
-#include "support/Log.h"
+#include "support/LogCategories.h"
 
 #include <utility>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "market/ExchangeRateCacheStore.h"
 #include "market/HttpClient.h"
 #include "market/Pause.h"
 #include "market/ProviderCauses.h"
+#include "market/rates/ExchangeRateCacheStore.h"
 #include "settings/AppSettings.h"
 #include "support/Subscription.h"
 

@@ -4,8 +4,8 @@
 #include "market/HttpStatus.h"
 #include "market/ProviderCauses.h"
 #include "market/ProviderHealth.h"
-#include "market/TickerProviders.h"
-#include "support/Log.h"
+#include "market/exchanges/TickerProviders.h"
+#include "support/LogCategories.h"
 
 #include <QSet>
 

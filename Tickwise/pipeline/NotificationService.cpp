@@ -2,6 +2,7 @@
 
 #include "pipeline/AlertRule.h"
 #include "pipeline/PriceFormat.h"
+#include "support/Localization.h"
 
 #include <QLocale>
 #include <QLoggingCategory>
@@ -106,7 +107,7 @@ void NotificationService::notify(const Coin &coin, CoinAlertKind kind, BaseCurre
 {
     Q_ASSERT(m_center.thread() == QThread::currentThread());
     const UserNotification notification = priceAlertNotification(coin, kind, threshold, changePercent, usdToTargetRate,
-                                                                 m_clock(), LocalizationManager::shared().bundle());
+                                                                 m_clock(), currentLocalizationBundle());
     m_center.add(notification, [](const Result<void> &result) {
         if (!result)
             qCWarning(lcNotifications, "Failed to deliver notification: %s",

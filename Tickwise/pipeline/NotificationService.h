@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/LocalizationManager.h"
 #include "pipeline/PriceAlertNotifying.h"
 #include "pipeline/UserNotificationCenter.h"
 #include "support/Clock.h"
+#include "support/Localization.h"
 
 namespace tickwise {
 

@@ -2,6 +2,7 @@
 
 #include "pipeline/PriceFormat.h"
 #include "settings/SettingsViewModel.h"
+#include "support/Localization.h"
 
 #include <QDateTime>
 #include <QLocale>

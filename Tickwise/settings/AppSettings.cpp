@@ -1,5 +1,6 @@
 #include "settings/AppSettings.h"
 
+#include "support/Localization.h"
 namespace tickwise {
 
 QString rawValue(BaseCurrency value)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/LocalizationManager.h"
+#include "settings/AppLanguage.h"
 #include "support/RawValue.h"
 
 #include <QString>

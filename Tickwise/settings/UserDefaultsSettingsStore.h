@@ -1,25 +1,11 @@
 #pragma once
 
 #include "settings/AppSettings.h"
-#include "support/Result.h"
+#include "settings/SettingsDataStorage.h"
 
-#include <QByteArray>
-
-#include <memory>
 #include <optional>
 
 namespace tickwise {
-
-/// Where the settings document is kept: the user defaults, or a double.
-class SettingsDataStorage
-{
-public:
-    virtual ~SettingsDataStorage() = default;
-    /// The data under the key; none when nothing is stored.
-    virtual std::optional<QByteArray> data(const QString &key) const = 0;
-    /// Stores the data, or removes the entry when given none. The result is what reached the disk.
-    virtual Result<void> setData(const QString &key, const std::optional<QByteArray> &data) = 0;
-};
 
 /// Reads and writes the settings record as one JSON blob under the key "appSettings".
 class UserDefaultsSettingsStore

@@ -1,6 +1,7 @@
 #include "ui/LaunchAtLoginService.h"
 
-#include "support/Log.h"
+#include "support/LogCategories.h"
+#include "ui/LoginItem.h"
 
 namespace tickwise {
 

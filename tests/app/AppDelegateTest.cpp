@@ -1,13 +1,14 @@
 #include "app/AppDelegate.h"
+#include "doubles/Languages.h"
+#include "doubles/TestProgram.h"
 
-#include "support/AppDoubles.h"
-#include "support/PipelineDoubles.h"
-#include "support/ScriptedHttpClient.h"
-#include "support/TestClock.h"
+#include "doubles/AppDoubles.h"
+#include "doubles/PipelineDoubles.h"
+#include "doubles/ScriptedHttpClient.h"
+#include "doubles/TestClock.h"
 
 #include <QPointer>
 #include <QSignalSpy>
-#include <QTest>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -120,7 +121,7 @@ private Q_SLOTS:
 
 void AppDelegateTest::cleanup()
 {
-    LocalizationManager::shared().apply(AppLanguage::en);
+    test::useLanguage(AppLanguage::en);
 }
 
 void AppDelegateTest::showsThePriceAfterStartUp()
@@ -199,15 +200,15 @@ void AppDelegateTest::languageIsAppliedAtStartAndLive()
     const QString hant = localized(QStringLiteral("menu.quit"));
     world.change([](AppSettings &settings) { settings.language = AppLanguage::en; });
     const QString english = localized(QStringLiteral("menu.quit"));
-    QCOMPARE(english, localized(QStringLiteral("menu.quit"), LocalizationManager::bundleFor(AppLanguage::en)));
-    QCOMPARE(hans, localized(QStringLiteral("menu.quit"), LocalizationManager::bundleFor(AppLanguage::zhHans)));
-    QCOMPARE(hant, localized(QStringLiteral("menu.quit"), LocalizationManager::bundleFor(AppLanguage::zhHant)));
+    QCOMPARE(english, localized(QStringLiteral("menu.quit"), test::textsOf(AppLanguage::en)));
+    QCOMPARE(hans, localized(QStringLiteral("menu.quit"), test::textsOf(AppLanguage::zhHans)));
+    QCOMPARE(hant, localized(QStringLiteral("menu.quit"), test::textsOf(AppLanguage::zhHant)));
     QVERIFY(hans != english);
     // The tooltip speaks the new language too, without waiting for a poll.
     QTRY_VERIFY(!world.item->contents.back().logo);
     world.change([](AppSettings &settings) { settings.language = AppLanguage::zhHans; });
     QVERIFY(world.item->contents.back().toolTipBody.contains(
-        localized(QStringLiteral("tooltip.age.now"), LocalizationManager::bundleFor(AppLanguage::zhHans))));
+        localized(QStringLiteral("tooltip.age.now"), test::textsOf(AppLanguage::zhHans))));
 }
 
 void AppDelegateTest::loginItemFollowsTheSetting()
@@ -295,5 +296,5 @@ void AppDelegateTest::wakingFetchesAtOnce()
     QCOMPARE(world.polls(), 2);
 }
 
-QTEST_GUILESS_MAIN(AppDelegateTest)
+TICKWISE_TEST(AppDelegateTest)
 #include "AppDelegateTest.moc"

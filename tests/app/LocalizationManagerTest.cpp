@@ -1,10 +1,10 @@
 #include "app/LocalizationManager.h"
+#include "doubles/TestProgram.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <cstdio>
 
@@ -227,15 +227,9 @@ void LocalizationManagerTest::desktopLanguage()
     QCOMPARE(program.readAllStandardOutput(), language);
 }
 
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    if (argc > 1 && qstrcmp(argv[1], languageArgument) == 0) {
-        std::fputs(qPrintable(rawValue(effectiveLanguage(AppLanguage::system, preferredLanguages()))), stdout);
-        return 0;
-    }
-    LocalizationManagerTest test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+static const tickwise::testing::TestRoleRegistration languageRole(languageArgument, [] {
+    std::fputs(qPrintable(rawValue(effectiveLanguage(AppLanguage::system, preferredLanguages()))), stdout);
+    return 0;
+});
+TICKWISE_TEST(LocalizationManagerTest)
 #include "LocalizationManagerTest.moc"

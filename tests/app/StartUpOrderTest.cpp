@@ -1,13 +1,14 @@
 #include "app/AppDelegate.h"
+#include "doubles/Languages.h"
+#include "doubles/TestProgram.h"
 
-#include "support/AppDoubles.h"
-#include "support/PipelineDoubles.h"
-#include "support/ScriptedHttpClient.h"
-#include "support/TestClock.h"
+#include "doubles/AppDoubles.h"
+#include "doubles/PipelineDoubles.h"
+#include "doubles/ScriptedHttpClient.h"
+#include "doubles/TestClock.h"
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -197,7 +198,7 @@ private Q_SLOTS:
 
 void StartUpOrderTest::cleanup()
 {
-    LocalizationManager::shared().apply(AppLanguage::en);
+    test::useLanguage(AppLanguage::en);
 }
 
 void StartUpOrderTest::constructionDoesNothing()
@@ -283,5 +284,5 @@ void StartUpOrderTest::reloadStreamSeesWhatTheStepsAfterItChange()
     QTRY_COMPARE(world.polls(), 2);
 }
 
-QTEST_GUILESS_MAIN(StartUpOrderTest)
+TICKWISE_TEST(StartUpOrderTest)
 #include "StartUpOrderTest.moc"

@@ -1,10 +1,10 @@
-#include "app/LocalizationManager.h"
-#include "support/TestData.h"
+#include "doubles/Languages.h"
+#include "doubles/TestData.h"
+#include "doubles/TestProgram.h"
 
 #include <QDirIterator>
 #include <QFile>
 #include <QRegularExpression>
-#include <QTest>
 #include <QXmlStreamReader>
 
 #include <map>
@@ -180,7 +180,7 @@ void StringTablesTest::textsAreWhole()
 void StringTablesTest::compiledTablesAnswerAlike()
 {
     QFETCH(AppLanguage, language);
-    const LocalizationBundle bundle = LocalizationManager::bundleFor(language);
+    const LocalizationBundle bundle = test::textsOf(language);
     const Table table = readTable(language);
     QVERIFY(!table.empty());
     for (const auto &[key, text] : table)
@@ -223,7 +223,7 @@ void StringTablesTest::templatesTakeTheirArguments()
 {
     QFETCH(QString, key);
     QFETCH(int, count);
-    QCOMPARE(argumentCount(localized(key, LocalizationManager::bundleFor(AppLanguage::en))), count);
+    QCOMPARE(argumentCount(localized(key, test::textsOf(AppLanguage::en))), count);
 }
 
 void StringTablesTest::keysOfAllKinds_data()
@@ -299,5 +299,5 @@ void StringTablesTest::sourcesAskForKnownKeys()
     QVERIFY(lookups >= 4);
 }
 
-QTEST_GUILESS_MAIN(StringTablesTest)
+TICKWISE_TEST(StringTablesTest)
 #include "StringTablesTest.moc"

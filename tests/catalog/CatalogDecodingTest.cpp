@@ -1,6 +1,5 @@
 #include "catalog/CoinCatalog.h"
-
-#include <QTest>
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 
@@ -104,5 +103,5 @@ void CatalogDecodingTest::brokenJsonTellsTheOffset()
     QVERIFY(std::get<DecodingError>(document.error()).offset.has_value());
 }
 
-QTEST_GUILESS_MAIN(CatalogDecodingTest)
+TICKWISE_TEST(CatalogDecodingTest)
 #include "CatalogDecodingTest.moc"

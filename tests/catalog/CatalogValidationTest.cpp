@@ -1,8 +1,7 @@
 #include "catalog/CoinCatalog.h"
+#include "doubles/TestProgram.h"
 
-#include "support/Catalogs.h"
-
-#include <QTest>
+#include "doubles/Catalogs.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -228,5 +227,5 @@ void CatalogValidationTest::migration()
     QCOMPARE(validateCatalog(1, coins), problem.isEmpty() ? QStringList() : QStringList{problem});
 }
 
-QTEST_GUILESS_MAIN(CatalogValidationTest)
+TICKWISE_TEST(CatalogValidationTest)
 #include "CatalogValidationTest.moc"

@@ -1,12 +1,12 @@
 #include "catalog/CoinCatalog.h"
+#include "doubles/TestProgram.h"
 
-#include "support/Catalogs.h"
-#include "support/LogCapture.h"
+#include "doubles/Catalogs.h"
+#include "doubles/LogCapture.h"
 
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -180,5 +180,5 @@ void CoinCatalogTest::reconcileWithoutMigrationChangesNothing()
     QVERIFY(!FixedCatalog(migrating()).reconcile(settings).has_value());
 }
 
-QTEST_GUILESS_MAIN(CoinCatalogTest)
+TICKWISE_TEST(CoinCatalogTest)
 #include "CoinCatalogTest.moc"

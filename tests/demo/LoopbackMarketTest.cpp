@@ -1,11 +1,11 @@
 #include "demo/LoopbackMarket.h"
+#include "doubles/TestProgram.h"
 
-#include "platform/NetworkHttpClient.h"
-#include "support/TestClock.h"
-#include "support/TestData.h"
+#include "doubles/TestClock.h"
+#include "doubles/TestData.h"
+#include "platform/network/NetworkHttpClient.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 #include <nlohmann/json.hpp>
 
@@ -351,5 +351,5 @@ void LoopbackMarketTest::gzipStreamsAreRead()
     QCOMPARE(parsed(response.body)["data"].size(), 2U);
 }
 
-QTEST_GUILESS_MAIN(LoopbackMarketTest)
+TICKWISE_TEST(LoopbackMarketTest)
 #include "LoopbackMarketTest.moc"

@@ -1,5 +1,5 @@
 // The smallest program with a status item: tells which display it runs on, then what happens to its item, a line each.
-#include "platform/DisplayServer.h"
+#include "platform/session/DisplayServer.h"
 
 #include <QApplication>
 #include <QMenu>

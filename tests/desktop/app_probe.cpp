@@ -7,9 +7,9 @@
 
 #include "app/Application.h"
 #include "demo/LoopbackMarket.h"
+#include "doubles/SigningKey.h"
 #include "pipeline/StatusItemContent.h"
 #include "settings/AppSettingsCoding.h"
-#include "support/SigningKey.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -3,7 +3,7 @@
 // {"text": "BTC 67,432", "symbol": "BTC", "price": "67,432", "color": "#2cbd84", "pill": "#2cbd84", "trend": "up"}, or
 // {"logo": true}; "quit" ends the program. Clicks and chosen menu entries are printed, one a line.
 
-#include "platform/PanelStatusItem.h"
+#include "platform/statusitem/PanelStatusItem.h"
 
 #include <QApplication>
 #include <QDBusConnection>

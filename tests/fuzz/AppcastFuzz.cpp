@@ -1,7 +1,7 @@
-#include "ui/AppcastParser.h"
-#include "ui/ReleaseNotesText.h"
-#include "ui/UpdateSelection.h"
-#include "ui/VersionComparison.h"
+#include "ui/updates/AppcastParser.h"
+#include "ui/updates/ReleaseNotesText.h"
+#include "ui/updates/UpdateSelection.h"
+#include "ui/updates/VersionComparison.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-#include "catalog/LogoDecoding.h"
-#include "catalog/LogoPicture.h"
+#include "catalog/logos/LogoDecoding.h"
+#include "catalog/logos/LogoPicture.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,8 +1,8 @@
 // Everything that the market services read from the network or from disk. The first byte ('1' to '7') picks the reader,
 // the rest is the body.
-#include "market/ExchangeRateCacheStore.h"
 #include "market/HttpStatus.h"
-#include "market/TickerProviders.h"
+#include "market/exchanges/TickerProviders.h"
+#include "market/rates/ExchangeRateCacheStore.h"
 
 #include <cmath>
 #include <cstdint>

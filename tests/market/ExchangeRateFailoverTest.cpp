@@ -1,8 +1,9 @@
 #include "ExchangeRateFixture.h"
+#include "doubles/TestProgram.h"
 
+#include "doubles/LogCapture.h"
+#include "doubles/TestData.h"
 #include "market/FailureReason.h"
-#include "support/LogCapture.h"
-#include "support/TestData.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -177,5 +178,5 @@ void ExchangeRateFailoverTest::unbuildableAddress()
     QCOMPARE(f.asked(), QStringLiteral("fallback"));
 }
 
-QTEST_GUILESS_MAIN(ExchangeRateFailoverTest)
+TICKWISE_TEST(ExchangeRateFailoverTest)
 #include "ExchangeRateFailoverTest.moc"

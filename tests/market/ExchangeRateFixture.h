@@ -1,8 +1,8 @@
 #pragma once
 
+#include "doubles/ScriptedHttpClient.h"
+#include "doubles/TestClock.h"
 #include "market/ExchangeRateService.h"
-#include "support/ScriptedHttpClient.h"
-#include "support/TestClock.h"
 
 #include <QTemporaryDir>
 #include <QTest>

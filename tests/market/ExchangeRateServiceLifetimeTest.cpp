@@ -1,9 +1,8 @@
 // The shared fetch and those who wait for it: who may leave when.
+#include "doubles/ScriptedHttpClient.h"
+#include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 #include "market/ExchangeRateService.h"
-#include "support/ScriptedHttpClient.h"
-#include "support/TestClock.h"
-
-#include <QTest>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -233,5 +232,5 @@ void ExchangeRateServiceLifetimeTest::serviceGoesAndTheHandleIsDropped()
     QVERIFY(rates.empty());
 }
 
-QTEST_GUILESS_MAIN(ExchangeRateServiceLifetimeTest)
+TICKWISE_TEST(ExchangeRateServiceLifetimeTest)
 #include "ExchangeRateServiceLifetimeTest.moc"

@@ -1,6 +1,7 @@
 #include "ExchangeRateFixture.h"
+#include "doubles/TestProgram.h"
 
-#include "support/TestData.h"
+#include "doubles/TestData.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -217,5 +218,5 @@ void ExchangeRateServiceTest::unwritableCacheIsIgnored()
     QCOMPARE(f.rate().value(), 0.5);
 }
 
-QTEST_GUILESS_MAIN(ExchangeRateServiceTest)
+TICKWISE_TEST(ExchangeRateServiceTest)
 #include "ExchangeRateServiceTest.moc"

@@ -1,8 +1,7 @@
 #include "market/FailureReason.h"
+#include "doubles/TestProgram.h"
 
-#include "support/TestClock.h"
-
-#include <QTest>
+#include "doubles/TestClock.h"
 
 using namespace tickwise;
 using enum FailureReason;
@@ -131,5 +130,5 @@ void FailureReasonTest::summaryOfNothing()
     QVERIFY(summary({}).provider.isEmpty());
 }
 
-QTEST_GUILESS_MAIN(FailureReasonTest)
+TICKWISE_TEST(FailureReasonTest)
 #include "FailureReasonTest.moc"

@@ -1,10 +1,9 @@
 #include "market/HttpStatus.h"
+#include "doubles/TestProgram.h"
 
+#include "doubles/TestData.h"
 #include "market/FailureReason.h"
 #include "market/Outcome.h"
-#include "support/TestData.h"
-
-#include <QTest>
 
 using namespace tickwise;
 using Kind = TickerProviderError::Kind;
@@ -190,5 +189,5 @@ void HttpStatusTest::legalReasonsAreARegionBlock()
     QCOMPARE(failureReason(result.error()), FailureReason::regionBlocked);
 }
 
-QTEST_GUILESS_MAIN(HttpStatusTest)
+TICKWISE_TEST(HttpStatusTest)
 #include "HttpStatusTest.moc"

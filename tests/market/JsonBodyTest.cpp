@@ -1,8 +1,7 @@
 #include "market/JsonBody.h"
+#include "doubles/TestProgram.h"
 
-#include "support/TestData.h"
-
-#include <QTest>
+#include "doubles/TestData.h"
 
 using namespace tickwise;
 
@@ -72,5 +71,5 @@ void JsonBodyTest::roomInFrontIsNoRoomBehind()
     QCOMPARE(outcome(body), std::string("[]"));
 }
 
-QTEST_GUILESS_MAIN(JsonBodyTest)
+TICKWISE_TEST(JsonBodyTest)
 #include "JsonBodyTest.moc"

@@ -1,12 +1,12 @@
 #include "demo/LoopbackMarket.h"
+#include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 #include "market/FailureReason.h"
 #include "market/Outcome.h"
 #include "market/PriceService.h"
-#include "platform/NetworkHttpClient.h"
-#include "support/TestClock.h"
+#include "platform/network/NetworkHttpClient.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -396,5 +396,5 @@ void MarketServiceTest::destroyedServiceCancels()
     QCOMPARE(outcome.error().code, UrlErrorCode::cancelled);
 }
 
-QTEST_GUILESS_MAIN(MarketServiceTest)
+TICKWISE_TEST(MarketServiceTest)
 #include "MarketServiceTest.moc"

@@ -1,8 +1,9 @@
 // What a price service makes of exchanges that fail: back-off, the causes it reports, its log.
 #include "PriceServiceFixture.h"
+#include "doubles/TestProgram.h"
 
+#include "doubles/LogCapture.h"
 #include "market/FailureReason.h"
-#include "support/LogCapture.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -245,5 +246,5 @@ void PriceServiceFailureTest::logsAFailureOnce()
     QCOMPARE(log.lines().front().type, QtInfoMsg);
 }
 
-QTEST_GUILESS_MAIN(PriceServiceFailureTest)
+TICKWISE_TEST(PriceServiceFailureTest)
 #include "PriceServiceFailureTest.moc"

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "doubles/ScriptedHttpClient.h"
+#include "doubles/TestClock.h"
 #include "market/PriceService.h"
-#include "support/ScriptedHttpClient.h"
-#include "support/TestClock.h"
 
 #include <QTest>
 

@@ -1,5 +1,6 @@
 // What ends a fetch other than its answers: the handle is dropped, the service goes away.
 #include "PriceServiceFixture.h"
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -247,5 +248,5 @@ void PriceServiceLifetimeTest::serviceGoesInsideTheCompletion()
     QVERIFY(other.results.front().error() == Error(UrlLoadingError{UrlErrorCode::cancelled}));
 }
 
-QTEST_GUILESS_MAIN(PriceServiceLifetimeTest)
+TICKWISE_TEST(PriceServiceLifetimeTest)
 #include "PriceServiceLifetimeTest.moc"

@@ -1,4 +1,5 @@
 #include "PriceServiceFixture.h"
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -346,5 +347,5 @@ void PriceServiceTest::clockGoesBackBehindAMark()
     QCOMPARE(f.fetch({btc, xyz})->prices.value(xyz), 2.0);
 }
 
-QTEST_GUILESS_MAIN(PriceServiceTest)
+TICKWISE_TEST(PriceServiceTest)
 #include "PriceServiceTest.moc"

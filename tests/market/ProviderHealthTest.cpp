@@ -1,8 +1,7 @@
 #include "market/ProviderHealth.h"
+#include "doubles/TestProgram.h"
 
-#include "support/TestClock.h"
-
-#include <QTest>
+#include "doubles/TestClock.h"
 
 using namespace tickwise;
 
@@ -200,5 +199,5 @@ void ProviderHealthTest::orderIsKept()
     QCOMPARE(available(okx, symbols), symbols);
 }
 
-QTEST_GUILESS_MAIN(ProviderHealthTest)
+TICKWISE_TEST(ProviderHealthTest)
 #include "ProviderHealthTest.moc"

@@ -1,6 +1,5 @@
 #include "pipeline/AlertRule.h"
-
-#include <QTest>
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 
@@ -188,5 +187,5 @@ void AlertRuleTest::rearming()
     QCOMPARE(decision.referencePrice, std::optional(after));
 }
 
-QTEST_GUILESS_MAIN(AlertRuleTest)
+TICKWISE_TEST(AlertRuleTest)
 #include "AlertRuleTest.moc"

@@ -1,11 +1,11 @@
 #include "pipeline/CoinListViewModel.h"
+#include "doubles/TestProgram.h"
 
-#include "support/Catalogs.h"
-#include "support/PipelineDoubles.h"
-#include "support/TestClock.h"
+#include "doubles/Catalogs.h"
+#include "doubles/PipelineDoubles.h"
+#include "doubles/TestClock.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -460,5 +460,5 @@ void CoinListViewModelTest::catalogThatBecomesEmptyStopsPrices()
     QCOMPARE(world.settingsViewModel.settings().watchlistCoins.size(), 2U);
 }
 
-QTEST_GUILESS_MAIN(CoinListViewModelTest)
+TICKWISE_TEST(CoinListViewModelTest)
 #include "CoinListViewModelTest.moc"

@@ -1,10 +1,10 @@
 #include "pipeline/MenuBarViewModel.h"
+#include "doubles/TestProgram.h"
+#include "support/Localization.h"
 
-#include "support/Catalogs.h"
-#include "support/PipelineDoubles.h"
-#include "support/TestClock.h"
-
-#include <QTest>
+#include "doubles/Catalogs.h"
+#include "doubles/PipelineDoubles.h"
+#include "doubles/TestClock.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -143,5 +143,5 @@ void MenuBarViewModelTest::failedPollShowsWhyAndTheAge()
     QVERIFY(!item.contents.back().toolTipBody.contains(localized(QStringLiteral("failure.offline"))));
 }
 
-QTEST_GUILESS_MAIN(MenuBarViewModelTest)
+TICKWISE_TEST(MenuBarViewModelTest)
 #include "MenuBarViewModelTest.moc"

@@ -1,10 +1,10 @@
 #include "pipeline/NotificationService.h"
+#include "doubles/Languages.h"
+#include "doubles/TestProgram.h"
 
+#include "doubles/LogCapture.h"
+#include "doubles/TestClock.h"
 #include "pipeline/PriceFormat.h"
-#include "support/LogCapture.h"
-#include "support/TestClock.h"
-
-#include <QTest>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -104,7 +104,7 @@ private Q_SLOTS:
 void NotificationServiceTest::textsInEveryLanguage()
 {
     QFETCH(AppLanguage, language);
-    const LocalizationBundle bundle = LocalizationManager::bundleFor(language, {});
+    const LocalizationBundle bundle = test::textsOf(language);
     const QString btc = QStringLiteral("BTC");
     const auto direction = [&](const char *key) { return localized(QLatin1String(key), bundle); };
 
@@ -162,7 +162,7 @@ void NotificationServiceTest::englishTexts()
     QFETCH(double, move);
     QFETCH(double, rate);
     QFETCH(QString, text);
-    const LocalizationBundle english = LocalizationManager::bundleFor(AppLanguage::en, {});
+    const LocalizationBundle english = test::textsOf(AppLanguage::en);
     const UserNotification notification =
         notificationOf(kind, price < 0 ? std::nullopt : std::optional(price), threshold, move, rate, english);
     QCOMPARE(notification.body, text);
@@ -174,7 +174,7 @@ void NotificationServiceTest::languagesDiffer()
     QSet<QString> bodies;
     QSet<QString> titles;
     for (const AppLanguage language : {AppLanguage::en, AppLanguage::zhHans, AppLanguage::zhHant}) {
-        const LocalizationBundle bundle = LocalizationManager::bundleFor(language, {});
+        const LocalizationBundle bundle = test::textsOf(language);
         for (const CoinAlertKind kind : allCases<CoinAlertKind>())
             bodies.insert(notificationOf(kind, 101, 100, 2, 1, bundle).body);
         titles.insert(notificationOf(CoinAlertKind::above, 101, 100, 2, 1, bundle).title);
@@ -188,8 +188,8 @@ void NotificationServiceTest::namesThatLookLikePlacesStay()
     Coin coin = bitcoin(5);
     coin.name = QStringLiteral("%2 %1");
     coin.symbol = QStringLiteral("%3");
-    const UserNotification notification = priceAlertNotification(coin, CoinAlertKind::above, 4, 0, 1, TimePoint(),
-                                                                 LocalizationManager::bundleFor(AppLanguage::en, {}));
+    const UserNotification notification =
+        priceAlertNotification(coin, CoinAlertKind::above, 4, 0, 1, TimePoint(), test::textsOf(AppLanguage::en));
     QCOMPARE(notification.title, QStringLiteral("%2 %1 price alert"));
     QCOMPARE(notification.body, QStringLiteral("%3 has risen to 4 or above, now at 5"));
 }
@@ -222,15 +222,15 @@ void NotificationServiceTest::identifiers()
 
 void NotificationServiceTest::notifyPostsOneNotificationInTheSharedLanguage()
 {
-    LocalizationManager::shared().apply(AppLanguage::zhHant);
+    test::useLanguage(AppLanguage::zhHant);
     TestClock clock;
     FakeCenter center;
     NotificationService service(center, clock.clock());
     service.notify(bitcoin(480123.4), CoinAlertKind::above, BaseCurrency::cny, 68000, 3, 7);
-    LocalizationManager::shared().apply(AppLanguage::en);
+    test::useLanguage(AppLanguage::en);
     QCOMPARE(center.notifications.size(), std::size_t(1));
-    QCOMPARE(center.notifications.front(), notificationOf(CoinAlertKind::above, 480123.4, 68000, 3, 7,
-                                                          LocalizationManager::bundleFor(AppLanguage::zhHant, {})));
+    QCOMPARE(center.notifications.front(),
+             notificationOf(CoinAlertKind::above, 480123.4, 68000, 3, 7, test::textsOf(AppLanguage::zhHant)));
 }
 
 void NotificationServiceTest::authorizationIsAskedOnce()
@@ -281,5 +281,5 @@ void NotificationServiceTest::serviceMayGoBeforeItsAnswers()
     QCOMPARE(log.texts(category).size(), 1);
 }
 
-QTEST_GUILESS_MAIN(NotificationServiceTest)
+TICKWISE_TEST(NotificationServiceTest)
 #include "NotificationServiceTest.moc"

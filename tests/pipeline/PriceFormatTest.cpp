@@ -1,6 +1,5 @@
 #include "pipeline/PriceFormat.h"
-
-#include <QTest>
+#include "doubles/TestProgram.h"
 
 #include <limits>
 
@@ -83,5 +82,5 @@ void PriceFormatTest::valuesThatAreNoNumbersDoNotCrash()
     QCOMPARE(exactPrice(1e300).count(QLatin1Char(',')), 100);
 }
 
-QTEST_GUILESS_MAIN(PriceFormatTest)
+TICKWISE_TEST(PriceFormatTest)
 #include "PriceFormatTest.moc"

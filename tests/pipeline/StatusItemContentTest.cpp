@@ -1,9 +1,9 @@
 #include "pipeline/StatusItemContent.h"
+#include "doubles/TestProgram.h"
+#include "support/Localization.h"
 
-#include "support/Catalogs.h"
-#include "support/TestClock.h"
-
-#include <QTest>
+#include "doubles/Catalogs.h"
+#include "doubles/TestClock.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -243,5 +243,5 @@ void StatusItemContentTest::age()
     QCOMPARE(ageText(clock.now() - secondsDuration(seconds), clock.now()), expected);
 }
 
-QTEST_GUILESS_MAIN(StatusItemContentTest)
+TICKWISE_TEST(StatusItemContentTest)
 #include "StatusItemContentTest.moc"

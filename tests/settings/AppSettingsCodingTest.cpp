@@ -1,10 +1,10 @@
 #include "settings/AppSettingsCoding.h"
+#include "doubles/LogCapture.h"
+#include "doubles/TestData.h"
+#include "doubles/TestProgram.h"
 #include "settings/JsonDecoding.h"
-#include "support/LogCapture.h"
-#include "support/TestData.h"
 
 #include <QRegularExpression>
-#include <QTest>
 
 #include <limits>
 
@@ -371,5 +371,5 @@ void AppSettingsCodingTest::lossyDecodable()
     QVERIFY(!LossyDecodable<WatchlistCoin>::decode(nlohmann::json::parse("[]")).value);
 }
 
-QTEST_GUILESS_MAIN(AppSettingsCodingTest)
+TICKWISE_TEST(AppSettingsCodingTest)
 #include "AppSettingsCodingTest.moc"

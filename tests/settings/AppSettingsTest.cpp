@@ -1,7 +1,7 @@
 #include "settings/AppSettings.h"
+#include "doubles/Languages.h"
+#include "doubles/TestProgram.h"
 #include "settings/SettingsViewModel.h"
-
-#include <QTest>
 
 using namespace tickwise;
 
@@ -119,18 +119,18 @@ void AppSettingsTest::otherTextIsNoCase()
 
 void AppSettingsTest::titlesFollowTheLanguage()
 {
-    LocalizationManager::shared().apply(AppLanguage::en);
+    test::useLanguage(AppLanguage::en);
     QCOMPARE(
         titles<CoinAlertKind>(),
         QStringList({localized(QStringLiteral("alertKind.above")), localized(QStringLiteral("alertKind.below")),
                      localized(QStringLiteral("alertKind.change")), localized(QStringLiteral("alertKind.notSet"))}));
     QCOMPARE(titles<MenuBarContent>(), words("Price Logo"));
     QCOMPARE(titles<DesktopOverlayTextSize>(), words("Normal Large"));
-    LocalizationManager::shared().apply(AppLanguage::zhHant);
+    test::useLanguage(AppLanguage::zhHant);
     QCOMPARE(titles<PriceColorScheme>(),
              QStringList({QStringLiteral("綠漲紅跌"), QStringLiteral("紅漲綠跌"), QStringLiteral("自訂顏色")}));
     QCOMPARE(titles<MenuBarContent>(), QStringList({QStringLiteral("價格"), QStringLiteral("圖示")}));
-    LocalizationManager::shared().apply(AppLanguage::en);
+    test::useLanguage(AppLanguage::en);
 }
 
 void AppSettingsTest::equalityCoversEveryField_data()
@@ -168,5 +168,5 @@ void AppSettingsTest::equalityCoversEveryField()
     QVERIFY(!(settings == AppSettings()));
 }
 
-QTEST_GUILESS_MAIN(AppSettingsTest)
+TICKWISE_TEST(AppSettingsTest)
 #include "AppSettingsTest.moc"

@@ -1,6 +1,5 @@
+#include "doubles/TestProgram.h"
 #include "settings/AppSettingsCoding.h"
-
-#include <QTest>
 
 using namespace tickwise;
 
@@ -142,5 +141,5 @@ void DamagedSettingsTest::sizeLimit()
     QVERIFY(decodingError(QByteArray(50000000, '[')).text.contains(QStringLiteral("50000000 bytes")));
 }
 
-QTEST_GUILESS_MAIN(DamagedSettingsTest)
+TICKWISE_TEST(DamagedSettingsTest)
 #include "DamagedSettingsTest.moc"

@@ -1,6 +1,5 @@
 #include "settings/HexColor.h"
-
-#include <QTest>
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 
@@ -67,5 +66,5 @@ void HexColorTest::writes()
     QCOMPARE(colorFromHex(hexFromColor(QColor(1, 2, 3))), std::optional(QColor(1, 2, 3)));
 }
 
-QTEST_GUILESS_MAIN(HexColorTest)
+TICKWISE_TEST(HexColorTest)
 #include "HexColorTest.moc"

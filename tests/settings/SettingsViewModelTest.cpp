@@ -1,11 +1,11 @@
 #include "settings/SettingsViewModel.h"
+#include "doubles/TestProgram.h"
 
+#include "doubles/LogCapture.h"
+#include "doubles/MemoryDefaults.h"
 #include "settings/AppSettingsCoding.h"
-#include "support/LogCapture.h"
-#include "support/MemoryDefaults.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 #include <limits>
 
@@ -232,5 +232,5 @@ void SettingsViewModelTest::priceColors()
     QCOMPARE(name(model.priceColor(std::numeric_limits<double>::quiet_NaN())), QStringLiteral("neutral"));
 }
 
-QTEST_GUILESS_MAIN(SettingsViewModelTest)
+TICKWISE_TEST(SettingsViewModelTest)
 #include "SettingsViewModelTest.moc"

@@ -1,3 +1,4 @@
+#include "doubles/TestProgram.h"
 #include "support/DecimalText.h"
 #include "support/DetachedWork.h"
 #include "support/Error.h"
@@ -5,7 +6,6 @@
 
 #include <QFutureWatcher>
 #include <QSignalSpy>
-#include <QTest>
 #include <QThread>
 
 using namespace tickwise;
@@ -122,5 +122,5 @@ void SupportTest::errorsInWords()
     QTEST(description(error), "words");
 }
 
-QTEST_GUILESS_MAIN(SupportTest)
+TICKWISE_TEST(SupportTest)
 #include "SupportTest.moc"

@@ -1,8 +1,8 @@
 #include "ui/LaunchAtLoginService.h"
+#include "doubles/TestProgram.h"
+#include "ui/LoginItem.h"
 
-#include "support/LogCapture.h"
-
-#include <QTest>
+#include "doubles/LogCapture.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -79,5 +79,5 @@ void LaunchAtLoginServiceTest::failureIsLoggedWithItsDescription()
     QCOMPARE(log.lines().at(0).text, QStringLiteral("Failed to update login item: ") + description(error));
 }
 
-QTEST_GUILESS_MAIN(LaunchAtLoginServiceTest)
+TICKWISE_TEST(LaunchAtLoginServiceTest)
 #include "LaunchAtLoginServiceTest.moc"

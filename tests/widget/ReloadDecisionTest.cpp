@@ -1,8 +1,7 @@
 #include "widget/ReloadDecision.h"
+#include "doubles/TestProgram.h"
 
-#include "support/TestClock.h"
-
-#include <QTest>
+#include "doubles/TestClock.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -120,5 +119,5 @@ void ReloadDecisionTest::timeCountsFromTheReload()
     QVERIFY(!needsWidgetReload(WidgetReload{old, lastSnapshot().writtenAt}, lastSnapshot()));
 }
 
-QTEST_GUILESS_MAIN(ReloadDecisionTest)
+TICKWISE_TEST(ReloadDecisionTest)
 #include "ReloadDecisionTest.moc"

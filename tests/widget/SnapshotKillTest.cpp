@@ -1,10 +1,10 @@
+#include "doubles/TestProgram.h"
 #include "widget/WidgetSnapshotStore.h"
 
-#include "support/TestClock.h"
+#include "doubles/TestClock.h"
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <csignal>
 #include <random>
@@ -85,5 +85,5 @@ void SnapshotKillTest::everyFileFoundAfterAKillDecodes()
     QCOMPARE(store.read().value(), numbered(7));
 }
 
-QTEST_GUILESS_MAIN(SnapshotKillTest)
+TICKWISE_TEST(SnapshotKillTest)
 #include "SnapshotKillTest.moc"

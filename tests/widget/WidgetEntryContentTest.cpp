@@ -1,8 +1,7 @@
 #include "widget/WidgetEntryContent.h"
+#include "doubles/TestProgram.h"
 
-#include "support/TestClock.h"
-
-#include <QTest>
+#include "doubles/TestClock.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -111,5 +110,5 @@ void WidgetEntryContentTest::equalInputGivesEqualContent()
     QVERIFY(widgetEntryContent(coins, {}, catalog()) != widgetEntryContent(moved, {}, catalog()));
 }
 
-QTEST_GUILESS_MAIN(WidgetEntryContentTest)
+TICKWISE_TEST(WidgetEntryContentTest)
 #include "WidgetEntryContentTest.moc"

@@ -1,11 +1,11 @@
 #include "widget/WidgetSnapshotStore.h"
+#include "doubles/TestProgram.h"
 
-#include "support/TestClock.h"
+#include "doubles/TestClock.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <limits>
 
@@ -127,5 +127,5 @@ void WidgetSnapshotStoreTest::readsNothingWithoutAFile()
     QVERIFY(!WidgetSnapshotStore{m_directory.filePath(QStringLiteral("nothing"))}.read());
 }
 
-QTEST_GUILESS_MAIN(WidgetSnapshotStoreTest)
+TICKWISE_TEST(WidgetSnapshotStoreTest)
 #include "WidgetSnapshotStoreTest.moc"

@@ -1,8 +1,7 @@
 #include "widget/WidgetSnapshot.h"
+#include "doubles/TestProgram.h"
 
-#include "support/TestClock.h"
-
-#include <QTest>
+#include "doubles/TestClock.h"
 
 #include <limits>
 
@@ -260,5 +259,5 @@ void WidgetSnapshotTest::decodingIsStrict()
     QVERIFY(!decodeWidgetSnapshot(document));
 }
 
-QTEST_GUILESS_MAIN(WidgetSnapshotTest)
+TICKWISE_TEST(WidgetSnapshotTest)
 #include "WidgetSnapshotTest.moc"

@@ -1,14 +1,14 @@
 #include "widget/WidgetSnapshotWriter.h"
+#include "doubles/TestProgram.h"
 
-#include "support/Catalogs.h"
-#include "support/LogCapture.h"
-#include "support/PipelineDoubles.h"
-#include "support/TestClock.h"
+#include "doubles/Catalogs.h"
+#include "doubles/LogCapture.h"
+#include "doubles/PipelineDoubles.h"
+#include "doubles/TestClock.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -220,5 +220,5 @@ void WidgetSnapshotWriterTest::goneWriterDoesNothing()
     QVERIFY(!QDir(*other.directory).exists());
 }
 
-QTEST_GUILESS_MAIN(WidgetSnapshotWriterTest)
+TICKWISE_TEST(WidgetSnapshotWriterTest)
 #include "WidgetSnapshotWriterTest.moc"

@@ -1,0 +1,79 @@
+#include "catalog/logos/CoinLogoCache.h"
+
+#include "catalog/CoinId.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSaveFile>
+
+namespace tickwise {
+
+namespace {
+
+constexpr QLatin1String directoryName("CoinLogos");
+constexpr QLatin1String suffix(".img");
+
+} // namespace
+
+CoinLogoCache CoinLogoCache::inContainer(const std::optional<QString> &container)
+{
+    if (!container)
+        return {};
+    return {QDir(*container).filePath(directoryName)};
+}
+
+QSet<QString> CoinLogoCache::cachedIDs() const
+{
+    QSet<QString> ids;
+    if (!directory)
+        return ids;
+    const QStringList names = QDir(*directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    for (const QString &name : names) {
+        if (name.endsWith(suffix))
+            ids.insert(name.chopped(suffix.size()));
+    }
+    return ids;
+}
+
+std::optional<QString> CoinLogoCache::path(const QString &id) const
+{
+    if (!directory || !isCoinId(id))
+        return std::nullopt;
+    return QDir(*directory).filePath(id + suffix);
+}
+
+std::optional<QByteArray> CoinLogoCache::read(const QString &id) const
+{
+    const std::optional<QString> name = path(id);
+    if (!name)
+        return std::nullopt;
+    QFile file(*name);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    QByteArray bytes = file.read(largestLogo + 1);
+    if (file.error() != QFile::NoError || bytes.size() > largestLogo)
+        return std::nullopt;
+    return bytes;
+}
+
+Result<void> CoinLogoCache::write(const QString &id, const QByteArray &bytes) const
+{
+    const std::optional<QString> name = path(id);
+    if (!name)
+        return failure(FileError{directory.value_or(QString(directoryName)),
+                                 directory ? QStringLiteral("not a coin id") : QStringLiteral("no container")});
+    if (!QDir().mkpath(*directory))
+        return failure(FileError{*directory, QStringLiteral("the directory cannot be made")});
+    QSaveFile file(*name);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+        return failure(FileError{*name, file.errorString()});
+    return {};
+}
+
+void CoinLogoCache::remove(const QString &id) const
+{
+    if (const std::optional<QString> name = path(id))
+        QFile::remove(*name);
+}
+
+} // namespace tickwise

@@ -1,0 +1,77 @@
+#include "catalog/logos/CoinLogoPainting.h"
+
+#include "catalog/ShippedImages.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QSvgRenderer>
+#include <QTextBoundaryFinder>
+
+namespace tickwise {
+
+namespace {
+
+constexpr int letterCount = 3;
+constexpr int letterSize = 8; // points of 1/72 inch at the usual scale, which are the screen's logical pixels
+constexpr float fillOpacity = 0.15F;
+
+} // namespace
+
+bool paintShippedLogo(QPainter &painter, const QRectF &box, const QString &assetName)
+{
+    if (assetName.isEmpty() || !shippedImageExists(assetName))
+        return false;
+    QSvgRenderer renderer(shippedImagePath(assetName));
+    if (!renderer.isValid())
+        return false;
+    renderer.render(&painter, box);
+    return true;
+}
+
+void paintLogoImage(QPainter &painter, const QRectF &box, const QImage &image)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(box, image);
+    painter.restore();
+}
+
+QString placeholderLetters(const QString &symbol)
+{
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, symbol);
+    qsizetype end = 0;
+    for (int i = 0; i < letterCount && end < symbol.size(); ++i)
+        end = characters.toNextBoundary();
+    return symbol.first(end);
+}
+
+void paintLogoPlaceholder(QPainter &painter, const QRectF &box, const QString &symbol, const QColor &accent)
+{
+    QColor ground = accent;
+    ground.setAlphaF(fillOpacity);
+    QFont font = QGuiApplication::font();
+    font.setBold(true);
+    font.setPixelSize(letterSize);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground);
+    painter.drawEllipse(box);
+    painter.setFont(font);
+    painter.setPen(accent);
+    painter.drawText(box, int(Qt::AlignCenter) | int(Qt::TextDontClip), placeholderLetters(symbol));
+    painter.restore();
+}
+
+void paintCoinLogo(QPainter &painter, const QRectF &box, const std::optional<QString> &assetName,
+                   const std::optional<QImage> &image, const QString &symbol, const QColor &accent)
+{
+    if (assetName && paintShippedLogo(painter, box, *assetName))
+        return;
+    if (image)
+        paintLogoImage(painter, box, *image);
+    else
+        paintLogoPlaceholder(painter, box, symbol, accent);
+}
+
+} // namespace tickwise

@@ -1,0 +1,74 @@
+#include "platform/notifications/NotificationText.h"
+
+#include "support/Localization.h"
+
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
+
+namespace tickwise {
+
+namespace {
+
+constexpr qsizetype longestLine = 200; ///< characters
+constexpr uchar normalUrgency = 1;
+constexpr int serviceDecides = -1; ///< how long the notification stays
+
+bool isControl(QChar character)
+{
+    const QChar::Category category = character.category();
+    return category == QChar::Other_Control || category == QChar::Separator_Line ||
+           category == QChar::Separator_Paragraph;
+}
+
+QString shortened(const QString &text)
+{
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    qsizetype end = 0;
+    for (qsizetype i = 1; i < longestLine && end >= 0; ++i)
+        end = finder.toNextBoundary();
+    const qsizetype whole = end < 0 ? end : finder.toNextBoundary();
+    return whole < 0 || whole == text.size() ? text : text.left(end) + u'…';
+}
+
+QString escaped(QString text)
+{
+    return text.replace(u'&', QStringLiteral("&amp;"))
+        .replace(u'<', QStringLiteral("&lt;"))
+        .replace(u'>', QStringLiteral("&gt;"));
+}
+
+} // namespace
+
+QString notificationLine(const QString &text)
+{
+    // Cut before it is looked at: a character may join any number of code points.
+    QString line = text.left(longestLine * 16);
+    std::ranges::replace_if(line, isControl, QChar(u' '));
+    return shortened(line);
+}
+
+QVariantList notifyArguments(const UserNotification &notification, const NotificationIdentity &identity,
+                             const QStringList &capabilities)
+{
+    const auto can = [&](const QString &capability) { return capabilities.contains(capability); };
+    const QString body = notificationLine(notification.body);
+    QStringList actions;
+    if (can(QStringLiteral("actions")))
+        actions = {QStringLiteral("default"), localized(QStringLiteral("menu.open"))};
+    QVariantMap hints{{QStringLiteral("urgency"), QVariant::fromValue(normalUrgency)},
+                      {QStringLiteral("desktop-entry"), identity.desktopEntry}};
+    if (can(QStringLiteral("sound")))
+        hints.insert(QStringLiteral("sound-name"), QStringLiteral("message-new-instant"));
+    constexpr uint replacesNothing = 0;
+    return {identity.applicationName,
+            replacesNothing,
+            identity.iconName,
+            notificationLine(notification.title),
+            can(QStringLiteral("body-markup")) ? escaped(body) : body,
+            actions,
+            hints,
+            serviceDecides};
+}
+
+} // namespace tickwise

@@ -1,0 +1,101 @@
+#include "platform/session/BackgroundRequest.h"
+
+#include "platform/dbus/PortalRequest.h"
+
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusPendingReply>
+#include <QUuid>
+
+namespace tickwise {
+
+namespace {
+
+QString portalPath()
+{
+    return QStringLiteral("/org/freedesktop/portal/desktop");
+}
+
+tl::unexpected<Error> portalFailure(const QString &text)
+{
+    return failure(FileError{QStringLiteral("org.freedesktop.portal.Background"), text});
+}
+
+} // namespace
+
+BackgroundRequest::BackgroundRequest(const QDBusConnection &bus, bool autostart, Completion<void> done, QObject *parent)
+    : QObject(parent)
+    , m_bus(bus)
+    , m_autostart(autostart)
+    , m_done(std::move(done))
+    , m_portalWatcher(PortalRequest::service(), bus, QDBusServiceWatcher::WatchForUnregistration)
+{
+    connect(&m_portalWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
+            [this] { finish(portalFailure(QStringLiteral("the portal ended"))); });
+}
+
+BackgroundRequest::~BackgroundRequest() = default;
+
+void BackgroundRequest::send(const QString &program, const QString &reason)
+{
+    if (!m_bus.isConnected()) {
+        // A call on such a connection never finishes.
+        QMetaObject::invokeMethod(
+            this, [this] { finish(portalFailure(QStringLiteral("there is no session bus"))); }, Qt::QueuedConnection);
+        return;
+    }
+    const QString token = QStringLiteral("tickwise") + QUuid::createUuid().toString(QUuid::Id128);
+    const QString sender = m_bus.baseService().mid(1).replace(u'.', u'_');
+    // The answer may come before the call's own reply: its path follows from the token, so that it can be heard in
+    // time.
+    listen(portalPath() + QStringLiteral("/request/") + sender + u'/' + token);
+    QDBusMessage call = QDBusMessage::createMethodCall(PortalRequest::service(), portalPath(),
+                                                       QStringLiteral("org.freedesktop.portal.Background"),
+                                                       QStringLiteral("RequestBackground"));
+    call << QString()
+         << QVariantMap{{QStringLiteral("handle_token"), token},
+                        {QStringLiteral("reason"), reason},
+                        {QStringLiteral("autostart"), m_autostart},
+                        {QStringLiteral("commandline"), QStringList{program}},
+                        {QStringLiteral("dbus-activatable"), false}};
+    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] { takeReply(*watcher); });
+}
+
+void BackgroundRequest::listen(const QString &requestPath)
+{
+    m_requestPath = requestPath;
+    m_request = std::make_unique<PortalRequest>(m_bus, requestPath);
+    connect(m_request.get(), &PortalRequest::Response, this, &BackgroundRequest::takeResponse);
+}
+
+void BackgroundRequest::takeReply(const QDBusPendingCallWatcher &call)
+{
+    const QDBusPendingReply<QDBusObjectPath> reply = call;
+    if (reply.isError())
+        finish(portalFailure(reply.error().message()));
+    else if (reply.value().path() != m_requestPath)
+        listen(reply.value().path());
+}
+
+void BackgroundRequest::takeResponse(uint response, const QVariantMap &results)
+{
+    const bool granted = results.value(QStringLiteral("autostart")).toBool();
+    if (response != 0)
+        finish(portalFailure(QStringLiteral("the request was refused")));
+    else if (granted != m_autostart)
+        finish(portalFailure(QStringLiteral("starting at login was not granted")));
+    else
+        finish({});
+}
+
+void BackgroundRequest::finish(const Result<void> &result)
+{
+    const Completion<void> done = std::exchange(m_done, nullptr);
+    if (!done)
+        return;
+    deleteLater();
+    done(result);
+}
+
+} // namespace tickwise

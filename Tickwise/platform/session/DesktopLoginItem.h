@@ -1,0 +1,69 @@
+#pragma once
+
+#include "ui/LoginItem.h"
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+namespace tickwise {
+
+/// The program's path as the `Exec` value of a desktop entry: quoted and escaped so that it starts this and nothing
+/// else.
+QString desktopEntryExec(const QString &program);
+
+/// The file that starts this program: the AppImage it runs from, or its own.
+QString runningProgram();
+
+/// True inside Flatpak or Snap, where files in the user's configuration folder start nothing.
+bool runsInSandbox();
+
+/// An XDG autostart file.
+class AutostartLoginItem : public LoginItem
+{
+public:
+    /// `directory` is the user's autostart folder; it is created when it is needed.
+    AutostartLoginItem(QString applicationId, QString program, QString directory);
+
+    /// Leaves a file that starts the same program as it is: the user may have switched it off in the desktop's
+    /// settings.
+    void setRegistered(bool registered, Completion<void> done) override;
+
+    /// $XDG_CONFIG_HOME/autostart
+    static QString defaultDirectory();
+
+private:
+    Result<void> write() const;
+    Result<void> remove() const;
+    QString path() const;
+
+    QString m_applicationId;
+    QString m_program;
+    QString m_directory;
+    QObject m_context;
+};
+
+/// Asks the Background portal, as a sandboxed application has to.
+class PortalLoginItem : public LoginItem
+{
+public:
+    /// `reason` is shown to the user by the portal.
+    PortalLoginItem(QDBusConnection sessionBus, QString program, QString reason);
+
+    /// Fails where the desktop has no such portal, or when it or the user refuses.
+    void setRegistered(bool registered, Completion<void> done) override;
+
+private:
+    QDBusConnection m_bus;
+    QString m_program;
+    QString m_reason;
+    QObject m_requests;
+};
+
+/// The login item for the way this process runs; `reason` as for `PortalLoginItem`.
+std::unique_ptr<LoginItem> makeLoginItem(const QString &applicationId, const QDBusConnection &sessionBus,
+                                         bool sandboxed, const QString &reason);
+
+} // namespace tickwise

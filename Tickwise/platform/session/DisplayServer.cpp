@@ -1,0 +1,164 @@
+#include "platform/session/DisplayServer.h"
+
+#include <wayland-client.h>
+#include <xcb/xcb.h>
+
+#include <QDeadlineTimer>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <memory>
+#include <poll.h>
+
+namespace tickwise {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto compositorTimeout = 2s;
+constexpr char platformVariable[] = "QT_QPA_PLATFORM";
+constexpr char noSharedMemoryVariable[] = "QT_XCB_NO_MITSHM";
+constexpr char bypassVariable[] = "QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT";
+
+/// One connection that lists the compositor's globals.
+class GlobalsQuery
+{
+public:
+    GlobalsQuery()
+        : m_display(wl_display_connect(nullptr), &wl_display_disconnect)
+    {
+    }
+
+    /// False when there is no compositor or it does not answer in time.
+    bool run()
+    {
+        if (!m_display)
+            return false;
+        const std::unique_ptr<wl_registry, decltype(&wl_registry_destroy)> registry(
+            wl_display_get_registry(m_display.get()), &wl_registry_destroy);
+        static constexpr wl_registry_listener registryListener = {&GlobalsQuery::noteGlobal,
+                                                                  &GlobalsQuery::noteRemoval};
+        wl_registry_add_listener(registry.get(), &registryListener, this);
+        const std::unique_ptr<wl_callback, decltype(&wl_callback_destroy)> callback(wl_display_sync(m_display.get()),
+                                                                                    &wl_callback_destroy);
+        static constexpr wl_callback_listener callbackListener = {&GlobalsQuery::noteDone};
+        wl_callback_add_listener(callback.get(), &callbackListener, this);
+        const QDeadlineTimer deadline(compositorTimeout);
+        while (!m_done && dispatchOnce(deadline)) {
+        }
+        return m_done;
+    }
+
+    bool hasLayerShell() const { return m_layerShell; }
+
+private:
+    static void noteGlobal(void *self, wl_registry *, uint32_t, const char *interface, uint32_t)
+    {
+        if (std::strcmp(interface, "zwlr_layer_shell_v1") == 0)
+            static_cast<GlobalsQuery *>(self)->m_layerShell = true;
+    }
+
+    static void noteRemoval(void *, wl_registry *, uint32_t) {}
+    static void noteDone(void *self, wl_callback *, uint32_t) { static_cast<GlobalsQuery *>(self)->m_done = true; }
+
+    bool dispatchOnce(const QDeadlineTimer &deadline)
+    {
+        wl_display *const display = m_display.get();
+        while (wl_display_prepare_read(display) != 0) {
+            if (wl_display_dispatch_pending(display) < 0)
+                return false;
+        }
+        wl_display_flush(display);
+        if (!waitForBytes(deadline)) {
+            wl_display_cancel_read(display);
+            return false;
+        }
+        return wl_display_read_events(display) >= 0 && wl_display_dispatch_pending(display) >= 0;
+    }
+
+    bool waitForBytes(const QDeadlineTimer &deadline) const
+    {
+        pollfd socket = {wl_display_get_fd(m_display.get()), POLLIN, 0};
+        int ready = 0;
+        do {
+            ready = ::poll(&socket, 1, static_cast<int>(deadline.remainingTime()));
+        } while (ready < 0 && errno == EINTR);
+        return ready > 0;
+    }
+
+    std::unique_ptr<wl_display, decltype(&wl_display_disconnect)> m_display;
+    bool m_layerShell = false;
+    bool m_done = false;
+};
+
+bool answersAsXServer()
+{
+    if (qEnvironmentVariableIsEmpty("DISPLAY"))
+        return false;
+    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection(xcb_connect(nullptr, nullptr),
+                                                                                  &xcb_disconnect);
+    return xcb_connection_has_error(connection.get()) == 0;
+}
+
+void probeCompositor(DisplayFacts &facts)
+{
+    // The socket that WAYLAND_SOCKET passes serves one connection: it has to be left to the application.
+    if (qEnvironmentVariableIsSet("WAYLAND_SOCKET")) {
+        facts.wayland = true;
+        return;
+    }
+    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && facts.sessionType != "wayland")
+        return;
+    GlobalsQuery query;
+    facts.wayland = query.run();
+    facts.layerShell = facts.wayland && query.hasLayerShell();
+}
+
+void applyDecision(const DisplayDecision &decision)
+{
+    if (decision.backend == DisplayBackend::xcb) {
+        qputenv(platformVariable, "xcb");
+        // What changes all day is the price, a few kilobytes of pixels: sending them costs less than waiting until the
+        // X server has read them from shared memory.
+        if (!qEnvironmentVariableIsSet(noSharedMemoryVariable))
+            qputenv(noSharedMemoryVariable, "1");
+    } else if (decision.backend == DisplayBackend::wayland) {
+        qputenv(platformVariable, "wayland");
+    }
+    if (decision.layerShell)
+        qputenv(bypassVariable, "1");
+}
+
+} // namespace
+
+DisplayDecision decideDisplay(const DisplayFacts &facts)
+{
+    if (!facts.chosenPlatform.isEmpty())
+        return {DisplayBackend::chosenByUser, facts.chosenPlatform.startsWith("wayland") && facts.layerShell};
+    if (facts.x11 && facts.sessionType == "x11")
+        return {DisplayBackend::xcb, false};
+    if (facts.wayland && (facts.layerShell || !facts.x11))
+        return {DisplayBackend::wayland, facts.layerShell};
+    return {facts.x11 ? DisplayBackend::xcb : DisplayBackend::none, false};
+}
+
+DisplayFacts probeDisplay()
+{
+    DisplayFacts facts;
+    facts.chosenPlatform = qgetenv(platformVariable);
+    facts.sessionType = qgetenv("XDG_SESSION_TYPE");
+    facts.x11 = answersAsXServer();
+    probeCompositor(facts);
+    return facts;
+}
+
+DisplayDecision prepareDisplay()
+{
+    const DisplayDecision decision = decideDisplay(probeDisplay());
+    applyDecision(decision);
+    return decision;
+}
+
+} // namespace tickwise

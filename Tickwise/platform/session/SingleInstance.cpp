@@ -1,0 +1,138 @@
+#include "platform/session/SingleInstance.h"
+
+#include "platform/session/ApplicationAdaptor.h"
+#include "support/LogCategories.h"
+
+#include <QDBusMessage>
+#include <QDBusReply>
+#include <QDir>
+#include <QFile>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tickwise {
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcSingleInstance, "com.pelmo.tickwise.SingleInstance")
+
+constexpr int callTimeoutMs = 900;
+constexpr uint doNotQueue = 4;
+constexpr uint primaryOwner = 1;
+constexpr uint alreadyOwner = 4;
+
+QString applicationInterface()
+{
+    return QStringLiteral("org.freedesktop.Application");
+}
+
+/// The folder when it is a real one of this user that nobody else may enter.
+bool isPrivateFolder(const QString &path)
+{
+    struct stat information = {};
+    return ::lstat(QFile::encodeName(path).constData(), &information) == 0 && S_ISDIR(information.st_mode) &&
+           information.st_uid == ::getuid() && (information.st_mode & 077) == 0;
+}
+
+} // namespace
+
+SingleInstance::SingleInstance(QString applicationId, QDBusConnection bus, QString lockDirectory, QObject *parent)
+    : QObject(parent)
+    , m_applicationId(std::move(applicationId))
+    , m_objectPath(u'/' + QString(m_applicationId).replace(u'.', u'/'))
+    , m_bus(std::move(bus))
+    , m_lockDirectory(std::move(lockDirectory))
+{
+    new ApplicationAdaptor(this);
+}
+
+SingleInstance::~SingleInstance()
+{
+    m_bus.unregisterObject(m_objectPath);
+    if (m_lockFile >= 0)
+        ::close(m_lockFile);
+}
+
+SingleInstance::Role SingleInstance::claim(const QList<QUrl> &urls, const QString &activationToken)
+{
+    switch (requestName()) {
+    case NameRequest::granted:
+        return Role::first;
+    case NameRequest::taken:
+        forward(urls, activationToken);
+        return Role::alreadyRunning;
+    case NameRequest::noBus:
+        break;
+    }
+    return claimLock();
+}
+
+SingleInstance::NameRequest SingleInstance::requestName()
+{
+    // The object has to be there before the name: a call that the bus held back arrives together with the name.
+    if (!m_bus.isConnected() || !m_bus.registerObject(m_objectPath, this, QDBusConnection::ExportAdaptors))
+        return NameRequest::noBus;
+    QDBusMessage request =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("RequestName"));
+    request << m_applicationId << doNotQueue;
+    const QDBusReply<uint> reply = m_bus.call(request, QDBus::Block, callTimeoutMs);
+    if (reply.isValid() && (reply.value() == primaryOwner || reply.value() == alreadyOwner))
+        return NameRequest::granted;
+    m_bus.unregisterObject(m_objectPath);
+    return reply.isValid() ? NameRequest::taken : NameRequest::noBus;
+}
+
+void SingleInstance::forward(const QList<QUrl> &urls, const QString &activationToken)
+{
+    const QString method = urls.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("Open");
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(m_applicationId, m_objectPath, applicationInterface(), method);
+    message.setAutoStartService(false);
+    if (!urls.isEmpty())
+        message << QUrl::toStringList(urls, QUrl::FullyEncoded);
+    QVariantMap platformData;
+    if (!activationToken.isEmpty())
+        platformData = {{ApplicationAdaptor::tokenKey(), activationToken},
+                        {ApplicationAdaptor::startupIdKey(), activationToken}};
+    message << platformData;
+    if (const QDBusMessage reply = m_bus.call(message, QDBus::Block, callTimeoutMs);
+        reply.type() == QDBusMessage::ErrorMessage) {
+        qCInfo(lcSingleInstance).noquote() << "The running copy did not answer:" << reply.errorMessage();
+    }
+}
+
+SingleInstance::Role SingleInstance::claimLock()
+{
+    if (m_lockFile >= 0 || m_lockDirectory.isEmpty())
+        return Role::first;
+    const QString path = m_lockDirectory + u'/' + m_applicationId + QStringLiteral(".lock");
+    const int file = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (file < 0) {
+        qCInfo(lcSingleInstance).noquote() << "No lock file:" << path << qt_error_string(errno);
+        return Role::first;
+    }
+    // The kernel gives the lock back when its process ends, however it ends: the file itself means nothing.
+    if (::flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        ::close(file);
+        return Role::alreadyRunning;
+    }
+    m_lockFile = file;
+    return Role::first;
+}
+
+QString SingleInstance::defaultLockDirectory(const QString &applicationId)
+{
+    QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (isPrivateFolder(runtime))
+        return runtime;
+    QString own = QDir::tempPath() + u'/' + applicationId + u'-' + QString::number(::getuid());
+    ::mkdir(QFile::encodeName(own).constData(), 0700);
+    return isPrivateFolder(own) ? own : QString();
+}
+
+} // namespace tickwise

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "platform/dbus/VirtualObject.h"
+#include "platform/statusitem/DBusMenu.h"
+#include "platform/statusitem/StatusPixmap.h"
+
+#include <QPoint>
+
+#include <memory>
+#include <optional>
+
+namespace tickwise {
+
+/// What a status notifier item shows.
+struct StatusNotifierContent
+{
+    QString title;
+    StatusToolTip toolTip;
+    QList<StatusPixmap> pixmaps;
+    std::optional<QString> label; ///< none: the label properties are absent
+    QString labelGuide;           ///< the widest text that the label may take
+    bool operator==(const StatusNotifierContent &) const = default;
+};
+
+/// An `org.kde.StatusNotifierItem` under a bus name of its own, with its menu. It leaves the bus when it is destroyed.
+/// No call of it waits for the bus.
+class StatusNotifierItem : public VirtualObject
+{
+    Q_OBJECT
+
+public:
+    explicit StatusNotifierItem(const QDBusConnection &bus);
+    ~StatusNotifierItem() override;
+
+    /// "org.kde.StatusNotifierItem-PID-N"; N counts the items of the process.
+    const QString &service() const { return m_service; }
+
+    /// Announces the item to the watcher, by its bus name or its connection; again for each new watcher.
+    void registerWithWatcher(bool byConnection);
+
+    /// Tells the hosts what changed against the content before.
+    void setContent(const StatusNotifierContent &content);
+    void setMenu(std::function<Menu()> menu) { m_menu->setMenu(std::move(menu)); }
+
+Q_SIGNALS:
+    void activated(QPoint position);
+    /// The host asks us to show the menu ourselves.
+    void contextMenuRequested(QPoint position);
+
+protected:
+    QVariantMap properties() const override;
+
+private:
+    void addMethods();
+    void addSignals();
+    QVariantList later(const std::function<void()> &action);
+    void requestName();
+    void announce();
+
+    QDBusConnection m_bus;
+    QString m_service;
+    StatusNotifierContent m_content;
+    std::unique_ptr<DBusMenu> m_menu;
+    bool m_ownsName = false;
+    bool m_wantsWatcher = false;
+    bool m_byConnection = false;
+};
+
+} // namespace tickwise

@@ -1,0 +1,110 @@
+#include "platform/statusitem/XEmbedStatusWindow.h"
+
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include <cmath>
+
+namespace tickwise {
+
+namespace {
+
+constexpr int usualHeight = 22;
+// The tray moves the window into place; until then it must not show on the desktop.
+constexpr QPoint outOfSight(-2000, -2000);
+
+QString toolTipText(const StatusItemContent &content)
+{
+    if (content.toolTipTitle.isEmpty() && content.toolTipBody.isEmpty())
+        return {};
+    return QStringLiteral("<b>%1</b><br/>%2")
+        .arg(content.toolTipTitle.toHtmlEscaped(),
+             content.toolTipBody.toHtmlEscaped().replace(u'\n', QStringLiteral("<br/>")));
+}
+
+} // namespace
+
+XEmbedStatusWindow::XEmbedStatusWindow(Shape shape)
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint)
+    , m_shape(shape)
+{
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_AlwaysShowToolTips);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setWindowTitle(QStringLiteral("Tickwise"));
+    setMinimumSize(usualHeight, usualHeight);
+    setGeometry(QRect(outOfSight, minimumSize()));
+}
+
+void XEmbedStatusWindow::setContent(const StatusItemContent &content, const StatusItemStyle &style)
+{
+    m_content = content;
+    m_style = style;
+    fit();
+    update();
+}
+
+void XEmbedStatusWindow::fit()
+{
+    if (m_shape == Shape::square)
+        return;
+    const double needed = statusItemWidth(m_content, m_style.font, height());
+    const int width = int(m_content.logo ? needed : m_widths.widthFor(m_content.text.size(), needed));
+    setMinimumSize(width, usualHeight);
+    resize(width, height());
+}
+
+bool XEmbedStatusWindow::event(QEvent *event)
+{
+    if (event->type() == QEvent::ToolTip) {
+        // Qt's own idea of where this window is goes stale when the panel moves it; the event's is right.
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), toolTipText(m_content));
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+void XEmbedStatusWindow::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    const int scale = int(std::ceil(devicePixelRatioF()));
+    if (m_shape == Shape::wide) {
+        painter.drawImage(rect(), paintStatusItem(m_content, m_style, width(), height(), scale));
+        return;
+    }
+    const int side = std::min(width(), height());
+    const QRect square((width() - side) / 2, (height() - side) / 2, side, side);
+    painter.drawImage(square, paintCompactStatusItem(m_content, m_style, side * scale));
+}
+
+void XEmbedStatusWindow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    if (event->size().height() != event->oldSize().height())
+        fit();
+}
+
+void XEmbedStatusWindow::mousePressEvent(QMouseEvent *event)
+{
+    event->accept();
+}
+
+void XEmbedStatusWindow::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (!rect().contains(event->position().toPoint()))
+        return;
+    const QPoint position = event->globalPosition().toPoint();
+    if (event->button() == Qt::LeftButton)
+        Q_EMIT clicked(position);
+    else if (event->button() == Qt::RightButton)
+        Q_EMIT menuRequested(position);
+}
+
+void XEmbedStatusWindow::wheelEvent(QWheelEvent *event)
+{
+    event->accept();
+}
+
+} // namespace tickwise

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "support/RawValue.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+namespace tickwise {
+
+/// The interface languages, in the order of their picker; stored by raw value ("system", "en", "zh-Hans", "zh-Hant").
+enum class AppLanguage
+{
+    system,
+    en,
+    zhHans,
+    zhHant
+};
+
+QString rawValue(AppLanguage language);
+
+template<>
+std::vector<AppLanguage> allCases<AppLanguage>();
+
+/// The language that a choice means for a user with these preferred languages (BCP 47, most preferred first); never
+/// `system`.
+AppLanguage effectiveLanguage(AppLanguage language, const QStringList &preferredLanguages);
+
+/// The user's preferred languages as the desktop reports them.
+QStringList preferredLanguages();
+
+} // namespace tickwise

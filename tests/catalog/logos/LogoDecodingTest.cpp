@@ -1,0 +1,289 @@
+#include "catalog/logos/LogoDecoding.h"
+#include "catalog/logos/LogoPicture.h"
+#include "doubles/LogoPictures.h"
+#include "doubles/TestProgram.h"
+
+#include <QImageReader>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+class LogoDecodingTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void decodesEveryFormat_data();
+    void decodesEveryFormat();
+    void keepsSmallPictures();
+    void scalesLargePictures_data();
+    void scalesLargePictures();
+    void refusesWhatIsNoPicture_data();
+    void refusesWhatIsNoPicture();
+    void refusesTruncatedPictures_data();
+    void refusesTruncatedPictures();
+    void sizeLimit_data();
+    void sizeLimit();
+    void refusesBombs_data();
+    void refusesBombs();
+    void skipsWhatIsNotThePicture();
+    void animationShowsItsFirstFrame();
+    void iconShowsItsLargestPicture();
+    void leavesTheAllocationLimitOfOthers();
+};
+
+namespace {
+
+const QRgb brown = qRgb(120, 80, 40);
+
+QImage flatImage(int side, QRgb color)
+{
+    QImage image(side, side, QImage::Format_RGB32);
+    image.fill(color);
+    return image;
+}
+
+bool isClose(QRgb a, QRgb b)
+{
+    constexpr int lossy = 12;
+    return std::abs(qRed(a) - qRed(b)) < lossy && std::abs(qGreen(a) - qGreen(b)) < lossy &&
+           std::abs(qBlue(a) - qBlue(b)) < lossy && std::abs(qAlpha(a) - qAlpha(b)) < lossy;
+}
+
+/// One picture of each format, 40 by 40 pixels, brown.
+std::vector<std::pair<const char *, QByteArray>> everyFormat()
+{
+    const QImage image = flatImage(40, brown);
+    return {{"png", encoded(image, "png")},
+            {"png, palette", encoded(image.convertToFormat(QImage::Format_Indexed8), "png")},
+            {"jpeg", encoded(image, "jpeg", 95)},
+            {"jpeg, progressive", progressiveJpeg(image, 95)},
+            {"webp", encoded(image, "webp", 90)},
+            {"webp, lossless", encoded(image, "webp", 100)},
+            {"gif", gif(40, 40, {brown})},
+            {"bmp", encoded(image, "bmp")},
+            {"ico, bitmap", icon({{40, iconBitmap(40, brown)}})},
+            {"ico, png", icon({{40, encoded(image, "png")}})}};
+}
+
+} // namespace
+
+void LogoDecodingTest::decodesEveryFormat_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    for (const auto &[name, bytes] : everyFormat())
+        QTest::newRow(name) << bytes;
+}
+
+void LogoDecodingTest::decodesEveryFormat()
+{
+    QFETCH(QByteArray, bytes);
+    const std::optional<QImage> image = decodeLogo(bytes);
+    QVERIFY(image);
+    QCOMPARE(image->size(), QSize(40, 40));
+    QCOMPARE(image->format(), QImage::Format_ARGB32_Premultiplied);
+    QVERIFY2(isClose(image->pixel(20, 20), brown), qPrintable(QString::number(image->pixel(20, 20), 16)));
+}
+
+void LogoDecodingTest::keepsSmallPictures()
+{
+    const QImage logo = logoLikeImage(96);
+    QCOMPARE(*decodeLogo(encoded(logo, "png")), logo.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+    QCOMPARE(decodeLogo(blankPng({1, 1}))->size(), QSize(1, 1));
+    QCOMPARE(qAlpha(decodeLogo(blankPng({1, 1}))->pixel(0, 0)), 0);
+}
+
+void LogoDecodingTest::scalesLargePictures_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("png 97") << blankPng({97, 97}) << QSize(96, 96);
+    QTest::newRow("png 250") << encoded(logoLikeImage(250), "png") << QSize(96, 96);
+    QTest::newRow("png 500") << encoded(logoLikeImage(500), "png") << QSize(96, 96);
+    QTest::newRow("png 200 x 100") << blankPng({200, 100}) << QSize(96, 48);
+    QTest::newRow("png 100 x 200") << blankPng({100, 200}) << QSize(48, 96);
+    QTest::newRow("png 2048 x 1") << blankPng({2048, 1}) << QSize(96, 1);
+    QTest::newRow("png 1 x 2048") << blankPng({1, 2048}) << QSize(1, 96);
+    QTest::newRow("png 250, interlaced") << blankPng({250, 250, 8, 6, 1}) << QSize(96, 96);
+    QTest::newRow("png 250, 16 bit") << blankPng({250, 250, 16, 2}) << QSize(96, 96);
+    QTest::newRow("jpeg 250") << encoded(logoLikeImage(250), "jpeg") << QSize(96, 96);
+    QTest::newRow("jpeg 250, progressive") << progressiveJpeg(logoLikeImage(250), 80) << QSize(96, 96);
+    QTest::newRow("webp 250") << encoded(logoLikeImage(250), "webp") << QSize(96, 96);
+    QTest::newRow("gif 250") << gifOfData(250, 250, flatGifData(62500)) << QSize(96, 96);
+    QTest::newRow("bmp 250") << encoded(logoLikeImage(250), "bmp") << QSize(96, 96);
+    QTest::newRow("bmp 250, runs") << runLengthBmp(250, 250) << QSize(96, 96);
+    QTest::newRow("ico 256") << icon({{0, iconBitmap(256, brown)}}) << QSize(96, 96);
+}
+
+void LogoDecodingTest::scalesLargePictures()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QSize, size);
+    const std::optional<QImage> image = decodeLogo(bytes);
+    QVERIFY(image);
+    QCOMPARE(image->size(), size);
+}
+
+void LogoDecodingTest::refusesWhatIsNoPicture_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("text") << QByteArray("<html><body>404</body></html>");
+    QTest::newRow("drawing") << QByteArray(
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 9 9\"><circle r=\"4\"/></svg>");
+    QTest::newRow("drawing with a declaration")
+        << QByteArray("<?xml version=\"1.0\"?><svg xmlns=\"http://www.w3.org/2000/svg\" width=\"9\" height=\"9\"/>");
+    QTest::newRow("pixel map") << QByteArray("/* XPM */ static char *a[] = {\"1 1 1 1\", \"a c #ff0000\", \"a\"};");
+    QTest::newRow("portable pixel map") << QByteArray("P6 1 1 255 \1\2\3");
+    QTest::newRow("zeros") << QByteArray(1000, '\0');
+    for (const auto &[name, bytes] : everyFormat()) {
+        for (qsizetype length : {2, 4, 8, 12, 16, 20, 26, 30})
+            QTest::newRow(qPrintable(QStringLiteral("%1 bytes of %2").arg(length).arg(QLatin1String(name))))
+                << bytes.first(length);
+    }
+}
+
+void LogoDecodingTest::refusesWhatIsNoPicture()
+{
+    QFETCH(QByteArray, bytes);
+    QCOMPARE(decodeLogo(bytes), std::nullopt);
+}
+
+void LogoDecodingTest::refusesTruncatedPictures_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    for (const auto &[name, bytes] : everyFormat()) {
+        QTest::newRow(qPrintable(QStringLiteral("half of %1").arg(QLatin1String(name))))
+            << bytes.first(bytes.size() / 2);
+        QTest::newRow(qPrintable(QStringLiteral("three quarters of %1").arg(QLatin1String(name))))
+            << bytes.first(bytes.size() * 3 / 4);
+    }
+    const QByteArray png = encoded(noiseImage(64), "png");
+    QTest::newRow("png without its end") << png.chopped(12);
+    QTest::newRow("png with too few rows") << test::png({4, 4}, QByteArray(3 * 17, '\0'));
+    QTest::newRow("jpeg without its end") << encoded(noiseImage(64), "jpeg").chopped(2);
+    QByteArray damaged = png;
+    damaged[damaged.size() / 2] = char(damaged[damaged.size() / 2] ^ 1);
+    QTest::newRow("png with a wrong bit") << damaged;
+}
+
+void LogoDecodingTest::refusesTruncatedPictures()
+{
+    QFETCH(QByteArray, bytes);
+    QCOMPARE(decodeLogo(bytes), std::nullopt);
+}
+
+void LogoDecodingTest::sizeLimit_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("taken");
+    QTest::newRow("png 2048 x 2048") << blankPng({2048, 2048, 8, 0}) << true;
+    QTest::newRow("png 2049 x 2048") << blankPng({2049, 2048, 8, 0}) << false;
+    QTest::newRow("png 2048 x 2049") << blankPng({2048, 2049, 8, 0}) << false;
+    QTest::newRow("png 2049 x 1") << blankPng({2049, 1}) << false;
+    QTest::newRow("png 1024 x 1024, rgba") << blankPng({1024, 1024}) << true;
+    QTest::newRow("jpeg 2048") << encoded(logoLikeImage(2048), "jpeg") << true;
+    QTest::newRow("jpeg 2049") << encoded(logoLikeImage(2049), "jpeg") << false;
+    QTest::newRow("webp 2048") << encoded(logoLikeImage(2048), "webp", 100) << true;
+    QTest::newRow("webp 2049") << encoded(logoLikeImage(2049), "webp", 100) << false;
+    QTest::newRow("bmp 2048") << runLengthBmp(2048, 2048) << true;
+    QTest::newRow("bmp 2049") << runLengthBmp(2049, 2049) << false;
+    QTest::newRow("gif 2049") << gifOfData(2049, 1, flatGifData(2049)) << false;
+}
+
+void LogoDecodingTest::sizeLimit()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(bool, taken);
+    // By the header alone: whether the pixels are decoded in time is the machine's affair.
+    QCOMPARE(inspectLogo(bytes).has_value(), taken);
+    if (!taken)
+        QCOMPARE(decodeLogo(bytes), std::nullopt);
+}
+
+void LogoDecodingTest::refusesBombs_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("png of 30000 x 30000") << pngStart({30000, 30000}) + pngChunk("IDAT", {}) + pngChunk("IEND", {});
+    QTest::newRow("png of 4294967295 x 1") << pngStart({4294967295U, 1}) + pngChunk("IDAT", {}) + pngChunk("IEND", {});
+    QTest::newRow("png of 2048 x 2048, rgba") << blankPng({2048, 2048});
+    QTest::newRow("png with 400 MiB behind its rows") << png({1, 1}, QByteArray(400 << 20, '\0'));
+    QTest::newRow("gif with more pixels than its frame") << gifOfData(8, 8, flatGifData(40'000'000));
+    QTest::newRow("gif with a few pixels too many") << gifOfData(8, 8, flatGifData(100));
+    QTest::newRow("gif with a few pixels too few") << gifOfData(8, 8, flatGifData(60));
+    QTest::newRow("gif whose frame exceeds its screen")
+        << gifOfData(30000, 30000, flatGifData(100)).replace(6, 4, QByteArray("\1\0\1\0", 4));
+    QTest::newRow("icon with a png of 30000 x 30000")
+        << icon({{16, pngStart({30000, 30000}) + pngChunk("IDAT", QByteArray(100, 'x')) + pngChunk("IEND", {})}});
+    QByteArray bitmap = iconBitmap(16, brown);
+    bitmap.replace(4, 4, QByteArray("\0\0\1\0", 4));
+    QTest::newRow("icon whose bitmap is 65536 wide") << icon({{16, bitmap}});
+    QByteArray wide = encoded(flatImage(8, brown), "bmp");
+    wide.replace(18, 4, QByteArray("\xff\xff\xff\x7f", 4));
+    QTest::newRow("bmp of 2147483647 x 8") << wide;
+    QByteArray lowest = encoded(flatImage(8, brown), "bmp");
+    lowest.replace(22, 4, QByteArray("\0\0\0\x80", 4));
+    QTest::newRow("bmp of 8 x -2147483648") << lowest;
+    QByteArray huge = encoded(flatImage(8, brown), "jpeg");
+    const qsizetype frame = huge.indexOf(QByteArray("\xff\xc0", 2));
+    huge.replace(frame + 5, 4, QByteArray("\xff\xff\xff\xff", 4));
+    QTest::newRow("jpeg of 65535 x 65535") << huge;
+    QByteArray scans = progressiveJpeg(flatImage(1500, brown), 50);
+    const qsizetype scan = scans.lastIndexOf(QByteArray("\xff\xda", 2));
+    const QByteArray last = scans.mid(scan, scans.size() - 2 - scan);
+    QTest::newRow("jpeg of many scans") << scans.chopped(2) + last.repeated(100) + QByteArray("\xff\xd9", 2);
+}
+
+void LogoDecodingTest::refusesBombs()
+{
+    QFETCH(QByteArray, bytes);
+    QVERIFY(bytes.size() <= 524288);
+    QCOMPARE(decodeLogo(bytes), std::nullopt);
+}
+
+void LogoDecodingTest::skipsWhatIsNotThePicture()
+{
+    const QByteArray inflated = qCompress(QByteArray(8'000'000, ' '), 9).mid(4);
+    const QByteArray text = pngChunk("zTXt", QByteArray("Comment\0\0", 9) + inflated);
+    const QByteArray profile = pngChunk("iCCP", QByteArray("profile\0\0", 9) + inflated);
+    const QByteArray plain = encoded(flatImage(40, brown), "png");
+    QByteArray loaded = plain;
+    loaded.insert(33, profile + text.repeated(40));
+    QCOMPARE(inspectLogo(loaded)->bytes, inspectLogo(plain)->bytes);
+    QCOMPARE(decodeLogo(loaded), decodeLogo(plain));
+
+    const QByteArray jpeg = encoded(flatImage(40, brown), "jpeg");
+    QByteArray commented = jpeg;
+    commented.insert(2, QByteArray("\xff\xfe\0\x6note", 8) + QByteArray("\xff\xe2\0\x6ICC!", 8));
+    QCOMPARE(inspectLogo(commented)->bytes, inspectLogo(jpeg)->bytes);
+    QCOMPARE(decodeLogo(commented), decodeLogo(jpeg));
+}
+
+void LogoDecodingTest::animationShowsItsFirstFrame()
+{
+    const QRgb green = qRgb(10, 200, 30);
+    const std::optional<QImage> image = decodeLogo(gif(20, 20, {green, brown, qRgb(0, 0, 0)}));
+    QVERIFY(image);
+    QCOMPARE(image->size(), QSize(20, 20));
+    QCOMPARE(image->pixel(10, 10), green);
+}
+
+void LogoDecodingTest::iconShowsItsLargestPicture()
+{
+    const QRgb green = qRgb(10, 200, 30);
+    const std::optional<QImage> image = decodeLogo(
+        icon({{16, iconBitmap(16, brown)}, {48, iconBitmap(48, green)}, {32, encoded(flatImage(32, brown), "png")}}));
+    QVERIFY(image);
+    QCOMPARE(image->size(), QSize(48, 48));
+    QCOMPARE(image->pixel(24, 24), green);
+}
+
+void LogoDecodingTest::leavesTheAllocationLimitOfOthers()
+{
+    QImageReader::setAllocationLimit(77);
+    QVERIFY(decodeLogo(encoded(logoLikeImage(40), "png")));
+    QCOMPARE(QImageReader::allocationLimit(), 77);
+}
+
+TICKWISE_TEST(LogoDecodingTest)
+#include "LogoDecodingTest.moc"

@@ -1,0 +1,249 @@
+#include "doubles/TestProgram.h"
+#include "market/exchanges/TickerProviders.h"
+
+#include "doubles/TestData.h"
+#include "market/Outcome.h"
+#include "market/exchanges/BrokenBodies.h"
+
+using namespace tickwise;
+
+namespace {
+
+const QStringList bitcoin{QStringLiteral("BTC")};
+
+QByteArray recorded(const char *name)
+{
+    return test::readData(QStringLiteral("exchange/") + QLatin1String(name));
+}
+
+/// One element with its values as JSON, as they are to stand in the body.
+QByteArray element(const QByteArray &symbol, const QByteArray &price = "\"1.5\"",
+                   const QByteArray &fraction = "\"-0.0125\"")
+{
+    return "{\"symbol\":" + symbol + ",\"lastPrice\":" + price + ",\"price24hPcnt\":" + fraction + "}";
+}
+
+QByteArray answer(const QByteArray &elements)
+{
+    return R"({"retCode":0,"retMsg":"OK","result":{"category":"spot","list":[)" + elements + "]},\"time\":1}";
+}
+
+QString address(const std::optional<HttpRequest> &request)
+{
+    return request ? request->url.toString(QUrl::FullyEncoded) : QStringLiteral("none");
+}
+
+} // namespace
+
+class BybitTickerProviderTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void requestAddress();
+    void unbuildableUrlGivesNone_data();
+    void unbuildableUrlGivesNone();
+    void parseRules_data();
+    void parseRules();
+    void exchangeCodes_data();
+    void exchangeCodes();
+    void strictness_data();
+    void strictness();
+    void envelopeStrictness_data();
+    void envelopeStrictness();
+    void laterDuplicatesWin();
+    void oneBadElementNeverFailsTheAnswer();
+    void emptyListIsNoError();
+    void recordedTickers();
+    void recordedErrorBodies_data();
+    void recordedErrorBodies();
+    void truncatedNeverSucceeds();
+    void garbageFails_data();
+    void garbageFails();
+
+private:
+    Result<TickerQuotes> parse(const QByteArray &body, const QStringList &symbols = bitcoin) const
+    {
+        return m_provider.parseQuotes(body, symbols);
+    }
+
+    BybitTickerProvider m_provider{QStringLiteral("https://bybit.example.test")};
+};
+
+void BybitTickerProviderTest::requestAddress()
+{
+    const auto expected = QStringLiteral("https://bybit.example.test/v5/market/tickers?category=spot");
+    QCOMPARE(address(m_provider.makeRequest(bitcoin)), expected);
+    QCOMPARE(address(m_provider.makeAllTickersRequest()), expected);
+    QCOMPARE(m_provider.makeRequest(bitcoin)->timeout, std::chrono::seconds(5));
+    QCOMPARE(m_provider.providerName(), QStringLiteral("bybit"));
+}
+
+void BybitTickerProviderTest::unbuildableUrlGivesNone_data()
+{
+    QTest::addColumn<QString>("host");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("no scheme") << QStringLiteral("bybit.example.test");
+    QTest::newRow("blank in the host") << QStringLiteral("https://bybit example.test");
+}
+
+void BybitTickerProviderTest::unbuildableUrlGivesNone()
+{
+    QFETCH(QString, host);
+    QCOMPARE(address(BybitTickerProvider(host).makeRequest(bitcoin)), QStringLiteral("none"));
+}
+
+void BybitTickerProviderTest::parseRules_data()
+{
+    using Quote = std::optional<TickerQuote>;
+    QTest::addColumn<QByteArray>("one");
+    QTest::addColumn<Quote>("quote");
+    QTest::newRow("down") << element("\"BTCUSDT\"") << Quote({1.5, -1.25});
+    QTest::newRow("up") << element("\"BTCUSDT\"", "\"1.5\"", "\"0.025\"") << Quote({1.5, 2.5});
+    QTest::newRow("no usable change") << element("\"BTCUSDT\"", "\"1.5\"", "\"\"") << Quote({1.5, std::nullopt});
+    QTest::newRow("change not finite") << element("\"BTCUSDT\"", "\"1.5\"", "\"inf\"") << Quote({1.5, std::nullopt});
+    QTest::newRow("empty price") << element("\"BTCUSDT\"", "\"\"") << Quote();
+    QTest::newRow("price with a leading blank") << element("\"BTCUSDT\"", "\" 1.5\"") << Quote();
+    QTest::newRow("other quote currency") << element("\"BTCUSDC\"") << Quote();
+    QTest::newRow("not requested") << element("\"ETHUSDT\"") << Quote();
+    QTest::newRow("no base") << element("\"USDT\"") << Quote();
+    QTest::newRow("empty name") << element("\"\"") << Quote();
+    QTest::newRow("other key order") << QByteArray(R"({"price24hPcnt":"-0.0125","lastPrice":"1.5","symbol":"BTCUSDT"})")
+                                     << Quote({1.5, -1.25});
+}
+
+void BybitTickerProviderTest::parseRules()
+{
+    QFETCH(QByteArray, one);
+    QFETCH(std::optional<TickerQuote>, quote);
+    const Result<TickerQuotes> quotes = parse(answer(one));
+    QVERIFY(quotes.has_value());
+    QCOMPARE(*quotes, quote ? TickerQuotes({{QStringLiteral("BTC"), *quote}}) : TickerQuotes());
+}
+
+void BybitTickerProviderTest::exchangeCodes_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::newRow("10006") << QByteArray(R"({"retCode":10006,"result":{"list":[]}})");
+    QTest::newRow("10001 without a list") << QByteArray(R"({"retCode":10001,"result":{}})");
+    QTest::newRow("negative") << QByteArray(R"({"retCode":-1,"result":{"list":[]}})");
+    QTest::newRow("with tickers") << R"({"retCode":1,"result":{"list":[)" + element("\"BTCUSDT\"") + "]}}";
+}
+
+void BybitTickerProviderTest::exchangeCodes()
+{
+    QFETCH(QByteArray, body);
+    QCOMPARE(test::codeOf(parse(body)), UrlErrorCode::badServerResponse);
+}
+
+void BybitTickerProviderTest::strictness_data()
+{
+    QTest::addColumn<QByteArray>("one");
+    QTest::newRow("no name") << QByteArray(R"({"lastPrice":"1","price24hPcnt":"0"})");
+    QTest::newRow("no price") << QByteArray(R"({"symbol":"XUSDT","price24hPcnt":"0"})");
+    QTest::newRow("no change") << QByteArray(R"({"symbol":"XUSDT","lastPrice":"1"})");
+    QTest::newRow("name a number") << element("1");
+    QTest::newRow("price a number") << element("\"XUSDT\"", "1.5");
+    QTest::newRow("change a number") << element("\"XUSDT\"", "\"1.5\"", "0.01");
+    QTest::newRow("change null") << element("\"XUSDT\"", "\"1.5\"", "null");
+    QTest::newRow("element a text") << QByteArray("\"BTCUSDT\"");
+    QTest::newRow("element null") << QByteArray("null");
+}
+
+void BybitTickerProviderTest::strictness()
+{
+    QFETCH(QByteArray, one);
+    QVERIFY(test::isDecodingError(parse(answer(one))));
+    QVERIFY(test::isDecodingError(parse(answer(element("\"BTCUSDT\"") + ',' + one))));
+}
+
+void BybitTickerProviderTest::envelopeStrictness_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::newRow("no code") << QByteArray(R"({"result":{"list":[]}})");
+    QTest::newRow("code a text") << QByteArray(R"({"retCode":"0","result":{"list":[]}})");
+    QTest::newRow("code a fraction") << QByteArray(R"({"retCode":0.5,"result":{"list":[]}})");
+    QTest::newRow("no result") << QByteArray(R"({"retCode":0})");
+    QTest::newRow("result a list") << QByteArray(R"({"retCode":0,"result":[]})");
+    QTest::newRow("no list") << QByteArray(R"({"retCode":0,"result":{}})");
+    QTest::newRow("list an object") << QByteArray(R"({"retCode":0,"result":{"list":{}}})");
+    QTest::newRow("list null") << QByteArray(R"({"retCode":0,"result":{"list":null}})");
+}
+
+void BybitTickerProviderTest::envelopeStrictness()
+{
+    QFETCH(QByteArray, body);
+    QVERIFY(test::isDecodingError(parse(body)));
+}
+
+void BybitTickerProviderTest::laterDuplicatesWin()
+{
+    const auto quotes = parse(answer(element("\"BTCUSDT\"", "\"1\"") + ',' + element("\"BTCUSDT\"", "\"2\"", "\"\"") +
+                                     ',' + element("\"BTCUSDT\"", "\"\"")));
+    QCOMPARE(quotes->value(QStringLiteral("BTC")), TickerQuote({2, std::nullopt}));
+}
+
+void BybitTickerProviderTest::oneBadElementNeverFailsTheAnswer()
+{
+    const auto quotes = parse(answer(element("\"ETHUSDT\"", "\"abc\"") + ',' + element("\"BTCEUR\"") + ',' +
+                                     element("\"XUSDT\"") + ',' + element("\"BTCUSDT\"")),
+                              {QStringLiteral("BTC"), QStringLiteral("ETH")});
+    QCOMPARE(*quotes, TickerQuotes({{QStringLiteral("BTC"), {1.5, -1.25}}}));
+}
+
+void BybitTickerProviderTest::emptyListIsNoError()
+{
+    QCOMPARE(parse(answer({})), Result<TickerQuotes>(TickerQuotes()));
+}
+
+void BybitTickerProviderTest::recordedTickers()
+{
+    QCOMPARE(*parse(recorded("bybit_tickers_spot_BTCUSDT_2023-01-16.json")),
+             TickerQuotes({{QStringLiteral("BTC"), {20533.13, 0.0068 * 100}}}));
+    const auto quotes = parse(recorded("bybit_tickers_spot_real_records.json"),
+                              {QStringLiteral("BTC"), QStringLiteral("ETH"), QStringLiteral("VEGA")});
+    QCOMPARE(*quotes, TickerQuotes({{QStringLiteral("BTC"), {25922.39, 0.0009 * 100}},
+                                    {QStringLiteral("ETH"), {1739.07, -0.0019 * 100}},
+                                    {QStringLiteral("VEGA"), {0.9232, -0.0423 * 100}}}));
+}
+
+void BybitTickerProviderTest::recordedErrorBodies_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("failure");
+    QTest::newRow("10001") << recorded("bybit_error_10001_not_supported_symbols.json")
+                           << QStringLiteral("bad server response: the exchange reports code 10001");
+    QTest::newRow("10006") << recorded("bybit_error_10006_too_many_visits.json")
+                           << QStringLiteral("bad server response: the exchange reports code 10006");
+    QTest::newRow("country block") << recorded("bybit_http403_country_block.json")
+                                   << QStringLiteral("unexpected form: no retCode");
+}
+
+void BybitTickerProviderTest::recordedErrorBodies()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(QString, failure);
+    QCOMPARE(description(parse(body).error()), failure);
+}
+
+void BybitTickerProviderTest::truncatedNeverSucceeds()
+{
+    const QByteArray body = recorded("generated/bybit_tickers_spot_full_synthetic.json").trimmed();
+    QVERIFY(parse(body).has_value());
+    for (const QByteArray &cut : test::truncations(body))
+        QVERIFY2(test::isDecodingError(parse(cut)), qPrintable(QString::number(cut.size())));
+}
+
+void BybitTickerProviderTest::garbageFails_data()
+{
+    test::addGarbageRows();
+}
+
+void BybitTickerProviderTest::garbageFails()
+{
+    QFETCH(QByteArray, body);
+    QVERIFY(test::isDecodingError(parse(body)));
+}
+
+TICKWISE_TEST(BybitTickerProviderTest)
+#include "BybitTickerProviderTest.moc"

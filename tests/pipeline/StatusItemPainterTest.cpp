@@ -1,0 +1,416 @@
+#include "doubles/TestProgram.h"
+#include "platform/statusitem/NotifierContent.h"
+
+#include "pipeline/CompactPrice.h"
+#include "pipeline/StatusItemPainter.h"
+
+#include <QPainter>
+
+using namespace tickwise;
+
+namespace {
+
+const QColor green(0x2c, 0xbd, 0x84);
+const QColor panelText(0xf2, 0xf2, 0xf2);
+
+StatusItemStyle style()
+{
+    return {QFont(), panelText};
+}
+
+StatusItemContent priced(const QString &text)
+{
+    StatusItemContent content;
+    content.logo = false;
+    content.text = text;
+    content.symbol = text.trimmed().section(u' ', 0, 0);
+    content.price = text.trimmed().section(u' ', 1);
+    content.textColor = green;
+    content.title = text.trimmed();
+    return content;
+}
+
+StatusItemContent pilled(const QString &text)
+{
+    StatusItemContent content = priced(text);
+    content.textColor = QColor(Qt::white);
+    content.pillColor = green;
+    return content;
+}
+
+QImage wide(const StatusItemContent &content, int height = 22, int scale = 1)
+{
+    return paintStatusItem(content, style(), statusItemWidth(content, style().font, height), height, scale);
+}
+
+int opaquePixels(const QImage &image, const QColor &color)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            count += image.pixelColor(x, y) == color ? 1 : 0;
+    }
+    return count;
+}
+
+/// The smallest rectangle with everything that is not transparent.
+QRect inked(const QImage &image)
+{
+    QRect box;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qAlpha(image.pixel(x, y)) > 60)
+                box |= QRect(x, y, 1, 1);
+        }
+    }
+    return box;
+}
+
+} // namespace
+
+class StatusItemPainterTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void textIsDrawnInItsColour();
+    void textWithoutAColourTakesThePanels();
+    void textStandsInTheMiddle_data();
+    void textStandsInTheMiddle();
+    void aPillHasItsColourAndRoundCorners();
+    void noPillLeavesTheBackgroundTransparent();
+    void aPillIsNoHigherThanTheTextNeeds();
+    void theLogoTakesItsLengthAndThePanelsColour();
+    void doubleDensityDoublesTheSize();
+    void everyDigitTakesTheSameWidth();
+    void otherCharactersKeepTheirPlaceWhenDigitsTick();
+    void widthOnlyGrowsForOneNumberOfCharacters();
+    void compactIconHoldsSymbolAndPrice();
+    void compactIconFillsItsPill();
+    void badgeShowsTheTrend();
+    void badgeWithoutAPillIsTheColouredArrow();
+    void badgeOfANeutralCoinShowsItsInitial();
+    void compactPriceIsShort_data();
+    void compactPriceIsShort();
+    void compactPriceOfText_data();
+    void compactPriceOfText();
+    void pixmapBytesAreInNetworkOrderWithStraightAlpha();
+    void premultipliedPixmapOnRequest();
+    void wideContentOffersTheHostsHeight();
+    void wideContentOffersDoubleDensityOnlyWhereThereIsSuchAScreen();
+    void wideContentKeepsItsWidthWhilePricesTick();
+    void labelHostsGetTextAndBadge();
+    void logoModeHasAnEmptyLabel();
+    void otherPresentationsHaveNoLabel();
+    void toolTipBecomesMarkup();
+};
+
+void StatusItemPainterTest::textIsDrawnInItsColour()
+{
+    const QImage image = wide(priced(QStringLiteral("BTC 67,432")));
+    QVERIFY(opaquePixels(image, green) > 10);
+    QCOMPARE(opaquePixels(image, panelText), 0);
+}
+
+void StatusItemPainterTest::textWithoutAColourTakesThePanels()
+{
+    StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
+    content.textColor.reset();
+    QVERIFY(opaquePixels(wide(content), panelText) > 10);
+}
+
+void StatusItemPainterTest::textStandsInTheMiddle_data()
+{
+    QTest::addColumn<int>("height");
+    for (int height : {16, 18, 22, 24, 30, 40})
+        QTest::addRow("%d", height) << height;
+}
+
+void StatusItemPainterTest::textStandsInTheMiddle()
+{
+    QFETCH(int, height);
+    // Without a comma, which hangs below the line.
+    const QRect box = inked(wide(priced(QStringLiteral("BTC 432")), height));
+    const int above = box.top();
+    const int below = height - 1 - box.bottom();
+    QVERIFY2(std::abs(above - below) <= 1, qPrintable(QStringLiteral("%1 above, %2 below").arg(above).arg(below)));
+    QVERIFY(above >= 1);
+}
+
+void StatusItemPainterTest::aPillHasItsColourAndRoundCorners()
+{
+    const QImage image = wide(pilled(QStringLiteral(" BTC 67,432 ")));
+    QCOMPARE(image.pixelColor(2, image.height() / 2), green);
+    QCOMPARE(image.pixelColor(image.width() - 3, image.height() / 2), green);
+    QVERIFY(opaquePixels(image, Qt::white) > 10);
+    for (int x : {0, image.width() - 1}) {
+        for (int y : {1, image.height() - 2})
+            QVERIFY(qAlpha(image.pixel(x, y)) < 90);
+    }
+    QCOMPARE(image.pixelColor(4, 1), green);
+    QCOMPARE(image.pixelColor(0, 5), green);
+}
+
+void StatusItemPainterTest::noPillLeavesTheBackgroundTransparent()
+{
+    const QImage image = wide(priced(QStringLiteral("BTC 67,432")));
+    QCOMPARE(qAlpha(image.pixel(0, image.height() / 2)), 0);
+    QCOMPARE(qAlpha(image.pixel(image.width() / 2, 0)), 0);
+}
+
+void StatusItemPainterTest::aPillIsNoHigherThanTheTextNeeds()
+{
+    QCOMPARE(inked(wide(pilled(QStringLiteral(" BTC 1 ")), 40)).height(), 20);
+    QCOMPARE(inked(wide(pilled(QStringLiteral(" BTC 1 ")), 16)).height(), 16);
+}
+
+void StatusItemPainterTest::theLogoTakesItsLengthAndThePanelsColour()
+{
+    const StatusItemContent content;
+    QCOMPARE(statusItemWidth(content, style().font, 22), 28.0);
+    const QImage image = wide(content);
+    QCOMPARE(image.size(), QSize(28, 22));
+    QVERIFY(opaquePixels(image, panelText) > 10);
+    const QRect box = inked(image);
+    QVERIFY(box.width() <= 18 && box.height() <= 18);
+    QVERIFY(box.left() >= 5 && box.right() <= 22);
+}
+
+void StatusItemPainterTest::doubleDensityDoublesTheSize()
+{
+    const StatusItemContent content = pilled(QStringLiteral(" BTC 67,432 "));
+    QCOMPARE(wide(content, 22, 2).size(), wide(content, 22, 1).size() * 2);
+}
+
+void StatusItemPainterTest::everyDigitTakesTheSameWidth()
+{
+    const auto width = [](const QString &text) { return statusItemWidth(priced(text), style().font, 22); };
+    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
+        QCOMPARE(width(QStringLiteral("BTC ") + QString(5, QChar(digit))), width(QStringLiteral("BTC 00000")));
+}
+
+void StatusItemPainterTest::otherCharactersKeepTheirPlaceWhenDigitsTick()
+{
+    const QImage ones = wide(priced(QStringLiteral("BTC 11,111")));
+    const QImage eights = wide(priced(QStringLiteral("BTC 88,888")));
+    const int symbolWidth = ones.width() / 3;
+    QCOMPARE(ones.copy(0, 0, symbolWidth, ones.height()), eights.copy(0, 0, symbolWidth, eights.height()));
+    QVERIFY(ones != eights);
+}
+
+void StatusItemPainterTest::widthOnlyGrowsForOneNumberOfCharacters()
+{
+    StatusItemWidth widths;
+    QCOMPARE(widths.widthFor(10, 60), 60.0);
+    QCOMPARE(widths.widthFor(10, 55), 60.0);
+    QCOMPARE(widths.widthFor(10, 64), 64.0);
+    QCOMPARE(widths.widthFor(9, 50), 50.0);
+    QCOMPARE(widths.widthFor(10, 10), 64.0);
+}
+
+void StatusItemPainterTest::compactIconHoldsSymbolAndPrice()
+{
+    const QImage image = paintCompactStatusItem(priced(QStringLiteral("BTC 67,432")), style(), 32);
+    QCOMPARE(image.size(), QSize(32, 32));
+    const QRect upper = inked(image.copy(0, 0, 32, 16));
+    const QRect lower = inked(image.copy(0, 16, 32, 16));
+    QVERIFY(upper.height() >= 8 && lower.height() >= 8);
+    QVERIFY(lower.width() > 24);
+    QVERIFY(opaquePixels(image, green) > 20);
+}
+
+void StatusItemPainterTest::compactIconFillsItsPill()
+{
+    const QImage image = paintCompactStatusItem(pilled(QStringLiteral(" BTC 67,432 ")), style(), 32);
+    QVERIFY(qAlpha(image.pixel(0, 0)) < 60);
+    QCOMPARE(image.pixelColor(16, 0), green);
+    QVERIFY(opaquePixels(image, Qt::white) > 10);
+}
+
+void StatusItemPainterTest::badgeShowsTheTrend()
+{
+    StatusItemContent content = pilled(QStringLiteral(" BTC 67,432 "));
+    content.trend = StatusTrend::up;
+    const QImage up = paintStatusBadge(content, style(), 32);
+    content.trend = StatusTrend::down;
+    const QImage down = paintStatusBadge(content, style(), 32);
+    QCOMPARE(up.pixelColor(16, 16), QColor(Qt::white));
+    QCOMPARE(up.pixelColor(9, 12), green);
+    QCOMPARE(up.pixelColor(10, 20), QColor(Qt::white));
+    QCOMPARE(down.pixelColor(10, 11), QColor(Qt::white));
+    QCOMPARE(down.pixelColor(9, 20), green);
+    QCOMPARE(qAlpha(up.pixel(0, 0)), 0);
+}
+
+void StatusItemPainterTest::badgeWithoutAPillIsTheColouredArrow()
+{
+    StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
+    content.trend = StatusTrend::up;
+    const QImage image = paintStatusBadge(content, style(), 32);
+    QCOMPARE(image.pixelColor(16, 16), green);
+    QCOMPARE(qAlpha(image.pixel(5, 8)), 0);
+}
+
+void StatusItemPainterTest::badgeOfANeutralCoinShowsItsInitial()
+{
+    StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
+    content.textColor.reset();
+    const QImage image = paintStatusBadge(content, style(), 32);
+    QCOMPARE(qAlpha(image.pixel(7, 16)), 0);
+    QVERIFY2(opaquePixels(image.copy(10, 8, 12, 16), panelText) > 10, "the letter");
+    QVERIFY2(opaquePixels(image.copy(2, 12, 4, 8), panelText) > 4, "the ring");
+    content = pilled(QStringLiteral(" BTC 67,432 "));
+    const QImage pill = paintStatusBadge(content, style(), 32);
+    QCOMPARE(pill.pixelColor(5, 16), green);
+    QVERIFY(opaquePixels(pill, Qt::white) > 10);
+}
+
+void StatusItemPainterTest::compactPriceIsShort_data()
+{
+    QTest::addColumn<double>("price");
+    QTest::addColumn<QString>("text");
+    const auto row = [](double price, const char *text) { QTest::newRow(text) << price << QString::fromLatin1(text); };
+    row(0, "0.0000");
+    row(0.0001, "0.0001");
+    row(0.0994, "0.0994");
+    row(0.1235, "0.123");
+    row(0.9994, "0.999");
+    row(0.9996, "1.00");
+    row(5, "5.00");
+    row(12.35, "12.3");
+    row(123.4, "123");
+    row(999.4, "999");
+    row(999.6, "1000");
+    row(3188, "3188");
+    row(9999.6, "10.0K");
+    row(67432, "67.4K");
+    row(99960, "100K");
+    row(999499, "999K");
+    row(999500, "1.00M");
+    row(1234567, "1.23M");
+    row(999.6e6, "1.00B");
+    row(1.5e12, "1.50T");
+    row(1.5e15, "1500T");
+}
+
+void StatusItemPainterTest::compactPriceIsShort()
+{
+    QFETCH(double, price);
+    QTEST(compactPrice(price), "text");
+}
+
+void StatusItemPainterTest::compactPriceOfText_data()
+{
+    QTest::addColumn<QString>("price");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("grouped") << QStringLiteral("67,432") << QStringLiteral("67.4K");
+    QTest::newRow("short enough") << QStringLiteral("3,188") << QStringLiteral("3,188");
+    QTest::newRow("two decimals") << QStringLiteral("12.35") << QStringLiteral("12.35");
+    QTest::newRow("four decimals") << QStringLiteral("0.1235") << QStringLiteral("0.123");
+    QTest::newRow("no price") << QStringLiteral("--") << QStringLiteral("--");
+    QTest::newRow("no number") << QStringLiteral("unknown") << QStringLiteral("unknown");
+    QTest::newRow("negative") << QStringLiteral("-67,432") << QStringLiteral("-67,432");
+    QTest::newRow("empty") << QString() << QString();
+}
+
+void StatusItemPainterTest::compactPriceOfText()
+{
+    QFETCH(QString, price);
+    QTEST(compactPrice(price), "text");
+}
+
+void StatusItemPainterTest::pixmapBytesAreInNetworkOrderWithStraightAlpha()
+{
+    QImage image(2, 1, QImage::Format_ARGB32);
+    image.setPixel(0, 0, qRgba(0xff, 0x80, 0x40, 0x80));
+    image.setPixel(1, 0, qRgba(1, 2, 3, 0xff));
+    const StatusPixmap pixmap = statusPixmap(image);
+    QCOMPARE(pixmap.width, 2);
+    QCOMPARE(pixmap.height, 1);
+    QCOMPARE(pixmap.bytes.toHex(), QByteArray("80ff8040ff010203"));
+    const QByteArray again = statusPixmap(image.convertToFormat(QImage::Format_ARGB32_Premultiplied)).bytes;
+    QCOMPARE(again.size(), 8);
+    QCOMPARE(uchar(again[0]), uchar(0x80));
+    QVERIFY2(uchar(again[1]) > 0xf8, "the colour is not multiplied by its alpha");
+}
+
+void StatusItemPainterTest::premultipliedPixmapOnRequest()
+{
+    QImage image(1, 1, QImage::Format_ARGB32);
+    image.setPixel(0, 0, qRgba(0xff, 0, 0, 0x80));
+    QCOMPARE(statusPixmap(image, true).bytes.toHex(), QByteArray("80800000"));
+}
+
+void StatusItemPainterTest::wideContentOffersTheHostsHeight()
+{
+    StatusItemWidth widths;
+    const StatusNotifierContent item = notifierContent(priced(QStringLiteral("BTC 67,432")), style(),
+                                                       StatusItemPresentation::wideSni, {{16}}, 1, widths);
+    QCOMPARE(item.pixmaps.size(), 1);
+    QCOMPARE(item.pixmaps[0].height, 16);
+    QVERIFY(item.pixmaps[0].width > 48);
+    QCOMPARE(item.title, QStringLiteral("BTC 67,432"));
+}
+
+void StatusItemPainterTest::wideContentOffersDoubleDensityOnlyWhereThereIsSuchAScreen()
+{
+    StatusItemWidth widths;
+    const StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
+    const StatusNotifierContent item =
+        notifierContent(content, style(), StatusItemPresentation::wideSni, {{22}}, 2, widths);
+    QCOMPARE(item.pixmaps.size(), 2);
+    QCOMPARE(item.pixmaps[1].height, 44);
+    QCOMPARE(item.pixmaps[1].width, item.pixmaps[0].width * 2);
+}
+
+void StatusItemPainterTest::wideContentKeepsItsWidthWhilePricesTick()
+{
+    StatusItemWidth widths;
+    const auto width = [&widths](const QString &text) {
+        return notifierContent(priced(text), style(), StatusItemPresentation::wideSni, {{22}}, 1, widths)
+            .pixmaps[0]
+            .width;
+    };
+    const int wide = width(QStringLiteral("WWW 67,432"));
+    QCOMPARE(width(QStringLiteral("III 11,111")), wide);
+    QVERIFY(width(QStringLiteral("III 1,111")) < wide);
+}
+
+void StatusItemPainterTest::labelHostsGetTextAndBadge()
+{
+    StatusItemWidth widths;
+    StatusItemContent content = priced(QStringLiteral(" BTC 67,432 "));
+    content.trend = StatusTrend::down;
+    const StatusNotifierContent item =
+        notifierContent(content, style(), StatusItemPresentation::sniWithLabel, {{16, 22}}, 1, widths);
+    QCOMPARE(item.label, QStringLiteral("BTC 67,432"));
+    QCOMPARE(item.labelGuide, QStringLiteral("BTC 88,888"));
+    QCOMPARE(item.pixmaps.size(), 2);
+    QCOMPARE(item.pixmaps[1].width, 22);
+    QCOMPARE(statusLabel(content), QStringLiteral("BTC 67,432"));
+}
+
+void StatusItemPainterTest::logoModeHasAnEmptyLabel()
+{
+    StatusItemWidth widths;
+    const StatusNotifierContent item =
+        notifierContent({}, style(), StatusItemPresentation::sniWithLabel, {{22}}, 1, widths);
+    QCOMPARE(item.label, QString());
+    QVERIFY(item.label.has_value());
+}
+
+void StatusItemPainterTest::otherPresentationsHaveNoLabel()
+{
+    StatusItemWidth widths;
+    const StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
+    QVERIFY(!notifierContent(content, style(), StatusItemPresentation::wideSni, {{22}}, 1, widths).label);
+    QVERIFY(!notifierContent(content, style(), StatusItemPresentation::squareSni, {{22}}, 1, widths).label);
+}
+
+void StatusItemPainterTest::toolTipBecomesMarkup()
+{
+    QCOMPARE(toolTipMarkup(QStringLiteral("a < b\nc & d")), QStringLiteral("a &lt; b<br/>c &amp; d"));
+}
+
+TICKWISE_WIDGET_TEST(StatusItemPainterTest)
+#include "StatusItemPainterTest.moc"

@@ -1,0 +1,416 @@
+#include "platform/session/DesktopLoginItem.h"
+#include "doubles/TestProgram.h"
+#include "ui/LaunchAtLoginService.h"
+
+#include "doubles/LogCapture.h"
+#include "doubles/PrivateBus.h"
+
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <optional>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+namespace {
+
+QString applicationId()
+{
+    return QStringLiteral("com.pelmo.tickwise.test");
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void put(const QString &path, const QByteArray &text)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(text), text.size());
+}
+
+/// The one result of a call, with the proof that it did not come inside the call.
+std::optional<Result<void>> resultOf(LoginItem &item, bool registered)
+{
+    std::optional<Result<void>> answer;
+    int answers = 0;
+    item.setRegistered(registered, [&](const Result<void> &result) {
+        answer = result;
+        ++answers;
+    });
+    if (answers != 0)
+        return std::nullopt;
+    if (!QTest::qWaitFor([&] { return answers > 0; }) || answers != 1)
+        return std::nullopt;
+    return answer;
+}
+
+QString failureText(const std::optional<Result<void>> &result)
+{
+    if (!result)
+        return QStringLiteral("no answer");
+    return *result ? QStringLiteral("success") : description(result->error());
+}
+
+/// A Background portal whose user decides at once.
+class FakePortal : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Background")
+
+public:
+    enum class Behaviour
+    {
+        grants,
+        grantsBeforeTheReply,
+        grantsElsewhere,
+        doesNotGrant,
+        refuses,
+        fails,
+        ends
+    };
+
+    FakePortal(QDBusConnection bus, Behaviour behaviour)
+        : m_bus(std::move(bus))
+        , m_behaviour(behaviour)
+    {
+        m_bus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), this, QDBusConnection::ExportAllSlots);
+        m_bus.registerService(service());
+    }
+
+    QVariantMap options;
+
+    static QString service() { return QStringLiteral("org.freedesktop.portal.Desktop"); }
+
+public Q_SLOTS:
+    QDBusObjectPath RequestBackground(const QString &, const QVariantMap &given, const QDBusMessage &message)
+    {
+        options = given;
+        const QString sender = message.service().mid(1).replace(u'.', u'_');
+        QString path = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2")
+                           .arg(sender, given.value(QStringLiteral("handle_token")).toString());
+        if (m_behaviour == Behaviour::grantsElsewhere)
+            path += QStringLiteral("_elsewhere");
+        if (m_behaviour == Behaviour::grantsBeforeTheReply)
+            respond(message.service(), path);
+        else if (m_behaviour == Behaviour::ends)
+            m_bus.unregisterService(service());
+        else if (m_behaviour == Behaviour::fails)
+            refuseCall(message);
+        else
+            QTimer::singleShot(50, this, [this, to = message.service(), path] { respond(to, path); });
+        return QDBusObjectPath(path);
+    }
+
+private:
+    void refuseCall(const QDBusMessage &message)
+    {
+        message.setDelayedReply(true);
+        m_bus.send(message.createErrorReply(QDBusError::AccessDenied, QStringLiteral("not here")));
+    }
+
+    void respond(const QString &to, const QString &path)
+    {
+        QDBusMessage response = QDBusMessage::createTargetedSignal(
+            to, path, QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"));
+        const bool wanted = options.value(QStringLiteral("autostart")).toBool();
+        const bool granted = m_behaviour == Behaviour::doesNotGrant ? !wanted : wanted;
+        const QVariantMap results{{QStringLiteral("background"), true}, {QStringLiteral("autostart"), granted}};
+        m_bus.send(response << (m_behaviour == Behaviour::refuses ? 1U : 0U) << results);
+    }
+
+    QDBusConnection m_bus;
+    Behaviour m_behaviour;
+};
+
+} // namespace
+
+class DesktopLoginItemTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void writesAndRemovesTheFile();
+    void execQuoting_data();
+    void execQuoting();
+    void oddProgramPathsAreValidAndRun_data();
+    void oddProgramPathsAreValidAndRun();
+    void followsTheProgram();
+    void leavesAFileThatTheUserSwitchedOff();
+    void respectsTheConfigurationFolder();
+    void removingNothingIsASuccess();
+    void fileInTheWayOfTheFolder();
+    void folderInTheWayOfTheFile();
+    void failureIsOneLogLine();
+    void successIsNotLogged();
+    void appImageIsTheProgram();
+    void portal_data();
+    void portal();
+    void portalIsTold();
+    void portalWithoutTheMethod();
+    void noPortal();
+    void noSessionBus();
+    void kindFollowsTheSandbox();
+
+private:
+    AutostartLoginItem item(const QString &program) const { return {applicationId(), program, m_folder}; }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+    QString m_folder;
+    QString m_file;
+};
+
+void DesktopLoginItemTest::init()
+{
+    m_directory = std::make_unique<QTemporaryDir>();
+    m_folder = m_directory->filePath(QStringLiteral("config/autostart"));
+    m_file = m_folder + QStringLiteral("/com.pelmo.tickwise.test.desktop");
+}
+
+void DesktopLoginItemTest::writesAndRemovesTheFile()
+{
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
+    QCOMPARE(
+        contents(m_file),
+        QByteArray(
+            "[Desktop Entry]\nType=Application\nName=Tickwise\nExec=\"/usr/bin/tickwise\"\n"
+            "Icon=com.pelmo.tickwise.test\nTerminal=false\nStartupNotify=false\nX-GNOME-Autostart-enabled=true\n"));
+    QCOMPARE(QDir(m_folder).entryList(QDir::Files).size(), 1);
+    QCOMPARE(failureText(resultOf(login, false)), QStringLiteral("success"));
+    QVERIFY(!QFile::exists(m_file));
+}
+
+void DesktopLoginItemTest::execQuoting_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QString>("exec");
+    const auto row = [](const char *name, const char *program, const char *exec) {
+        QTest::newRow(name) << QString::fromUtf8(program) << QString::fromUtf8(exec);
+    };
+    row("plain", "/usr/bin/tickwise", R"("/usr/bin/tickwise")");
+    row("space", "/opt/my apps/tickwise", R"("/opt/my apps/tickwise")");
+    row("dollar", "/opt/$HOME/t", R"("/opt/\\$HOME/t")");
+    row("backtick", "/opt/`id`/t", R"("/opt/\\`id\\`/t")");
+    row("double quote", "/opt/a\"b/t", R"("/opt/a\\"b/t")");
+    row("single quote", "/opt/a'b/t", R"("/opt/a'b/t")");
+    row("backslash", "/opt/a\\b/t", R"("/opt/a\\\\b/t")");
+    row("per cent", "/opt/100%u/t", R"(env "/opt/100%%u/t")");
+    row("line end", "/opt/a\nb/t", R"("/opt/a\nb/t")");
+    row("tab", "/opt/a\tb/t", R"("/opt/a\tb/t")");
+    row("other scripts", "/opt/行情/t", R"("/opt/行情/t")");
+}
+
+void DesktopLoginItemTest::execQuoting()
+{
+    QFETCH(QString, program);
+    QFETCH(QString, exec);
+    QCOMPARE(desktopEntryExec(program), exec);
+}
+
+void DesktopLoginItemTest::oddProgramPathsAreValidAndRun_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("plain") << QStringLiteral("tickwise");
+    QTest::newRow("everything") << QStringLiteral("a b $HOME `id` \"q\" 'q' \\ 100%u 行情; & | < > * ? # ( ) ~");
+}
+
+void DesktopLoginItemTest::oddProgramPathsAreValidAndRun()
+{
+    QFETCH(QString, name);
+    const QString program = m_directory->filePath(name);
+    const QString proof = m_directory->filePath(QStringLiteral("proof"));
+    put(program, "#!/bin/sh\nprintf '%s' \"$#\" > '" + proof.toUtf8() + "'\n");
+    QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
+    AutostartLoginItem login = item(program);
+    QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
+
+    QProcess validator;
+    validator.start(QStringLiteral("desktop-file-validate"), {m_file});
+    QVERIFY2(validator.waitForFinished(10000), qPrintable(validator.errorString()));
+    QCOMPARE(validator.readAll(), QByteArray());
+    QCOMPARE(validator.exitCode(), 0);
+
+    // Another implementation of the format has to find the same program in it.
+    QProcess launcher;
+    launcher.start(QStringLiteral("gio"), {QStringLiteral("launch"), m_file});
+    QVERIFY2(launcher.waitForFinished(10000), qPrintable(launcher.errorString()));
+    QCOMPARE(launcher.readAllStandardError(), QByteArray());
+    QTRY_COMPARE(contents(proof), QByteArray("0"));
+}
+
+void DesktopLoginItemTest::followsTheProgram()
+{
+    AutostartLoginItem before = item(QStringLiteral("/opt/old/tickwise"));
+    QCOMPARE(failureText(resultOf(before, true)), QStringLiteral("success"));
+    AutostartLoginItem after = item(QStringLiteral("/opt/new/tickwise"));
+    QCOMPARE(failureText(resultOf(after, true)), QStringLiteral("success"));
+    QVERIFY(contents(m_file).contains("Exec=\"/opt/new/tickwise\"\n"));
+}
+
+void DesktopLoginItemTest::leavesAFileThatTheUserSwitchedOff()
+{
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
+    const QByteArray edited = contents(m_file) + "Hidden=true\n";
+    put(m_file, edited);
+    QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
+    QCOMPARE(contents(m_file), edited);
+}
+
+void DesktopLoginItemTest::respectsTheConfigurationFolder()
+{
+    const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_directory->path()));
+    const QString folder = AutostartLoginItem::defaultDirectory();
+    before.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", before);
+    QCOMPARE(folder, m_directory->filePath(QStringLiteral("autostart")));
+}
+
+void DesktopLoginItemTest::removingNothingIsASuccess()
+{
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    QCOMPARE(failureText(resultOf(login, false)), QStringLiteral("success"));
+    QVERIFY(!QFile::exists(m_folder));
+}
+
+void DesktopLoginItemTest::fileInTheWayOfTheFolder()
+{
+    put(m_directory->filePath(QStringLiteral("config")), "not a folder");
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    QVERIFY2(failureText(resultOf(login, true)).contains(m_folder), "the failure names the folder");
+}
+
+void DesktopLoginItemTest::folderInTheWayOfTheFile()
+{
+    QVERIFY(QDir().mkpath(m_file + QStringLiteral("/inside")));
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    QVERIFY2(failureText(resultOf(login, true)).contains(m_file), "the failure names the file");
+    QVERIFY2(failureText(resultOf(login, false)).contains(m_file), "the failure names the file");
+}
+
+void DesktopLoginItemTest::failureIsOneLogLine()
+{
+    put(m_directory->filePath(QStringLiteral("config")), "not a folder");
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    LaunchAtLoginService service(login);
+    const LogCapture log;
+    service.setEnabled(true);
+    QTRY_COMPARE(log.lines().size(), 1U);
+    QCOMPARE(log.lines().at(0).type, QtWarningMsg);
+    QCOMPARE(log.lines().at(0).category, QStringLiteral("com.pelmo.tickwise.LaunchAtLogin"));
+    QVERIFY(log.lines().at(0).text.startsWith(QStringLiteral("Failed to update login item: ")));
+    QVERIFY(log.lines().at(0).text.contains(m_folder));
+}
+
+void DesktopLoginItemTest::successIsNotLogged()
+{
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    LaunchAtLoginService service(login);
+    const LogCapture log;
+    service.setEnabled(true);
+    QTRY_VERIFY(QFile::exists(m_file));
+    service.setEnabled(false);
+    QTRY_VERIFY(!QFile::exists(m_file));
+    QCoreApplication::processEvents();
+    QCOMPARE(log.lines().size(), 0U);
+}
+
+void DesktopLoginItemTest::appImageIsTheProgram()
+{
+    QCOMPARE(runningProgram(), QCoreApplication::applicationFilePath());
+    qputenv("APPIMAGE", "/home/me/Tickwise.AppImage");
+    const QString program = runningProgram();
+    qunsetenv("APPIMAGE");
+    QCOMPARE(program, QStringLiteral("/home/me/Tickwise.AppImage"));
+}
+
+void DesktopLoginItemTest::portal_data()
+{
+    QTest::addColumn<int>("behaviour");
+    QTest::addColumn<QString>("outcome");
+    using Behaviour = FakePortal::Behaviour;
+    const auto row = [](const char *name, Behaviour behaviour, const char *outcome) {
+        QTest::newRow(name) << static_cast<int>(behaviour) << QString::fromUtf8(outcome);
+    };
+    row("grants", Behaviour::grants, "success");
+    row("answers before the call returns", Behaviour::grantsBeforeTheReply, "success");
+    row("answers at another path", Behaviour::grantsElsewhere, "success");
+    row("the user refuses", Behaviour::refuses, "the request was refused");
+    row("grants something else", Behaviour::doesNotGrant, "starting at login was not granted");
+    row("refuses the call", Behaviour::fails, "not here");
+    row("ends without an answer", Behaviour::ends, "the portal ended");
+}
+
+void DesktopLoginItemTest::portal()
+{
+    QFETCH(int, behaviour);
+    QFETCH(QString, outcome);
+    PrivateBus bus;
+    FakePortal portal(bus.connect(), static_cast<FakePortal::Behaviour>(behaviour));
+    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), QStringLiteral("because"));
+    const QString text = failureText(resultOf(login, true));
+    QVERIFY2(text.contains(outcome), qPrintable(text));
+}
+
+void DesktopLoginItemTest::portalIsTold()
+{
+    PrivateBus bus;
+    FakePortal portal(bus.connect(), FakePortal::Behaviour::grants);
+    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), QStringLiteral("because"));
+    QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
+    QCOMPARE(portal.options.value(QStringLiteral("autostart")), QVariant(true));
+    QCOMPARE(portal.options.value(QStringLiteral("reason")), QVariant(QStringLiteral("because")));
+    QCOMPARE(portal.options.value(QStringLiteral("commandline")).toStringList(),
+             QStringList{QStringLiteral("tickwise")});
+    QCOMPARE(failureText(resultOf(login, false)), QStringLiteral("success"));
+    QCOMPARE(portal.options.value(QStringLiteral("autostart")), QVariant(false));
+}
+
+void DesktopLoginItemTest::portalWithoutTheMethod()
+{
+    PrivateBus bus;
+    QDBusConnection other = bus.connect();
+    QObject nothing;
+    QVERIFY(other.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &nothing));
+    QVERIFY(other.registerService(FakePortal::service()));
+    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), QString());
+    const QString text = failureText(resultOf(login, true));
+    QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
+}
+
+void DesktopLoginItemTest::noPortal()
+{
+    PrivateBus bus;
+    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), QString());
+    const QString text = failureText(resultOf(login, true));
+    QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
+}
+
+void DesktopLoginItemTest::noSessionBus()
+{
+    PortalLoginItem login(QDBusConnection(QStringLiteral("not connected")), QStringLiteral("tickwise"), QString());
+    const QString text = failureText(resultOf(login, true));
+    QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
+}
+
+void DesktopLoginItemTest::kindFollowsTheSandbox()
+{
+    const QDBusConnection bus(QStringLiteral("not connected"));
+    const std::unique_ptr<LoginItem> outside = makeLoginItem(applicationId(), bus, false, QString());
+    const std::unique_ptr<LoginItem> inside = makeLoginItem(applicationId(), bus, true, QString());
+    QVERIFY(dynamic_cast<AutostartLoginItem *>(outside.get()) != nullptr);
+    QVERIFY(dynamic_cast<PortalLoginItem *>(inside.get()) != nullptr);
+}
+
+TICKWISE_TEST(DesktopLoginItemTest)
+#include "DesktopLoginItemTest.moc"

@@ -1,0 +1,279 @@
+#include "platform/session/DisplayServer.h"
+#include "doubles/TestProgram.h"
+
+#include <QElapsedTimer>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <cstring>
+
+using namespace tickwise;
+
+Q_DECLARE_METATYPE(DisplayFacts)
+Q_DECLARE_METATYPE(DisplayDecision)
+
+namespace {
+
+/// Sets a variable, or removes it for none, until the end of the scope.
+class Variable
+{
+public:
+    Variable(const char *name, const std::optional<QByteArray> &value)
+        : m_name(name)
+        , m_before(current(name))
+    {
+        apply(value);
+    }
+    ~Variable() { apply(m_before); }
+    Variable(const Variable &) = delete;
+    Variable &operator=(const Variable &) = delete;
+
+private:
+    static std::optional<QByteArray> current(const char *name)
+    {
+        return qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt;
+    }
+
+    void apply(const std::optional<QByteArray> &value) const
+    {
+        if (value)
+            qputenv(m_name, *value);
+        else
+            qunsetenv(m_name);
+    }
+
+    const char *m_name;
+    std::optional<QByteArray> m_before;
+};
+
+enum class Behaviour
+{
+    lists,
+    hangs,
+    breaks
+};
+
+QByteArray wordBytes(quint32 word)
+{
+    return QByteArray(reinterpret_cast<const char *>(&word), sizeof word);
+}
+
+quint32 wordAt(const QByteArray &bytes, qsizetype offset)
+{
+    quint32 word = 0;
+    std::memcpy(&word, bytes.constData() + offset, sizeof word);
+    return word;
+}
+
+QByteArray message(quint32 target, quint32 opcode, const QByteArray &body)
+{
+    return wordBytes(target) + wordBytes(static_cast<quint32>(8 + body.size()) << 16 | opcode) + body;
+}
+
+QByteArray globalEvent(quint32 registry, quint32 name, QByteArray interface)
+{
+    interface.append('\0');
+    const quint32 length = static_cast<quint32>(interface.size());
+    while (interface.size() % 4 != 0)
+        interface.append('\0');
+    return message(registry, 0, wordBytes(name) + wordBytes(length) + interface + wordBytes(1));
+}
+
+/// As much of a Wayland compositor as lists its globals, in a thread of its own because the probe blocks.
+class FakeCompositor : public QThread
+{
+public:
+    FakeCompositor(QString path, Behaviour behaviour, QList<QByteArray> interfaces)
+        : m_path(std::move(path))
+        , m_behaviour(behaviour)
+        , m_interfaces(std::move(interfaces))
+    {
+        start();
+        while (!m_listening)
+            QThread::yieldCurrentThread();
+    }
+
+    ~FakeCompositor() override
+    {
+        m_ended = true;
+        wait();
+    }
+
+private:
+    void run() override
+    {
+        QLocalServer server;
+        server.listen(m_path);
+        m_listening = true;
+        while (!m_ended && !server.waitForNewConnection(20)) {
+        }
+        const std::unique_ptr<QLocalSocket> client(server.nextPendingConnection());
+        if (client && m_behaviour == Behaviour::lists)
+            answer(*client);
+        else if (client && m_behaviour == Behaviour::breaks)
+            client->abort();
+        while (!m_ended)
+            QThread::msleep(5);
+    }
+
+    void answer(QLocalSocket &client)
+    {
+        // wl_display.get_registry and wl_display.sync, 12 bytes each; the new object's id is the last word of each.
+        while (client.bytesAvailable() < 24 && client.waitForReadyRead(5000)) {
+        }
+        const QByteArray requests = client.readAll();
+        const quint32 registry = wordAt(requests, 8);
+        quint32 name = 1;
+        for (const QByteArray &interface : m_interfaces)
+            client.write(globalEvent(registry, name++, interface));
+        client.write(message(wordAt(requests, 20), 0, wordBytes(0)));
+        client.waitForBytesWritten(5000);
+    }
+
+    QString m_path;
+    Behaviour m_behaviour;
+    QList<QByteArray> m_interfaces;
+    std::atomic<bool> m_listening = false;
+    std::atomic<bool> m_ended = false;
+};
+
+} // namespace
+
+class DisplayServerTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void decides_data();
+    void decides();
+    void listsTheCompositorsGlobals_data();
+    void listsTheCompositorsGlobals();
+    void noCompositorAtTheAddress();
+    void hangingCompositorIsGivenUp();
+    void compositorThatBreaksTheConnection();
+    void deadXServer();
+    void preparesTheEnvironment();
+    void keepsTheUsersPlatform();
+};
+
+void DisplayServerTest::decides_data()
+{
+    QTest::addColumn<DisplayFacts>("facts");
+    QTest::addColumn<DisplayDecision>("decision");
+    const auto row = [](const char *name, const DisplayFacts &facts, const DisplayDecision &decision) {
+        QTest::newRow(name) << facts << decision;
+    };
+    const DisplayDecision xcb{DisplayBackend::xcb, false};
+    const DisplayDecision none{DisplayBackend::none, false};
+    row("X11 session", {{}, "x11", true, false, false}, xcb);
+    row("X server, no session type", {{}, {}, true, false, false}, xcb);
+    row("X11 session with a nested compositor", {{}, "x11", true, true, true}, xcb);
+    row("X11 session whose server is gone", {{}, "x11", false, true, true}, {DisplayBackend::wayland, true});
+    row("Wayland with layer surfaces", {{}, "wayland", true, true, true}, {DisplayBackend::wayland, true});
+    row("the same started from a console", {{}, "tty", true, true, true}, {DisplayBackend::wayland, true});
+    row("Wayland without layer surfaces", {{}, "wayland", true, true, false}, xcb);
+    row("the same without XWayland", {{}, "wayland", false, true, false}, {DisplayBackend::wayland, false});
+    row("Wayland whose compositor hangs", {{}, "wayland", true, false, false}, xcb);
+    row("nothing", {{}, {}, false, false, false}, none);
+    row("nothing but a session type", {{}, "wayland", false, false, false}, none);
+    row("chosen: xcb", {"xcb", "wayland", true, true, true}, {DisplayBackend::chosenByUser, false});
+    row("chosen: wayland", {"wayland", "wayland", true, true, true}, {DisplayBackend::chosenByUser, true});
+    row("chosen: wayland-egl", {"wayland-egl", "wayland", true, true, true}, {DisplayBackend::chosenByUser, true});
+    row("chosen: wayland, no layers", {"wayland", "wayland", true, true, false}, {DisplayBackend::chosenByUser, false});
+    row("chosen: offscreen, no display", {"offscreen", {}, false, false, false}, {DisplayBackend::chosenByUser, false});
+}
+
+void DisplayServerTest::decides()
+{
+    QFETCH(DisplayFacts, facts);
+    QFETCH(DisplayDecision, decision);
+    const DisplayDecision decided = decideDisplay(facts);
+    QCOMPARE(static_cast<int>(decided.backend), static_cast<int>(decision.backend));
+    QCOMPARE(decided.layerShell, decision.layerShell);
+}
+
+void DisplayServerTest::listsTheCompositorsGlobals_data()
+{
+    QTest::addColumn<QList<QByteArray>>("interfaces");
+    QTest::addColumn<bool>("layerShell");
+    QTest::newRow("none") << QList<QByteArray>{} << false;
+    QTest::newRow("others") << QList<QByteArray>{"wl_compositor", "xdg_wm_base", "zwlr_layer_shell_v10"} << false;
+    QTest::newRow("layer shell") << QList<QByteArray>{"wl_compositor", "zwlr_layer_shell_v1", "wl_seat"} << true;
+}
+
+void DisplayServerTest::listsTheCompositorsGlobals()
+{
+    QFETCH(QList<QByteArray>, interfaces);
+    QFETCH(bool, layerShell);
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("wayland"));
+    const FakeCompositor compositor(path, Behaviour::lists, interfaces);
+    const Variable display("WAYLAND_DISPLAY", path.toUtf8());
+    const DisplayFacts facts = probeDisplay();
+    QVERIFY(facts.wayland);
+    QCOMPARE(facts.layerShell, layerShell);
+}
+
+void DisplayServerTest::noCompositorAtTheAddress()
+{
+    const Variable display("WAYLAND_DISPLAY", "/nonexistent/wayland");
+    const DisplayFacts facts = probeDisplay();
+    QVERIFY(!facts.wayland);
+    QVERIFY(!facts.layerShell);
+}
+
+void DisplayServerTest::hangingCompositorIsGivenUp()
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("wayland"));
+    const FakeCompositor compositor(path, Behaviour::hangs, {});
+    const Variable display("WAYLAND_DISPLAY", path.toUtf8());
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(!probeDisplay().wayland);
+    QVERIFY2(timer.elapsed() < 10000, "the probe hung");
+}
+
+void DisplayServerTest::compositorThatBreaksTheConnection()
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("wayland"));
+    const FakeCompositor compositor(path, Behaviour::breaks, {});
+    const Variable display("WAYLAND_DISPLAY", path.toUtf8());
+    QVERIFY(!probeDisplay().wayland);
+}
+
+void DisplayServerTest::deadXServer()
+{
+    const Variable display("DISPLAY", "unix:/nonexistent/x");
+    QVERIFY(!probeDisplay().x11);
+}
+
+void DisplayServerTest::preparesTheEnvironment()
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("wayland"));
+    const FakeCompositor compositor(path, Behaviour::lists, {"zwlr_layer_shell_v1"});
+    const Variable display("WAYLAND_DISPLAY", path.toUtf8());
+    const Variable x11("DISPLAY", std::nullopt);
+    const Variable platform("QT_QPA_PLATFORM", std::nullopt);
+    const Variable bypass("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", std::nullopt);
+    QCOMPARE(static_cast<int>(prepareDisplay().backend), static_cast<int>(DisplayBackend::wayland));
+    QCOMPARE(qgetenv("QT_QPA_PLATFORM"), QByteArray("wayland"));
+    QCOMPARE(qgetenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT"), QByteArray("1"));
+}
+
+void DisplayServerTest::keepsTheUsersPlatform()
+{
+    const Variable display("WAYLAND_DISPLAY", "/nonexistent/wayland");
+    const Variable platform("QT_QPA_PLATFORM", "minimal");
+    const Variable bypass("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", std::nullopt);
+    QCOMPARE(static_cast<int>(prepareDisplay().backend), static_cast<int>(DisplayBackend::chosenByUser));
+    QCOMPARE(qgetenv("QT_QPA_PLATFORM"), QByteArray("minimal"));
+    QVERIFY(!qEnvironmentVariableIsSet("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT"));
+}
+
+TICKWISE_TEST(DisplayServerTest)
+#include "DisplayServerTest.moc"

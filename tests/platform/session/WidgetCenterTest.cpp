@@ -1,0 +1,63 @@
+#include "platform/session/WidgetCenter.h"
+#include "doubles/TestProgram.h"
+
+#include "doubles/LogCapture.h"
+#include "doubles/PrivateBus.h"
+
+#include <QDBusAbstractInterface>
+#include <QSignalSpy>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+namespace {
+
+/// Hears what a widget hears.
+class Widget : public QDBusAbstractInterface
+{
+    Q_OBJECT
+
+public:
+    Widget(const QDBusConnection &bus, const QString &sender)
+        : QDBusAbstractInterface(sender, QStringLiteral("/com/pelmo/tickwise/WidgetCenter"),
+                                 "com.pelmo.tickwise.WidgetCenter", bus, nullptr)
+    {
+    }
+
+Q_SIGNALS:
+    void ReloadAllTimelines();
+};
+
+} // namespace
+
+class WidgetCenterTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void widgetsHearTheReload();
+    void quietWithoutABus();
+};
+
+void WidgetCenterTest::widgetsHearTheReload()
+{
+    PrivateBus bus;
+    const QDBusConnection application = bus.connect();
+    const Widget widget(bus.connect(), application.baseService());
+    const Widget another(bus.connect(), application.baseService());
+    QSignalSpy heard(&widget, &Widget::ReloadAllTimelines);
+    QSignalSpy alsoHeard(&another, &Widget::ReloadAllTimelines);
+    WidgetCenter(application).reloadAllTimelines();
+    QTRY_COMPARE(heard.size(), 1);
+    QTRY_COMPARE(alsoHeard.size(), 1);
+}
+
+void WidgetCenterTest::quietWithoutABus()
+{
+    const LogCapture log;
+    WidgetCenter(QDBusConnection(QStringLiteral("no such connection"))).reloadAllTimelines();
+    QVERIFY(log.lines().empty());
+}
+
+TICKWISE_TEST(WidgetCenterTest)
+#include "WidgetCenterTest.moc"

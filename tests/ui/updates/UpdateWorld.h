@@ -1,0 +1,102 @@
+#pragma once
+
+#include "demo/LoopbackHttpServer.h"
+#include "demo/LoopbackTls.h"
+#include "doubles/MemoryDefaults.h"
+#include "doubles/SigningKey.h"
+#include "doubles/TestClock.h"
+#include "platform/network/NetworkHttpClient.h"
+#include "ui/updates/SparkleUpdaterBackend.h"
+
+#include <QTemporaryDir>
+
+#include <map>
+
+namespace tickwise::test {
+
+/// A user in front of an update session.
+class UserDriverDouble : public UpdateUserDriver
+{
+    Q_OBJECT
+
+public:
+    void show(const UpdateState &state) override { states.push_back(state); }
+    void bringToFront() override { ++fronts; }
+    void dismiss() override { ++dismissals; }
+
+    void choose(UpdateAction action) { Q_EMIT chosen(action); }
+    /// The phase that is shown; none while nothing ever was.
+    std::optional<UpdatePhase> phase() const
+    {
+        return states.empty() ? std::nullopt : std::optional(states.back().phase);
+    }
+    std::optional<UpdateFailureKind> failure() const { return states.empty() ? std::nullopt : states.back().failure; }
+
+    std::vector<UpdateState> states;
+    int fronts = 0;
+    int dismissals = 0;
+};
+
+/// One item of a feed, as its publisher would sign it.
+struct Release
+{
+    QByteArray version = "1.1";
+    QByteArray minimumSystemVersion;
+    QByteArray notes = "<p>Faster</p>";
+    std::optional<QByteArray> signature; ///< none: the right one; empty: not signed
+    std::optional<qint64> length;        ///< none: the right one
+    QString url;                         ///< empty: the package of the loopback server
+};
+
+/// An update server over TLS on 127.0.0.1, and a program that it updates.
+class UpdateWorld
+{
+public:
+    UpdateWorld();
+    ~UpdateWorld();
+
+    /// What the server answers at a path; 404 elsewhere.
+    std::map<QByteArray, LoopbackAnswer> answers;
+    QByteArray package = QByteArray("package ").repeated(4000);
+
+    QByteArray feedOf(const std::vector<Release> &releases) const;
+    /// Puts package and feed on the server.
+    void publish(const std::vector<Release> &releases);
+    void publishFeed(const QByteArray &feed);
+    QString packageUrl() const;
+    AppcastItem itemOf(const Release &release) const;
+
+    /// Starts the program: a new controller with its backend.
+    void start();
+    void stop();
+    SparkleUpdaterBackend &backend() const { return *m_backend; }
+    /// How often a path was asked for.
+    int requests(const QByteArray &path) const;
+    int feedRequests() const { return requests("/appcast.xml"); }
+    /// Everything below the download folder.
+    QStringList downloads() const;
+    UpdaterSettings stored() const;
+    void store(const UpdaterSettings &settings);
+
+    TestClock clock;
+    MemoryDefaults defaults;
+    SigningKey key;
+    UserDriverDouble driver;
+    bool focused = false;
+    QStringList opened;
+    QByteArray openedContent;
+    UpdaterConfiguration configuration;
+    NetworkHttpClient http{loopbackAuthorities()};
+    std::unique_ptr<UpdateController> controller;
+
+private:
+    LoopbackAnswer answer(const LoopbackRequest &request);
+    void open(const QString &path);
+
+    std::vector<QByteArray> m_requests;
+    QTemporaryDir m_folder;
+    std::unique_ptr<LoopbackHttpServer> m_server;
+    SparkleUpdaterBackend *m_backend = nullptr;
+};
+
+} // namespace tickwise::test

@@ -1,0 +1,91 @@
+#include "ui/updates/UpdaterSettings.h"
+#include "doubles/TestProgram.h"
+
+#include "doubles/LogCapture.h"
+#include "doubles/MemoryDefaults.h"
+#include "doubles/TestClock.h"
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+Q_DECLARE_METATYPE(tickwise::UpdaterSettings)
+
+class UpdaterSettingsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void decodes_data();
+    void decodes();
+    void roundTrip();
+    void storesUnderItsKey();
+    void aFailureToStoreIsLogged();
+};
+
+void UpdaterSettingsTest::decodes_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<UpdaterSettings>("expected");
+    const auto row = [](const char *name, const QByteArray &json, const UpdaterSettings &expected) {
+        QTest::newRow(name) << json << expected;
+    };
+    const TimePoint instant(secondsDuration(1769847300.5));
+    row("nothing", {}, {});
+    row("no JSON", "{", {});
+    row("no object", "[1]", {});
+    row("empty object", "{}", {});
+    row("all",
+        R"({"automaticallyChecks":false,"lastCheck":1769847300.5,"skippedVersion":"1.2","newestSeen":"1.3","newestSeenAt":1769847300.5})",
+        {false, instant, QStringLiteral("1.2"), SeenVersion{QStringLiteral("1.3"), instant}});
+    row("wrong types",
+        R"({"automaticallyChecks":1,"lastCheck":"x","skippedVersion":2,"newestSeen":[],"newestSeenAt":{}})", {});
+    row("one wrong field", R"({"automaticallyChecks":"no","skippedVersion":"1.2"})",
+        {true, {}, QStringLiteral("1.2"), {}});
+    row("versions that are none", R"({"skippedVersion":"<b>","newestSeen":"new","newestSeenAt":1})", {});
+    row("seen without an instant", R"({"newestSeen":"1.3"})", {});
+    row("instant before 1970", R"({"lastCheck":-1})", {});
+    row("instant out of range", R"({"lastCheck":1e300})", {});
+    row("unknown field", R"({"more":true})", {});
+}
+
+void UpdaterSettingsTest::decodes()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(UpdaterSettings, expected);
+    QVERIFY(decodeUpdaterSettings(json) == expected);
+}
+
+void UpdaterSettingsTest::roundTrip()
+{
+    const TimePoint now = TestClock().now();
+    const UpdaterSettings full{false, now, QStringLiteral("1.2"), SeenVersion{QStringLiteral("1.3"), now}};
+    QVERIFY(decodeUpdaterSettings(encodeUpdaterSettings(full)) == full);
+    QVERIFY(decodeUpdaterSettings(encodeUpdaterSettings({})) == UpdaterSettings());
+}
+
+void UpdaterSettingsTest::storesUnderItsKey()
+{
+    MemoryDefaults defaults;
+    UpdaterSettingsStore store(defaults);
+    QVERIFY(store.settings() == UpdaterSettings());
+    UpdaterSettings changed;
+    changed.skippedVersion = QStringLiteral("1.2");
+    store.update(changed);
+    QVERIFY(store.settings() == changed);
+    QVERIFY(defaults.data(QStringLiteral("updater")).has_value());
+    QVERIFY(UpdaterSettingsStore(defaults).settings() == changed);
+}
+
+void UpdaterSettingsTest::aFailureToStoreIsLogged()
+{
+    MemoryDefaults defaults;
+    UpdaterSettingsStore store(defaults);
+    defaults.fails = true;
+    const LogCapture log;
+    store.update({});
+    QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.Updates")).size(), 1);
+    QCOMPARE(log.lines().front().type, QtWarningMsg);
+}
+
+TICKWISE_TEST(UpdaterSettingsTest)
+#include "UpdaterSettingsTest.moc"
