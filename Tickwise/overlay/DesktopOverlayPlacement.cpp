@@ -1,0 +1,102 @@
+#include "overlay/DesktopOverlayPlacement.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tickwise {
+
+namespace {
+
+constexpr double margin = 24;
+constexpr double separator = 1;
+constexpr double emptyHeight = 170;
+
+struct Metrics
+{
+    double width;
+    double header;
+    double row;
+};
+
+Metrics metricsFor(DesktopOverlayTextSize textSize)
+{
+    return textSize == DesktopOverlayTextSize::large ? Metrics{400, 51, 42} : Metrics{364, 50, 38};
+}
+
+double overlap(const DesktopRect &a, const DesktopRect &b)
+{
+    const double width = std::min(a.right(), b.right()) - std::max(a.left, b.left);
+    const double height = std::min(a.top(), b.top()) - std::max(a.bottom, b.bottom);
+    return width > 0 && height > 0 ? width * height : 0;
+}
+
+double centerDistance(const DesktopRect &a, const DesktopRect &b)
+{
+    return std::hypot(a.left + a.width / 2 - b.left - b.width / 2, a.bottom + a.height / 2 - b.bottom - b.height / 2);
+}
+
+/// The frame with the largest overlap, else the nearest one; the earlier of equals.
+const DesktopRect &frameFor(const DesktopRect &proposed, const std::vector<DesktopRect> &frames)
+{
+    const auto most = std::max_element(frames.begin(), frames.end(), [&](const DesktopRect &a, const DesktopRect &b) {
+        return overlap(a, proposed) < overlap(b, proposed);
+    });
+    if (overlap(*most, proposed) > 0)
+        return *most;
+    return *std::min_element(frames.begin(), frames.end(), [&](const DesktopRect &a, const DesktopRect &b) {
+        return centerDistance(a, proposed) < centerDistance(b, proposed);
+    });
+}
+
+/// The start of a length inside the limits; one that is too long starts at the lower limit.
+double clampedStart(double start, double length, double low, double high)
+{
+    return std::min(std::max(start, low), std::max(high - length, low));
+}
+
+bool isUsable(const std::optional<DesktopOverlayOrigin> &origin)
+{
+    return origin && std::isfinite(origin->x) && std::isfinite(origin->y);
+}
+
+} // namespace
+
+QSizeF desktopOverlaySize(DesktopOverlayTextSize textSize, int rows)
+{
+    const Metrics metrics = metricsFor(textSize);
+    if (rows < 1)
+        return {metrics.width, emptyHeight};
+    return {metrics.width, metrics.header + metrics.row * rows + separator * (rows - 1)};
+}
+
+DesktopRect desktopOverlayFrame(QSizeF size, const std::optional<DesktopOverlayOrigin> &savedTopLeft,
+                                const std::vector<DesktopRect> &visibleFrames)
+{
+    DesktopRect frame{0, 0, size.width(), size.height()};
+    if (visibleFrames.empty())
+        return frame;
+    if (!isUsable(savedTopLeft)) {
+        const DesktopRect &first = visibleFrames.front();
+        frame.left = first.right() - frame.width - margin;
+        frame.bottom = first.top() - margin - frame.height;
+        return frame;
+    }
+    frame.left = savedTopLeft->x;
+    frame.bottom = savedTopLeft->y - frame.height;
+    const DesktopRect &screen = frameFor(frame, visibleFrames);
+    frame.left = clampedStart(frame.left, frame.width, screen.left, screen.right());
+    frame.bottom = clampedStart(frame.bottom, frame.height, screen.bottom, screen.top());
+    return frame;
+}
+
+DesktopRect desktopRect(const QRectF &rect, double primaryHeight)
+{
+    return {rect.x(), primaryHeight - rect.y() - rect.height(), rect.width(), rect.height()};
+}
+
+QRectF toolkitRect(const DesktopRect &rect, double primaryHeight)
+{
+    return {rect.left, primaryHeight - rect.top(), rect.width, rect.height};
+}
+
+} // namespace tickwise

@@ -1,0 +1,107 @@
+#include "overlay/DesktopOverlayPlacement.h"
+
+#include "doubles/TestProgram.h"
+
+#include <limits>
+
+using namespace tickwise;
+
+using Frames = std::vector<DesktopRect>;
+using Corner = std::optional<DesktopOverlayOrigin>;
+Q_DECLARE_METATYPE(Frames)
+Q_DECLARE_METATYPE(Corner)
+
+namespace {
+
+const DesktopRect left{0, 40, 1000, 760};
+const DesktopRect right{1000, 0, 1600, 900};
+
+} // namespace
+
+class DesktopOverlayPlacementTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sizes_data();
+    void sizes();
+    void places_data();
+    void places();
+    void convertsCoordinates();
+};
+
+void DesktopOverlayPlacementTest::sizes_data()
+{
+    QTest::addColumn<bool>("large");
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<QSizeF>("size");
+    QTest::newRow("empty") << false << 0 << QSizeF(364, 170);
+    QTest::newRow("empty, large") << true << 0 << QSizeF(400, 170);
+    QTest::newRow("no content") << false << -1 << QSizeF(364, 170);
+    QTest::newRow("one row") << false << 1 << QSizeF(364, 88);
+    QTest::newRow("one row, large") << true << 1 << QSizeF(400, 93);
+    QTest::newRow("three rows") << false << 3 << QSizeF(364, 166);
+    QTest::newRow("three rows, large") << true << 3 << QSizeF(400, 179);
+}
+
+void DesktopOverlayPlacementTest::sizes()
+{
+    QFETCH(bool, large);
+    QFETCH(int, rows);
+    QTEST(desktopOverlaySize(large ? DesktopOverlayTextSize::large : DesktopOverlayTextSize::normal, rows), "size");
+}
+
+void DesktopOverlayPlacementTest::places_data()
+{
+    QTest::addColumn<Corner>("saved");
+    QTest::addColumn<Frames>("frames");
+    QTest::addColumn<QPointF>("origin");
+    // A window of 400 by 200.
+    const auto row = [](const char *name, Corner saved, Frames frames, double x, double y) {
+        QTest::newRow(name) << saved << frames << QPointF(x, y);
+    };
+    const auto at = [](double x, double y) { return Corner(DesktopOverlayOrigin{x, y}); };
+    const double notANumber = std::numeric_limits<double>::quiet_NaN();
+    row("no screens", at(50, 60), {}, 0, 0);
+    row("no screens, nothing saved", {}, {}, 0, 0);
+    row("nothing saved: top right of the first", {}, {left, right}, 576, 576);
+    row("nothing saved: the first in order", {}, {right, left}, 2176, 676);
+    row("where it was", at(100, 700), {left, right}, 100, 500);
+    row("over the left edge", at(-30, 700), {left, right}, 0, 500);
+    row("over the bottom edge", at(100, 100), {left}, 100, 40);
+    row("over the top edge", at(100, 900), {left}, 100, 600);
+    row("over the right edge", at(900, 700), {left}, 600, 500);
+    row("mostly on the left", at(700, 700), {left, right}, 600, 500);
+    row("mostly on the right", at(900, 700), {left, right}, 1000, 500);
+    row("half on each: the earlier", at(800, 700), {left, right}, 600, 500);
+    row("half on each: the earlier, turned", at(800, 700), {right, left}, 1000, 500);
+    row("off every screen: the nearest", at(5000, 5000), {left, right}, 2200, 700);
+    row("off every screen, to the left", at(-5000, 300), {left, right}, 0, 100);
+    row("touching an edge is off the screen", at(-400, 300), {left, right}, 0, 100);
+    row("equally far: the earlier", at(800, 5000), {{0, 0, 1000, 800}, {1000, 0, 1000, 800}}, 600, 600);
+    row("far away", at(1e9, -1e9), {left, right}, 2200, 0);
+    row("not a number counts as nothing saved", at(notANumber, 100), {left}, 576, 576);
+    row("infinite counts as nothing saved", at(100, std::numeric_limits<double>::infinity()), {left}, 576, 576);
+    row("a screen that is too small: its left bottom corner", at(700, 700), {{20, 30, 300, 100}}, 20, 30);
+}
+
+void DesktopOverlayPlacementTest::places()
+{
+    QFETCH(Corner, saved);
+    QFETCH(Frames, frames);
+    const DesktopRect frame = desktopOverlayFrame({400, 200}, saved, frames);
+    QTEST(QPointF(frame.left, frame.bottom), "origin");
+    QCOMPARE(QSizeF(frame.width, frame.height), QSizeF(400, 200));
+}
+
+void DesktopOverlayPlacementTest::convertsCoordinates()
+{
+    const QRectF window(10, 20, 300, 100);
+    const DesktopRect rect = desktopRect(window, 800);
+    QCOMPARE(rect, (DesktopRect{10, 680, 300, 100}));
+    QCOMPARE(rect.top(), 780.0);
+    QCOMPARE(toolkitRect(rect, 800), window);
+}
+
+TICKWISE_TEST(DesktopOverlayPlacementTest)
+#include "DesktopOverlayPlacementTest.moc"
