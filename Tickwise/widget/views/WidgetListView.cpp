@@ -1,0 +1,235 @@
+#include "widget/views/WidgetListView.h"
+
+#include "catalog/logos/CoinLogoPainting.h"
+#include "settings/HexColor.h"
+
+#include <QEvent>
+#include <QPainter>
+#include <QSvgRenderer>
+
+#include <algorithm>
+
+namespace tickwise {
+
+namespace {
+
+constexpr double rowInset = 6;
+constexpr double spacing = 8;
+constexpr double separator = 1;
+constexpr double logoSide = 24;
+constexpr double headerLogoSide = 16;
+constexpr double emptyLogoSide = 40;
+constexpr double compactWidth = 220; ///< below, a line shows the change under the price and no name
+constexpr QColor staleColor(255, 149, 0);
+
+struct Metrics
+{
+    double header;
+    double row;
+    int large; ///< pixel size of symbols and prices
+    int small; ///< pixel size of names and changes
+};
+
+Metrics metricsFor(DesktopOverlayTextSize size)
+{
+    return size == DesktopOverlayTextSize::large ? Metrics{23, 42, 15, 12} : Metrics{22, 38, 13, 11};
+}
+
+QFont fontOf(const QWidget &widget, int pixels, QFont::Weight weight = QFont::Normal)
+{
+    QFont font = widget.font();
+    font.setPixelSize(pixels);
+    font.setWeight(weight);
+    return font;
+}
+
+void paintAppLogo(QPainter &painter, const QRectF &box)
+{
+    QSvgRenderer renderer(QStringLiteral(":/app-logo.svg"));
+    renderer.render(&painter, box);
+}
+
+} // namespace
+
+WidgetListView::WidgetListView(LogoSource logos, Clock clock, QWidget *parent)
+    : QWidget(parent)
+    , m_logos(std::move(logos))
+    , m_clock(std::move(clock))
+{
+    m_staleness.setSingleShot(true);
+    connect(&m_staleness, &QTimer::timeout, this, &WidgetListView::refresh);
+    refresh();
+}
+
+double WidgetListView::heightOf(DesktopOverlayTextSize size, int rows)
+{
+    const Metrics metrics = metricsFor(size);
+    return metrics.header + metrics.row * rows + separator * std::max(rows - 1, 0);
+}
+
+void WidgetListView::setContent(const WidgetEntryContent &content)
+{
+    if (m_content == content)
+        return;
+    m_content = content;
+    refresh();
+}
+
+void WidgetListView::setTextSize(DesktopOverlayTextSize size)
+{
+    if (std::exchange(m_textSize, size) != size)
+        update();
+}
+
+void WidgetListView::setLegibility(const WidgetLegibility &legibility)
+{
+    if (m_legibility == legibility)
+        return;
+    m_legibility = legibility;
+    update();
+}
+
+void WidgetListView::refresh()
+{
+    const WidgetListText text = widgetListText(m_content, m_clock(), QTimeZone::systemTimeZone());
+    waitForStaleness();
+    if (m_text == text)
+        return;
+    m_text = text;
+    setAccessibleName(m_text.title);
+    QStringList lines;
+    for (const WidgetRowText &row : m_text.rows)
+        lines.append(row.accessibleText);
+    setAccessibleDescription(lines.isEmpty() ? m_text.emptyText : lines.join(QStringLiteral("; ")));
+    update();
+}
+
+/// The time turns orange by itself while it is shown.
+void WidgetListView::waitForStaleness()
+{
+    m_staleness.stop();
+    if (!isVisible() || !m_content.updatedAt)
+        return;
+    const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*m_content.updatedAt + staleAge - m_clock());
+    if (wait >= std::chrono::milliseconds(0))
+        m_staleness.start(std::min<std::chrono::milliseconds>(wait, staleAge) + std::chrono::milliseconds(1));
+}
+
+void WidgetListView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    refresh();
+}
+
+void WidgetListView::hideEvent(QHideEvent *event)
+{
+    m_staleness.stop();
+    QWidget::hideEvent(event);
+}
+
+void WidgetListView::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
+        update();
+    QWidget::changeEvent(event);
+}
+
+QColor WidgetListView::textColor() const
+{
+    return m_legibility.boost ? QColor(Qt::white) : palette().color(QPalette::WindowText);
+}
+
+QColor WidgetListView::secondaryColor() const
+{
+    QColor color = textColor();
+    color.setAlphaF(m_legibility.boost ? 0.85F : 0.65F);
+    return color;
+}
+
+void WidgetListView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    if (m_text.rows.empty())
+        return paintEmpty(painter);
+    const Metrics metrics = metricsFor(m_textSize);
+    const QRectF area(rect());
+    paintHeader(painter, QRectF(area.left(), area.top(), area.width(), metrics.header));
+    paintRows(painter, area.adjusted(0, metrics.header, 0, 0));
+}
+
+void WidgetListView::paintHeader(QPainter &painter, const QRectF &box) const
+{
+    const QRectF inner = box.adjusted(rowInset, 0, -rowInset, -4);
+    paintAppLogo(painter,
+                 QRectF(inner.left(), inner.center().y() - headerLogoSide / 2, headerLogoSide, headerLogoSide));
+    const WidgetTextRun updated{m_text.updated, fontOf(*this, 11), m_text.isStale ? staleColor : secondaryColor(),
+                                true};
+    const double updatedWidth = widgetTextWidth(updated);
+    paintWidgetText(painter, inner, Qt::AlignRight, updated, m_legibility.halo);
+    const WidgetTextRun title{m_text.title, fontOf(*this, 12, QFont::DemiBold), textColor()};
+    paintWidgetText(painter, inner.adjusted(headerLogoSide + rowInset, 0, -updatedWidth - spacing, 0), Qt::AlignLeft,
+                    title, m_legibility.halo);
+}
+
+void WidgetListView::paintEmpty(QPainter &painter) const
+{
+    const QFont font = fontOf(*this, 12);
+    const double textHeight = QFontMetricsF(font).height();
+    const double top = (height() - emptyLogoSide - spacing - textHeight) / 2;
+    paintAppLogo(painter, QRectF((width() - emptyLogoSide) / 2, top, emptyLogoSide, emptyLogoSide));
+    const QRectF line(0, top + emptyLogoSide + spacing, width(), textHeight);
+    paintWidgetText(painter, line, Qt::AlignHCenter, {m_text.emptyText, font, secondaryColor()}, m_legibility.halo);
+}
+
+void WidgetListView::paintRows(QPainter &painter, const QRectF &box) const
+{
+    const Metrics metrics = metricsFor(m_textSize);
+    double changeWidth = 0;
+    for (const WidgetRowText &row : m_text.rows)
+        changeWidth = std::max(changeWidth, widgetTextWidth({row.change, fontOf(*this, metrics.small), {}, true}));
+    painter.setClipRect(box);
+    QColor line = textColor();
+    line.setAlphaF(0.12F);
+    double y = box.top();
+    for (size_t i = 0; i < m_text.rows.size() && y + metrics.row <= box.bottom() + 0.5; ++i) {
+        if (i > 0) {
+            painter.fillRect(QRectF(box.left() + rowInset, y, box.width() - 2 * rowInset, separator), line);
+            y += separator;
+        }
+        paintRow(painter, QRectF(box.left() + rowInset, y, box.width() - 2 * rowInset, metrics.row), i, changeWidth);
+        y += metrics.row;
+    }
+}
+
+void WidgetListView::paintRow(QPainter &painter, const QRectF &box, size_t index, double changeWidth) const
+{
+    const WidgetRow &coin = m_content.rows[index];
+    const WidgetRowText &row = m_text.rows[index];
+    const Metrics metrics = metricsFor(m_textSize);
+    const bool isCompact = width() < compactWidth;
+    const bool halo = m_legibility.halo;
+    paintCoinLogo(painter, QRectF(box.left(), box.center().y() - logoSide / 2, logoSide, logoSide), coin.logoAssetName,
+                  m_logos ? m_logos(coin.id) : std::nullopt, coin.symbol, palette().color(QPalette::Highlight));
+
+    const WidgetTextRun price{row.price, fontOf(*this, metrics.large, QFont::DemiBold), textColor(), true};
+    const std::optional<QColor> changeColor = colorFromHex(row.changeColorHex);
+    const WidgetTextRun change{row.change, fontOf(*this, metrics.small),
+                               row.isDelisted ? secondaryColor() : changeColor.value_or(textColor()), true};
+    const QRectF upper = box.adjusted(0, 2, 0, -box.height() / 2);
+    const QRectF lower = box.adjusted(0, box.height() / 2 - 1, 0, -3);
+    const QRectF priceBox = isCompact ? upper : box.adjusted(0, 0, -changeWidth - spacing, 0);
+    paintWidgetText(painter, priceBox, Qt::AlignRight, price, halo);
+    paintWidgetText(painter, isCompact ? lower : box, Qt::AlignRight, change, halo);
+
+    const double left = logoSide + spacing;
+    const double right = box.right() - priceBox.right() + widgetTextWidth(price) + spacing;
+    const WidgetTextRun symbol{row.symbol, fontOf(*this, metrics.large, QFont::DemiBold), textColor()};
+    if (isCompact)
+        return paintWidgetText(painter, box.adjusted(left, 0, -right, 0), Qt::AlignLeft, symbol, halo);
+    paintWidgetText(painter, upper.adjusted(left, 0, -right, 0), Qt::AlignLeft, symbol, halo);
+    paintWidgetText(painter, lower.adjusted(left, 0, -right, 0), Qt::AlignLeft,
+                    {row.name, fontOf(*this, metrics.small), secondaryColor()}, halo);
+}
+
+} // namespace tickwise
