@@ -2,8 +2,8 @@
 
 #include "pipeline/PriceFormat.h"
 
-#include <QDateTime>
-#include <QLocale>
+#include <unicode/datefmt.h>
+#include <unicode/timezone.h>
 
 namespace tickwise {
 
@@ -12,24 +12,18 @@ namespace {
 constexpr QChar upTriangle(0x25b2);
 constexpr QChar downTriangle(0x25bc);
 
-QLocale localeOf(AppLanguage effective)
+// ICU, because Qt writes the day periods of traditional Chinese as pattern letters.
+QString timeText(TimePoint time, const QTimeZone &zone, AppLanguage effective)
 {
-    switch (effective) {
-    case AppLanguage::zhHans:
-        return {QLocale::Chinese, QLocale::SimplifiedHanScript, QLocale::China};
-    case AppLanguage::zhHant:
-        return {QLocale::Chinese, QLocale::TraditionalHanScript, QLocale::Taiwan};
-    case AppLanguage::system:
-    case AppLanguage::en:
-        break;
-    }
-    return {QLocale::English, QLocale::UnitedStates};
-}
-
-QString timeText(TimePoint time, const QTimeZone &zone, const QLocale &locale)
-{
-    const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(time.time_since_epoch()).count();
-    return locale.toString(QDateTime::fromMSecsSinceEpoch(milliseconds, zone).time(), QLocale::ShortFormat);
+    const icu::Locale locale(rawValue(effective).toLatin1().constData());
+    const std::unique_ptr<icu::DateFormat> format(icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, locale));
+    if (!format)
+        return {};
+    format->adoptTimeZone(icu::TimeZone::createTimeZone(icu::UnicodeString(zone.id().constData())));
+    const std::chrono::duration<double, std::milli> sinceEpoch = time.time_since_epoch();
+    icu::UnicodeString text;
+    format->format(UDate(sinceEpoch.count()), text);
+    return QString::fromUtf16(text.getBuffer(), text.length());
 }
 
 QString changeText(double percent)
@@ -75,7 +69,7 @@ WidgetListText widgetListText(const WidgetEntryContent &content, TimePoint now, 
     text.title = localized(QStringLiteral("widget.list.title"), bundle);
     text.emptyText = localized(QStringLiteral("widget.empty"), bundle);
     if (content.updatedAt) {
-        text.updated = timeText(*content.updatedAt, zone, localeOf(language));
+        text.updated = timeText(*content.updatedAt, zone, language);
         text.isStale = now - *content.updatedAt > staleAge;
     }
     text.rows.reserve(content.rows.size());
