@@ -77,6 +77,10 @@ QString title(MenuBarContent value);
 QString title(PriceColorScheme value);
 QString title(DesktopOverlayTextSize value);
 
+/// The two fixed colors of prices.
+inline constexpr QLatin1String greenPriceHex("#2CBD84");
+inline constexpr QLatin1String redPriceHex("#F6465D");
+
 /// One coin of the watchlist with its alert.
 struct WatchlistCoin
 {
@@ -102,8 +106,8 @@ struct AppSettings
     BaseCurrency baseCurrency = BaseCurrency::usd;
     bool priceColorEnabled = true;
     PriceColorScheme colorScheme = PriceColorScheme::greenUpRedDown;
-    QString customUpColorHex = QStringLiteral("#2CBD84");
-    QString customDownColorHex = QStringLiteral("#F6465D");
+    QString customUpColorHex = greenPriceHex;
+    QString customDownColorHex = redPriceHex;
     bool priceChangeNotificationEnabled = true;
     double pollingInterval = 10.0; ///< seconds
     bool showMenuBarBackground = false;

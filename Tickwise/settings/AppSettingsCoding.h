@@ -7,9 +7,6 @@
 
 namespace tickwise {
 
-/// The largest settings document, in bytes, that is read or written.
-inline constexpr qsizetype largestSettingsDocument = qsizetype{4} * 1024 * 1024;
-
 /// The record in a JSON document of any version. Every field that cannot be read takes its default; the only errors are
 /// a document over the size limit, text that is not JSON, and a top level that is not an object.
 Result<AppSettings> decodeSettings(const QByteArray &document);

@@ -1,50 +1,8 @@
 #include "settings/SettingsViewModel.h"
 
-#include "settings/HexColor.h"
+#include "settings/PriceColors.h"
 
 namespace tickwise {
-
-namespace {
-
-const QColor &green()
-{
-    static const QColor color = colorFromHex(QStringLiteral("#2CBD84")).value();
-    return color;
-}
-
-const QColor &red()
-{
-    static const QColor color = colorFromHex(QStringLiteral("#F6465D")).value();
-    return color;
-}
-
-QColor upColor(const AppSettings &settings)
-{
-    switch (settings.colorScheme) {
-    case PriceColorScheme::greenUpRedDown:
-        return green();
-    case PriceColorScheme::redUpGreenDown:
-        return red();
-    case PriceColorScheme::custom:
-        return colorFromHex(settings.customUpColorHex).value_or(green());
-    }
-    return green();
-}
-
-QColor downColor(const AppSettings &settings)
-{
-    switch (settings.colorScheme) {
-    case PriceColorScheme::greenUpRedDown:
-        return red();
-    case PriceColorScheme::redUpGreenDown:
-        return green();
-    case PriceColorScheme::custom:
-        return colorFromHex(settings.customDownColorHex).value_or(red());
-    }
-    return red();
-}
-
-} // namespace
 
 QString rawValue(SettingsTab tab)
 {
@@ -82,15 +40,6 @@ void SettingsViewModel::update(const AppSettings &settings)
 std::optional<QColor> SettingsViewModel::priceColor(std::optional<double> change) const
 {
     return tickwise::priceColor(m_settings, change);
-}
-
-std::optional<QColor> priceColor(const AppSettings &settings, std::optional<double> change)
-{
-    if (!settings.priceColorEnabled || !change)
-        return std::nullopt;
-    if (*change >= 0)
-        return upColor(settings);
-    return *change < 0 ? std::optional(downColor(settings)) : std::nullopt;
 }
 
 } // namespace tickwise

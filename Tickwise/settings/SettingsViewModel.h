@@ -44,7 +44,7 @@ public:
     /// Publishes the record, then saves it at once. The only way to change settings.
     void update(const AppSettings &settings);
 
-    /// The colour of a price with that 24-hour change in percent; none means the neutral primary text colour.
+    /// The color of a price with that 24-hour change in percent; none means the neutral primary text color.
     std::optional<QColor> priceColor(std::optional<double> change) const;
 
 Q_SIGNALS:
@@ -57,8 +57,5 @@ private:
                                          &SettingsViewModel::settingsWindowTabChanged)
     UserDefaultsSettingsStore m_store;
 };
-
-/// The colour rule of `SettingsViewModel::priceColor` over a given record.
-std::optional<QColor> priceColor(const AppSettings &settings, std::optional<double> change);
 
 } // namespace tickwise

@@ -1,33 +1,8 @@
 #include "widget/WidgetSnapshot.h"
 
+#include "settings/PriceColors.h"
+
 namespace tickwise {
-
-namespace {
-
-QString green()
-{
-    return QStringLiteral("#2CBD84");
-}
-
-QString red()
-{
-    return QStringLiteral("#F6465D");
-}
-
-} // namespace
-
-PriceColorTexts priceColorTexts(const AppSettings &settings)
-{
-    switch (settings.colorScheme) {
-    case PriceColorScheme::greenUpRedDown:
-        return {green(), red()};
-    case PriceColorScheme::redUpGreenDown:
-        return {red(), green()};
-    case PriceColorScheme::custom:
-        return {settings.customUpColorHex, settings.customDownColorHex};
-    }
-    return {green(), red()};
-}
 
 WidgetSnapshot makeWidgetSnapshot(const std::vector<Coin> &coins, const AppSettings &settings, TimePoint now)
 {

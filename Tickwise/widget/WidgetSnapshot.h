@@ -34,16 +34,6 @@ struct WidgetSnapshot
     bool operator==(const WidgetSnapshot &) const = default;
 };
 
-/// The texts of the colours for rising and falling prices.
-struct PriceColorTexts
-{
-    QString up;
-    QString down;
-    bool operator==(const PriceColorTexts &) const = default;
-};
-
-PriceColorTexts priceColorTexts(const AppSettings &settings);
-
 /// The snapshot of these coins and settings, written at `now`.
 WidgetSnapshot makeWidgetSnapshot(const std::vector<Coin> &coins, const AppSettings &settings, TimePoint now);
 

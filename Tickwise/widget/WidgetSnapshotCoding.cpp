@@ -1,4 +1,4 @@
-#include "settings/JsonDecoding.h"
+#include "support/json/JsonReader.h"
 #include "widget/WidgetSnapshot.h"
 
 #include <QDateTime>
@@ -37,11 +37,6 @@ Result<TimePoint> decodeDate(const QString &text)
     if (time < first || time > last)
         return invalid(QStringLiteral("writtenAt is out of range"));
     return TimePoint(time);
-}
-
-std::string utf8(const QString &text)
-{
-    return text.toStdString();
 }
 
 nlohmann::ordered_json encodeQuotes(const std::map<QString, WidgetSnapshot::Quote> &quotes)

@@ -2,7 +2,7 @@
 #include "doubles/LogCapture.h"
 #include "doubles/TestData.h"
 #include "doubles/TestProgram.h"
-#include "settings/JsonDecoding.h"
+#include "settings/RecordDecoding.h"
 
 #include <QRegularExpression>
 
@@ -335,12 +335,12 @@ void AppSettingsCodingTest::notFinite_data()
     QTest::addColumn<Change>("change");
     QTest::addColumn<QString>("text");
     const auto row = [](const char *text, Change change) {
-        QTest::newRow(text) << change << QString::fromLatin1(text) + QStringLiteral(" is not a finite number");
+        QTest::newRow(text) << change << QString::fromLatin1(text) + QStringLiteral(": not a finite number");
     };
     row("pollingInterval", [](AppSettings &s) { s.pollingInterval = infinity; });
     row("desktopOverlayBackgroundOpacity", [](AppSettings &s) { s.desktopOverlayBackgroundOpacity = std::nan(""); });
-    row("desktopOverlayTopLeft", [](AppSettings &s) { s.desktopOverlayTopLeft = DesktopOverlayOrigin{0, -infinity}; });
-    row("notificationThreshold of ethereum",
+    row("desktopOverlayTopLeft.y", [](AppSettings &s) { s.desktopOverlayTopLeft = DesktopOverlayOrigin{0, -infinity}; });
+    row("addedCoins[1].notificationThreshold",
         [](AppSettings &s) { s.watchlistCoins[1].notificationThreshold = std::nan(""); });
 }
 
@@ -358,17 +358,17 @@ void AppSettingsCodingTest::notFinite()
 void AppSettingsCodingTest::tooLargeToReadAgain()
 {
     AppSettings settings;
-    settings.customUpColorHex = QString(largestSettingsDocument, u'x');
+    settings.customUpColorHex = QString(largestJsonDocument, u'x');
     QVERIFY(!encodeSettings(settings).has_value());
-    settings.customUpColorHex.truncate(largestSettingsDocument - 2000);
+    settings.customUpColorHex.truncate(largestJsonDocument - 2000);
     QVERIFY(decoded(encoded(settings)) == settings);
 }
 
 void AppSettingsCodingTest::lossyDecodable()
 {
-    QCOMPARE(LossyDecodable<double>::decode(nlohmann::json::parse("2.5")).value, std::optional(2.5));
-    QCOMPARE(LossyDecodable<double>::decode(nlohmann::json::parse("\"2.5\"")).value, std::optional<double>());
-    QVERIFY(!LossyDecodable<WatchlistCoin>::decode(nlohmann::json::parse("[]")).value);
+    QCOMPARE(LossyDecodable<double>::decode(JsonValue::parse("2.5")).value, std::optional(2.5));
+    QCOMPARE(LossyDecodable<double>::decode(JsonValue::parse("\"2.5\"")).value, std::optional<double>());
+    QVERIFY(!LossyDecodable<WatchlistCoin>::decode(JsonValue::parse("[]")).value);
 }
 
 TICKWISE_TEST(AppSettingsCodingTest)

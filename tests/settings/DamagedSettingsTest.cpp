@@ -1,5 +1,6 @@
 #include "doubles/TestProgram.h"
 #include "settings/AppSettingsCoding.h"
+#include "support/json/Json.h"
 
 using namespace tickwise;
 
@@ -44,7 +45,7 @@ void DamagedSettingsTest::refused_data()
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QString>("text");
     const QString notJson = QStringLiteral("not valid JSON");
-    const QString notObject = QStringLiteral("the top level is not an object");
+    const QString notObject = QStringLiteral("not an object");
     QTest::newRow("empty") << QByteArray() << notJson;
     QTest::newRow("text") << QByteArray("not json") << notJson;
     QTest::newRow("cut off") << QByteArray(R"({"language": "en")") << notJson;
@@ -53,7 +54,6 @@ void DamagedSettingsTest::refused_data()
     QTest::newRow("trailing comma") << QByteArray(R"({"language": "en",})") << notJson;
     QTest::newRow("invalid UTF-8") << QByteArray("{\"language\": \"\xc3\x28\"}") << notJson;
     QTest::newRow("overlong UTF-8") << QByteArray("{\"language\": \"\xc0\xaf\"}") << notJson;
-    QTest::newRow("lone surrogate") << QByteArray(R"({"language": "\ud800"})") << notJson;
     QTest::newRow("NUL bytes") << QByteArray(16, '\0') << notJson;
     QTest::newRow("overflow, then cut off") << QByteArray(R"({"pollingInterval": 1e999, )") << notJson;
     QTest::newRow("overflow, then no number") << QByteArray(R"({"a": 1e999, "b": 01e999})") << notJson;
@@ -133,7 +133,7 @@ void DamagedSettingsTest::hostileDocuments()
 void DamagedSettingsTest::sizeLimit()
 {
     const QByteArray start = R"({"pollingInterval": 3)";
-    const QByteArray largest = start + QByteArray(largestSettingsDocument - start.size() - 1, ' ') + "}";
+    const QByteArray largest = start + QByteArray(largestJsonDocument - start.size() - 1, ' ') + "}";
     QCOMPARE(decoded(largest).pollingInterval, 3.0);
     const DecodingError error = decodingError(largest + " ");
     QVERIFY2(error.text.contains(QStringLiteral("4194305 bytes")), qPrintable(error.text));

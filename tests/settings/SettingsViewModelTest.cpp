@@ -77,7 +77,7 @@ void SettingsViewModelTest::badDocumentGivesDefaultsAndOneLine_data()
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QString>("reason");
     QTest::newRow("text") << QByteArray("not json") << QStringLiteral("not valid JSON at byte 2");
-    QTest::newRow("array") << QByteArray("[1]") << QStringLiteral("the top level is not an object");
+    QTest::newRow("array") << QByteArray("[1]") << QStringLiteral("not an object");
     QTest::newRow("empty") << QByteArray("") << QStringLiteral("not valid JSON at byte 1");
 }
 
@@ -152,7 +152,7 @@ void SettingsViewModelTest::encodingFailureKeepsTheDocument()
     QCOMPARE(defaults.writes, 1);
     QVERIFY(UserDefaultsSettingsStore(defaults).load() == withInterval(3));
     QCOMPARE(log.texts(category),
-             QStringList(QStringLiteral("Failed to encode settings: pollingInterval is not a finite number")));
+             QStringList(QStringLiteral("Failed to encode settings: pollingInterval: not a finite number")));
     QCOMPARE(log.lines().front().type, QtWarningMsg);
 }
 

@@ -1,0 +1,185 @@
+#include "support/json/JsonRepair.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace tickwise {
+
+namespace {
+
+constexpr std::size_t escapeLength = 6; // \uXXXX
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+bool isNumberCharacter(char c)
+{
+    return isDigit(c) || c == '-' || c == '+' || c == '.' || c == 'e' || c == 'E';
+}
+
+std::size_t digitsAt(std::string_view text, std::size_t start)
+{
+    const std::string_view rest = text.substr(start);
+    return static_cast<std::size_t>(std::ranges::find_if_not(rest, isDigit) - rest.begin());
+}
+
+/// Whether the whole token follows the grammar of a JSON number.
+bool isJsonNumber(std::string_view token)
+{
+    std::size_t i = token.starts_with('-') ? 1 : 0;
+    const std::size_t integer = digitsAt(token, i);
+    if (integer == 0 || (integer > 1 && token[i] == '0'))
+        return false;
+    i += integer;
+    if (i < token.size() && token[i] == '.') {
+        const std::size_t fraction = digitsAt(token, ++i);
+        if (fraction == 0)
+            return false;
+        i += fraction;
+    }
+    if (i < token.size() && (token[i] == 'e' || token[i] == 'E')) {
+        ++i;
+        if (i < token.size() && (token[i] == '+' || token[i] == '-'))
+            ++i;
+        const std::size_t exponent = digitsAt(token, i);
+        if (exponent == 0)
+            return false;
+        i += exponent;
+    }
+    return i == token.size();
+}
+
+std::int64_t exponentOf(std::string_view number)
+{
+    const std::size_t start = number.find_first_of("eE");
+    if (start == std::string_view::npos)
+        return 0;
+    std::string_view digits = number.substr(start + 1);
+    if (digits.starts_with('+'))
+        digits.remove_prefix(1);
+    constexpr std::int64_t unbounded = 1'000'000'000'000; // larger than any document has digits
+    std::int64_t exponent = digits.starts_with('-') ? -unbounded : unbounded;
+    std::from_chars(digits.data(), digits.data() + digits.size(), exponent); // stays as it is when out of range
+    return exponent;
+}
+
+/// Whether a JSON number that is out of a double's range is too large; else it is too close to zero.
+bool isTooLarge(std::string_view number)
+{
+    const std::string_view mantissa = number.substr(0, number.find_first_of("eE"));
+    const auto point = static_cast<std::int64_t>(std::min(mantissa.find('.'), mantissa.size()));
+    const auto firstDigit = static_cast<std::int64_t>(mantissa.find_first_of("123456789"));
+    return point - firstDigit + exponentOf(number) > 0;
+}
+
+/// Whether the token is a JSON number that no double holds, such as 1e999.
+bool overflows(std::string_view token)
+{
+    double value = 0;
+    return std::from_chars(token.data(), token.data() + token.size(), value).ec == std::errc::result_out_of_range &&
+           isJsonNumber(token) && isTooLarge(token);
+}
+
+/// The code unit of an escape \uXXXX at the start of the text.
+std::optional<unsigned> escapedUnit(std::string_view text)
+{
+    if (text.size() < escapeLength || !text.starts_with("\\u"))
+        return std::nullopt;
+    unsigned unit = 0;
+    const char *const end = text.data() + escapeLength;
+    if (std::from_chars(text.data() + 2, end, unit, 16).ptr != end)
+        return std::nullopt;
+    return unit;
+}
+
+bool isHighSurrogate(unsigned unit)
+{
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+bool isLowSurrogate(unsigned unit)
+{
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+/// One pass over a document that writes the repairs into a copy of it.
+class Repair
+{
+public:
+    explicit Repair(const QByteArray &document)
+        : m_text(document.constData(), static_cast<std::size_t>(document.size()))
+        , m_result(document)
+    {
+    }
+
+    QByteArray run()
+    {
+        for (std::size_t i = 0; i < m_text.size();) {
+            if (m_text[i] == '"')
+                i = passString(i + 1);
+            else if (m_text[i] == '-' || isDigit(m_text[i]))
+                i = passNumber(i);
+            else
+                ++i;
+        }
+        return m_result;
+    }
+
+private:
+    /// Both return where what they pass ends.
+    std::size_t passString(std::size_t i)
+    {
+        while (i < m_text.size() && m_text[i] != '"')
+            i += m_text[i] == '\\' ? passEscape(i) : 1;
+        return i + 1;
+    }
+
+    std::size_t passNumber(std::size_t start)
+    {
+        std::size_t end = start;
+        while (end < m_text.size() && isNumberCharacter(m_text[end]))
+            ++end;
+        const std::string_view token = m_text.substr(start, end - start);
+        if (overflows(token))
+            replace(start, QByteArrayLiteral("null").leftJustified(static_cast<qsizetype>(token.size())));
+        return end;
+    }
+
+    /// Returns the length of the escape, or of the pair of escapes.
+    std::size_t passEscape(std::size_t i)
+    {
+        const std::optional<unsigned> unit = escapedUnit(m_text.substr(i));
+        if (!unit)
+            return 2;
+        if (isHighSurrogate(*unit)) {
+            const std::optional<unsigned> next = escapedUnit(m_text.substr(i + escapeLength));
+            if (next && isLowSurrogate(*next))
+                return 2 * escapeLength;
+        }
+        if (isHighSurrogate(*unit) || isLowSurrogate(*unit))
+            replace(i, QByteArrayLiteral("\\ufffd"));
+        return escapeLength;
+    }
+
+    void replace(std::size_t start, const QByteArray &by)
+    {
+        m_result.replace(static_cast<qsizetype>(start), by.size(), by);
+    }
+
+    std::string_view m_text;
+    QByteArray m_result;
+};
+
+} // namespace
+
+QByteArray repairedJson(const QByteArray &document)
+{
+    return Repair(document).run();
+}
+
+} // namespace tickwise
