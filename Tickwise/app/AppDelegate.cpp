@@ -25,6 +25,14 @@ ReloadSettingsSnapshot::ReloadSettingsSnapshot(const AppSettings &settings)
 {
 }
 
+SettingsTab requestedTab(const QVariantMap &userInfo)
+{
+    const QVariant tab = userInfo.value(NotificationCenter::tabKey);
+    if (tab.metaType() != QMetaType::fromType<QString>())
+        return SettingsTab::general;
+    return fromRawValue<SettingsTab>(tab.toString()).value_or(SettingsTab::general);
+}
+
 AppDelegate::AppDelegate(AppEnvironment environment, QObject *parent)
     : QObject(parent)
     , m_environment(std::move(environment))
@@ -66,6 +74,11 @@ void AppDelegate::applicationDidFinishLaunching()
     followLaunchAtLogin();
     followReloadSettings();
     followLanguage();
+    connect(&m_notificationCenter, &NotificationCenter::posted, this,
+            [this](const QString &name, const QVariantMap &userInfo) {
+                if (name == NotificationCenter::navigate)
+                    handleNavigationNotification(userInfo);
+            });
 }
 
 CoinListViewModel &AppDelegate::coinListViewModel()
@@ -179,6 +192,12 @@ void AppDelegate::openUrls(const QList<QUrl> &urls, const QString &token)
     const auto isOurs = [](const QUrl &url) { return url.scheme() == QStringLiteral("tickwise"); };
     if (std::any_of(urls.begin(), urls.end(), isOurs))
         activate(token);
+}
+
+void AppDelegate::handleNavigationNotification(const QVariantMap &userInfo)
+{
+    Q_ASSERT(thread() == QThread::currentThread());
+    Q_EMIT settingsWindowRequested(requestedTab(userInfo));
 }
 
 void AppDelegate::machineWillSleep()

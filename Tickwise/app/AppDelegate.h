@@ -9,6 +9,7 @@
 #include "pipeline/MenuBarViewModel.h"
 #include "pipeline/NotificationService.h"
 #include "pipeline/StatusItem.h"
+#include "support/NotificationCenter.h"
 #include "ui/LaunchAtLoginService.h"
 #include "ui/updates/UpdateController.h"
 #include "widget/WidgetSnapshotWriter.h"
@@ -58,6 +59,9 @@ struct ReloadSettingsSnapshot
     bool operator==(const ReloadSettingsSnapshot &) const = default;
 };
 
+/// The tab that the user information of `NotificationCenter::navigate` names; `general` where it names none.
+SettingsTab requestedTab(const QVariantMap &userInfo);
+
 /// Owns the long-lived objects and wires them together in the order of the start-up. Main thread only.
 class AppDelegate : public QObject
 {
@@ -72,6 +76,8 @@ public:
 
     SettingsViewModel &settingsViewModel() { return m_settingsViewModel; }
     CoinCatalog &catalog() { return m_catalog; }
+    /// Where the windows post the notifications that the delegate observes.
+    NotificationCenter &notificationCenter() { return m_notificationCenter; }
     MenuBarViewModel &menuBarViewModel() { return m_menuBarViewModel; }
     /// Created on first use.
     CoinLogoStore &logoStore();
@@ -93,8 +99,10 @@ Q_SIGNALS:
     /// The user wants to see the application; the token comes from the desktop and may be empty.
     void activationRequested(const QString &token);
     void languageApplied();
+    void settingsWindowRequested(tickwise::SettingsTab tab);
 
 private:
+    void handleNavigationNotification(const QVariantMap &userInfo);
     void createStatusItem();
     void followWatchlistLogos();
     void prefetchLogos(const QStringList &coinIds);
@@ -106,6 +114,7 @@ private:
     void changeCoin(const QString &coinId);
 
     AppEnvironment m_environment;
+    NotificationCenter m_notificationCenter;
     SettingsViewModel m_settingsViewModel;
     CoinCatalog m_catalog;
     MenuBarViewModel m_menuBarViewModel;

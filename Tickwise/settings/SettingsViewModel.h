@@ -1,6 +1,7 @@
 #pragma once
 
 #include "settings/AppSettings.h"
+#include "settings/SettingsTab.h"
 #include "settings/UserDefaultsSettingsStore.h"
 
 #include <QColor>
@@ -10,19 +11,6 @@
 #include <optional>
 
 namespace tickwise {
-
-/// The tabs of the settings window; stored and sent by raw value.
-enum class SettingsTab
-{
-    general,
-    watchlist,
-    about
-};
-
-QString rawValue(SettingsTab tab);
-
-template<>
-std::vector<SettingsTab> allCases<SettingsTab>();
 
 /// The one observable owner of the current settings and of the tab that the settings window shows. Main thread only.
 class SettingsViewModel : public QObject

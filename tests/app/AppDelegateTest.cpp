@@ -115,6 +115,9 @@ private Q_SLOTS:
     void menuHasNoEntryForAnUnknownCoin();
     void menuIsBuiltAnewEachTime();
     void changeCoinPublishesAndSaves();
+    void navigationAsksForTheTab_data();
+    void navigationAsksForTheTab();
+    void navigationIsObservedAfterTheStart();
     void sleepDropsQuotesUnderWay();
     void wakingFetchesAtOnce();
 };
@@ -273,6 +276,49 @@ void AppDelegateTest::changeCoinPublishesAndSaves()
     QCOMPARE(world.item->contents.back().text, QStringLiteral("ETH 2,500"));
     QCOMPARE(UserDefaultsSettingsStore(world.storage).load()->displayedCoinId, QStringLiteral("ethereum"));
     QCOMPARE(world.item->menu().front().children[1].checked, std::optional(true));
+}
+
+void AppDelegateTest::navigationAsksForTheTab_data()
+{
+    QTest::addColumn<QVariantMap>("userInfo");
+    QTest::addColumn<int>("tab");
+    const auto row = [](const char *name, const QVariantMap &userInfo, SettingsTab tab) {
+        QTest::newRow(name) << userInfo << static_cast<int>(tab);
+    };
+    const QString key = NotificationCenter::tabKey;
+    row("general", {{key, QStringLiteral("general")}}, SettingsTab::general);
+    row("watchlist", {{key, QStringLiteral("watchlist")}}, SettingsTab::watchlist);
+    row("about", {{key, QStringLiteral("about")}}, SettingsTab::about);
+    row("no tab", {}, SettingsTab::general);
+    row("unknown tab", {{key, QStringLiteral("alerts")}}, SettingsTab::general);
+    row("another case", {{key, QStringLiteral("About")}}, SettingsTab::general);
+    row("a number", {{key, 3}}, SettingsTab::general);
+    row("bytes", {{key, QByteArray("about")}}, SettingsTab::general);
+}
+
+void AppDelegateTest::navigationAsksForTheTab()
+{
+    QFETCH(QVariantMap, userInfo);
+    World world;
+    world.launch();
+    std::vector<SettingsTab> tabs;
+    connect(world.delegate.get(), &AppDelegate::settingsWindowRequested, this,
+            [&tabs](SettingsTab tab) { tabs.push_back(tab); });
+    world.delegate->notificationCenter().post(NotificationCenter::adjustDesktopOverlay, userInfo);
+    QVERIFY(tabs.empty());
+    world.delegate->notificationCenter().post(QStringLiteral("tickwise.navigate"), userInfo);
+    QCOMPARE(tabs.size(), 1U);
+    QTEST(static_cast<int>(tabs.front()), "tab");
+}
+
+void AppDelegateTest::navigationIsObservedAfterTheStart()
+{
+    World world;
+    world.secondCopy = true;
+    world.launch();
+    QSignalSpy requested(world.delegate.get(), &AppDelegate::settingsWindowRequested);
+    world.delegate->notificationCenter().post(NotificationCenter::navigate);
+    QCOMPARE(requested.count(), 0);
 }
 
 void AppDelegateTest::sleepDropsQuotesUnderWay()
