@@ -25,7 +25,8 @@ STARTS = 15
 POLLS = 200
 ROUNDS = 7
 IDLE_SECONDS = 20
-SETTLE_SECONDS = 8  # until the start is over
+SETTLE_SECONDS = 8  # until the application has trimmed its heap after the start
+LIBRARIES = 15  # rows of the list of what each mapped file costs
 
 
 def read(path):
@@ -49,8 +50,29 @@ def wait_for_line(desktop, process, word, count=1):
     return desktop.wait_for(fields, 60, f"a line {word}")
 
 
-def pss_kilobytes(pid):
-    return int(re.search(r"^Pss: +([0-9]+)", read(f"/proc/{pid}/smaps_rollup"), re.MULTILINE).group(1))
+class Memory:
+    """What a process holds, in kilobytes: anonymous pages, which only it has, and its proportional share of all its pages."""
+
+    def __init__(self, pid):
+        rollup = read(f"/proc/{pid}/smaps_rollup")
+        self.anonymous = _kilobytes("Anonymous", rollup)
+        self.pss = _kilobytes("Pss", rollup)
+        self.pss_of_files = {}
+        file = None
+        for line in read(f"/proc/{pid}/smaps").splitlines():
+            fields = line.split()
+            if not fields[0].endswith(":"):
+                file = os.path.basename(fields[5]) if len(fields) > 5 and fields[5].startswith("/") else None
+            elif file and fields[0] == "Pss:":
+                self.pss_of_files[file] = self.pss_of_files.get(file, 0) + int(fields[1])
+
+    def largest_files(self, count):
+        """Pairs of a mapped file's name and its kilobytes of PSS, largest first."""
+        return sorted(self.pss_of_files.items(), key=lambda item: -item[1])[:count]
+
+
+def _kilobytes(field, text):
+    return int(re.search(rf"^{field}: +([0-9]+)", text, re.MULTILINE).group(1))
 
 
 def wakeups(pid):
@@ -168,7 +190,7 @@ def measure_start(desktop, programs):
 
 
 def measure_idle(desktop, programs):
-    """Wake-ups and PSS in kilobytes after ten polls. The market ends first, which shares libraries with the application."""
+    """Wake-ups and memory after ten polls. The market ends first, which shares libraries with the application."""
     market = Market(desktop, programs, OKX_LIST)
     process, _ = start_application(desktop, programs, market.endpoints)
     wait_for_line(desktop, process, "content")
@@ -177,22 +199,30 @@ def measure_idle(desktop, programs):
     count = count_wakeups(process)
     market.stop()
     time.sleep(1)
-    pss = pss_kilobytes(process.pid)
+    memory = Memory(process.pid)
     desktop.stop_process(process)
-    return count, pss
+    return count, memory
 
 
 def measure_empty(desktop, programs):
     process, _ = start_empty(desktop, programs)
     wait_for_line(desktop, process, "ready")
     time.sleep(3)
-    pss = pss_kilobytes(process.pid)
+    memory = Memory(process.pid)
     desktop.stop_process(process)
-    return pss
+    return memory
 
 
 def print_row(name, value, floor, budget, detail=""):
-    print(f"{name:34}{value:10.2f}{floor:10.2f}{value / floor:8.2f}{budget:8.2f}  {detail}", flush=True)
+    limit = f"{budget:8.2f}" if budget else " " * 8
+    print(f"{name:34}{value:10.2f}{floor:10.2f}{value / floor:8.2f}{limit}  {detail}", flush=True)
+
+
+def print_memory(memory, floor):
+    print_row("anonymous memory, MB", memory.anonymous / 1024, floor.anonymous / 1024, 2.8, "empty program, after ten polls")
+    print_row("PSS, MB", memory.pss / 1024, floor.pss / 1024, None, "empty program, after ten polls")
+    for name, kilobytes in memory.largest_files(LIBRARIES):
+        print(f"  {name:32}{kilobytes / 1024:10.2f}{floor.pss_of_files.get(name, 0) / 1024:10.2f}")
 
 
 def measure(desktop, programs):
@@ -203,8 +233,8 @@ def measure(desktop, programs):
     content, ready, trip = measure_start(desktop, programs)
     print_row("start to the first price, ms", content * 1000, (ready + trip) * 1000, 1.5,
               f"empty program {ready * 1000:.1f}, first round trip {trip * 1000:.1f}")
-    count, pss = measure_idle(desktop, programs)
-    print_row("PSS after ten polls, MB", pss / 1024, measure_empty(desktop, programs) / 1024, 1.4, "empty program")
+    count, memory = measure_idle(desktop, programs)
+    print_memory(memory, measure_empty(desktop, programs))
     print(f"{f'wake-ups in {IDLE_SECONDS} idle seconds':34}{count:10}{0:10}")
 
 
