@@ -8,7 +8,10 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <future>
 #include <memory>
+#include <thread>
+
 #include <poll.h>
 
 namespace tickwise {
@@ -17,7 +20,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto compositorTimeout = 2s;
+constexpr auto probeTimeout = 2s;
 constexpr char platformVariable[] = "QT_QPA_PLATFORM";
 constexpr char noSharedMemoryVariable[] = "QT_XCB_NO_MITSHM";
 constexpr char bypassVariable[] = "QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT";
@@ -45,7 +48,7 @@ public:
                                                                                     &wl_callback_destroy);
         static constexpr wl_callback_listener callbackListener = {&GlobalsQuery::noteDone};
         wl_callback_add_listener(callback.get(), &callbackListener, this);
-        const QDeadlineTimer deadline(compositorTimeout);
+        const QDeadlineTimer deadline(probeTimeout);
         while (!m_done && dispatchOnce(deadline)) {
         }
         return m_done;
@@ -93,27 +96,38 @@ private:
     bool m_done = false;
 };
 
-bool answersAsXServer()
+bool connectsToX(const QByteArray &display)
 {
-    if (qEnvironmentVariableIsEmpty("DISPLAY"))
-        return false;
-    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection(xcb_connect(nullptr, nullptr),
-                                                                                  &xcb_disconnect);
+    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection(
+        xcb_connect(display.constData(), nullptr), &xcb_disconnect);
     return xcb_connection_has_error(connection.get()) == 0;
 }
 
-void probeCompositor(DisplayFacts &facts)
+// Connecting blocks for as long as the server is silent, so it is left to a thread that nobody waits for.
+bool answersAsXServer()
+{
+    const QByteArray display = qgetenv("DISPLAY");
+    if (display.isEmpty())
+        return false;
+    std::promise<bool> promise;
+    std::future<bool> answer = promise.get_future();
+    std::thread([display, promise = std::move(promise)]() mutable {
+        promise.set_value(connectsToX(display));
+    }).detach();
+    return answer.wait_for(probeTimeout) == std::future_status::ready && answer.get();
+}
+
+CompositorAnswer askCompositor()
 {
     // The socket that WAYLAND_SOCKET passes serves one connection: it has to be left to the application.
-    if (qEnvironmentVariableIsSet("WAYLAND_SOCKET")) {
-        facts.wayland = true;
-        return;
-    }
-    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && facts.sessionType != "wayland")
-        return;
+    if (qEnvironmentVariableIsSet("WAYLAND_SOCKET"))
+        return {.isThere = true};
+    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && qgetenv("XDG_SESSION_TYPE") != "wayland")
+        return {};
     GlobalsQuery query;
-    facts.wayland = query.run();
-    facts.layerShell = facts.wayland && query.hasLayerShell();
+    if (!query.run())
+        return {};
+    return {.isThere = true, .hasLayerShell = query.hasLayerShell()};
 }
 
 void applyDecision(const DisplayDecision &decision)
@@ -133,30 +147,32 @@ void applyDecision(const DisplayDecision &decision)
 
 } // namespace
 
-DisplayDecision decideDisplay(const DisplayFacts &facts)
+DisplayDecision decideDisplay(const DisplayEnvironment &environment, const DisplayProbes &probes)
 {
-    if (!facts.chosenPlatform.isEmpty())
-        return {DisplayBackend::chosenByUser, facts.chosenPlatform.startsWith("wayland") && facts.layerShell};
-    if (facts.x11 && facts.sessionType == "x11")
+    if (!environment.chosenPlatform.isEmpty()) {
+        const bool isWayland = environment.chosenPlatform.startsWith("wayland");
+        return {DisplayBackend::chosenByUser, isWayland && probes.askCompositor().hasLayerShell};
+    }
+    const bool isX11Session = environment.sessionType == "x11";
+    if (isX11Session && probes.askXServer())
         return {DisplayBackend::xcb, false};
-    if (facts.wayland && (facts.layerShell || !facts.x11))
-        return {DisplayBackend::wayland, facts.layerShell};
-    return {facts.x11 ? DisplayBackend::xcb : DisplayBackend::none, false};
+    const CompositorAnswer compositor = probes.askCompositor();
+    if (compositor.hasLayerShell)
+        return {DisplayBackend::wayland, true};
+    if (!isX11Session && probes.askXServer())
+        return {DisplayBackend::xcb, false};
+    return {compositor.isThere ? DisplayBackend::wayland : DisplayBackend::none, false};
 }
 
-DisplayFacts probeDisplay()
+DisplayProbes displayProbes()
 {
-    DisplayFacts facts;
-    facts.chosenPlatform = qgetenv(platformVariable);
-    facts.sessionType = qgetenv("XDG_SESSION_TYPE");
-    facts.x11 = answersAsXServer();
-    probeCompositor(facts);
-    return facts;
+    return {.askCompositor = askCompositor, .askXServer = answersAsXServer};
 }
 
 DisplayDecision prepareDisplay()
 {
-    const DisplayDecision decision = decideDisplay(probeDisplay());
+    const DisplayDecision decision =
+        decideDisplay({qgetenv(platformVariable), qgetenv("XDG_SESSION_TYPE")}, displayProbes());
     applyDecision(decision);
     return decision;
 }

@@ -2,17 +2,30 @@
 
 #include <QByteArray>
 
+#include <functional>
+
 namespace tickwise {
 
-/// What is known about the displays of this login before the application object exists.
-struct DisplayFacts
+/// What the environment says about the displays of this login.
+struct DisplayEnvironment
 {
     QByteArray chosenPlatform; ///< QT_QPA_PLATFORM as the user set it; empty: not set
     QByteArray sessionType;    ///< XDG_SESSION_TYPE
-    bool x11 = false;          ///< an X server answers
-    bool wayland = false;      ///< a Wayland compositor answers
-    bool layerShell = false;   ///< and it advertises zwlr_layer_shell_v1
-    bool operator==(const DisplayFacts &) const = default;
+};
+
+/// What a Wayland compositor says about itself.
+struct CompositorAnswer
+{
+    bool isThere = false;       ///< it lists its globals
+    bool hasLayerShell = false; ///< and zwlr_layer_shell_v1 is among them
+};
+
+/// The questions that a decision may need. Each is asked at most once.
+struct DisplayProbes
+{
+    std::function<CompositorAnswer()> askCompositor;
+    /// Asking may start XWayland, which then stays.
+    std::function<bool()> askXServer;
 };
 
 /// How windows are made in this run.
@@ -37,13 +50,13 @@ inline constexpr char noDisplayMessage[] =
     "tickwise: there is no display: neither DISPLAY nor WAYLAND_DISPLAY leads to one";
 
 /// The user's own choice holds; an X11 session and a compositor without layer surfaces use X11, the latter through
-/// XWayland, because only X11 lets a window choose its place there.
-DisplayDecision decideDisplay(const DisplayFacts &facts);
+/// XWayland, because only X11 lets a window choose its place there. Asks only what decides something.
+DisplayDecision decideDisplay(const DisplayEnvironment &environment, const DisplayProbes &probes);
 
-/// Asks the environment, the X server and the compositor; takes at most two seconds when one of them hangs.
-DisplayFacts probeDisplay();
+/// The probes of this login; each waits for at most two seconds.
+DisplayProbes displayProbes();
 
-/// Probes, decides and sets the environment that the application object reads. To be called before it is constructed.
+/// Decides and sets the environment that the application object reads. To be called before it is constructed.
 DisplayDecision prepareDisplay();
 
 } // namespace tickwise

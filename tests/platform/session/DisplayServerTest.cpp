@@ -11,7 +11,17 @@
 
 using namespace tickwise;
 
-Q_DECLARE_METATYPE(DisplayFacts)
+/// A login as the rules see it.
+struct Login
+{
+    QByteArray chosenPlatform;
+    QByteArray sessionType;
+    bool x11 = false;
+    bool wayland = false;
+    bool layerShell = false;
+};
+
+Q_DECLARE_METATYPE(Login)
 Q_DECLARE_METATYPE(DisplayDecision)
 
 namespace {
@@ -154,44 +164,65 @@ private Q_SLOTS:
     void hangingCompositorIsGivenUp();
     void compositorThatBreaksTheConnection();
     void deadXServer();
+    void noXServer();
+    void silentXServerIsGivenUp();
     void preparesTheEnvironment();
     void keepsTheUsersPlatform();
 };
 
 void DisplayServerTest::decides_data()
 {
-    QTest::addColumn<DisplayFacts>("facts");
+    QTest::addColumn<Login>("login");
     QTest::addColumn<DisplayDecision>("decision");
-    const auto row = [](const char *name, const DisplayFacts &facts, const DisplayDecision &decision) {
-        QTest::newRow(name) << facts << decision;
+    QTest::addColumn<QString>("asked"); // c: the compositor, x: the X server, in order
+    const auto row = [](const char *name, const Login &login, const DisplayDecision &decision, const char *asked) {
+        QTest::newRow(name) << login << decision << QString::fromLatin1(asked);
     };
     const DisplayDecision xcb{DisplayBackend::xcb, false};
+    const DisplayDecision layers{DisplayBackend::wayland, true};
+    const DisplayDecision noLayers{DisplayBackend::wayland, false};
     const DisplayDecision none{DisplayBackend::none, false};
-    row("X11 session", {{}, "x11", true, false, false}, xcb);
-    row("X server, no session type", {{}, {}, true, false, false}, xcb);
-    row("X11 session with a nested compositor", {{}, "x11", true, true, true}, xcb);
-    row("X11 session whose server is gone", {{}, "x11", false, true, true}, {DisplayBackend::wayland, true});
-    row("Wayland with layer surfaces", {{}, "wayland", true, true, true}, {DisplayBackend::wayland, true});
-    row("the same started from a console", {{}, "tty", true, true, true}, {DisplayBackend::wayland, true});
-    row("Wayland without layer surfaces", {{}, "wayland", true, true, false}, xcb);
-    row("the same without XWayland", {{}, "wayland", false, true, false}, {DisplayBackend::wayland, false});
-    row("Wayland whose compositor hangs", {{}, "wayland", true, false, false}, xcb);
-    row("nothing", {{}, {}, false, false, false}, none);
-    row("nothing but a session type", {{}, "wayland", false, false, false}, none);
-    row("chosen: xcb", {"xcb", "wayland", true, true, true}, {DisplayBackend::chosenByUser, false});
-    row("chosen: wayland", {"wayland", "wayland", true, true, true}, {DisplayBackend::chosenByUser, true});
-    row("chosen: wayland-egl", {"wayland-egl", "wayland", true, true, true}, {DisplayBackend::chosenByUser, true});
-    row("chosen: wayland, no layers", {"wayland", "wayland", true, true, false}, {DisplayBackend::chosenByUser, false});
-    row("chosen: offscreen, no display", {"offscreen", {}, false, false, false}, {DisplayBackend::chosenByUser, false});
+    const DisplayDecision chosen{DisplayBackend::chosenByUser, false};
+    const DisplayDecision chosenLayers{DisplayBackend::chosenByUser, true};
+    row("X11 session", {{}, "x11", true, false, false}, xcb, "x");
+    row("X server, no session type", {{}, {}, true, false, false}, xcb, "cx");
+    row("X11 session with a nested compositor", {{}, "x11", true, true, true}, xcb, "x");
+    row("X11 session whose server is gone", {{}, "x11", false, true, true}, layers, "xc");
+    row("the same without layer surfaces", {{}, "x11", false, true, false}, noLayers, "xc");
+    row("Wayland with layer surfaces", {{}, "wayland", true, true, true}, layers, "c");
+    row("the same started from a console", {{}, "tty", true, true, true}, layers, "c");
+    row("Wayland without layer surfaces", {{}, "wayland", true, true, false}, xcb, "cx");
+    row("the same without XWayland", {{}, "wayland", false, true, false}, noLayers, "cx");
+    row("Wayland whose compositor hangs", {{}, "wayland", true, false, false}, xcb, "cx");
+    row("nothing", {{}, {}, false, false, false}, none, "cx");
+    row("nothing but a session type", {{}, "wayland", false, false, false}, none, "cx");
+    row("nothing in an X11 session", {{}, "x11", false, false, false}, none, "xc");
+    row("chosen: xcb", {"xcb", "wayland", true, true, true}, chosen, "");
+    row("chosen: wayland", {"wayland", "wayland", true, true, true}, chosenLayers, "c");
+    row("chosen: wayland-egl", {"wayland-egl", "wayland", true, true, true}, chosenLayers, "c");
+    row("chosen: wayland, no layers", {"wayland", "wayland", true, true, false}, chosen, "c");
+    row("chosen: offscreen, no display", {"offscreen", {}, false, false, false}, chosen, "");
 }
 
 void DisplayServerTest::decides()
 {
-    QFETCH(DisplayFacts, facts);
+    QFETCH(Login, login);
     QFETCH(DisplayDecision, decision);
-    const DisplayDecision decided = decideDisplay(facts);
+    QString asked;
+    const DisplayProbes probes{.askCompositor =
+                                   [&] {
+                                       asked += u'c';
+                                       return CompositorAnswer{login.wayland, login.layerShell};
+                                   },
+                               .askXServer =
+                                   [&] {
+                                       asked += u'x';
+                                       return login.x11;
+                                   }};
+    const DisplayDecision decided = decideDisplay({login.chosenPlatform, login.sessionType}, probes);
     QCOMPARE(static_cast<int>(decided.backend), static_cast<int>(decision.backend));
     QCOMPARE(decided.layerShell, decision.layerShell);
+    QTEST(asked, "asked");
 }
 
 void DisplayServerTest::listsTheCompositorsGlobals_data()
@@ -211,17 +242,17 @@ void DisplayServerTest::listsTheCompositorsGlobals()
     const QString path = directory.filePath(QStringLiteral("wayland"));
     const FakeCompositor compositor(path, Behaviour::lists, interfaces);
     const Variable display("WAYLAND_DISPLAY", path.toUtf8());
-    const DisplayFacts facts = probeDisplay();
-    QVERIFY(facts.wayland);
-    QCOMPARE(facts.layerShell, layerShell);
+    const CompositorAnswer answer = displayProbes().askCompositor();
+    QVERIFY(answer.isThere);
+    QCOMPARE(answer.hasLayerShell, layerShell);
 }
 
 void DisplayServerTest::noCompositorAtTheAddress()
 {
     const Variable display("WAYLAND_DISPLAY", "/nonexistent/wayland");
-    const DisplayFacts facts = probeDisplay();
-    QVERIFY(!facts.wayland);
-    QVERIFY(!facts.layerShell);
+    const CompositorAnswer answer = displayProbes().askCompositor();
+    QVERIFY(!answer.isThere);
+    QVERIFY(!answer.hasLayerShell);
 }
 
 void DisplayServerTest::hangingCompositorIsGivenUp()
@@ -232,7 +263,7 @@ void DisplayServerTest::hangingCompositorIsGivenUp()
     const Variable display("WAYLAND_DISPLAY", path.toUtf8());
     QElapsedTimer timer;
     timer.start();
-    QVERIFY(!probeDisplay().wayland);
+    QVERIFY(!displayProbes().askCompositor().isThere);
     QVERIFY2(timer.elapsed() < 10000, "the probe hung");
 }
 
@@ -242,13 +273,33 @@ void DisplayServerTest::compositorThatBreaksTheConnection()
     const QString path = directory.filePath(QStringLiteral("wayland"));
     const FakeCompositor compositor(path, Behaviour::breaks, {});
     const Variable display("WAYLAND_DISPLAY", path.toUtf8());
-    QVERIFY(!probeDisplay().wayland);
+    QVERIFY(!displayProbes().askCompositor().isThere);
 }
 
 void DisplayServerTest::deadXServer()
 {
     const Variable display("DISPLAY", "unix:/nonexistent/x");
-    QVERIFY(!probeDisplay().x11);
+    QVERIFY(!displayProbes().askXServer());
+}
+
+void DisplayServerTest::noXServer()
+{
+    const Variable display("DISPLAY", std::nullopt);
+    QVERIFY(!displayProbes().askXServer());
+}
+
+void DisplayServerTest::silentXServerIsGivenUp()
+{
+    const QString number = QString::number(40000 + QCoreApplication::applicationPid() % 20000);
+    QLocalServer server; // the kernel takes the connection, and nobody answers
+    server.setSocketOptions(QLocalServer::AbstractNamespaceOption);
+    QVERIFY(server.listen(QStringLiteral("/tmp/.X11-unix/X") + number));
+    const Variable display("DISPLAY", ':' + number.toLatin1());
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(!displayProbes().askXServer());
+    QVERIFY2(timer.elapsed() > 1900, "the server was not waited for");
+    QVERIFY2(timer.elapsed() < 10000, "the probe hung");
 }
 
 void DisplayServerTest::preparesTheEnvironment()
