@@ -3,9 +3,9 @@
 #include "app/LocalizationManager.h"
 #include "app/StatusMenu.h"
 #include "catalog/ShippedImages.h"
-#include "settings/SettingsStream.h"
 
 #include <QThread>
+#include <QUrl>
 
 #include <algorithm>
 
@@ -13,17 +13,13 @@ namespace tickwise {
 
 namespace {
 
-constexpr std::chrono::milliseconds reloadDebounce{500};
+/// QUrl reads every spelling of a scheme as the lower-case one; the exact one is in the address itself.
+bool isOwnAddress(const QString &address)
+{
+    return address.startsWith(QLatin1String("tickwise:")) && QUrl(address).isValid();
+}
 
 } // namespace
-
-ReloadSettingsSnapshot::ReloadSettingsSnapshot(const AppSettings &settings)
-    : baseCurrency(settings.baseCurrency)
-    , priceChangeNotificationEnabled(settings.priceChangeNotificationEnabled)
-    , pollingInterval(settings.pollingInterval)
-    , language(settings.language)
-{
-}
 
 SettingsTab requestedTab(const QVariantMap &userInfo)
 {
@@ -37,19 +33,14 @@ AppDelegate::AppDelegate(AppEnvironment environment, QObject *parent)
     : QObject(parent)
     , m_environment(std::move(environment))
     , m_settingsViewModel(UserDefaultsSettingsStore(m_environment.defaults))
-    , m_catalog(QStringLiteral(":/coins.json"), shippedImageExists)
+    , m_catalog(m_environment.catalogPath, shippedImageExists)
     , m_menuBarViewModel(m_environment.clock)
     , m_notificationService(m_environment.notificationCenter, m_environment.clock)
     , m_launchAtLoginService(m_environment.loginItem)
+    , m_settingsReactions(m_settingsViewModel)
 {
     connect(&m_environment.notificationCenter, &UserNotificationCenter::activated, this,
             [this](const QString &, const QString &token) { activate(token); });
-    m_reloadTimer.setSingleShot(true);
-    m_reloadTimer.setInterval(reloadDebounce);
-    connect(&m_reloadTimer, &QTimer::timeout, this, [this] {
-        coinListViewModel().rebuildCoins();
-        coinListViewModel().restartPolling();
-    });
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -69,11 +60,11 @@ void AppDelegate::applicationDidFinishLaunching()
     m_widgetSnapshotWriter =
         std::make_unique<WidgetSnapshotWriter>(WidgetSnapshotStore{m_environment.container}, coinListViewModel(),
                                                m_settingsViewModel, m_environment.reloadWidgets, m_environment.clock);
-    followWatchlistLogos();
+    m_settingsReactions.followWatchlistLogos(m_catalog, logoStore());
     m_notificationService.requestAuthorization();
-    followLaunchAtLogin();
-    followReloadSettings();
-    followLanguage();
+    m_settingsReactions.followLaunchAtLogin(m_launchAtLoginService);
+    m_settingsReactions.followReloadSettings(coinListViewModel());
+    m_settingsReactions.followLanguage([this](AppLanguage language) { applyLanguage(language); });
     connect(&m_notificationCenter, &NotificationCenter::posted, this,
             [this](const QString &name, const QVariantMap &userInfo) {
                 if (name == NotificationCenter::navigate)
@@ -89,8 +80,9 @@ CoinListViewModel &AppDelegate::coinListViewModel()
                                                   ExchangeRateCacheStore{m_environment.container}, m_environment.clock);
         m_priceService = std::make_unique<PriceService>(m_environment.httpClient, *m_exchangeRateService,
                                                         m_environment.endpoints, m_environment.clock);
-        m_coinListViewModel = std::make_unique<CoinListViewModel>(m_catalog, *m_priceService, m_notificationService,
-                                                                  m_settingsViewModel, m_environment.clock);
+        m_coinListViewModel =
+            std::make_unique<CoinListViewModel>(m_catalog, *m_priceService, m_notificationService, m_settingsViewModel,
+                                                m_environment.clock, m_environment.suspendedTime);
     }
     return *m_coinListViewModel;
 }
@@ -110,53 +102,6 @@ CoinLogoStore &AppDelegate::logoStore()
                                                       m_environment.httpClient, m_environment.isLogoAllowed);
     }
     return *m_logoStore;
-}
-
-void AppDelegate::followWatchlistLogos()
-{
-    const auto coinIds = [](const AppSettings &settings) {
-        QStringList ids;
-        for (const WatchlistCoin &coin : settings.watchlistCoins)
-            ids.append(coin.coinId);
-        return ids;
-    };
-    prefetchLogos(coinIds(m_settingsViewModel.settings()));
-    m_notifiers.push_back(
-        followSettings(m_settingsViewModel, coinIds, [this](const QStringList &ids) { prefetchLogos(ids); }));
-}
-
-void AppDelegate::prefetchLogos(const QStringList &coinIds)
-{
-    std::vector<CoinMetadata> coins;
-    for (const QString &id : coinIds) {
-        const auto coin = m_catalog.byID().constFind(id);
-        if (coin != m_catalog.byID().constEnd())
-            coins.push_back(*coin);
-    }
-    logoStore().sync(coins);
-}
-
-void AppDelegate::followLaunchAtLogin()
-{
-    const auto launchAtLogin = [](const AppSettings &settings) { return settings.launchAtLogin; };
-    m_launchAtLoginService.setEnabled(launchAtLogin(m_settingsViewModel.settings()));
-    m_notifiers.push_back(followSettings(m_settingsViewModel, launchAtLogin,
-                                         [this](bool enabled) { m_launchAtLoginService.setEnabled(enabled); }));
-}
-
-void AppDelegate::followReloadSettings()
-{
-    const auto reloadSettings = [](const AppSettings &settings) { return ReloadSettingsSnapshot(settings); };
-    m_notifiers.push_back(followSettings(m_settingsViewModel, reloadSettings,
-                                         [this](const ReloadSettingsSnapshot &) { m_reloadTimer.start(); }));
-}
-
-void AppDelegate::followLanguage()
-{
-    const auto language = [](const AppSettings &settings) { return settings.language; };
-    applyLanguage(language(m_settingsViewModel.settings()));
-    m_notifiers.push_back(
-        followSettings(m_settingsViewModel, language, [this](AppLanguage chosen) { applyLanguage(chosen); }));
 }
 
 void AppDelegate::applyLanguage(AppLanguage language)
@@ -187,17 +132,33 @@ void AppDelegate::activate(const QString &token)
     Q_EMIT activationRequested(token);
 }
 
-void AppDelegate::openUrls(const QList<QUrl> &urls, const QString &token)
+void AppDelegate::openSettingsWindow(SettingsTab tab, const QString &token)
 {
-    const auto isOurs = [](const QUrl &url) { return url.scheme() == QStringLiteral("tickwise"); };
-    if (std::any_of(urls.begin(), urls.end(), isOurs))
+    Q_EMIT settingsWindowRequested(tab, token);
+}
+
+void AppDelegate::openUrls(const QStringList &addresses, const QString &token)
+{
+    if (std::any_of(addresses.begin(), addresses.end(), isOwnAddress))
+        activate(token);
+}
+
+void AppDelegate::performAction(const QString &action, const QString &token)
+{
+    if (action == u"watchlist")
+        openSettingsWindow(SettingsTab::watchlist, token);
+    else if (action == u"settings")
+        openSettingsWindow(SettingsTab::general, token);
+    else if (action == u"quit")
+        Q_EMIT quitRequested();
+    else
         activate(token);
 }
 
 void AppDelegate::handleNavigationNotification(const QVariantMap &userInfo)
 {
     Q_ASSERT(thread() == QThread::currentThread());
-    Q_EMIT settingsWindowRequested(requestedTab(userInfo));
+    openSettingsWindow(requestedTab(userInfo));
 }
 
 void AppDelegate::machineWillSleep()
@@ -206,7 +167,13 @@ void AppDelegate::machineWillSleep()
         m_coinListViewModel->suspendPolling();
 }
 
-void AppDelegate::freshPricesNeeded()
+void AppDelegate::machineDidWake()
+{
+    if (m_coinListViewModel)
+        m_coinListViewModel->resumePolling();
+}
+
+void AppDelegate::networkReturned()
 {
     if (m_coinListViewModel)
         m_coinListViewModel->restartPolling();

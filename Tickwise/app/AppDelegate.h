@@ -1,29 +1,24 @@
 #pragma once
 
-#include "catalog/logos/CoinLogoStore.h"
+#include "app/SettingsReactions.h"
 #include "market/Endpoints.h"
 #include "market/ExchangeRateService.h"
 #include "market/HttpClient.h"
 #include "market/PriceService.h"
-#include "pipeline/CoinListViewModel.h"
 #include "pipeline/MenuBarViewModel.h"
 #include "pipeline/NotificationService.h"
 #include "pipeline/StatusItem.h"
 #include "support/NotificationCenter.h"
-#include "ui/LaunchAtLoginService.h"
 #include "ui/updates/UpdateController.h"
 #include "widget/WidgetSnapshotWriter.h"
 
-#include <QList>
 #include <QObject>
 #include <QProcessEnvironment>
-#include <QTimer>
-#include <QUrl>
+#include <QStringList>
 
 #include <functional>
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace tickwise {
 
@@ -41,22 +36,12 @@ struct AppEnvironment
     std::function<void()> reloadWidgets;
     std::function<bool()> isSecondCopy; ///< true when another copy runs; that one has then been asked to show itself
     std::optional<QString> container;   ///< directory shared with the widget; none when it cannot be had
+    QString catalogPath = QStringLiteral(":/coins.json");
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     Endpoints endpoints;
     LogoAddressRule isLogoAllowed = isLogoAddress; ///< only loopback worlds have another
     Clock clock = systemClock;
-};
-
-/// The settings whose change needs the coin list rebuilt and polling restarted.
-struct ReloadSettingsSnapshot
-{
-    explicit ReloadSettingsSnapshot(const AppSettings &settings);
-
-    BaseCurrency baseCurrency;
-    bool priceChangeNotificationEnabled;
-    double pollingInterval;
-    AppLanguage language;
-    bool operator==(const ReloadSettingsSnapshot &) const = default;
+    SuspendedTime suspendedTime = systemSuspendedTime;
 };
 
 /// The tab that the user information of `NotificationCenter::navigate` names; `general` where it names none.
@@ -87,28 +72,32 @@ public:
 
     /// Brings the application to the front: what the panel's click, a second copy and a notification's click ask for.
     void activate(const QString &token = {});
-    /// The first address of the scheme "tickwise" brings the application to the front; others are ignored.
-    void openUrls(const QList<QUrl> &urls, const QString &token);
-    /// Stops polling and drops quotes that are under way: the machine is about to sleep.
+    /// Asks for the settings window on that tab.
+    void openSettingsWindow(SettingsTab tab, const QString &token = {});
+    /// The first address with the scheme "tickwise", written just so, brings the application to the front; others are
+    /// ignored.
+    void openUrls(const QStringList &addresses, const QString &token);
+    /// An action of the desktop file: "watchlist", "settings" or "quit". An unknown one brings the application to the
+    /// front.
+    void performAction(const QString &action, const QString &token);
+    /// Stops polling and drops quotes that are under way. Nothing is fetched until `machineDidWake`.
     void machineWillSleep();
-    /// Polls anew at once: the machine woke, or the network returned.
-    void freshPricesNeeded();
+    /// Polls anew at once.
+    void machineDidWake();
+    /// Polls anew at once, unless the machine is about to sleep: requests on the old route may never end.
+    void networkReturned();
 
 Q_SIGNALS:
     void quitRequested();
     /// The user wants to see the application; the token comes from the desktop and may be empty.
     void activationRequested(const QString &token);
     void languageApplied();
-    void settingsWindowRequested(tickwise::SettingsTab tab);
+    /// The token as in `activationRequested`.
+    void settingsWindowRequested(tickwise::SettingsTab tab, const QString &token);
 
 private:
     void handleNavigationNotification(const QVariantMap &userInfo);
     void createStatusItem();
-    void followWatchlistLogos();
-    void prefetchLogos(const QStringList &coinIds);
-    void followLaunchAtLogin();
-    void followReloadSettings();
-    void followLanguage();
     void applyLanguage(AppLanguage language);
     Menu makeStatusMenu();
     void changeCoin(const QString &coinId);
@@ -127,8 +116,7 @@ private:
     std::unique_ptr<StatusItem> m_statusItem;
     std::unique_ptr<WidgetSnapshotWriter> m_widgetSnapshotWriter;
     std::unique_ptr<CoinLogoStore> m_logoStore;
-    QTimer m_reloadTimer;
-    std::vector<QPropertyNotifier> m_notifiers;
+    SettingsReactions m_settingsReactions;
 };
 
 } // namespace tickwise

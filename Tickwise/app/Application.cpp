@@ -1,5 +1,6 @@
 #include "app/Application.h"
 
+#include "app/SystemEvents.h"
 #include "platform/notifications/PortalNotificationCenter.h"
 #include "platform/session/DesktopLoginItem.h"
 #include "platform/session/DisplayServer.h"
@@ -22,19 +23,24 @@ namespace tickwise {
 
 namespace {
 
-/// When the first price is shown, or slow to come.
-constexpr std::chrono::seconds startIsOver{5};
+/// After this time the first price is shown, or slow to come.
+constexpr std::chrono::seconds startUpDuration{5};
 
-/// The addresses that a launcher started this copy with.
-QList<QUrl> openedUrls()
+/// The addresses, as they were written, that a launcher started this copy with.
+QStringList openedAddresses()
 {
-    QList<QUrl> urls;
+    QStringList addresses;
     for (const QString &argument : QCoreApplication::arguments().mid(1)) {
         const QUrl url(argument);
         if (url.isValid() && !url.scheme().isEmpty())
-            urls.append(url);
+            addresses.append(argument);
     }
-    return urls;
+    return addresses;
+}
+
+QString activationToken()
+{
+    return qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
 }
 
 bool isFocused()
@@ -111,9 +117,8 @@ void Application::connectServices()
     QObject::connect(&m_delegate, &AppDelegate::languageApplied, &m_updateWindow, &UpdateWindowPresenter::retranslate);
     QObject::connect(&m_singleInstance, &SingleInstance::activated, &m_delegate, &AppDelegate::activate);
     QObject::connect(&m_singleInstance, &SingleInstance::urlsOpened, &m_delegate, &AppDelegate::openUrls);
-    QObject::connect(&m_sleepMonitor, &SleepMonitor::willSleep, &m_delegate, &AppDelegate::machineWillSleep);
-    QObject::connect(&m_sleepMonitor, &SleepMonitor::didWake, &m_delegate, [this] { freshPricesNeeded(); });
-    QObject::connect(&m_networkWatch, &NetworkWatch::networkReturned, &m_delegate, [this] { freshPricesNeeded(); });
+    QObject::connect(&m_singleInstance, &SingleInstance::actionActivated, &m_delegate, &AppDelegate::performAction);
+    connectSystemEvents(m_sleepMonitor, m_networkWatch, m_delegate, [this] { networkMayHaveChanged(); });
 }
 
 AppEnvironment Application::makeEnvironment()
@@ -136,8 +141,14 @@ AppEnvironment Application::makeEnvironment()
 
 bool Application::isSecondCopy()
 {
-    const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
-    return m_singleInstance.claim(openedUrls(), token) == SingleInstance::Role::alreadyRunning;
+    const QStringList addresses = openedAddresses();
+    const QString token = activationToken();
+    if (m_singleInstance.claim(addresses, token) == SingleInstance::Role::alreadyRunning)
+        return true;
+    // After the start, as with addresses that a launcher opens later.
+    QMetaObject::invokeMethod(
+        &m_delegate, [this, addresses, token] { m_delegate.openUrls(addresses, token); }, Qt::QueuedConnection);
+    return false;
 }
 
 void Application::attachUpdater(UpdateController &controller)
@@ -152,10 +163,9 @@ void Application::attachUpdater(UpdateController &controller)
     controller.attach(std::move(backend));
 }
 
-void Application::freshPricesNeeded()
+void Application::networkMayHaveChanged()
 {
     m_httpClient.forgetConnections();
-    m_delegate.freshPricesNeeded();
     if (m_updater)
         m_updater->reconsiderSchedule();
 }
@@ -163,7 +173,7 @@ void Application::freshPricesNeeded()
 int Application::run()
 {
     m_delegate.applicationDidFinishLaunching();
-    QTimer::singleShot(startIsOver, qApp, releaseUnusedMemory);
+    QTimer::singleShot(startUpDuration, qApp, releaseUnusedMemory);
     return QCoreApplication::exec();
 }
 

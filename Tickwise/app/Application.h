@@ -49,7 +49,8 @@ private:
     bool isSecondCopy();
     void attachUpdater(UpdateController &controller);
     void connectServices();
-    void freshPricesNeeded();
+    /// Forgets connections of the old route and lets the updater look at its schedule.
+    void networkMayHaveChanged();
 
     ApplicationConfiguration m_configuration;
     TerminationSignals m_signals;

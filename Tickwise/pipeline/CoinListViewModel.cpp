@@ -45,6 +45,17 @@ void copyMarketFields(const Coin &from, Coin &to)
     to.lastUpdated = from.lastUpdated;
 }
 
+/// The symbols to fetch, in list order.
+QStringList activeSymbols(const std::vector<Coin> &coins)
+{
+    QStringList symbols;
+    for (const Coin &coin : coins) {
+        if (coin.status == CoinStatus::active)
+            symbols.append(coin.symbol);
+    }
+    return symbols;
+}
+
 /// The elements by id; where an id occurs twice the first one counts.
 template<class T, class Id>
 QHash<QString, const T *> firstBy(Id id, const std::vector<T> &elements)
@@ -62,13 +73,15 @@ QHash<QString, const T *> firstBy(Id id, const std::vector<T> &elements)
 } // namespace
 
 CoinListViewModel::CoinListViewModel(CoinCatalog &catalog, PriceFetching &priceService, PriceAlertNotifying &notifier,
-                                     SettingsViewModel &settingsViewModel, Clock clock, QObject *parent)
+                                     SettingsViewModel &settingsViewModel, Clock clock, SuspendedTime suspendedTime,
+                                     QObject *parent)
     : QObject(parent)
     , m_catalog(catalog)
     , m_priceService(priceService)
     , m_notifier(notifier)
     , m_settingsViewModel(settingsViewModel)
     , m_clock(std::move(clock))
+    , m_suspendedTime(std::move(suspendedTime))
 {
     m_pollTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_pollTimer, &QTimer::timeout, this, &CoinListViewModel::fetchPrices);
@@ -102,6 +115,9 @@ void CoinListViewModel::rebuildCoins()
         if (before && before->symbol == coin.symbol)
             copyMarketFields(*before, coin);
     }
+    m_listCurrency = settings.baseCurrency;
+    if (activeSymbols(rebuilt).isEmpty())
+        m_lastFetchFailure = std::nullopt; // no fetch will follow that could correct it
     m_coins = std::move(rebuilt);
     keepDisplayedCoinValid();
 }
@@ -120,12 +136,27 @@ void CoinListViewModel::keepDisplayedCoinValid()
 void CoinListViewModel::restartPolling()
 {
     assertMainThread(this);
-    suspendPolling();
+    stopPolling();
+    if (m_isSuspended)
+        return;
     m_pollTimer.start(timerPeriod(m_settingsViewModel.settings().pollingInterval));
     fetchPrices();
 }
 
 void CoinListViewModel::suspendPolling()
+{
+    assertMainThread(this);
+    m_isSuspended = true;
+    stopPolling();
+}
+
+void CoinListViewModel::resumePolling()
+{
+    m_isSuspended = false;
+    restartPolling();
+}
+
+void CoinListViewModel::stopPolling()
 {
     m_pollTimer.stop();
     discardFetch();
@@ -140,29 +171,32 @@ void CoinListViewModel::discardFetch()
 void CoinListViewModel::fetchPrices()
 {
     assertMainThread(this);
-    if (m_isLoading)
+    const BaseCurrency requested = m_settingsViewModel.settings().baseCurrency;
+    if (m_isLoading || m_isSuspended || requested != m_listCurrency)
         return;
-    QStringList symbols;
-    for (const Coin &coin : coins()) {
-        if (coin.status == CoinStatus::active)
-            symbols.append(coin.symbol);
-    }
+    const QStringList symbols = activeSymbols(coins());
     if (symbols.isEmpty())
         return;
-    const BaseCurrency requested = m_settingsViewModel.settings().baseCurrency;
     m_isLoading = true;
-    m_fetch = m_priceService.fetchSnapshot(
-        symbols, requested, [this, requested](const Result<PriceSnapshot> &result) { receive(result, requested); });
+    ++m_fetchCount;
+    m_fetch = m_priceService.fetchSnapshot(symbols, requested,
+                                           [this, conditions = FetchConditions{requested, m_suspendedTime()}](
+                                               const Result<PriceSnapshot> &result) { receive(result, conditions); });
 }
 
-void CoinListViewModel::receive(const Result<PriceSnapshot> &result, BaseCurrency requested)
+void CoinListViewModel::receive(const Result<PriceSnapshot> &result, FetchConditions conditions)
 {
+    // An answer from before the sleep can be read before the message bus says that the machine slept.
+    if (hasSlept(conditions.suspendedTime, m_suspendedTime()))
+        return restartPolling();
+    const quint64 received = m_fetchCount;
     m_lastFetchFailure = result ? std::nullopt : std::optional(fetchFailure(result.error()));
-    if (result && m_settingsViewModel.settings().baseCurrency == requested) {
+    if (result && m_settingsViewModel.settings().baseCurrency == conditions.currency) {
         m_lastUsdToTargetExchangeRate = result->usdToTargetRate;
-        applySnapshot(*result, requested);
+        applySnapshot(*result, conditions.currency);
     }
-    discardFetch();
+    if (received == m_fetchCount) // else a subscriber has restarted polling, and the fetch under way is a new one
+        discardFetch();
 }
 
 void CoinListViewModel::applySnapshot(const PriceSnapshot &snapshot, BaseCurrency currency)

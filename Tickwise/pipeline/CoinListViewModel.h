@@ -5,6 +5,7 @@
 #include "pipeline/PriceAlertNotifying.h"
 #include "settings/SettingsViewModel.h"
 #include "support/Subscription.h"
+#include "support/SuspendedTime.h"
 
 #include <QObject>
 #include <QProperty>
@@ -25,7 +26,8 @@ class CoinListViewModel : public QObject
 
 public:
     CoinListViewModel(CoinCatalog &catalog, PriceFetching &priceService, PriceAlertNotifying &notifier,
-                      SettingsViewModel &settingsViewModel, Clock clock = systemClock, QObject *parent = nullptr);
+                      SettingsViewModel &settingsViewModel, Clock clock = systemClock,
+                      SuspendedTime suspendedTime = systemSuspendedTime, QObject *parent = nullptr);
 
     /// One entry per watchlist coin that the catalog knows, in watchlist order.
     const std::vector<Coin> &coins() const { return m_coins.value(); }
@@ -39,19 +41,27 @@ public:
     double lastUsdToTargetExchangeRate() const { return m_lastUsdToTargetExchangeRate; }
     QBindable<double> bindableLastUsdToTargetExchangeRate() { return &m_lastUsdToTargetExchangeRate; }
 
-    /// Why the last fetch failed; none after a success.
+    /// The currency of the prices in `coins`; none before the first snapshot. It differs from the settings' currency
+    /// between a change of that and the reload that follows.
+    std::optional<BaseCurrency> priceDataCurrency() const { return m_priceDataCurrency; }
+
+    /// Why the last fetch failed; none after a success, and when there is no coin to fetch.
     std::optional<ProviderFailure> lastFetchFailure() const { return m_lastFetchFailure; }
     QBindable<std::optional<ProviderFailure>> bindableLastFetchFailure() { return &m_lastFetchFailure; }
 
     /// Rebuilds `coins` from settings and catalog, keeping held prices where they still mean the same.
     void rebuildCoins();
-    /// Restarts the poll timer with the settings' interval, drops the fetch in flight and fetches at once.
+    /// Restarts the poll timer with the settings' interval, drops the fetch in flight and fetches at once. While
+    /// polling is suspended only the fetch is dropped.
     void restartPolling();
-    /// One fetch, unless one is under way.
+    /// One fetch, unless one is under way, polling is suspended, or the settings' currency has changed since the last
+    /// rebuild: no list mixes two currencies.
     void fetchPrices();
-    /// Stops polling and drops the fetch in flight until `restartPolling`: the machine goes to sleep, and quotes from
-    /// before must not count as fresh afterwards.
+    /// Stops polling and drops the fetch in flight: the machine goes to sleep. Nothing is fetched until
+    /// `resumePolling`.
     void suspendPolling();
+    /// Restarts polling after `suspendPolling`: the machine woke.
+    void resumePolling();
 
 Q_SIGNALS:
     void coinsChanged();
@@ -60,8 +70,16 @@ Q_SIGNALS:
     void lastFetchFailureChanged();
 
 private:
+    /// What has to be unchanged for a snapshot to be applied.
+    struct FetchConditions
+    {
+        BaseCurrency currency;
+        std::chrono::nanoseconds suspendedTime;
+    };
+
+    void stopPolling();
     void discardFetch();
-    void receive(const Result<PriceSnapshot> &result, BaseCurrency requested);
+    void receive(const Result<PriceSnapshot> &result, FetchConditions conditions);
     void applySnapshot(const PriceSnapshot &snapshot, BaseCurrency currency);
     void keepDisplayedCoinValid();
 
@@ -70,7 +88,11 @@ private:
     PriceAlertNotifying &m_notifier;
     SettingsViewModel &m_settingsViewModel;
     Clock m_clock;
+    SuspendedTime m_suspendedTime;
     Subscription m_fetch;
+    quint64 m_fetchCount = 0;
+    bool m_isSuspended = false;
+    BaseCurrency m_listCurrency = BaseCurrency::usd; ///< the settings' currency when `coins` was last rebuilt
     QTimer m_pollTimer;
     std::optional<BaseCurrency> m_priceDataCurrency;
     QPropertyNotifier m_catalogNotifier;

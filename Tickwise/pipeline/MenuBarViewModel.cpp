@@ -39,7 +39,9 @@ void MenuBarViewModel::refresh(const std::vector<Coin> &coins, const AppSettings
     if (!m_statusItem)
         return;
     const std::optional<ProviderFailure> failure = m_coinList ? m_coinList->lastFetchFailure() : std::nullopt;
-    StatusItemContent content = statusItemContent({coins, settings, m_statusItem->appearance(), m_clock(), failure});
+    const std::optional<BaseCurrency> currency = m_coinList ? m_coinList->priceDataCurrency() : std::nullopt;
+    StatusItemContent content =
+        statusItemContent({coins, settings, m_statusItem->appearance(), m_clock(), failure, currency});
     m_statusItem->setContent(content);
     if (content == m_content)
         return;

@@ -51,8 +51,9 @@ QString changeText(double change)
 
 QStringList priceLines(const StatusItemInputs &inputs, const Coin &coin)
 {
-    QStringList lines{localized(QStringLiteral("tooltip.exactPrice"))
-                          .arg(exactPrice(*coin.currentPrice), rawValue(inputs.settings.baseCurrency))};
+    const BaseCurrency currency = inputs.priceCurrency.value_or(inputs.settings.baseCurrency);
+    QStringList lines{
+        localized(QStringLiteral("tooltip.exactPrice")).arg(exactPrice(*coin.currentPrice), rawValue(currency))};
     if (coin.priceChange24hPercent)
         lines.append(localized(QStringLiteral("tooltip.change24h")).arg(changeText(*coin.priceChange24hPercent)));
     if (coin.lastUpdated)

@@ -16,7 +16,8 @@ struct StatusItemInputs
     const AppSettings &settings;
     PanelAppearance appearance = PanelAppearance::unknown;
     TimePoint now;
-    std::optional<ProviderFailure> failure; ///< why the last fetch failed
+    std::optional<ProviderFailure> failure;                   ///< why the last fetch failed
+    std::optional<BaseCurrency> priceCurrency = std::nullopt; ///< of the coins' prices; none: the settings' currency
 };
 
 /// The coin that the status item shows: the displayed one, else the first; none in icon mode and for an empty list.

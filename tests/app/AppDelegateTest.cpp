@@ -7,8 +7,13 @@
 #include "doubles/ScriptedHttpClient.h"
 #include "doubles/TestClock.h"
 
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QPointer>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -61,8 +66,11 @@ struct World
                                   },
                               .reloadWidgets = [] {},
                               .isSecondCopy = [this] { return secondCopy; },
+                              .container = container.path(),
+                              .catalogPath = catalogPath,
                               .environment = processEnvironment,
-                              .clock = clock.clock()};
+                              .clock = clock.clock(),
+                              .suspendedTime = [this] { return suspendedTime; }};
         return result;
     }
 
@@ -75,16 +83,21 @@ struct World
     int polls() const { return static_cast<int>(http.urls(Endpoints().binanceMain).size()); }
 
     TestClock clock;
+    std::chrono::nanoseconds suspendedTime{0};
+    QTemporaryDir container;
     MemoryDefaults storage;
     ScriptedHttpClient http;
     RecordingNotificationCenter notifications;
     RecordingLoginItem loginItem;
     bool secondCopy = false;
+    QString catalogPath = QStringLiteral(":/coins.json");
     QProcessEnvironment processEnvironment{QProcessEnvironment::InheritFromParent};
     QPointer<RecordingStatusItem> item;
     std::unique_ptr<AppDelegate> delegate;
     std::unique_ptr<QSignalSpy> quit;
 };
+
+constexpr int longerThanTheDebounce = 700;
 
 QStringList texts(const Menu &menu)
 {
@@ -119,7 +132,23 @@ private Q_SLOTS:
     void navigationAsksForTheTab();
     void navigationIsObservedAfterTheStart();
     void sleepDropsQuotesUnderWay();
+    void nothingIsFetchedBetweenSleepAndWake();
     void wakingFetchesAtOnce();
+    void networkThatReturnsFetchesAtOnce();
+    void answerFromBeforeSleepIsDropped();
+    void settingsChangedOverSeveralTurnsReloadOnce();
+    void editedIntervalBecomesThePeriod();
+    void reloadComesFiveHundredMillisecondsAfterTheLastChange();
+    void currencyChangeKeepsTheLabelUntilTheReload();
+    void snapshotNeverMixesTwoCurrencies();
+    void logosFollowTheWatchlist();
+    void logosOfTheStartsWatchlist();
+    void withoutACatalog_data();
+    void withoutACatalog();
+    void opensOwnAddresses_data();
+    void opensOwnAddresses();
+    void performsActionsOfTheDesktopFile();
+    void clickOnANotificationActivates();
 };
 
 void AppDelegateTest::cleanup()
@@ -176,7 +205,7 @@ void AppDelegateTest::threeIntervalChangesRestartPollingOnce()
         world.change([interval](AppSettings &settings) { settings.pollingInterval = interval; });
     QCOMPARE(world.polls(), 1);
     QTRY_COMPARE(world.polls(), 2);
-    QTest::qWait(700); // one debounce more: nothing may follow
+    QTest::qWait(longerThanTheDebounce); // nothing may follow
     QCOMPARE(world.polls(), 2);
 }
 
@@ -186,7 +215,7 @@ void AppDelegateTest::otherSettingsDoNotRestartPolling()
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     world.change([](AppSettings &settings) { settings.showMenuBarBackground = true; });
-    QTest::qWait(700); // longer than the debounce
+    QTest::qWait(longerThanTheDebounce);
     QCOMPARE(world.polls(), 1);
     QVERIFY(world.item->contents.back().pillColor.has_value());
 }
@@ -333,13 +362,262 @@ void AppDelegateTest::sleepDropsQuotesUnderWay()
     QVERIFY(!world.delegate->coinListViewModel().isLoading());
 }
 
+void AppDelegateTest::nothingIsFetchedBetweenSleepAndWake()
+{
+    World world;
+    world.launch();
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    world.delegate->machineWillSleep();
+    world.delegate->networkReturned();
+    world.change([](AppSettings &settings) { settings.pollingInterval = 3600; });
+    QTest::qWait(longerThanTheDebounce);
+    QCOMPARE(world.polls(), 1);
+    world.delegate->machineDidWake();
+    QCOMPARE(world.polls(), 2);
+}
+
 void AppDelegateTest::wakingFetchesAtOnce()
 {
     World world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
-    world.delegate->freshPricesNeeded();
+    world.delegate->machineDidWake();
     QCOMPARE(world.polls(), 2);
+}
+
+void AppDelegateTest::networkThatReturnsFetchesAtOnce()
+{
+    World world;
+    world.launch();
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    world.delegate->networkReturned();
+    QCOMPARE(world.polls(), 2);
+}
+
+void AppDelegateTest::answerFromBeforeSleepIsDropped()
+{
+    World world;
+    world.http.clear(Endpoints().binanceMain);
+    for (const double price : {1., 2.}) {
+        world.http.answer(Endpoints().binanceMain, 200,
+                          binanceBody({{QStringLiteral("BTC"), price}, {QStringLiteral("ETH"), 1}}, world.clock.now()));
+    }
+    world.launch();
+    world.suspendedTime += std::chrono::hours(1);
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    for (const StatusItemContent &content : world.item->contents)
+        QVERIFY(content.text != QStringLiteral("BTC 1"));
+    QCOMPARE(world.item->contents.back().text, QStringLiteral("BTC 2"));
+    QCOMPARE(world.polls(), 2);
+}
+
+void AppDelegateTest::settingsChangedOverSeveralTurnsReloadOnce()
+{
+    World world;
+    world.launch();
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    for (const double interval : {3600., 1800., 7200., 900.}) {
+        world.change([interval](AppSettings &settings) { settings.pollingInterval = interval; });
+        QTest::qWait(150); // a turn of the event loop, and less than the debounce
+        QCOMPARE(world.polls(), 1);
+    }
+    QTRY_COMPARE(world.polls(), 2);
+    QTest::qWait(longerThanTheDebounce);
+    QCOMPARE(world.polls(), 2);
+}
+
+void AppDelegateTest::editedIntervalBecomesThePeriod()
+{
+    World world;
+    AppSettings stored;
+    stored.pollingInterval = 3600;
+    UserDefaultsSettingsStore(world.storage).save(stored);
+    world.launch();
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    world.change([](AppSettings &settings) { settings.pollingInterval = 0.05; });
+    QTRY_VERIFY(world.polls() > 4);
+    world.change([](AppSettings &settings) { settings.pollingInterval = 3600; });
+    QTest::qWait(longerThanTheDebounce);
+    const int polls = world.polls();
+    QTest::qWait(200); // four of the old periods
+    QCOMPARE(world.polls(), polls);
+}
+
+void AppDelegateTest::reloadComesFiveHundredMillisecondsAfterTheLastChange()
+{
+    World world;
+    world.launch();
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    world.change([](AppSettings &settings) { settings.pollingInterval = 3600; });
+    // A coarse timer may come 5 % early.
+    QElapsedTimer timer;
+    timer.start();
+    QTRY_COMPARE_WITH_TIMEOUT(world.polls(), 2, 5000);
+    QVERIFY2(timer.elapsed() >= 498, qPrintable(QString::number(timer.elapsed())));
+}
+
+void AppDelegateTest::currencyChangeKeepsTheLabelUntilTheReload()
+{
+    World world;
+    world.http.answer(Endpoints().exchangeRateApi, 200,
+                      R"({"result":"success","base_code":"USD","rates":{"USD":1,"EUR":0.5}})");
+    world.launch();
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::eur; });
+    world.delegate->coinListViewModel().fetchPrices();
+    world.delegate->networkReturned();
+    QCOMPARE(world.polls(), 1);
+    QVERIFY(!world.item->contents.back().logo);
+    QVERIFY(world.item->contents.back().toolTipBody.contains(QStringLiteral("USD")));
+    QVERIFY(!world.item->contents.back().toolTipBody.contains(QStringLiteral("EUR")));
+    QTRY_COMPARE(world.item->contents.back().text, QStringLiteral("BTC 33,716"));
+    QVERIFY(world.item->contents.back().toolTipBody.contains(QStringLiteral("EUR")));
+    QCOMPARE(world.polls(), 2);
+}
+
+void AppDelegateTest::snapshotNeverMixesTwoCurrencies()
+{
+    World world;
+    const auto snapshot = [&world] {
+        QFile file(world.container.filePath(QStringLiteral("widget-snapshot.json")));
+        return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+    };
+    const auto hasQuotes = [&] { return !snapshot().value(QStringLiteral("quotes")).toObject().isEmpty(); };
+    world.launch();
+    QTRY_VERIFY(hasQuotes());
+    world.http.clear(Endpoints().binanceMain);
+    world.http.hold(Endpoints().binanceMain);
+    world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::eur; });
+    QTRY_COMPARE(snapshot().value(QStringLiteral("currency")).toString(), QStringLiteral("EUR"));
+    QVERIFY(!hasQuotes());
+}
+
+void AppDelegateTest::logosFollowTheWatchlist()
+{
+    World world;
+    world.launch();
+    const auto askedFor = [&world](const QString &id) {
+        const std::optional<QString> address = world.delegate->catalog().byID().value(id).logoURL;
+        return address && !world.http.urls(*address).empty();
+    };
+    // Neither has a shipped logo.
+    const QString first = QStringLiteral("stellar");
+    const QString second = QStringLiteral("uniswap");
+    QVERIFY(!askedFor(first));
+    world.change([&](AppSettings &settings) { settings.watchlistCoins.push_back({first}); });
+    QTRY_VERIFY(askedFor(first));
+    QVERIFY(!askedFor(second));
+    world.change([&](AppSettings &settings) { settings.watchlistCoins.push_back({second}); });
+    QTRY_VERIFY(askedFor(second));
+}
+
+void AppDelegateTest::logosOfTheStartsWatchlist()
+{
+    World world;
+    AppSettings stored;
+    stored.watchlistCoins.push_back({QStringLiteral("stellar")});
+    UserDefaultsSettingsStore(world.storage).save(stored);
+    world.launch();
+    QTRY_VERIFY(!world.http.urls(*world.delegate->catalog().byID().value(QStringLiteral("stellar")).logoURL).empty());
+}
+
+void AppDelegateTest::withoutACatalog_data()
+{
+    QTest::addColumn<QByteArray>("catalog");
+    QTest::newRow("missing") << QByteArray();
+    QTest::newRow("empty") << QByteArray(R"({"schemaVersion":1,"coins":[]})");
+    QTest::newRow("damaged") << QByteArray(R"({"schemaVersion":1,"coins":[)");
+}
+
+void AppDelegateTest::withoutACatalog()
+{
+    QFETCH(QByteArray, catalog);
+    World world;
+    world.catalogPath = world.container.filePath(QStringLiteral("coins.json"));
+    if (!catalog.isEmpty()) {
+        QFile file(world.catalogPath);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(catalog);
+    }
+    AppSettings stored;
+    stored.displayedCoinId = QStringLiteral("ethereum");
+    UserDefaultsSettingsStore(world.storage).save(stored);
+    const auto before = world.storage.entries;
+    world.launch();
+    QTest::qWait(50);
+    QVERIFY(world.item->contents.back().logo);
+    QCOMPARE(world.item->contents.back().title, QStringLiteral("Tickwise"));
+    QVERIFY(world.item->menu().front().children.empty());
+    QVERIFY(world.http.requests().empty());
+    QVERIFY(!world.delegate->coinListViewModel().isLoading());
+    QCOMPARE(world.quit->count(), 0);
+    QVERIFY(world.storage.entries == before);
+    QCOMPARE(world.delegate->settingsViewModel().settings().watchlistCoins.size(), 2U);
+}
+
+void AppDelegateTest::opensOwnAddresses_data()
+{
+    QTest::addColumn<QStringList>("addresses");
+    QTest::addColumn<bool>("opens");
+    const QString own = QStringLiteral("tickwise://popover");
+    const QString foreign = QStringLiteral("https://example.org/tickwise://popover");
+    QTest::newRow("own") << QStringList{own} << true;
+    QTest::newRow("own without slashes") << QStringList{QStringLiteral("tickwise:popover")} << true;
+    QTest::newRow("foreign") << QStringList{foreign} << false;
+    QTest::newRow("mixed") << QStringList{foreign, own} << true;
+    QTest::newRow("two of ours") << QStringList{own, own} << true;
+    QTest::newRow("upper case") << QStringList{QStringLiteral("TICKWISE://popover")} << false;
+    QTest::newRow("mixed case") << QStringList{QStringLiteral("Tickwise://popover")} << false;
+    QTest::newRow("longer scheme") << QStringList{QStringLiteral("tickwisely://popover")} << false;
+    QTest::newRow("shorter scheme") << QStringList{QStringLiteral("tick://popover")} << false;
+    QTest::newRow("no scheme") << QStringList{QStringLiteral("tickwise")} << false;
+    QTest::newRow("no address") << QStringList{QStringLiteral("tickwise://[broken")} << false;
+    QTest::newRow("none") << QStringList() << false;
+}
+
+void AppDelegateTest::opensOwnAddresses()
+{
+    QFETCH(QStringList, addresses);
+    QFETCH(bool, opens);
+    World world;
+    world.launch();
+    QSignalSpy activated(world.delegate.get(), &AppDelegate::activationRequested);
+    world.delegate->openUrls(addresses, QStringLiteral("token-1"));
+    QCOMPARE(activated.count(), opens ? 1 : 0);
+    if (opens)
+        QCOMPARE(activated.front().front().toString(), QStringLiteral("token-1"));
+}
+
+void AppDelegateTest::performsActionsOfTheDesktopFile()
+{
+    World world;
+    world.launch();
+    QSignalSpy activated(world.delegate.get(), &AppDelegate::activationRequested);
+    std::vector<std::pair<SettingsTab, QString>> requested;
+    connect(world.delegate.get(), &AppDelegate::settingsWindowRequested, this,
+            [&](SettingsTab tab, const QString &token) { requested.emplace_back(tab, token); });
+    world.delegate->performAction(QStringLiteral("watchlist"), QStringLiteral("w"));
+    world.delegate->performAction(QStringLiteral("settings"), QStringLiteral("s"));
+    const std::vector<std::pair<SettingsTab, QString>> expected{{SettingsTab::watchlist, QStringLiteral("w")},
+                                                                {SettingsTab::general, QStringLiteral("s")}};
+    QCOMPARE(requested, expected);
+    QCOMPARE(activated.count() + world.quit->count(), 0);
+    world.delegate->performAction(QStringLiteral("quit"), {});
+    QCOMPARE(world.quit->count(), 1);
+    world.delegate->performAction(QStringLiteral("unheard-of"), QStringLiteral("u"));
+    QCOMPARE(activated.count(), 1);
+    QCOMPARE(activated.front().front().toString(), QStringLiteral("u"));
+    QCOMPARE(requested, expected);
+}
+
+void AppDelegateTest::clickOnANotificationActivates()
+{
+    World world;
+    world.launch();
+    QSignalSpy activated(world.delegate.get(), &AppDelegate::activationRequested);
+    Q_EMIT world.notifications.activated(QStringLiteral("alert-1"), QStringLiteral("token-1"));
+    QCOMPARE(activated.count(), 1);
+    QCOMPARE(activated.front().front().toString(), QStringLiteral("token-1"));
 }
 
 TICKWISE_TEST(AppDelegateTest)

@@ -3,6 +3,7 @@
 //   content {...}        the status item shows something else
 //   polled [REASON]      a fetch ended, with the reason when it failed
 //   activated [TOKEN]    somebody wants to see the application
+//   settingsWindow TAB   somebody wants the settings window on that tab
 //   windows [{...}]      the answer to "windows"
 
 #include "app/Application.h"
@@ -210,6 +211,8 @@ int Probe::run()
     QObject::connect(&delegate.menuBarViewModel(), &MenuBarViewModel::contentChanged, [this] { follow(); });
     QObject::connect(&delegate, &AppDelegate::activationRequested,
                      [](const QString &token) { print(QStringLiteral("activated"), token); });
+    QObject::connect(&delegate, &AppDelegate::settingsWindowRequested,
+                     [](SettingsTab tab) { print(QStringLiteral("settingsWindow"), rawValue(tab)); });
     QSocketNotifier notifier(STDIN_FILENO, QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, [this] {
         if (!m_input.read())

@@ -282,6 +282,30 @@ class LifeTest(unittest.TestCase):
                              "(a{sv})", ({},))
             self.assertEqual(first.wait_for_event("activated", 2), "")
 
+    def test_addresses_open_the_first_copy(self):
+        with self.make_session() as desktop:
+            first = Application(desktop, arguments=["TICKWISE://popover"])
+            first.wait_for_polls(1)
+            self.assertEqual(first.events("activated"), [])
+            self.assertEqual(first.stop(), 0)
+            first = Application(desktop, arguments=["tickwise://popover"], env={"XDG_ACTIVATION_TOKEN": "token-1"})
+            self.assertEqual(first.wait_for_event("activated", 1), "token-1")
+            second = Application(desktop, arguments=["tickwise://popover"], stored=True)
+            self.assertEqual(second.process.wait(), 0)
+            self.assertEqual(first.wait_for_event("activated", 2), "")
+
+    def test_actions_of_the_desktop_file(self):
+        with self.make_session() as desktop:
+            application = Application(desktop)
+            application.wait_for_polls(1)
+            for count, (action, tab) in enumerate((("watchlist", "watchlist"), ("settings", "general")), start=1):
+                desktop.bus.call(IDENTIFIER, "/" + IDENTIFIER.replace(".", "/"), "org.freedesktop.Application",
+                                 "ActivateAction", "(sava{sv})", (action, [], {}))
+                self.assertEqual(application.wait_for_event("settingsWindow", count), tab)
+            desktop.bus.call(IDENTIFIER, "/" + IDENTIFIER.replace(".", "/"), "org.freedesktop.Application",
+                             "ActivateAction", "(sava{sv})", ("quit", [], {}))
+            self.assertEqual(application.process.wait(), 0)
+
     def test_first_copy_after_one_that_was_killed(self):
         with self.make_session() as desktop:
             first = Application(desktop)

@@ -23,10 +23,11 @@ class Application:
     prices: pairs of symbol and US dollars, or triples with the 24-hour change. `settings` are fields of the settings record;
     with stored=True the application starts with what is stored."""
 
-    def __init__(self, desktop, prices=(("BTC", 67432.4, 1.5),), commands=(), env=None, stored=False, **settings):
+    def __init__(self, desktop, prices=(("BTC", 67432.4, 1.5),), commands=(), env=None, stored=False, arguments=(),
+                 **settings):
         self.desktop = desktop
         self._settings = {"language": "en", "pollingInterval": NEVER, "addedCoins": [coin("bitcoin")], **settings}
-        self.process = desktop.run(PROBE, env=env)
+        self.process = desktop.run(PROBE, arguments, env=env)
         for price in prices:
             self.tell("price", *price)
         if not stored:

@@ -78,6 +78,41 @@ class WidgetTest(unittest.TestCase):
             application.wait_for_content(text="BTC 50,000")
 
 
+class SleepTest(unittest.TestCase):
+    LOGIN = "org.freedesktop.login1"
+
+    def announce(self, connection, starts):
+        connection.emit_signal(None, "/org/freedesktop/login1", f"{self.LOGIN}.Manager", "PrepareForSleep",
+                               GLib.Variant("(b)", (starts,)))
+
+    def test_no_polls_from_sleep_to_wake(self):
+        with X11Session(None, window_manager=None, notifications=None) as desktop:
+            connection = desktop.system_bus.connect()
+            connection.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+                                 GLib.Variant("(su)", (self.LOGIN, 0)), None, 0, 5000, None)
+            application = Application(desktop, pollingInterval=0.1)
+            application.wait_for_polls(3)
+            self.announce(connection, True)
+            polls = self.wait_for_rest(application)
+            application.tell("poll")
+            time.sleep(0.5)  # five periods
+            self.assertEqual(len(application.events("polled")), polls)
+            self.announce(connection, False)
+            application.wait_for_polls(polls + 3)
+            connection.close_sync(None)
+
+    def wait_for_rest(self, application):
+        """The number of polls once no more come."""
+        counts = []
+
+        def rests():
+            time.sleep(0.5)
+            counts.append(len(application.events("polled")))
+            return len(counts) > 1 and counts[-1] == counts[-2]
+        application.desktop.wait_for(rests, what="the end of the polls")
+        return counts[-1]
+
+
 class LoginItemTest(unittest.TestCase):
     def entry(self, desktop):
         return os.path.join(desktop.environment["XDG_CONFIG_HOME"], "autostart", f"{IDENTIFIER}.desktop")

@@ -62,6 +62,7 @@ void AlertRuleTest::sequences_data()
     row("above from the level itself", CoinAlertKind::above, 100, {100, 101}, {});
     row("below fires at each crossing", CoinAlertKind::below, 100, {110, 105, 99, 98, 101, 100}, {99, 100});
     row("below reached exactly", CoinAlertKind::below, 100, {101, 100}, {100});
+    row("below from the level itself", CoinAlertKind::below, 100, {100, 99}, {});
     row("change up and down", CoinAlertKind::change, 2, {100, 101.9, 102, 99.45}, {102, 99.45});
     row("change of exactly minus two", CoinAlertKind::change, 2, {100, 101.9, 98, 98.5}, {98});
     row("change drifts from the baseline, not step by step", CoinAlertKind::change, 2, {100, 101, 101.5, 102.1},
@@ -134,6 +135,8 @@ void AlertRuleTest::rateScalesTheLevel()
 {
     QCOMPARE(firing(alert(CoinAlertKind::above, 100), {690, 710, 720}, 7.0), QList<double>{710});
     QCOMPARE(alertLevel(100, 7), 700.0);
+    QCOMPARE(alertLevel(100, 0.5), 50.0);
+    QCOMPARE(firing(alert(CoinAlertKind::below, 100), {60, 51, 50}, 0.5), QList<double>{50});
 }
 
 void AlertRuleTest::withoutARateTheDollarsCount()

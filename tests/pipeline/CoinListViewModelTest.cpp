@@ -21,7 +21,8 @@ struct World
         : catalog(std::move(records))
     {
         settingsViewModel.update(settings);
-        model = std::make_unique<CoinListViewModel>(catalog, prices, notifier, settingsViewModel, clock.clock());
+        model = std::make_unique<CoinListViewModel>(catalog, prices, notifier, settingsViewModel, clock.clock(),
+                                                    [this] { return suspendedTime; });
     }
 
     static AppSettings quietSettings()
@@ -48,6 +49,7 @@ struct World
     MemoryDefaults storage;
     SettingsViewModel settingsViewModel{UserDefaultsSettingsStore(storage)};
     TestClock clock;
+    std::chrono::nanoseconds suspendedTime{0};
     FixedCatalog catalog;
     FakePriceFetching prices;
     RecordingNotifier notifier;
@@ -80,7 +82,17 @@ private Q_SLOTS:
     void changedIntervalRestartsTheTimerAndFetches();
     void intervalOfZeroOrLessStillReturnsToTheLoop();
     void restartDropsTheFetchInFlight();
-    void sleepStopsPollingUntilItRestarts();
+    void sleepStopsPollingUntilItResumes();
+    void nothingIsFetchedWhileAsleep();
+    void answerFromBeforeSleepIsDroppedAndAskedForAgain();
+    void failureFromBeforeSleepIsNotShown();
+    void subscriberMayRestartPollingDuringASnapshot();
+    void emptiedWatchlistForgetsTheFailure();
+    void coinRemovedWhileAFetchIsOpen();
+    void entryRemovedWhileAFetchIsOpenFiresNoAlert();
+    void noFetchBetweenCurrencyChangeAndRebuild();
+    void pricesKeepTheCurrencyTheyWereFetchedIn();
+    void levelsAtARateBelowOne();
     void snapshotInAnOldCurrencyIsDropped();
     void newCurrencyClearsPricesAndBaselines();
     void aboveAlertFiresPerCrossing();
@@ -138,7 +150,7 @@ void CoinListViewModelTest::unknownCoinsAreSkippedAndKept()
 void CoinListViewModelTest::invalidDisplayedCoinBecomesTheFirst()
 {
     AppSettings settings = World::quietSettings();
-    settings.watchlistCoins = {{QStringLiteral("ethereum")}};
+    settings.watchlistCoins = {{QStringLiteral("ethereum")}, {QStringLiteral("coin-3")}, {QStringLiteral("coin-4")}};
     const World world(settings);
     QCOMPARE(world.settingsViewModel.settings().displayedCoinId, QStringLiteral("ethereum"));
     QCOMPARE(UserDefaultsSettingsStore(const_cast<MemoryDefaults &>(world.storage)).load()->displayedCoinId,
@@ -283,7 +295,7 @@ void CoinListViewModelTest::restartDropsTheFetchInFlight()
     QCOMPARE(world.coin(0).currentPrice, std::optional(7.0));
 }
 
-void CoinListViewModelTest::sleepStopsPollingUntilItRestarts()
+void CoinListViewModelTest::sleepStopsPollingUntilItResumes()
 {
     AppSettings settings = World::quietSettings();
     settings.pollingInterval = 0.02;
@@ -299,17 +311,188 @@ void CoinListViewModelTest::sleepStopsPollingUntilItRestarts()
     QCOMPARE(world.prices.requests.size(), before);
     QVERIFY(world.notifier.alerts.empty());
     QCOMPARE(world.coin(0).currentPrice, std::optional(90.0));
+    world.model->resumePolling();
+    QCOMPARE(world.prices.requests.size(), before + 1);
+    world.prices.answer(std::map<QString, double>{{btc, 91}});
+    QTRY_COMPARE(world.prices.requests.size(), before + 2);
+}
+
+void CoinListViewModelTest::nothingIsFetchedWhileAsleep()
+{
+    AppSettings settings = World::quietSettings();
+    settings.pollingInterval = 0.02;
+    World world(settings);
+    world.poll({{btc, 90}});
+    world.model->suspendPolling();
+    const std::size_t before = world.prices.requests.size();
+    world.model->fetchPrices();
+    world.model->restartPolling();
+    world.change([](AppSettings &changed) { changed.baseCurrency = BaseCurrency::eur; });
+    world.model->rebuildCoins();
+    world.model->restartPolling();
+    world.catalog.publish(validCoins(), noImages);
+    QTest::qWait(100); // five periods
+    QCOMPARE(world.prices.requests.size(), before);
+    QVERIFY(!world.model->isLoading());
+    world.model->resumePolling();
+    QCOMPARE(world.prices.requests.size(), before + 1);
+    QVERIFY(world.prices.requests.back().currency == BaseCurrency::eur);
+}
+
+void CoinListViewModelTest::answerFromBeforeSleepIsDroppedAndAskedForAgain()
+{
+    World world;
+    world.change([](AppSettings &settings) {
+        settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
+    });
+    world.poll({{btc, 90}});
+    world.clock.advance(10);
+    world.model->fetchPrices();
+    world.suspendedTime += std::chrono::hours(8);
+    world.prices.answer({{btc, 110}}, 0.9);
+    QVERIFY(world.notifier.alerts.empty());
+    QCOMPARE(world.coin(0).currentPrice, std::optional(90.0));
+    QVERIFY(world.coin(0).lastUpdated < world.clock.now());
+    QCOMPARE(world.model->lastUsdToTargetExchangeRate(), 1.0);
+    QCOMPARE(world.prices.requests.size(), 3U);
+    QVERIFY(world.model->isLoading());
+    world.prices.answer(std::map<QString, double>{{btc, 111}});
+    QCOMPARE(world.coin(0).currentPrice, std::optional(111.0));
+    QCOMPARE(world.notifier.alerts.size(), 1U);
+    QVERIFY(!world.model->isLoading());
+}
+
+void CoinListViewModelTest::failureFromBeforeSleepIsNotShown()
+{
+    World world;
+    world.suspendedTime += std::chrono::seconds(1);
+    world.prices.answer(failure(offline));
+    QVERIFY(!world.model->lastFetchFailure());
+    QVERIFY(world.prices.isOpen());
+}
+
+void CoinListViewModelTest::subscriberMayRestartPollingDuringASnapshot()
+{
+    World world;
+    bool restarted = false;
+    const QPropertyNotifier notifier = world.model->bindableCoins().addNotifier([&] {
+        if (!std::exchange(restarted, true))
+            world.model->restartPolling();
+    });
+    world.prices.answer(std::map<QString, double>{{btc, 1}});
+    QCOMPARE(world.prices.requests.size(), 2U);
+    QVERIFY(world.prices.isOpen());
+    QVERIFY(world.model->isLoading());
+    world.prices.answer(std::map<QString, double>{{btc, 2}});
+    QCOMPARE(world.coin(0).currentPrice, std::optional(2.0));
+    QVERIFY(!world.model->isLoading());
+}
+
+void CoinListViewModelTest::emptiedWatchlistForgetsTheFailure()
+{
+    World world;
+    world.prices.answer(failure(offline));
+    QVERIFY(world.model->lastFetchFailure().has_value());
+    world.change([](AppSettings &settings) { settings.watchlistCoins = {{QStringLiteral("ethereum")}}; });
+    world.model->rebuildCoins();
+    QVERIFY(world.model->lastFetchFailure().has_value());
+    world.change([](AppSettings &settings) { settings.watchlistCoins.clear(); });
+    // Whoever draws the new list must not find the failure any more.
+    std::optional<bool> failedWhileDrawing;
+    const QPropertyNotifier notifier = world.model->bindableCoins().addNotifier(
+        [&] { failedWhileDrawing = world.model->lastFetchFailure().has_value(); });
+    world.model->rebuildCoins();
+    QCOMPARE(failedWhileDrawing, std::optional(false));
+}
+
+void CoinListViewModelTest::coinRemovedWhileAFetchIsOpen()
+{
+    World world;
+    world.change([](AppSettings &settings) { settings.watchlistCoins.erase(settings.watchlistCoins.begin()); });
+    world.model->rebuildCoins();
+    world.prices.answer(std::map<QString, double>{{btc, 100}, {eth, 50}});
+    QCOMPARE(world.model->coins().size(), 1U);
+    QCOMPARE(world.coin(0).id, QStringLiteral("ethereum"));
+    QCOMPARE(world.coin(0).currentPrice, std::optional(50.0));
+    world.model->fetchPrices();
+    QCOMPARE(world.prices.requests.back().symbols, QStringList{eth});
+}
+
+void CoinListViewModelTest::entryRemovedWhileAFetchIsOpenFiresNoAlert()
+{
+    World world;
+    world.poll({{btc, 100}});
+    world.model->fetchPrices();
+    world.change([](AppSettings &settings) { settings.watchlistCoins.erase(settings.watchlistCoins.begin()); });
+    world.prices.answer(std::map<QString, double>{{btc, 200}});
+    QVERIFY(world.notifier.alerts.empty());
+    QCOMPARE(world.coin(0).currentPrice, std::optional(200.0));
+    QCOMPARE(world.coin(0).referencePrice, std::optional(100.0));
+}
+
+void CoinListViewModelTest::noFetchBetweenCurrencyChangeAndRebuild()
+{
+    AppSettings settings = World::quietSettings();
+    settings.pollingInterval = 0.02;
+    World world(settings);
+    world.poll({{btc, 100}, {eth, 50}});
+    QTRY_VERIFY(world.prices.isOpen());
+    const std::size_t before = world.prices.requests.size();
+    world.change([](AppSettings &changed) { changed.baseCurrency = BaseCurrency::cny; });
+    world.prices.answer(std::map<QString, double>{{btc, 101}});
+    QTest::qWait(100); // five periods
+    world.model->fetchPrices();
+    world.model->restartPolling(); // as after a return of the network
+    QCOMPARE(world.prices.requests.size(), before);
+    QVERIFY(!world.model->isLoading());
+    QCOMPARE(world.coin(0).currentPrice, std::optional(100.0));
+    world.model->rebuildCoins();
     world.model->restartPolling();
     QCOMPARE(world.prices.requests.size(), before + 1);
+    world.prices.answer({{btc, 710}}, 7);
+    QCOMPARE(world.coin(0).currentPrice, std::optional(710.0));
+    QVERIFY(!world.coin(1).currentPrice);
+}
+
+void CoinListViewModelTest::pricesKeepTheCurrencyTheyWereFetchedIn()
+{
+    World world;
+    QVERIFY(!world.model->priceDataCurrency());
+    world.poll({{btc, 100}});
+    world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::eur; });
+    QVERIFY(world.model->priceDataCurrency() == BaseCurrency::usd);
+    // The currency is the new one already when the new prices are published.
+    std::optional<BaseCurrency> drawn;
+    world.model->rebuildCoins();
+    const QPropertyNotifier notifier =
+        world.model->bindableCoins().addNotifier([&] { drawn = world.model->priceDataCurrency(); });
+    world.poll({{btc, 90}}, 0.9);
+    QVERIFY(drawn == BaseCurrency::eur);
+}
+
+void CoinListViewModelTest::levelsAtARateBelowOne()
+{
+    AppSettings settings = World::quietSettings();
+    settings.baseCurrency = BaseCurrency::eur;
+    settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
+    World world(settings);
+    world.poll({{btc, 89}}, 0.9);
+    world.poll({{btc, 90}}, 0.9);
+    QCOMPARE(world.notifier.alerts.size(), 1U);
+    QCOMPARE(world.notifier.alerts.front().rate, 0.9);
+    QVERIFY(world.notifier.alerts.front().currency == BaseCurrency::eur);
 }
 
 void CoinListViewModelTest::snapshotInAnOldCurrencyIsDropped()
 {
     World world;
     world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::eur; });
-    world.prices.answer(std::map<QString, double>{{btc, 100}});
+    world.prices.answer({{btc, 100}}, 2);
     QVERIFY(!world.coin(0).currentPrice);
+    QVERIFY(!world.model->isLoading());
+    QVERIFY(!world.model->priceDataCurrency());
     QCOMPARE(world.model->lastUsdToTargetExchangeRate(), 1.0);
+    world.model->rebuildCoins();
     world.model->fetchPrices();
     QVERIFY(world.prices.requests.back().currency == BaseCurrency::eur);
     world.prices.answer({{btc, 90}}, 0.9);
@@ -324,17 +507,14 @@ void CoinListViewModelTest::newCurrencyClearsPricesAndBaselines()
     });
     world.poll({{btc, 99}, {eth, 5}});
     world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::cny; });
-    // A snapshot before the rebuild: old baselines mean nothing in the new currency, also for a coin without a price
-    // now.
+    world.model->rebuildCoins();
+    QVERIFY(!world.coin(0).currentPrice);
+    QVERIFY(!world.coin(0).referencePrice);
+    QVERIFY(!world.coin(0).lastUpdated);
     world.poll({{btc, 710}}, 7);
     QVERIFY(world.notifier.alerts.empty());
     QCOMPARE(world.coin(0).referencePrice, std::optional(710.0));
     QVERIFY(!world.coin(1).referencePrice);
-
-    world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::usd; });
-    world.model->rebuildCoins();
-    QVERIFY(!world.coin(0).currentPrice);
-    QVERIFY(!world.coin(0).referencePrice);
 }
 
 void CoinListViewModelTest::aboveAlertFiresPerCrossing()
@@ -426,7 +606,12 @@ void CoinListViewModelTest::symbolChangeDropsTheHeldPrice()
 void CoinListViewModelTest::rebuildKeepsHeldPricesAndFollowsTheOrder()
 {
     World world;
-    world.poll({{btc, 100}, {eth, 50}});
+    PriceSnapshot snapshot;
+    snapshot.prices = {{btc, 100}, {eth, 50}};
+    snapshot.changes24h = {{btc, 1.25}};
+    world.prices.answer(snapshot);
+    const TimePoint fetched = world.clock.now();
+    world.clock.advance(10);
     world.change([](AppSettings &settings) {
         settings.watchlistCoins = {
             {QStringLiteral("ethereum")}, {QStringLiteral("coin-3")}, {QStringLiteral("bitcoin")}};
@@ -434,8 +619,11 @@ void CoinListViewModelTest::rebuildKeepsHeldPricesAndFollowsTheOrder()
     world.model->rebuildCoins();
     QCOMPARE(world.model->coins().size(), 3U);
     QCOMPARE(world.coin(0).currentPrice, std::optional(50.0));
+    QCOMPARE(world.coin(0).lastUpdated, std::optional(fetched));
     QVERIFY(!world.coin(1).currentPrice);
+    QVERIFY(!world.coin(1).lastUpdated);
     QCOMPARE(world.coin(2).referencePrice, std::optional(100.0));
+    QCOMPARE(world.coin(2).priceChange24hPercent, std::optional(1.25));
 }
 
 void CoinListViewModelTest::catalogChangeRebuildsAndFetches()

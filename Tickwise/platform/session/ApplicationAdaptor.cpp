@@ -37,18 +37,12 @@ void ApplicationAdaptor::Activate(const QVariantMap &platformData)
 
 void ApplicationAdaptor::Open(const QStringList &addresses, const QVariantMap &platformData)
 {
-    QList<QUrl> urls;
-    for (const QString &address : addresses) {
-        if (const QUrl url(address); url.isValid())
-            urls.append(url);
-    }
-    Q_EMIT m_instance->urlsOpened(urls, tokenOf(platformData));
+    Q_EMIT m_instance->urlsOpened(addresses, tokenOf(platformData));
 }
 
-// The desktop file names no actions, so that one can only be a launcher's wish to see the application.
-void ApplicationAdaptor::ActivateAction(const QString &, const QVariantList &, const QVariantMap &platformData)
+void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantList &, const QVariantMap &platformData)
 {
-    Q_EMIT m_instance->activated(tokenOf(platformData));
+    Q_EMIT m_instance->actionActivated(action, tokenOf(platformData));
 }
 
 } // namespace tickwise

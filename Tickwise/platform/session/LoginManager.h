@@ -1,16 +1,23 @@
 #pragma once
 
 #include <QDBusAbstractInterface>
+#include <QDBusPendingCall>
 
 namespace tickwise {
 
-/// The one signal that is wanted of org.freedesktop.login1.
+/// What is needed of org.freedesktop.login1.
 class LoginManager : public QDBusAbstractInterface
 {
     Q_OBJECT
 
 public:
     explicit LoginManager(const QDBusConnection &systemBus);
+
+    /// The bus name.
+    static QString service();
+
+    /// Asks for a lock that delays sleep for as long as the returned file descriptor is open.
+    QDBusPendingCall inhibitSleep();
 
 Q_SIGNALS:
     /// True before the machine sleeps, false after it woke.

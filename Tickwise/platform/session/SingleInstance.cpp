@@ -57,18 +57,14 @@ SingleInstance::~SingleInstance()
         ::close(m_lockFile);
 }
 
-SingleInstance::Role SingleInstance::claim(const QList<QUrl> &urls, const QString &activationToken)
+SingleInstance::Role SingleInstance::claim(const QStringList &addresses, const QString &activationToken)
 {
-    switch (requestName()) {
-    case NameRequest::granted:
-        return Role::first;
-    case NameRequest::taken:
-        forward(urls, activationToken);
+    if (requestName() == NameRequest::taken) {
+        forward(addresses, activationToken);
         return Role::alreadyRunning;
-    case NameRequest::noBus:
-        break;
     }
-    return claimLock();
+    // Also with the name: a copy without a bus, or on another one, has only the lock.
+    return takeLock() ? Role::first : Role::alreadyRunning;
 }
 
 SingleInstance::NameRequest SingleInstance::requestName()
@@ -87,14 +83,14 @@ SingleInstance::NameRequest SingleInstance::requestName()
     return reply.isValid() ? NameRequest::taken : NameRequest::noBus;
 }
 
-void SingleInstance::forward(const QList<QUrl> &urls, const QString &activationToken)
+void SingleInstance::forward(const QStringList &addresses, const QString &activationToken)
 {
-    const QString method = urls.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("Open");
+    const QString method = addresses.isEmpty() ? QStringLiteral("Activate") : QStringLiteral("Open");
     QDBusMessage message =
         QDBusMessage::createMethodCall(m_applicationId, m_objectPath, applicationInterface(), method);
     message.setAutoStartService(false);
-    if (!urls.isEmpty())
-        message << QUrl::toStringList(urls, QUrl::FullyEncoded);
+    if (!addresses.isEmpty())
+        message << addresses;
     QVariantMap platformData;
     if (!activationToken.isEmpty())
         platformData = {{ApplicationAdaptor::tokenKey(), activationToken},
@@ -106,23 +102,24 @@ void SingleInstance::forward(const QList<QUrl> &urls, const QString &activationT
     }
 }
 
-SingleInstance::Role SingleInstance::claimLock()
+/// True also where no lock file can be made.
+bool SingleInstance::takeLock()
 {
     if (m_lockFile >= 0 || m_lockDirectory.isEmpty())
-        return Role::first;
+        return true;
     const QString path = m_lockDirectory + u'/' + m_applicationId + QStringLiteral(".lock");
     const int file = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (file < 0) {
         qCInfo(lcSingleInstance).noquote() << "No lock file:" << path << qt_error_string(errno);
-        return Role::first;
+        return true;
     }
-    // The kernel gives the lock back when its process ends, however it ends: the file itself means nothing.
+    // The kernel releases the lock when its process ends, however it ends: the file itself means nothing.
     if (::flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         ::close(file);
-        return Role::alreadyRunning;
+        return false;
     }
     m_lockFile = file;
-    return Role::first;
+    return true;
 }
 
 QString SingleInstance::defaultLockDirectory(const QString &applicationId)

@@ -1,14 +1,13 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QList>
 #include <QObject>
-#include <QUrl>
+#include <QStringList>
 
 namespace tickwise {
 
-/// Keeps a second copy from running, and hears what launchers and second copies ask of the first:
-/// `org.freedesktop.Application` under the application's id, or a lock file where there is no session bus.
+/// Keeps a second copy from running, by a lock file and by a name on the session bus, and receives what launchers and
+/// second copies ask of the first through `org.freedesktop.Application`.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -24,9 +23,9 @@ public:
     SingleInstance(QString applicationId, QDBusConnection bus, QString lockDirectory, QObject *parent = nullptr);
     ~SingleInstance() override;
 
-    /// Decides, within two seconds also when another copy hangs. The first copy gets `urls` and `activationToken`:
-    /// without URLs it is asked to show itself.
-    Role claim(const QList<QUrl> &urls, const QString &activationToken);
+    /// Decides, within two seconds also when another copy hangs. Another copy gets `addresses` and `activationToken`:
+    /// without addresses it is asked to show itself.
+    Role claim(const QStringList &addresses, const QString &activationToken);
 
     /// $XDG_RUNTIME_DIR, or a folder of this user alone below the temporary folder; empty when neither can be had.
     static QString defaultLockDirectory(const QString &applicationId);
@@ -34,8 +33,10 @@ public:
 Q_SIGNALS:
     /// Somebody started the application again; `token` is empty where the desktop gave none.
     void activated(const QString &token);
-    /// Addresses were opened with the application.
-    void urlsOpened(const QList<QUrl> &urls, const QString &token);
+    /// Addresses, as they were written, were opened with the application.
+    void urlsOpened(const QStringList &addresses, const QString &token);
+    /// An action of the desktop file was chosen.
+    void actionActivated(const QString &action, const QString &token);
 
 private:
     enum class NameRequest
@@ -46,8 +47,8 @@ private:
     };
 
     NameRequest requestName();
-    void forward(const QList<QUrl> &urls, const QString &activationToken);
-    Role claimLock();
+    void forward(const QStringList &addresses, const QString &activationToken);
+    bool takeLock();
 
     QString m_applicationId;
     QString m_objectPath;

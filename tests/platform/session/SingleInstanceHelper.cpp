@@ -19,11 +19,6 @@ void say(const QString &line)
     std::fflush(stdout);
 }
 
-QString joined(const QList<QUrl> &urls)
-{
-    return QUrl::toStringList(urls).join(u' ');
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -32,17 +27,16 @@ int main(int argc, char *argv[])
     const QStringList arguments = application.arguments();
     const bool hangs = arguments.value(3) == QStringLiteral("--hang");
     const bool endsAfterOne = arguments.value(3) == QStringLiteral("--once");
-    QList<QUrl> urls;
-    for (const QString &argument : arguments.mid(hangs || endsAfterOne ? 4 : 3))
-        urls.append(QUrl(argument));
+    const QStringList addresses = arguments.mid(hangs || endsAfterOne ? 4 : 3);
     SingleInstance instance(arguments.at(1), QDBusConnection::sessionBus(), arguments.at(2));
     QObject::connect(&instance, &SingleInstance::activated, &instance,
                      [](const QString &token) { say(QStringLiteral("activated %1").arg(token)); });
     QObject::connect(&instance, &SingleInstance::urlsOpened, &instance,
-                     [](const QList<QUrl> &opened, const QString &token) {
-                         say(QStringLiteral("opened %1 %2").arg(joined(opened), token));
+                     [](const QStringList &opened, const QString &token) {
+                         say(QStringLiteral("opened %1 %2").arg(opened.join(u' '), token));
                      });
-    if (instance.claim(urls, qEnvironmentVariable("XDG_ACTIVATION_TOKEN")) == SingleInstance::Role::alreadyRunning) {
+    if (instance.claim(addresses, qEnvironmentVariable("XDG_ACTIVATION_TOKEN")) ==
+        SingleInstance::Role::alreadyRunning) {
         say(QStringLiteral("alreadyRunning"));
         return 0;
     }

@@ -81,7 +81,7 @@ class SingleInstanceTest : public QObject
 
 private Q_SLOTS:
     void aLaunchersCallsBecomeSignals();
-    void addressesThatAreNoneAreDropped();
+    void addressesArriveAsTheyWereWritten();
     void callsThatTheBusHeldBackArrive();
     void secondCopyQuitsAtOnce();
     void secondCopyHandsItsAddressesOver();
@@ -89,6 +89,8 @@ private Q_SLOTS:
     void theNameIsFreeAfterTheFirstCopy();
     void hangingFirstCopyDoesNotHangTheSecond();
     void busThatGoesAndReturns();
+    void copiesOnTwoBusesMeetAtTheLock();
+    void copyWithABusMeetsOneWithout();
     void secondCopyQuitsWithoutABus();
     void lockOfAKilledCopyIsNoHindrance();
     void lockFileOfRubbishIsNoHindrance();
@@ -119,25 +121,29 @@ void SingleInstanceTest::aLaunchersCallsBecomeSignals()
     launcher.send(applicationCall(QStringLiteral("Open"))
                   << QStringList{QStringLiteral("tickwise://popover")} << startupId);
     QTRY_COMPARE(opened.size(), 1);
-    QCOMPARE(opened.at(0).at(0).value<QList<QUrl>>(), QList<QUrl>{QUrl(QStringLiteral("tickwise://popover"))});
+    QCOMPARE(opened.at(0).at(0).toStringList(), QStringList{QStringLiteral("tickwise://popover")});
     QCOMPARE(opened.at(0).at(1).toString(), QStringLiteral("s1"));
 
+    QSignalSpy actions(&instance, &SingleInstance::actionActivated);
     launcher.send(applicationCall(QStringLiteral("ActivateAction"))
-                  << QStringLiteral("show") << QVariantList{} << QVariantMap{});
-    QTRY_COMPARE(activated.size(), 2);
-    QCOMPARE(activated.at(1).at(0).toString(), QString());
+                  << QStringLiteral("watchlist") << QVariantList{} << token);
+    QTRY_COMPARE(actions.size(), 1);
+    QCOMPARE(actions.at(0).at(0).toString(), QStringLiteral("watchlist"));
+    QCOMPARE(actions.at(0).at(1).toString(), QStringLiteral("t1"));
+    QCOMPARE(activated.size(), 1);
 }
 
-void SingleInstanceTest::addressesThatAreNoneAreDropped()
+void SingleInstanceTest::addressesArriveAsTheyWereWritten()
 {
     PrivateBus bus;
-    SingleInstance instance(applicationId(), bus.connect(), m_locks.path());
-    QCOMPARE(instance.claim({}, {}), SingleInstance::Role::first);
-    QSignalSpy opened(&instance, &SingleInstance::urlsOpened);
-    const QStringList addresses{QStringLiteral("http://[broken"), QString(), QStringLiteral("tickwise://popover")};
+    Copy first(bus.address(), m_locks.path());
+    QCOMPARE(first.nextLine(), QStringLiteral("first"));
+    const QStringList addresses{QStringLiteral("TICKWISE://Popover?q=%20x"), QStringLiteral("http://[broken")};
     bus.connect().send(applicationCall(QStringLiteral("Open")) << addresses << QVariantMap{});
-    QTRY_COMPARE(opened.size(), 1);
-    QCOMPARE(opened.at(0).at(0).value<QList<QUrl>>(), QList<QUrl>{QUrl(QStringLiteral("tickwise://popover"))});
+    QCOMPARE(first.nextLine(), QStringLiteral("opened TICKWISE://Popover?q=%20x http://[broken"));
+    Copy second(bus.address(), m_locks.path(), addresses);
+    QCOMPARE(second.nextLine(), QStringLiteral("alreadyRunning"));
+    QCOMPARE(first.nextLine(), QStringLiteral("opened TICKWISE://Popover?q=%20x http://[broken"));
 }
 
 void SingleInstanceTest::callsThatTheBusHeldBackArrive()
@@ -219,14 +225,35 @@ void SingleInstanceTest::busThatGoesAndReturns()
     QCOMPARE(first.nextLine(), QStringLiteral("first"));
     bus.stop();
     bus.start();
-    // It lost its connection, not its life, and ends in good order.
-    Copy next(bus.address(), m_locks.path());
-    QCOMPARE(next.nextLine(), QStringLiteral("first"));
+    // It lost its connection, not its life: two copies would write the same settings.
+    Copy second(bus.address(), m_locks.path());
+    QCOMPARE(second.nextLine(), QStringLiteral("alreadyRunning"));
     QCOMPARE(first.state(), QProcess::Running);
     first.closeWriteChannel();
     QVERIFY(first.waitForFinished(5000));
     QCOMPARE(first.exitStatus(), QProcess::NormalExit);
     QCOMPARE(first.exitCode(), 0);
+}
+
+void SingleInstanceTest::copiesOnTwoBusesMeetAtTheLock()
+{
+    PrivateBus bus;
+    PrivateBus otherBus;
+    Copy first(bus.address(), m_locks.path());
+    QCOMPARE(first.nextLine(), QStringLiteral("first"));
+    Copy second(otherBus.address(), m_locks.path());
+    QCOMPARE(second.nextLine(), QStringLiteral("alreadyRunning"));
+    QVERIFY(second.waitForFinished(5000));
+    QCOMPARE(first.state(), QProcess::Running);
+}
+
+void SingleInstanceTest::copyWithABusMeetsOneWithout()
+{
+    PrivateBus bus;
+    Copy first(QStringLiteral("unix:path=/nonexistent/bus"), m_locks.path());
+    QCOMPARE(first.nextLine(), QStringLiteral("first"));
+    Copy second(bus.address(), m_locks.path());
+    QCOMPARE(second.nextLine(), QStringLiteral("alreadyRunning"));
 }
 
 void SingleInstanceTest::secondCopyQuitsWithoutABus()
