@@ -3,8 +3,8 @@
 #include "app/LocalizationManager.h"
 #include "app/StatusMenu.h"
 #include "catalog/ShippedImages.h"
+#include "support/MainThread.h"
 
-#include <QThread>
 #include <QUrl>
 
 #include <algorithm>
@@ -47,7 +47,7 @@ AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationDidFinishLaunching()
 {
-    Q_ASSERT(thread() == QThread::currentThread());
+    requireMainThread();
     if (m_environment.environment.contains(QStringLiteral("XCTestConfigurationFilePath")))
         return;
     if (m_environment.isSecondCopy()) {
@@ -122,6 +122,7 @@ Menu AppDelegate::makeStatusMenu()
 
 void AppDelegate::changeCoin(const QString &coinId)
 {
+    requireMainThread();
     AppSettings settings = m_settingsViewModel.settings();
     settings.displayedCoinId = coinId;
     m_settingsViewModel.update(settings);
@@ -129,22 +130,26 @@ void AppDelegate::changeCoin(const QString &coinId)
 
 void AppDelegate::activate(const QString &token)
 {
+    requireMainThread();
     Q_EMIT activationRequested(token);
 }
 
 void AppDelegate::openSettingsWindow(SettingsTab tab, const QString &token)
 {
+    requireMainThread();
     Q_EMIT settingsWindowRequested(tab, token);
 }
 
 void AppDelegate::openUrls(const QStringList &addresses, const QString &token)
 {
+    requireMainThread();
     if (std::any_of(addresses.begin(), addresses.end(), isOwnAddress))
         activate(token);
 }
 
 void AppDelegate::performAction(const QString &action, const QString &token)
 {
+    requireMainThread();
     if (action == u"watchlist")
         openSettingsWindow(SettingsTab::watchlist, token);
     else if (action == u"settings")
@@ -157,7 +162,7 @@ void AppDelegate::performAction(const QString &action, const QString &token)
 
 void AppDelegate::handleNavigationNotification(const QVariantMap &userInfo)
 {
-    Q_ASSERT(thread() == QThread::currentThread());
+    requireMainThread();
     openSettingsWindow(requestedTab(userInfo));
 }
 

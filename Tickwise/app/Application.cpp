@@ -87,7 +87,7 @@ bool prepareProcess()
 
 Application::Application(ApplicationConfiguration configuration)
     : m_configuration(std::move(configuration))
-    , m_singleInstance(m_configuration.identifier, QDBusConnection::sessionBus(),
+    , m_singleInstance(m_configuration.identifier, m_sessionBus,
                        SingleInstance::defaultLockDirectory(m_configuration.identifier))
     , m_sleepMonitor(QDBusConnection::systemBus())
     , m_defaults(m_configuration.defaultsOrganization, m_configuration.defaultsApplication)
@@ -99,7 +99,7 @@ Application::Application(ApplicationConfiguration configuration)
           [this] { m_soundPlayer.play(); }))
     , m_loginItem(makeLoginItem(m_configuration.identifier, QDBusConnection::sessionBus(), runsInSandbox(),
                                 localized(QStringLiteral("general.launch.atLogin"))))
-    , m_widgetCenter(QDBusConnection::sessionBus())
+    , m_widgetCenter(m_sessionBus)
     , m_delegate(makeEnvironment())
 {
     QGuiApplication::setApplicationDisplayName(QString::fromLatin1(appInfo::displayName));

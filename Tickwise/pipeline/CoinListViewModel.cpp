@@ -2,8 +2,7 @@
 
 #include "market/FailureReason.h"
 #include "pipeline/AlertRule.h"
-
-#include <QThread>
+#include "support/MainThread.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,12 +12,6 @@
 namespace tickwise {
 
 namespace {
-
-void assertMainThread(const QObject *object)
-{
-    Q_ASSERT(object->thread() == QThread::currentThread());
-    Q_UNUSED(object)
-}
 
 /// The timer's period. An interval that is no time at all runs at the timer's shortest period.
 std::chrono::milliseconds timerPeriod(double seconds)
@@ -95,7 +88,7 @@ CoinListViewModel::CoinListViewModel(CoinCatalog &catalog, PriceFetching &priceS
 
 void CoinListViewModel::rebuildCoins()
 {
-    assertMainThread(this);
+    requireMainThread();
     if (const std::optional<AppSettings> reconciled = m_catalog.reconcile(m_settingsViewModel.settings()))
         m_settingsViewModel.update(*reconciled);
 
@@ -135,7 +128,7 @@ void CoinListViewModel::keepDisplayedCoinValid()
 
 void CoinListViewModel::restartPolling()
 {
-    assertMainThread(this);
+    requireMainThread();
     stopPolling();
     if (m_isSuspended)
         return;
@@ -145,13 +138,14 @@ void CoinListViewModel::restartPolling()
 
 void CoinListViewModel::suspendPolling()
 {
-    assertMainThread(this);
+    requireMainThread();
     m_isSuspended = true;
     stopPolling();
 }
 
 void CoinListViewModel::resumePolling()
 {
+    requireMainThread();
     m_isSuspended = false;
     restartPolling();
 }
@@ -170,7 +164,7 @@ void CoinListViewModel::discardFetch()
 
 void CoinListViewModel::fetchPrices()
 {
-    assertMainThread(this);
+    requireMainThread();
     const BaseCurrency requested = m_settingsViewModel.settings().baseCurrency;
     if (m_isLoading || m_isSuspended || requested != m_listCurrency)
         return;

@@ -2,9 +2,19 @@
 
 namespace tickwise {
 
+namespace {
+
+QString managerPath()
+{
+    return QStringLiteral("/org/freedesktop/login1");
+}
+
+constexpr char managerInterface[] = "org.freedesktop.login1.Manager";
+
+} // namespace
+
 LoginManager::LoginManager(const QDBusConnection &systemBus)
-    : QDBusAbstractInterface(service(), QStringLiteral("/org/freedesktop/login1"), "org.freedesktop.login1.Manager",
-                             systemBus, nullptr)
+    : QDBusAbstractInterface(service(), managerPath(), managerInterface, systemBus, nullptr)
 {
 }
 
@@ -13,10 +23,13 @@ QString LoginManager::service()
     return QStringLiteral("org.freedesktop.login1");
 }
 
-QDBusPendingCall LoginManager::inhibitSleep()
+QDBusMessage LoginManager::delaySleepCall()
 {
-    return asyncCall(QStringLiteral("Inhibit"), QStringLiteral("sleep"), QStringLiteral("Tickwise"),
-                     QStringLiteral("Prices are not fetched while the computer sleeps"), QStringLiteral("delay"));
+    QDBusMessage call = QDBusMessage::createMethodCall(service(), managerPath(), QString::fromLatin1(managerInterface),
+                                                       QStringLiteral("Inhibit"));
+    call << QStringLiteral("sleep") << QStringLiteral("Tickwise")
+         << QStringLiteral("Prices are not fetched while the computer sleeps") << QStringLiteral("delay");
+    return call;
 }
 
 } // namespace tickwise

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QDBusAbstractInterface>
-#include <QDBusPendingCall>
+#include <QDBusMessage>
 
 namespace tickwise {
 
@@ -16,8 +16,8 @@ public:
     /// The bus name.
     static QString service();
 
-    /// Asks for a lock that delays sleep for as long as the returned file descriptor is open.
-    QDBusPendingCall inhibitSleep();
+    /// The call that takes a delay lock: sleep waits for as long as the returned file descriptor is open.
+    static QDBusMessage delaySleepCall();
 
 Q_SIGNALS:
     /// True before the machine sleeps, false after it woke.

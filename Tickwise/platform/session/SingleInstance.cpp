@@ -1,9 +1,10 @@
 #include "platform/session/SingleInstance.h"
 
+#include "platform/dbus/BusCall.h"
+#include "platform/dbus/SessionBus.h"
 #include "platform/session/ApplicationAdaptor.h"
 #include "support/LogCategories.h"
 
-#include <QDBusMessage>
 #include <QDBusReply>
 #include <QDir>
 #include <QFile>
@@ -21,9 +22,7 @@ namespace {
 Q_LOGGING_CATEGORY(lcSingleInstance, "com.pelmo.tickwise.SingleInstance")
 
 constexpr int callTimeoutMs = 900;
-constexpr uint doNotQueue = 4;
-constexpr uint primaryOwner = 1;
-constexpr uint alreadyOwner = 4;
+constexpr uint waitInQueue = 0;
 
 QString applicationInterface()
 {
@@ -40,11 +39,11 @@ bool isPrivateFolder(const QString &path)
 
 } // namespace
 
-SingleInstance::SingleInstance(QString applicationId, QDBusConnection bus, QString lockDirectory, QObject *parent)
+SingleInstance::SingleInstance(QString applicationId, SessionBus &bus, QString lockDirectory, QObject *parent)
     : QObject(parent)
     , m_applicationId(std::move(applicationId))
     , m_objectPath(u'/' + QString(m_applicationId).replace(u'.', u'/'))
-    , m_bus(std::move(bus))
+    , m_bus(bus)
     , m_lockDirectory(std::move(lockDirectory))
 {
     new ApplicationAdaptor(this);
@@ -52,7 +51,7 @@ SingleInstance::SingleInstance(QString applicationId, QDBusConnection bus, QStri
 
 SingleInstance::~SingleInstance()
 {
-    m_bus.unregisterObject(m_objectPath);
+    QDBusConnection(m_bus.connection()).unregisterObject(m_objectPath);
     if (m_lockFile >= 0)
         ::close(m_lockFile);
 }
@@ -64,23 +63,36 @@ SingleInstance::Role SingleInstance::claim(const QStringList &addresses, const Q
         return Role::alreadyRunning;
     }
     // Also with the name: a copy without a bus, or on another one, has only the lock.
-    return takeLock() ? Role::first : Role::alreadyRunning;
+    if (!takeLock())
+        return Role::alreadyRunning;
+    connect(&m_bus, &SessionBus::connected, this, &SingleInstance::requestNameAgain);
+    return Role::first;
 }
 
 SingleInstance::NameRequest SingleInstance::requestName()
 {
     // The object has to be there before the name: a call that the bus held back arrives together with the name.
-    if (!m_bus.isConnected() || !m_bus.registerObject(m_objectPath, this, QDBusConnection::ExportAdaptors))
+    QDBusConnection bus = m_bus.connection();
+    if (!bus.isConnected() || !bus.registerObject(m_objectPath, this, QDBusConnection::ExportAdaptors))
         return NameRequest::noBus;
-    QDBusMessage request =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("RequestName"));
-    request << m_applicationId << doNotQueue;
-    const QDBusReply<uint> reply = m_bus.call(request, QDBus::Block, callTimeoutMs);
-    if (reply.isValid() && (reply.value() == primaryOwner || reply.value() == alreadyOwner))
+    const QDBusMessage request = busCall(QStringLiteral("RequestName"), {m_applicationId, busName::doNotQueue});
+    const QDBusReply<uint> reply = bus.call(request, QDBus::Block, callTimeoutMs);
+    if (reply.isValid() && (reply.value() == busName::primaryOwner || reply.value() == busName::alreadyOwner))
         return NameRequest::granted;
-    m_bus.unregisterObject(m_objectPath);
+    bus.unregisterObject(m_objectPath);
     return reply.isValid() ? NameRequest::taken : NameRequest::noBus;
+}
+
+// A second copy that has just started may hold the name until it has seen the lock file.
+void SingleInstance::requestNameAgain()
+{
+    QDBusConnection bus = m_bus.connection();
+    bus.registerObject(m_objectPath, this, QDBusConnection::ExportAdaptors);
+    sendCall<uint>(bus, busCall(QStringLiteral("RequestName"), {m_applicationId, waitInQueue}), this,
+                   [](const Result<uint> &answer) {
+                       if (!answer)
+                           qCInfo(lcSingleInstance) << "No name on the session bus:" << description(answer.error());
+                   });
 }
 
 void SingleInstance::forward(const QStringList &addresses, const QString &activationToken)
@@ -96,7 +108,7 @@ void SingleInstance::forward(const QStringList &addresses, const QString &activa
         platformData = {{ApplicationAdaptor::tokenKey(), activationToken},
                         {ApplicationAdaptor::startupIdKey(), activationToken}};
     message << platformData;
-    if (const QDBusMessage reply = m_bus.call(message, QDBus::Block, callTimeoutMs);
+    if (const QDBusMessage reply = m_bus.connection().call(message, QDBus::Block, callTimeoutMs);
         reply.type() == QDBusMessage::ErrorMessage) {
         qCInfo(lcSingleInstance).noquote() << "The running copy did not answer:" << reply.errorMessage();
     }

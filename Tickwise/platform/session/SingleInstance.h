@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QDBusConnection>
 #include <QObject>
 #include <QStringList>
 
 namespace tickwise {
 
+class SessionBus;
+
 /// Keeps a second copy from running, by a lock file and by a name on the session bus, and receives what launchers and
-/// second copies ask of the first through `org.freedesktop.Application`.
+/// second copies ask of the first through `org.freedesktop.Application`. Takes its name again on a bus that returns.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -20,7 +21,8 @@ public:
     };
 
     /// `applicationId` is the bus name; `lockDirectory` is where the lock file goes (see `defaultLockDirectory`).
-    SingleInstance(QString applicationId, QDBusConnection bus, QString lockDirectory, QObject *parent = nullptr);
+    /// `bus` has to outlive it.
+    SingleInstance(QString applicationId, SessionBus &bus, QString lockDirectory, QObject *parent = nullptr);
     ~SingleInstance() override;
 
     /// Decides, within two seconds also when another copy hangs. Another copy gets `addresses` and `activationToken`:
@@ -49,10 +51,11 @@ private:
     NameRequest requestName();
     void forward(const QStringList &addresses, const QString &activationToken);
     bool takeLock();
+    void requestNameAgain();
 
     QString m_applicationId;
     QString m_objectPath;
-    QDBusConnection m_bus;
+    SessionBus &m_bus;
     QString m_lockDirectory;
     int m_lockFile = -1;
 };

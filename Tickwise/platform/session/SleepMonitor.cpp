@@ -1,10 +1,7 @@
 #include "platform/session/SleepMonitor.h"
 
+#include "platform/dbus/BusCall.h"
 #include "platform/session/LoginManager.h"
-
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 
 namespace tickwise {
 
@@ -56,14 +53,12 @@ void SleepMonitor::checkForLostWake()
 
 void SleepMonitor::takeDelayLock()
 {
-    auto *const call = new QDBusPendingCallWatcher(m_loginManager->inhibitSleep(), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *finished) {
-        finished->deleteLater();
-        const QDBusPendingReply<QDBusUnixFileDescriptor> reply = *finished;
-        const bool isAwake = !m_checkTimer.isActive();
-        if (isAwake && !reply.isError())
-            m_delayLock = reply.value();
-    });
+    sendCall<QDBusUnixFileDescriptor>(m_bus, LoginManager::delaySleepCall(), this,
+                                      [this](const Result<QDBusUnixFileDescriptor> &lock) {
+                                          const bool isAwake = !m_checkTimer.isActive();
+                                          if (lock && isAwake)
+                                              m_delayLock = *lock;
+                                      });
 }
 
 } // namespace tickwise

@@ -1,19 +1,22 @@
 #include "platform/session/WidgetCenter.h"
 
+#include "platform/dbus/SessionBus.h"
+
 #include <QDBusMessage>
 
 namespace tickwise {
 
-WidgetCenter::WidgetCenter(QDBusConnection bus)
-    : m_bus(std::move(bus))
+WidgetCenter::WidgetCenter(const SessionBus &bus)
+    : m_bus(bus)
 {
 }
 
-void WidgetCenter::reloadAllTimelines()
+void WidgetCenter::reloadAllTimelines() const
 {
-    if (m_bus.isConnected())
-        m_bus.send(QDBusMessage::createSignal(QString::fromLatin1(objectPath), QString::fromLatin1(interfaceName),
-                                              QString::fromLatin1(reloadSignal)));
+    const QDBusConnection &bus = m_bus.connection();
+    if (bus.isConnected())
+        bus.send(QDBusMessage::createSignal(QString::fromLatin1(objectPath), QString::fromLatin1(interfaceName),
+                                            QString::fromLatin1(reloadSignal)));
 }
 
 } // namespace tickwise

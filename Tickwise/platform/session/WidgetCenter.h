@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QDBusConnection>
-
 namespace tickwise {
 
-/// Tells the desktop widgets, over the session bus, that the snapshot file is worth reading again.
+class SessionBus;
+
+/// Tells the desktop widgets, over the session bus, that the snapshot file has changed visibly.
 class WidgetCenter
 {
 public:
@@ -12,13 +12,14 @@ public:
     static constexpr char interfaceName[] = "com.pelmo.tickwise.WidgetCenter";
     static constexpr char reloadSignal[] = "ReloadAllTimelines";
 
-    /// `bus` may be unconnected: then there is nobody to tell.
-    explicit WidgetCenter(QDBusConnection bus);
+    /// `bus` has to outlive it.
+    explicit WidgetCenter(const SessionBus &bus);
 
-    void reloadAllTimelines();
+    /// Emits the signal; without a bus there is nobody to tell.
+    void reloadAllTimelines() const;
 
 private:
-    QDBusConnection m_bus;
+    const SessionBus &m_bus;
 };
 
 } // namespace tickwise

@@ -1,6 +1,7 @@
 // A process that claims to be the only one: prints its role, then what it is asked, one line each, until its input
 // ends. Arguments: the application's id, the folder of the lock file, then the addresses to open; "--hang" as the first
 // of those lets it stop listening once it is the first copy.
+#include "platform/dbus/SessionBus.h"
 #include "platform/session/SingleInstance.h"
 
 #include <QCoreApplication>
@@ -28,7 +29,8 @@ int main(int argc, char *argv[])
     const bool hangs = arguments.value(3) == QStringLiteral("--hang");
     const bool endsAfterOne = arguments.value(3) == QStringLiteral("--once");
     const QStringList addresses = arguments.mid(hangs || endsAfterOne ? 4 : 3);
-    SingleInstance instance(arguments.at(1), QDBusConnection::sessionBus(), arguments.at(2));
+    SessionBus bus;
+    SingleInstance instance(arguments.at(1), bus, arguments.at(2));
     QObject::connect(&instance, &SingleInstance::activated, &instance,
                      [](const QString &token) { say(QStringLiteral("activated %1").arg(token)); });
     QObject::connect(&instance, &SingleInstance::urlsOpened, &instance,

@@ -2,7 +2,9 @@
 #include "doubles/TestProgram.h"
 
 #include "doubles/PrivateBus.h"
+#include "platform/dbus/SessionBus.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusPendingReply>
@@ -32,9 +34,9 @@ QString objectPath()
     return QStringLiteral("/com/pelmo/tickwise/test");
 }
 
-QDBusConnection noBus()
+QString nowhere()
 {
-    return QDBusConnection(QStringLiteral("not connected"));
+    return QStringLiteral("unix:path=/nonexistent/bus");
 }
 
 /// A copy of the application in a process of its own.
@@ -89,6 +91,7 @@ private Q_SLOTS:
     void theNameIsFreeAfterTheFirstCopy();
     void hangingFirstCopyDoesNotHangTheSecond();
     void busThatGoesAndReturns();
+    void busThatStartsLater();
     void copiesOnTwoBusesMeetAtTheLock();
     void copyWithABusMeetsOneWithout();
     void secondCopyQuitsWithoutABus();
@@ -106,7 +109,8 @@ private:
 void SingleInstanceTest::aLaunchersCallsBecomeSignals()
 {
     PrivateBus bus;
-    SingleInstance instance(applicationId(), bus.connect(), m_locks.path());
+    SessionBus sessionBus(bus.address());
+    SingleInstance instance(applicationId(), sessionBus, m_locks.path());
     QCOMPARE(instance.claim({}, {}), SingleInstance::Role::first);
     QSignalSpy activated(&instance, &SingleInstance::activated);
     QSignalSpy opened(&instance, &SingleInstance::urlsOpened);
@@ -184,8 +188,10 @@ void SingleInstanceTest::secondCopyHandsItsAddressesOver()
 void SingleInstanceTest::twoApplicationsDoNotMeet()
 {
     PrivateBus bus;
-    SingleInstance one(applicationId(), bus.connect(), m_locks.path());
-    SingleInstance other(QStringLiteral("com.pelmo.tickwise.other"), bus.connect(), m_locks.path());
+    SessionBus sessionBus(bus.address());
+    SessionBus otherSessionBus(bus.address());
+    SingleInstance one(applicationId(), sessionBus, m_locks.path());
+    SingleInstance other(QStringLiteral("com.pelmo.tickwise.other"), otherSessionBus, m_locks.path());
     QCOMPARE(one.claim({}, {}), SingleInstance::Role::first);
     QCOMPARE(other.claim({}, {}), SingleInstance::Role::first);
 }
@@ -223,16 +229,42 @@ void SingleInstanceTest::busThatGoesAndReturns()
     PrivateBus bus;
     Copy first(bus.address(), m_locks.path());
     QCOMPARE(first.nextLine(), QStringLiteral("first"));
-    bus.stop();
-    bus.start();
-    // It lost its connection, not its life: two copies would write the same settings.
-    Copy second(bus.address(), m_locks.path());
-    QCOMPARE(second.nextLine(), QStringLiteral("alreadyRunning"));
+    for (int time = 0; time < 2; ++time) {
+        bus.stop();
+        bus.start();
+        // It lost its connection, not its life: two copies would write the same settings.
+        Copy early(bus.address(), m_locks.path());
+        QCOMPARE(early.nextLine(), QStringLiteral("alreadyRunning"));
+        QVERIFY(early.waitForFinished(5000));
+        const QDBusConnection observer = bus.connect();
+        QTRY_VERIFY(observer.interface()->isServiceRegistered(applicationId()));
+        first.readAll(); // the early copy may have reached it or not
+        Copy second(bus.address(), m_locks.path(), {}, QStringLiteral("token"));
+        QCOMPARE(second.nextLine(), QStringLiteral("alreadyRunning"));
+        QString line = first.nextLine();
+        if (line == QStringLiteral("activated"))
+            line = first.nextLine();
+        QCOMPARE(line, QStringLiteral("activated token"));
+    }
     QCOMPARE(first.state(), QProcess::Running);
     first.closeWriteChannel();
     QVERIFY(first.waitForFinished(5000));
     QCOMPARE(first.exitStatus(), QProcess::NormalExit);
     QCOMPARE(first.exitCode(), 0);
+}
+
+void SingleInstanceTest::busThatStartsLater()
+{
+    PrivateBus bus;
+    bus.stop();
+    Copy first(bus.address(), m_locks.path());
+    QCOMPARE(first.nextLine(), QStringLiteral("first"));
+    bus.start();
+    const QDBusConnection observer = bus.connect();
+    QTRY_VERIFY(observer.interface()->isServiceRegistered(applicationId()));
+    observer.send(applicationCall(QStringLiteral("Activate"))
+                  << QVariantMap{{QStringLiteral("activation-token"), QStringLiteral("t1")}});
+    QCOMPARE(first.nextLine(), QStringLiteral("activated t1"));
 }
 
 void SingleInstanceTest::copiesOnTwoBusesMeetAtTheLock()
@@ -250,7 +282,7 @@ void SingleInstanceTest::copiesOnTwoBusesMeetAtTheLock()
 void SingleInstanceTest::copyWithABusMeetsOneWithout()
 {
     PrivateBus bus;
-    Copy first(QStringLiteral("unix:path=/nonexistent/bus"), m_locks.path());
+    Copy first(nowhere(), m_locks.path());
     QCOMPARE(first.nextLine(), QStringLiteral("first"));
     Copy second(bus.address(), m_locks.path());
     QCOMPARE(second.nextLine(), QStringLiteral("alreadyRunning"));
@@ -258,10 +290,9 @@ void SingleInstanceTest::copyWithABusMeetsOneWithout()
 
 void SingleInstanceTest::secondCopyQuitsWithoutABus()
 {
-    const QString nowhere = QStringLiteral("unix:path=/nonexistent/bus");
-    Copy first(nowhere, m_locks.path());
+    Copy first(nowhere(), m_locks.path());
     QCOMPARE(first.nextLine(), QStringLiteral("first"));
-    Copy second(nowhere, m_locks.path());
+    Copy second(nowhere(), m_locks.path());
     QCOMPARE(second.nextLine(), QStringLiteral("alreadyRunning"));
     QVERIFY(second.waitForFinished(5000));
     QCOMPARE(first.state(), QProcess::Running);
@@ -269,13 +300,12 @@ void SingleInstanceTest::secondCopyQuitsWithoutABus()
 
 void SingleInstanceTest::lockOfAKilledCopyIsNoHindrance()
 {
-    const QString nowhere = QStringLiteral("unix:path=/nonexistent/bus");
-    Copy killed(nowhere, m_locks.path());
+    Copy killed(nowhere(), m_locks.path());
     QCOMPARE(killed.nextLine(), QStringLiteral("first"));
     killed.kill();
     QVERIFY(killed.waitForFinished(5000));
     QVERIFY(QFile::exists(m_locks.filePath(applicationId() + QStringLiteral(".lock"))));
-    Copy next(nowhere, m_locks.path());
+    Copy next(nowhere(), m_locks.path());
     QCOMPARE(next.nextLine(), QStringLiteral("first"));
 }
 
@@ -286,15 +316,17 @@ void SingleInstanceTest::lockFileOfRubbishIsNoHindrance()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("1\nsomebody else\nanother machine\n");
     file.close();
-    SingleInstance instance(applicationId(), noBus(), locks.path());
+    SessionBus noBus(nowhere());
+    SingleInstance instance(applicationId(), noBus, locks.path());
     QCOMPARE(instance.claim({}, {}), SingleInstance::Role::first);
 }
 
 void SingleInstanceTest::noPlaceForALockFile()
 {
-    SingleInstance one(applicationId(), noBus(), QStringLiteral("/nonexistent/folder"));
+    SessionBus noBus(nowhere());
+    SingleInstance one(applicationId(), noBus, QStringLiteral("/nonexistent/folder"));
     QCOMPARE(one.claim({}, {}), SingleInstance::Role::first);
-    SingleInstance other(applicationId(), noBus(), QString());
+    SingleInstance other(applicationId(), noBus, QString());
     QCOMPARE(other.claim({}, {}), SingleInstance::Role::first);
     QVERIFY(!QFile::exists(u'/' + applicationId() + QStringLiteral(".lock")));
 }

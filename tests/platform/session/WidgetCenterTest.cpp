@@ -3,6 +3,7 @@
 
 #include "doubles/LogCapture.h"
 #include "doubles/PrivateBus.h"
+#include "platform/dbus/SessionBus.h"
 
 #include <QDBusAbstractInterface>
 #include <QSignalSpy>
@@ -36,15 +37,16 @@ class WidgetCenterTest : public QObject
 
 private Q_SLOTS:
     void widgetsHearTheReload();
+    void busThatReturnsIsUsed();
     void quietWithoutABus();
 };
 
 void WidgetCenterTest::widgetsHearTheReload()
 {
     PrivateBus bus;
-    const QDBusConnection application = bus.connect();
-    const Widget widget(bus.connect(), application.baseService());
-    const Widget another(bus.connect(), application.baseService());
+    const SessionBus application(bus.address());
+    const Widget widget(bus.connect(), application.connection().baseService());
+    const Widget another(bus.connect(), application.connection().baseService());
     QSignalSpy heard(&widget, &Widget::ReloadAllTimelines);
     QSignalSpy alsoHeard(&another, &Widget::ReloadAllTimelines);
     WidgetCenter(application).reloadAllTimelines();
@@ -52,10 +54,26 @@ void WidgetCenterTest::widgetsHearTheReload()
     QTRY_COMPARE(alsoHeard.size(), 1);
 }
 
+void WidgetCenterTest::busThatReturnsIsUsed()
+{
+    PrivateBus bus;
+    SessionBus application(bus.address());
+    const WidgetCenter center(application);
+    QSignalSpy connected(&application, &SessionBus::connected);
+    bus.stop();
+    bus.start();
+    QTRY_COMPARE(connected.size(), 1);
+    const Widget widget(bus.connect(), application.connection().baseService());
+    QSignalSpy heard(&widget, &Widget::ReloadAllTimelines);
+    center.reloadAllTimelines();
+    QTRY_COMPARE(heard.size(), 1);
+}
+
 void WidgetCenterTest::quietWithoutABus()
 {
     const LogCapture log;
-    WidgetCenter(QDBusConnection(QStringLiteral("no such connection"))).reloadAllTimelines();
+    const SessionBus noBus(QStringLiteral("unix:path=/nonexistent/bus"));
+    WidgetCenter(noBus).reloadAllTimelines();
     QVERIFY(log.lines().empty());
 }
 
