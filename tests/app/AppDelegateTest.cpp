@@ -35,6 +35,20 @@ QByteArray binanceBody(const std::map<QString, double> &prices, TimePoint now)
     return QStringLiteral("[%1]").arg(records.join(QLatin1Char(','))).toUtf8();
 }
 
+/// An updater that is told by the test whether it can check.
+class UpdaterBackendDouble : public UpdaterBackend
+{
+public:
+    void checkForUpdates() override { ++checks; }
+    void setAutomaticallyChecksForUpdates(bool enabled) override { automatic = enabled; }
+    QBindable<bool> bindableCanCheckForUpdates() override { return &canCheck; }
+    QBindable<bool> bindableAutomaticallyChecksForUpdates() override { return &automatic; }
+
+    QProperty<bool> canCheck{false};
+    QProperty<bool> automatic{true};
+    int checks = 0;
+};
+
 /// A delegate among doubles.
 struct World
 {
@@ -58,6 +72,7 @@ struct World
                               .httpClient = http,
                               .notificationCenter = notifications,
                               .loginItem = loginItem,
+                              .attachUpdater = attachUpdater,
                               .makeStatusItem =
                                   [this] {
                                       auto made = std::make_unique<RecordingStatusItem>();
@@ -91,6 +106,7 @@ struct World
     RecordingLoginItem loginItem;
     bool secondCopy = false;
     QString catalogPath = QStringLiteral(":/coins.json");
+    std::function<void(UpdateController &)> attachUpdater;
     QProcessEnvironment processEnvironment{QProcessEnvironment::InheritFromParent};
     QPointer<RecordingStatusItem> item;
     std::unique_ptr<AppDelegate> delegate;
@@ -125,6 +141,7 @@ private Q_SLOTS:
     void loginItemFollowsTheSetting();
     void authorizationIsRequestedOnce();
     void menuListsTheWatchlistAndQuits();
+    void menuChecksForUpdates();
     void menuHasNoEntryForAnUnknownCoin();
     void menuIsBuiltAnewEachTime();
     void changeCoinPublishesAndSaves();
@@ -278,6 +295,24 @@ void AppDelegateTest::menuListsTheWatchlistAndQuits()
     QVERIFY(!menu.back().iconName.isEmpty());
     menu.back().activate();
     QCOMPARE(world.quit->count(), 1);
+}
+
+void AppDelegateTest::menuChecksForUpdates()
+{
+    World world;
+    auto backend = std::make_unique<UpdaterBackendDouble>();
+    UpdaterBackendDouble &updater = *backend;
+    world.attachUpdater = [&](UpdateController &controller) { controller.attach(std::move(backend)); };
+    world.launch();
+    QVERIFY(!world.item->menu()[2].enabled);
+    updater.canCheck = true;
+    const MenuEntry entry = world.item->menu()[2];
+    QVERIFY(entry.enabled);
+    QCOMPARE(updater.checks, 0);
+    entry.activate();
+    QCOMPARE(updater.checks, 1);
+    updater.canCheck = false;
+    QVERIFY(!world.item->menu()[2].enabled);
 }
 
 void AppDelegateTest::menuHasNoEntryForAnUnknownCoin()

@@ -1,7 +1,11 @@
 #pragma once
 
 #include "settings/SettingsDataStorage.h"
-#include "ui/updates/UpdateSelection.h"
+#include "support/Clock.h"
+
+#include <QString>
+
+#include <optional>
 
 namespace tickwise {
 
@@ -11,13 +15,12 @@ struct UpdaterSettings
     bool automaticallyChecks = true;
     std::optional<TimePoint> lastCheck; ///< the last time the feed's server answered
     QString skippedVersion;             ///< empty: none
-    std::optional<SeenVersion> newestSeen;
     bool operator==(const UpdaterSettings &) const = default;
 };
 
 /// Decodes field by field: what is missing or wrong is its default.
 UpdaterSettings decodeUpdaterSettings(const QByteArray &json);
-QByteArray encodeUpdaterSettings(const UpdaterSettings &settings);
+Result<QByteArray> encodeUpdaterSettings(const UpdaterSettings &settings);
 
 /// Keeps the record as one JSON document under the key "updater".
 class UpdaterSettingsStore
