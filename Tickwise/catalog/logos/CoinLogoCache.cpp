@@ -27,7 +27,9 @@ QSet<QString> CoinLogoCache::cachedIDs() const
     QSet<QString> ids;
     if (!directory)
         return ids;
-    const QStringList names = QDir(*directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    // "System" lists symbolic links to nowhere, too.
+    const QStringList names =
+        QDir(*directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QString &name : names) {
         if (name.endsWith(suffix))
             ids.insert(name.chopped(suffix.size()));
@@ -72,8 +74,8 @@ Result<void> CoinLogoCache::write(const QString &id, const QByteArray &bytes) co
 
 void CoinLogoCache::remove(const QString &id) const
 {
-    if (const std::optional<QString> name = path(id))
-        QFile::remove(*name);
+    if (directory && !id.contains(u'/'))
+        QFile::remove(QDir(*directory).filePath(id + suffix));
 }
 
 } // namespace tickwise
