@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <unistd.h>
 
 namespace tickwise {
 
@@ -21,25 +20,26 @@ tl::unexpected<Error> systemFailure(const QString &path)
     return fileFailure(path, qt_error_string(errno));
 }
 
-Result<void> writeDurably(const QString &path, const QByteArray &bytes)
+Result<void> writeFile(const QString &path, const QByteArray &bytes)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
         return fileFailure(path, file.errorString());
     if (file.write(bytes) != bytes.size())
         return fileFailure(path, file.errorString());
-    // Otherwise a power cut after the rename could leave an empty file under the final name.
-    if (fdatasync(file.handle()) != 0)
-        return systemFailure(path);
     return {};
 }
 
+/// Writes beside the file and renames, so that a reader finds a whole file. Nothing waits for the disk: this runs on
+/// the main thread at every poll. A crash of the machine may lose the newest snapshot or leave an empty one, which the
+/// reader refuses and the next poll replaces.
+///
 /// One fixed temporary name, so that a process killed in between leaves at most one stray file, which the next write
 /// uses.
 Result<void> replaceFile(const QString &path, const QByteArray &bytes)
 {
     const QString temporary = path + QStringLiteral(".new");
-    Result<void> written = writeDurably(temporary, bytes);
+    Result<void> written = writeFile(temporary, bytes);
     if (written && std::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(path).constData()) != 0)
         written = systemFailure(path);
     if (!written)

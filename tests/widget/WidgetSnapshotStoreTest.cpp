@@ -9,6 +9,25 @@
 
 #include <limits>
 
+namespace {
+
+int waitsForTheDisk = 0; ///< how often something waited until a file was on the disk
+
+} // namespace
+
+// These stand in for the C library's in the whole program.
+extern "C" int fsync(int)
+{
+    ++waitsForTheDisk;
+    return 0;
+}
+
+extern "C" int fdatasync(int)
+{
+    ++waitsForTheDisk;
+    return 0;
+}
+
 using namespace tickwise;
 using namespace tickwise::test;
 
@@ -38,6 +57,8 @@ private Q_SLOTS:
     void absentDirectoryDoesNothingAndSucceeds();
     void makesTheDirectories();
     void replacesTheFileAndLeavesNothingElse();
+    void readerKeepsTheOldFileWhileANewOneIsWritten();
+    void doesNotWaitForTheDisk();
     void usesWhatAKilledWriterLeft();
     void failsWhereTheDirectoryCannotBeMade();
     void failedWriteLeavesTheOldFile_data();
@@ -73,6 +94,24 @@ void WidgetSnapshotStoreTest::replacesTheFileAndLeavesNothingElse()
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), encodeWidgetSnapshot(snapshotOf(2)).value());
     QCOMPARE(QDir(*store.directory).entryList(QDir::Files), QStringList(QStringLiteral("widget-snapshot.json")));
+}
+
+void WidgetSnapshotStoreTest::readerKeepsTheOldFileWhileANewOneIsWritten()
+{
+    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("reader"))};
+    QVERIFY(store.write(snapshotOf(1)));
+    QFile reader(*store.path());
+    QVERIFY(reader.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    QVERIFY(store.write(snapshotOf(2)));
+    QCOMPARE(decodeWidgetSnapshot(reader.readAll()).value(), snapshotOf(1));
+}
+
+void WidgetSnapshotStoreTest::doesNotWaitForTheDisk()
+{
+    QCOMPARE(fsync(-1) + fdatasync(-1), 0);
+    QCOMPARE(waitsForTheDisk, 2);
+    QVERIFY(WidgetSnapshotStore{m_directory.filePath(QStringLiteral("sync"))}.write(snapshotOf(1)));
+    QCOMPARE(waitsForTheDisk, 2);
 }
 
 void WidgetSnapshotStoreTest::usesWhatAKilledWriterLeft()
