@@ -34,6 +34,8 @@ private Q_SLOTS:
     void lastWithoutQuotesReloadsForAnyQuote();
     void oldPriceOfZeroOrLessNeverTriggers_data();
     void oldPriceOfZeroOrLessNeverTriggers();
+    void oldPriceOfOneOrLessCounts_data();
+    void oldPriceOfOneOrLessCounts();
     void timeCountsFromTheReload();
 };
 
@@ -110,6 +112,30 @@ void ReloadDecisionTest::oldPriceOfZeroOrLessNeverTriggers()
     WidgetSnapshot old = lastSnapshot();
     old.quotes[bitcoin].price = oldPrice;
     QVERIFY(!needsWidgetReload(WidgetReload{old, old.writtenAt}, lastSnapshot()));
+}
+
+void ReloadDecisionTest::oldPriceOfOneOrLessCounts_data()
+{
+    QTest::addColumn<double>("oldPrice");
+    QTest::addColumn<double>("newPrice");
+    QTest::addColumn<bool>("reloads");
+    QTest::newRow("from 1, 0.9 %") << 1.0 << 1.009 << false;
+    QTest::newRow("from 1, 1.1 %") << 1.0 << 1.011 << true;
+    QTest::newRow("from 0.5, 0.9 %") << 0.5 << 0.5045 << false;
+    QTest::newRow("from 0.5, 1.1 %") << 0.5 << 0.4945 << true;
+    QTest::newRow("from 0.00000001") << 1e-8 << 1.02e-8 << true;
+}
+
+void ReloadDecisionTest::oldPriceOfOneOrLessCounts()
+{
+    QFETCH(double, oldPrice);
+    QFETCH(double, newPrice);
+    QFETCH(bool, reloads);
+    WidgetSnapshot old = lastSnapshot();
+    old.quotes[bitcoin].price = oldPrice;
+    WidgetSnapshot snapshot = old;
+    snapshot.quotes[bitcoin].price = newPrice;
+    QCOMPARE(needsWidgetReload(WidgetReload{old, old.writtenAt}, snapshot), reloads);
 }
 
 void ReloadDecisionTest::timeCountsFromTheReload()
