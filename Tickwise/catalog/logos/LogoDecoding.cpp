@@ -1,5 +1,6 @@
 #include "catalog/logos/LogoDecoding.h"
 
+#include "catalog/logos/DeclaredLengths.h"
 #include "support/LogCategories.h"
 
 #include <QIODevice>
@@ -51,6 +52,11 @@ QByteArray decoderName(const QByteArray &bytes)
     const auto format = std::ranges::find_if(rasterFormats, matches);
     return format == rasterFormats.end() ? QByteArray()
                                          : QByteArray(format->decoder.data(), qsizetype(format->decoder.size()));
+}
+
+bool partsFit(const QByteArray &bytes, const QByteArray &decoder)
+{
+    return (decoder != "png" || pngPartsFit(bytes)) && (decoder != "ico" || iconPartsFit(bytes));
 }
 
 /// Lowers the limit of what image decoders may allocate, for as long as it lives.
@@ -180,7 +186,7 @@ QImage readScaled(BoundedBytes &bytes, const QByteArray &decoder)
 std::optional<QImage> decodeLogo(const QByteArray &bytes)
 {
     const QByteArray decoder = decoderName(bytes);
-    if (decoder.isEmpty())
+    if (decoder.isEmpty() || !partsFit(bytes, decoder))
         return std::nullopt;
     const AllocationLimit limit;
     BoundedBytes bounded(bytes, decoder);
