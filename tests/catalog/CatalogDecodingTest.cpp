@@ -45,7 +45,7 @@ void CatalogDecodingTest::readsEveryField()
 void CatalogDecodingTest::ignoresUnknownKeys()
 {
     const auto document = decodeCatalog(
-        R"({"schemaVersion":1,"more":{},"coins":[{"id":"a","symbol":"A","name":"A","status":"active","listed":true,"logoAssetName":"x","colour":3}]})");
+        R"({"schemaVersion":1,"more":{},"coins":[{"id":"a","symbol":"A","name":"A","status":"active","listed":true,"logoAssetName":"x","color":3}]})");
     QVERIFY(document.has_value());
     QVERIFY(!document->coins.front().logoAssetName);
 }

@@ -62,10 +62,10 @@ void ReloadDecisionTest::decides_data()
     row("clock went back", false, after(-1000));
     row("language", true, [](WidgetSnapshot &snapshot) { snapshot.language = AppLanguage::zhHans; });
     row("currency", true, [](WidgetSnapshot &snapshot) { snapshot.currency = BaseCurrency::eur; });
-    row("colour switch", true, [](WidgetSnapshot &snapshot) { snapshot.colorByChange = false; });
-    row("up colour", true, [](WidgetSnapshot &snapshot) { snapshot.upColorHex = QStringLiteral("#000000"); });
-    row("down colour", true, [](WidgetSnapshot &snapshot) { snapshot.downColorHex = QStringLiteral("#000000"); });
-    row("swapped colours", true,
+    row("color switch", true, [](WidgetSnapshot &snapshot) { snapshot.colorByChange = false; });
+    row("up color", true, [](WidgetSnapshot &snapshot) { snapshot.upColorHex = QStringLiteral("#000000"); });
+    row("down color", true, [](WidgetSnapshot &snapshot) { snapshot.downColorHex = QStringLiteral("#000000"); });
+    row("swapped colors", true,
         [](WidgetSnapshot &snapshot) { std::swap(snapshot.upColorHex, snapshot.downColorHex); });
     row("displayed coin", true, [](WidgetSnapshot &snapshot) { snapshot.displayedCoinId = ethereum; });
     row("watchlist shorter", true, [](WidgetSnapshot &snapshot) { snapshot.watchlist.pop_back(); });

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kills = 1000;
 
-/// A snapshot whose length differs from that of its neighbours and that tells its number.
+/// A snapshot whose length differs from that of its neighbors and that tells its number.
 WidgetSnapshot numbered(int number)
 {
     WidgetSnapshot snapshot = makeWidgetSnapshot({}, {}, TestClock().now());

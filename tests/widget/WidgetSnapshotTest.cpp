@@ -227,8 +227,8 @@ void WidgetSnapshotTest::decodingIsStrict_data()
     QTest::newRow("no date") << without(R"("writtenAt":"2026-01-31T08:15:00Z",)");
     QTest::newRow("no language") << without(R"("language":"zh-Hant",)");
     QTest::newRow("no switch") << without(R"("colorByChange":false,)");
-    QTest::newRow("no up colour") << without(R"("upColorHex":"#123456",)");
-    QTest::newRow("no down colour") << without(R"("downColorHex":"#ABCDEF",)");
+    QTest::newRow("no up color") << without(R"("upColorHex":"#123456",)");
+    QTest::newRow("no down color") << without(R"("downColorHex":"#ABCDEF",)");
     QTest::newRow("no displayed coin") << without(R"("displayedCoinId":"ethereum",)");
     QTest::newRow("no watchlist") << without(R"("watchlist":["ethereum","bitcoin"],)");
     QTest::newRow("quotes renamed") << with("\"quotes\"", "\"quote\"");

@@ -17,7 +17,7 @@ bool paintShippedLogo(QPainter &painter, const QRectF &box, const QString &asset
 /// Draws a downloaded logo into the box.
 void paintLogoImage(QPainter &painter, const QRectF &box, const QImage &image);
 
-/// Draws the stand-in for a logo: the placeholder's letters on a circle, both in the accent colour.
+/// Draws the stand-in for a logo: the placeholder's letters on a circle, both in the accent color.
 void paintLogoPlaceholder(QPainter &painter, const QRectF &box, const QString &symbol, const QColor &accent);
 
 /// The letters of the placeholder: the first three characters of the symbol.

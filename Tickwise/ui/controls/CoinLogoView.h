@@ -35,7 +35,7 @@ enum class CoinLogoKind
 /// What is drawn: a shipped image before all else, then the store's, and only where there is no store the network's.
 CoinLogoKind coinLogoKind(const std::optional<QString> &assetName, bool hasStore);
 
-/// A coin's logo, filling the widget; letters in the accent colour for as long as there is none.
+/// A coin's logo, filling the widget; letters in the accent color for as long as there is none.
 class CoinLogoView : public QWidget
 {
     Q_OBJECT

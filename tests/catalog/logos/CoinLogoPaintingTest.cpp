@@ -52,7 +52,7 @@ bool isBlank(const QImage &image)
     return image == blank;
 }
 
-/// The colours of the drawing reach the four sides of the box, and its corners stay free.
+/// The colors of the drawing reach the four sides of the box, and its corners stay free.
 bool isFullCircle(const QImage &image)
 {
     const int end = side - 1;
