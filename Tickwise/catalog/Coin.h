@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/Clock.h"
+#include "support/RawValue.h"
 
 #include <QString>
 
@@ -16,6 +17,12 @@ enum class CoinStatus
     delisted, ///< no longer traded
     migrated, ///< replaced by the coin named in `migratedTo`
 };
+
+template<>
+std::vector<CoinStatus> allCases<CoinStatus>();
+
+/// The stored text of a case.
+QString rawValue(CoinStatus status);
 
 /// One record of the coin catalog.
 struct CoinMetadata

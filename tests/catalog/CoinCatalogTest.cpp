@@ -63,7 +63,7 @@ void CoinCatalogTest::unusableFileLeavesAnEmptyCatalogAndOneFaultLine_data()
     QTest::addColumn<QString>("cause");
     QTest::newRow("missing") << QByteArray() << QStringLiteral("coins.json missing from bundle");
     QTest::newRow("directory") << QByteArray("directory") << QString();
-    QTest::newRow("garbage") << QByteArray("garbage") << QStringLiteral("parse error");
+    QTest::newRow("garbage") << QByteArray("garbage") << QStringLiteral("not valid JSON");
     QTest::newRow("problems") << QByteArray("{\"schemaVersion\":1,\"coins\":[]}")
                               << QStringLiteral("listed count 0, missing tradable bitcoin, missing tradable ethereum");
     QTest::newRow("version") << QByteArray("{\"schemaVersion\":2,\"coins\":[]}") << QStringLiteral("schemaVersion 2");

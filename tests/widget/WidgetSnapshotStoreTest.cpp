@@ -1,6 +1,7 @@
 #include "widget/WidgetSnapshotStore.h"
 #include "doubles/TestProgram.h"
 
+#include "doubles/FullDisk.h"
 #include "doubles/TestClock.h"
 
 #include <QDir>
@@ -59,10 +60,9 @@ private Q_SLOTS:
     void replacesTheFileAndLeavesNothingElse();
     void readerKeepsTheOldFileWhileANewOneIsWritten();
     void doesNotWaitForTheDisk();
-    void usesWhatAKilledWriterLeft();
     void failsWhereTheDirectoryCannotBeMade();
-    void failedWriteLeavesTheOldFile_data();
-    void failedWriteLeavesTheOldFile();
+    void fullDiskLeavesTheOldFile();
+    void failedEncodingLeavesTheOldFile();
     void readsNothingWithoutAFile();
 
 private:
@@ -114,50 +114,34 @@ void WidgetSnapshotStoreTest::doesNotWaitForTheDisk()
     QCOMPARE(waitsForTheDisk, 2);
 }
 
-void WidgetSnapshotStoreTest::usesWhatAKilledWriterLeft()
-{
-    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("left"))};
-    QVERIFY(store.write(snapshotOf(1)));
-    QFile left(*store.path() + QStringLiteral(".new"));
-    QVERIFY(left.open(QIODevice::WriteOnly));
-    left.write(QByteArray(100000, 'x'));
-    left.close();
-    QVERIFY(store.write(snapshotOf(2)));
-    QCOMPARE(store.read().value(), snapshotOf(2));
-    QVERIFY(!left.exists());
-}
-
 void WidgetSnapshotStoreTest::failsWhereTheDirectoryCannotBeMade()
 {
     const QString file = m_directory.filePath(QStringLiteral("file"));
     makeFile(file);
     const Result<void> written = WidgetSnapshotStore{file + QStringLiteral("/below")}.write(snapshotOf(1));
     QVERIFY(!written);
-    QCOMPARE(description(written.error()), file + QStringLiteral("/below: the directory cannot be made"));
+    QCOMPARE(description(written.error()),
+             file + QStringLiteral("/below/widget-snapshot.json: its folder cannot be made"));
 }
 
-void WidgetSnapshotStoreTest::failedWriteLeavesTheOldFile_data()
+void WidgetSnapshotStoreTest::fullDiskLeavesTheOldFile()
 {
-    QTest::addColumn<QString>("obstacle");
-    QTest::newRow("full disk") << QStringLiteral("full");
-    QTest::newRow("no new file") << QStringLiteral("directory");
-    QTest::newRow("number that JSON cannot carry") << QStringLiteral("encoding");
-}
-
-void WidgetSnapshotStoreTest::failedWriteLeavesTheOldFile()
-{
-    QFETCH(QString, obstacle);
-    const WidgetSnapshotStore store{m_directory.filePath(obstacle)};
+    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("full"))};
     QVERIFY(store.write(snapshotOf(1)));
-    const QString next = *store.path() + QStringLiteral(".new");
-    double price = 2;
-    if (obstacle == QStringLiteral("full"))
-        QVERIFY(QFile::link(QStringLiteral("/dev/full"), next));
-    else if (obstacle == QStringLiteral("directory"))
-        QVERIFY(QDir().mkdir(next));
-    else
-        price = std::numeric_limits<double>::infinity();
-    QVERIFY(!store.write(snapshotOf(price)));
+    {
+        const FullDisk full(10);
+        QVERIFY(!store.write(snapshotOf(2)));
+    }
+    QCOMPARE(store.read().value(), snapshotOf(1));
+    QCOMPARE(QDir(*store.directory).entryList(QDir::Files | QDir::Hidden),
+             QStringList(QStringLiteral("widget-snapshot.json")));
+}
+
+void WidgetSnapshotStoreTest::failedEncodingLeavesTheOldFile()
+{
+    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("encoding"))};
+    QVERIFY(store.write(snapshotOf(1)));
+    QVERIFY(!store.write(snapshotOf(std::numeric_limits<double>::infinity())));
     QCOMPARE(store.read().value(), snapshotOf(1));
 }
 

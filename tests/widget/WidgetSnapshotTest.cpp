@@ -3,6 +3,7 @@
 
 #include "doubles/TestClock.h"
 
+#include <cmath>
 #include <limits>
 
 using namespace tickwise;
@@ -190,7 +191,8 @@ void WidgetSnapshotTest::notFiniteNumbersAreFailures()
     snapshot.quotes[QStringLiteral("solana")] = quote(price, change);
     const Result<QByteArray> document = encodeWidgetSnapshot(snapshot);
     QVERIFY(!document);
-    QCOMPARE(description(document.error()), QStringLiteral("the quote of solana is not a finite number"));
+    QCOMPARE(description(document.error()), QStringLiteral("quotes.solana.%1: not a finite number")
+                                                .arg(std::isfinite(price) ? u"change24hPercent" : u"price"));
 }
 
 void WidgetSnapshotTest::numbersRoundTripExactly()

@@ -2,6 +2,7 @@
 #include "doubles/TestProgram.h"
 
 #include "doubles/Catalogs.h"
+#include "doubles/FullDisk.h"
 #include "doubles/LogCapture.h"
 #include "doubles/PipelineDoubles.h"
 #include "doubles/TestClock.h"
@@ -218,18 +219,19 @@ void WidgetSnapshotWriterTest::failedWriteLogsOnceAndKeepsTheLastReload()
     world.start();
     world.endQuietTime();
     QCOMPARE(world.reloads, 1);
-    const QString obstacle = *world.store.path() + QStringLiteral(".new");
-    QVERIFY(QDir().mkdir(obstacle));
     const LogCapture log;
-    world.poll(105);
-    world.endQuietTime();
+    {
+        const FullDisk full(10);
+        world.poll(105);
+        world.endQuietTime();
+    }
     QCOMPARE(log.texts(category).size(), 1);
-    QVERIFY(log.texts(category).front().startsWith(QStringLiteral("Widget snapshot not written: ") + obstacle));
+    QVERIFY(
+        log.texts(category).front().startsWith(QStringLiteral("Widget snapshot not written: ") + *world.store.path()));
     QCOMPARE(log.lines().back().type, QtWarningMsg);
     QCOMPARE(world.writtenPrice(), 100.0);
     QCOMPARE(world.reloads, 1);
 
-    QVERIFY(QDir().rmdir(obstacle));
     world.poll(105.1); // little against the write that failed, much against the last reload
     world.endQuietTime();
     QCOMPARE(world.reloads, 2);

@@ -1,10 +1,10 @@
 #include "catalog/logos/CoinLogoCache.h"
 
 #include "catalog/CoinId.h"
+#include "support/files/WholeFile.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 
 namespace tickwise {
 
@@ -49,13 +49,8 @@ std::optional<QByteArray> CoinLogoCache::read(const QString &id) const
     const std::optional<QString> name = path(id);
     if (!name)
         return std::nullopt;
-    QFile file(*name);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    QByteArray bytes = file.read(largestLogo + 1);
-    if (file.error() != QFile::NoError || bytes.size() > largestLogo)
-        return std::nullopt;
-    return bytes;
+    const Result<QByteArray> bytes = readWholeFile(*name, largestLogo);
+    return bytes ? std::optional(*bytes) : std::nullopt;
 }
 
 Result<void> CoinLogoCache::write(const QString &id, const QByteArray &bytes) const
@@ -64,12 +59,7 @@ Result<void> CoinLogoCache::write(const QString &id, const QByteArray &bytes) co
     if (!name)
         return failure(FileError{directory.value_or(QString(directoryName)),
                                  directory ? QStringLiteral("not a coin id") : QStringLiteral("no container")});
-    if (!QDir().mkpath(*directory))
-        return failure(FileError{*directory, QStringLiteral("the directory cannot be made")});
-    QSaveFile file(*name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-        return failure(FileError{*name, file.errorString()});
-    return {};
+    return writeWholeFile(*name, bytes);
 }
 
 void CoinLogoCache::remove(const QString &id) const

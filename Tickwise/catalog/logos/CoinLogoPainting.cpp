@@ -1,11 +1,11 @@
 #include "catalog/logos/CoinLogoPainting.h"
 
 #include "catalog/ShippedImages.h"
+#include "support/Graphemes.h"
 
 #include <QGuiApplication>
 #include <QPainter>
 #include <QSvgRenderer>
-#include <QTextBoundaryFinder>
 
 namespace tickwise {
 
@@ -38,11 +38,7 @@ void paintLogoImage(QPainter &painter, const QRectF &box, const QImage &image)
 
 QString placeholderLetters(const QString &symbol)
 {
-    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, symbol);
-    qsizetype end = 0;
-    for (int i = 0; i < letterCount && end < symbol.size(); ++i)
-        end = characters.toNextBoundary();
-    return symbol.first(end);
+    return firstCharacters(symbol, letterCount);
 }
 
 void paintLogoPlaceholder(QPainter &painter, const QRectF &box, const QString &symbol, const QColor &accent)
