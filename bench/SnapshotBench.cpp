@@ -5,10 +5,12 @@
 #include "widget/ReloadDecision.h"
 #include "widget/WidgetSnapshotStore.h"
 
-#include <QSaveFile>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
+
+#include <cstdio>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -45,12 +47,15 @@ BENCHMARK(writeSnapshot);
 void writeSameBytes(benchmark::State &state)
 {
     const QTemporaryDir directory;
+    const QByteArray temporary = QFile::encodeName(directory.filePath(QStringLiteral("floor.new")));
+    const QByteArray final = QFile::encodeName(directory.filePath(QStringLiteral("floor")));
     const QByteArray bytes = encodeWidgetSnapshot(snapshotOf(67432.125)).value();
     for (auto _ : state) {
-        QSaveFile file(directory.filePath(QStringLiteral("floor")));
-        file.open(QIODevice::WriteOnly);
+        QFile file(directory.filePath(QStringLiteral("floor.new")));
+        file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered);
         file.write(bytes);
-        benchmark::DoNotOptimize(file.commit());
+        file.close();
+        benchmark::DoNotOptimize(std::rename(temporary.constData(), final.constData()));
     }
 }
 BENCHMARK(writeSameBytes);

@@ -1,9 +1,9 @@
 #include "catalog/CoinCatalog.h"
 #include "catalog/CoinId.h"
 #include "catalog/logos/LogoAddress.h"
+#include "support/Graphemes.h"
 
 #include <QSet>
-#include <QTextBoundaryFinder>
 
 #include <algorithm>
 
@@ -32,13 +32,7 @@ bool isSymbol(const QString &text)
 
 bool isName(const QString &text)
 {
-    if (text.size() <= longestName)
-        return !text.isEmpty();
-    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, text);
-    qsizetype count = 0;
-    while (count <= longestName && characters.toNextBoundary() >= 0)
-        ++count;
-    return count <= longestName;
+    return !text.isEmpty() && characterCount(text) <= longestName;
 }
 
 QString migrationProblem(const CoinMetadata &coin, const Index &byId)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/Clock.h"
+#include "support/RawValue.h"
 
 #include <QString>
 
@@ -17,6 +18,12 @@ enum class CoinStatus
     migrated, ///< replaced by the coin named in `migratedTo`
 };
 
+template<>
+std::vector<CoinStatus> allCases<CoinStatus>();
+
+/// The stored text of a case.
+QString rawValue(CoinStatus status);
+
 /// One record of the coin catalog.
 struct CoinMetadata
 {
@@ -32,6 +39,9 @@ struct CoinMetadata
     bool operator==(const CoinMetadata &) const = default;
 };
 
+/// The hash over all fields.
+std::size_t qHash(const CoinMetadata &coin, std::size_t seed = 0);
+
 /// A catalog coin with its live market fields.
 struct Coin : CoinMetadata
 {
@@ -41,5 +51,8 @@ struct Coin : CoinMetadata
     std::optional<TimePoint> lastUpdated;        ///< when the live fields were last set
     bool operator==(const Coin &) const = default;
 };
+
+/// The hash over all fields.
+std::size_t qHash(const Coin &coin, std::size_t seed = 0);
 
 } // namespace tickwise

@@ -1,9 +1,9 @@
 #include "catalog/CoinCatalog.h"
 
 #include "support/LogCategories.h"
+#include "support/MainThread.h"
 
 #include <QFile>
-#include <QThread>
 
 #include <algorithm>
 
@@ -57,7 +57,7 @@ CoinCatalog::CoinCatalog(const QString &path, const ImageExists &imageExists, QO
 
 void CoinCatalog::publish(std::vector<CoinMetadata> coins, const ImageExists &imageExists)
 {
-    Q_ASSERT(thread() == QThread::currentThread());
+    requireMainThread();
     QHash<QString, CoinMetadata> byID;
     byID.reserve(static_cast<qsizetype>(coins.size()));
     for (CoinMetadata &coin : coins) {

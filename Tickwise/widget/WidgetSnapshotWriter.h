@@ -31,7 +31,7 @@ private:
     SettingsViewModel &m_settings;
     std::function<void()> m_reloadWidgets;
     Clock m_clock;
-    QTimer m_debounce;
+    QTimer m_debounce{this};
     std::optional<WidgetReload> m_lastReload;
     QPropertyNotifier m_coinsNotifier;
     QPropertyNotifier m_settingsNotifier;

@@ -10,6 +10,8 @@ class CatalogDecodingTest : public QObject
 private Q_SLOTS:
     void readsEveryField();
     void ignoresUnknownKeys();
+    void takesIntegersHoweverTheyAreWritten_data();
+    void takesIntegersHoweverTheyAreWritten();
     void strict_data();
     void strict();
     void faultNamesRecordAndKey();
@@ -43,9 +45,35 @@ void CatalogDecodingTest::readsEveryField()
 void CatalogDecodingTest::ignoresUnknownKeys()
 {
     const auto document = decodeCatalog(
-        R"({"schemaVersion":1,"more":{},"coins":[{"id":"a","symbol":"A","name":"A","status":"active","listed":true,"logoAssetName":"x","colour":3}]})");
+        R"({"schemaVersion":1,"more":{},"coins":[{"id":"a","symbol":"A","name":"A","status":"active","listed":true,"logoAssetName":"x","color":3}]})");
     QVERIFY(document.has_value());
     QVERIFY(!document->coins.front().logoAssetName);
+}
+
+void CatalogDecodingTest::takesIntegersHoweverTheyAreWritten_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<qint64>("number");
+    QTest::newRow("usual") << QByteArray("7") << qint64(7);
+    QTest::newRow("negative") << QByteArray("-7") << qint64(-7);
+    QTest::newRow("with a fraction of zero") << QByteArray("7.0") << qint64(7);
+    QTest::newRow("with an exponent") << QByteArray("7e1") << qint64(70);
+    QTest::newRow("2^53 as float") << QByteArray("9007199254740992.0") << qint64(9007199254740992);
+    QTest::newRow("-2^53 as float") << QByteArray("-9007199254740992.0") << qint64(-9007199254740992);
+    QTest::newRow("largest") << QByteArray("9223372036854775807") << std::numeric_limits<qint64>::max();
+    QTest::newRow("smallest") << QByteArray("-9223372036854775808") << std::numeric_limits<qint64>::min();
+}
+
+void CatalogDecodingTest::takesIntegersHoweverTheyAreWritten()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(qint64, number);
+    const auto document = decodeCatalog(
+        "{\"schemaVersion\":" + text +
+        R"(,"coins":[{"id":"a","symbol":"A","name":"A","status":"active","listed":true,"rank":)" + text + "}]}");
+    QVERIFY(document.has_value());
+    QCOMPARE(document->schemaVersion, number);
+    QCOMPARE(document->coins.front().rank, std::optional<std::int64_t>(number));
 }
 
 void CatalogDecodingTest::strict_data()
@@ -68,6 +96,11 @@ void CatalogDecodingTest::strict_data()
     row("rank with fraction", R"({"id":"a","symbol":"A","name":"A","rank":1.5,"status":"active","listed":true})");
     row("rank too large",
         R"({"id":"a","symbol":"A","name":"A","rank":9223372036854775808,"status":"active","listed":true})");
+    row("rank beyond 2^53 as float",
+        R"({"id":"a","symbol":"A","name":"A","rank":9007199254740994.0,"status":"active","listed":true})");
+    row("rank below -2^53 as float",
+        R"({"id":"a","symbol":"A","name":"A","rank":-1e17,"status":"active","listed":true})");
+    QTest::newRow("version beyond 2^53 as float") << QByteArray("{\"schemaVersion\":1e17,\"coins\":[]}");
     row("logoURL as number", R"({"id":"a","symbol":"A","name":"A","logoURL":1,"status":"active","listed":true})");
     row("unknown status", R"({"id":"a","symbol":"A","name":"A","status":"Active","listed":true})");
     row("no status", R"({"id":"a","symbol":"A","name":"A","listed":true})");

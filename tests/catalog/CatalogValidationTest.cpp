@@ -14,11 +14,14 @@ private Q_SLOTS:
     void validCatalogHasNoProblems();
     void otherSchemaVersionIsTheOnlyProblem();
     void duplicateIdCarriesNoId();
+    void eachDuplicateIdIsReported();
+    void problemsComeInTheOrderOfTheRules();
     void listedCount_data();
     void listedCount();
     void requiredCoins_data();
     void requiredCoins();
     void activeSymbolsAreUniqueOnce();
+    void unlistedActiveCoinsCountForUniqueSymbols();
     void activeAndDelistedMayShareASymbol();
     void record_data();
     void record();
@@ -44,6 +47,30 @@ void CatalogValidationTest::duplicateIdCarriesNoId()
     std::vector<CoinMetadata> coins = validCoins();
     coins.push_back(coinRecord(QStringLiteral("coin-7"), QStringLiteral("OTHER")));
     QCOMPARE(validateCatalog(1, coins), QStringList{QStringLiteral("duplicate id")});
+}
+
+void CatalogValidationTest::eachDuplicateIdIsReported()
+{
+    std::vector<CoinMetadata> coins = validCoins();
+    coins.push_back(coinRecord(QStringLiteral("coin-7"), QStringLiteral("X1")));
+    coins.push_back(coinRecord(QStringLiteral("coin-7"), QStringLiteral("X2")));
+    coins.push_back(coinRecord(QStringLiteral("coin-9"), QStringLiteral("X3")));
+    const QString problem = QStringLiteral("duplicate id");
+    QCOMPARE(validateCatalog(1, coins), (QStringList{problem, problem, problem}));
+}
+
+void CatalogValidationTest::problemsComeInTheOrderOfTheRules()
+{
+    const auto broken = [](const char *id) {
+        CoinMetadata coin = coinRecord(QString::fromLatin1(id), QStringLiteral("SAME"));
+        coin.rank = 0;
+        return coin;
+    };
+    QCOMPARE(validateCatalog(1, {broken("b"), broken("a"), broken("b")}),
+             (QStringList{QStringLiteral("duplicate id"), QStringLiteral("listed count 3"),
+                          QStringLiteral("missing tradable bitcoin"), QStringLiteral("missing tradable ethereum"),
+                          QStringLiteral("duplicate active symbol"), QStringLiteral("b: rank"),
+                          QStringLiteral("a: rank"), QStringLiteral("b: rank")}));
 }
 
 void CatalogValidationTest::listedCount_data()
@@ -103,6 +130,15 @@ void CatalogValidationTest::activeSymbolsAreUniqueOnce()
     coins[5].symbol = QStringLiteral("ETH");
     coins[6].symbol = QStringLiteral("ETH");
     coins[8].symbol = QStringLiteral("BTC");
+    QCOMPARE(validateCatalog(1, coins), QStringList{QStringLiteral("duplicate active symbol")});
+}
+
+void CatalogValidationTest::unlistedActiveCoinsCountForUniqueSymbols()
+{
+    std::vector<CoinMetadata> coins = validCoins();
+    CoinMetadata unlisted = coinRecord(QStringLiteral("another-ether"), QStringLiteral("ETH"));
+    unlisted.listed = false;
+    coins.push_back(unlisted);
     QCOMPARE(validateCatalog(1, coins), QStringList{QStringLiteral("duplicate active symbol")});
 }
 

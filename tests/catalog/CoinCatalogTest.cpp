@@ -25,6 +25,9 @@ private Q_SLOTS:
     void reconcile();
     void reconcileMovesTheDisplayedCoin();
     void reconcileDropsTheEntryWhenTheSuccessorIsThere();
+    void reconcileMovesTheDisplayedCoinOfADroppedEntry();
+    void reconcileSkips_data();
+    void reconcileSkips();
     void reconcileTwoCoinsOfOneSuccessor();
     void reconcileWithoutMigrationChangesNothing();
 
@@ -60,7 +63,7 @@ void CoinCatalogTest::unusableFileLeavesAnEmptyCatalogAndOneFaultLine_data()
     QTest::addColumn<QString>("cause");
     QTest::newRow("missing") << QByteArray() << QStringLiteral("coins.json missing from bundle");
     QTest::newRow("directory") << QByteArray("directory") << QString();
-    QTest::newRow("garbage") << QByteArray("garbage") << QStringLiteral("parse error");
+    QTest::newRow("garbage") << QByteArray("garbage") << QStringLiteral("not valid JSON");
     QTest::newRow("problems") << QByteArray("{\"schemaVersion\":1,\"coins\":[]}")
                               << QStringLiteral("listed count 0, missing tradable bitcoin, missing tradable ethereum");
     QTest::newRow("version") << QByteArray("{\"schemaVersion\":2,\"coins\":[]}") << QStringLiteral("schemaVersion 2");
@@ -161,6 +164,49 @@ void CoinCatalogTest::reconcileDropsTheEntryWhenTheSuccessorIsThere()
     QVERIFY(changed.has_value());
     QCOMPARE(changed->watchlistCoins.size(), 1U);
     QVERIFY(changed->watchlistCoins.front() == successor);
+}
+
+void CoinCatalogTest::reconcileMovesTheDisplayedCoinOfADroppedEntry()
+{
+    AppSettings settings;
+    settings.watchlistCoins = {{QStringLiteral("coin-5")}, {QStringLiteral("old")}};
+    settings.displayedCoinId = QStringLiteral("old");
+    const auto changed = FixedCatalog(migrating()).reconcile(settings);
+    QVERIFY(changed.has_value());
+    QCOMPARE(changed->watchlistCoins.size(), 1U);
+    QCOMPARE(changed->displayedCoinId, QStringLiteral("coin-5"));
+}
+
+void CoinCatalogTest::reconcileSkips_data()
+{
+    QTest::addColumn<QString>("id");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("target");
+    const auto row = [](const char *name, const char *id, CoinStatus status, const char *target) {
+        QTest::newRow(name) << QString::fromLatin1(id) << static_cast<int>(status) << QString::fromLatin1(target);
+    };
+    row("unknown coin", "another", CoinStatus::migrated, "coin-5");
+    row("active with a target", "odd", CoinStatus::active, "coin-5");
+    row("delisted with a target", "odd", CoinStatus::delisted, "coin-5");
+    row("without a target", "odd", CoinStatus::migrated, "");
+    row("unknown target", "odd", CoinStatus::migrated, "nowhere");
+}
+
+void CoinCatalogTest::reconcileSkips()
+{
+    QFETCH(QString, id);
+    QFETCH(int, status);
+    QFETCH(QString, target);
+    std::vector<CoinMetadata> coins = validCoins();
+    CoinMetadata odd = coinRecord(QStringLiteral("odd"), QStringLiteral("ODD"));
+    odd.status = static_cast<CoinStatus>(status);
+    if (!target.isEmpty())
+        odd.migratedTo = target;
+    coins.push_back(odd);
+    AppSettings settings;
+    settings.watchlistCoins = {{id}};
+    settings.displayedCoinId = id;
+    QVERIFY(!FixedCatalog(coins).reconcile(settings).has_value());
 }
 
 void CoinCatalogTest::reconcileTwoCoinsOfOneSuccessor()

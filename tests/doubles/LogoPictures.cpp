@@ -232,7 +232,7 @@ QByteArray gif(int width, int height, const std::vector<QRgb> &colors)
         bytes += QByteArray(",\0\0\0\0", 5);
         appendLittle<quint16>(bytes, quint16(width));
         appendLittle<quint16>(bytes, quint16(height));
-        bytes.append(char(0x80)); // two colours of its own
+        bytes.append(char(0x80)); // two colors of its own
         for (int i = 0; i < 2; ++i)
             bytes += QByteArray(1, char(qRed(color))) + QByteArray(1, char(qGreen(color))) +
                      QByteArray(1, char(qBlue(color)));

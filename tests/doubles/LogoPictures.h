@@ -8,7 +8,7 @@ namespace tickwise::test {
 /// A circle on a transparent ground with a letter, as logos are.
 QImage logoLikeImage(int side);
 
-/// Every pixel another colour, always the same ones for the same side.
+/// Every pixel another color, always the same ones for the same side.
 QImage noiseImage(int side);
 
 /// The image written by Qt's encoder of that format; `quality` from 0 to 100.
@@ -38,16 +38,16 @@ QByteArray png(const PngHeader &header, const QByteArray &rows);
 /// A PNG file of transparent pixels: `filter` is the filter type of every row.
 QByteArray blankPng(const PngHeader &header, char filter = 0);
 
-/// A GIF file: a screen of that size and one frame with these codes' bits for each colour of `colors`.
+/// A GIF file: a screen of that size and one frame with these codes' bits for each color of `colors`.
 QByteArray gif(int width, int height, const std::vector<QRgb> &colors);
 
-/// The codes of a one-coloured picture, as short as the format allows.
+/// The codes of a one-colored picture, as short as the format allows.
 QByteArray flatGifData(qint64 pixels);
 
 /// A GIF file of one frame with the given compressed data.
 QByteArray gifOfData(int width, int height, const QByteArray &data);
 
-/// A BMP file with one run of a colour after the other, 8 bits a pixel.
+/// A BMP file with one run of a color after the other, 8 bits a pixel.
 QByteArray runLengthBmp(int width, int height);
 
 /// An icon file of these pictures: PNG files and bitmaps of an icon.
@@ -58,7 +58,7 @@ struct IconPicture
 };
 QByteArray icon(const std::vector<IconPicture> &pictures);
 
-/// A one-coloured bitmap as it stands in an icon, 32 bits a pixel.
+/// A one-colored bitmap as it stands in an icon, 32 bits a pixel.
 QByteArray iconBitmap(int side, QRgb color);
 
 /// The bytes with as many zeros behind them as the size wants.

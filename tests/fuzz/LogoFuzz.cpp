@@ -1,5 +1,4 @@
 #include "catalog/logos/LogoDecoding.h"
-#include "catalog/logos/LogoPicture.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -28,10 +27,7 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
-    const std::optional<LogoPicture> picture = inspectLogo(bytes);
     const std::optional<QImage> image = decodeLogo(bytes);
-    require(!image || picture);
-    require(!picture || isAffordable(*picture));
     require(!image || (!image->isNull() && image->width() <= logoPixels && image->height() <= logoPixels));
     return 0;
 }

@@ -34,6 +34,8 @@ private Q_SLOTS:
     void lastWithoutQuotesReloadsForAnyQuote();
     void oldPriceOfZeroOrLessNeverTriggers_data();
     void oldPriceOfZeroOrLessNeverTriggers();
+    void oldPriceOfOneOrLessCounts_data();
+    void oldPriceOfOneOrLessCounts();
     void timeCountsFromTheReload();
 };
 
@@ -60,10 +62,10 @@ void ReloadDecisionTest::decides_data()
     row("clock went back", false, after(-1000));
     row("language", true, [](WidgetSnapshot &snapshot) { snapshot.language = AppLanguage::zhHans; });
     row("currency", true, [](WidgetSnapshot &snapshot) { snapshot.currency = BaseCurrency::eur; });
-    row("colour switch", true, [](WidgetSnapshot &snapshot) { snapshot.colorByChange = false; });
-    row("up colour", true, [](WidgetSnapshot &snapshot) { snapshot.upColorHex = QStringLiteral("#000000"); });
-    row("down colour", true, [](WidgetSnapshot &snapshot) { snapshot.downColorHex = QStringLiteral("#000000"); });
-    row("swapped colours", true,
+    row("color switch", true, [](WidgetSnapshot &snapshot) { snapshot.colorByChange = false; });
+    row("up color", true, [](WidgetSnapshot &snapshot) { snapshot.upColorHex = QStringLiteral("#000000"); });
+    row("down color", true, [](WidgetSnapshot &snapshot) { snapshot.downColorHex = QStringLiteral("#000000"); });
+    row("swapped colors", true,
         [](WidgetSnapshot &snapshot) { std::swap(snapshot.upColorHex, snapshot.downColorHex); });
     row("displayed coin", true, [](WidgetSnapshot &snapshot) { snapshot.displayedCoinId = ethereum; });
     row("watchlist shorter", true, [](WidgetSnapshot &snapshot) { snapshot.watchlist.pop_back(); });
@@ -110,6 +112,30 @@ void ReloadDecisionTest::oldPriceOfZeroOrLessNeverTriggers()
     WidgetSnapshot old = lastSnapshot();
     old.quotes[bitcoin].price = oldPrice;
     QVERIFY(!needsWidgetReload(WidgetReload{old, old.writtenAt}, lastSnapshot()));
+}
+
+void ReloadDecisionTest::oldPriceOfOneOrLessCounts_data()
+{
+    QTest::addColumn<double>("oldPrice");
+    QTest::addColumn<double>("newPrice");
+    QTest::addColumn<bool>("reloads");
+    QTest::newRow("from 1, 0.9 %") << 1.0 << 1.009 << false;
+    QTest::newRow("from 1, 1.1 %") << 1.0 << 1.011 << true;
+    QTest::newRow("from 0.5, 0.9 %") << 0.5 << 0.5045 << false;
+    QTest::newRow("from 0.5, 1.1 %") << 0.5 << 0.4945 << true;
+    QTest::newRow("from 0.00000001") << 1e-8 << 1.02e-8 << true;
+}
+
+void ReloadDecisionTest::oldPriceOfOneOrLessCounts()
+{
+    QFETCH(double, oldPrice);
+    QFETCH(double, newPrice);
+    QFETCH(bool, reloads);
+    WidgetSnapshot old = lastSnapshot();
+    old.quotes[bitcoin].price = oldPrice;
+    WidgetSnapshot snapshot = old;
+    snapshot.quotes[bitcoin].price = newPrice;
+    QCOMPARE(needsWidgetReload(WidgetReload{old, old.writtenAt}, snapshot), reloads);
 }
 
 void ReloadDecisionTest::timeCountsFromTheReload()

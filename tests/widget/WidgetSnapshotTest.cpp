@@ -3,6 +3,7 @@
 
 #include "doubles/TestClock.h"
 
+#include <cmath>
 #include <limits>
 
 using namespace tickwise;
@@ -190,7 +191,8 @@ void WidgetSnapshotTest::notFiniteNumbersAreFailures()
     snapshot.quotes[QStringLiteral("solana")] = quote(price, change);
     const Result<QByteArray> document = encodeWidgetSnapshot(snapshot);
     QVERIFY(!document);
-    QCOMPARE(description(document.error()), QStringLiteral("the quote of solana is not a finite number"));
+    QCOMPARE(description(document.error()), QStringLiteral("quotes.solana.%1: not a finite number")
+                                                .arg(std::isfinite(price) ? u"change24hPercent" : u"price"));
 }
 
 void WidgetSnapshotTest::numbersRoundTripExactly()
@@ -227,8 +229,8 @@ void WidgetSnapshotTest::decodingIsStrict_data()
     QTest::newRow("no date") << without(R"("writtenAt":"2026-01-31T08:15:00Z",)");
     QTest::newRow("no language") << without(R"("language":"zh-Hant",)");
     QTest::newRow("no switch") << without(R"("colorByChange":false,)");
-    QTest::newRow("no up colour") << without(R"("upColorHex":"#123456",)");
-    QTest::newRow("no down colour") << without(R"("downColorHex":"#ABCDEF",)");
+    QTest::newRow("no up color") << without(R"("upColorHex":"#123456",)");
+    QTest::newRow("no down color") << without(R"("downColorHex":"#ABCDEF",)");
     QTest::newRow("no displayed coin") << without(R"("displayedCoinId":"ethereum",)");
     QTest::newRow("no watchlist") << without(R"("watchlist":["ethereum","bitcoin"],)");
     QTest::newRow("quotes renamed") << with("\"quotes\"", "\"quote\"");

@@ -2,6 +2,7 @@
 #include "doubles/TestProgram.h"
 
 #include "doubles/Catalogs.h"
+#include "doubles/FullDisk.h"
 #include "doubles/LogCapture.h"
 #include "doubles/PipelineDoubles.h"
 #include "doubles/TestClock.h"
@@ -39,7 +40,17 @@ struct World
                 ++reloads;
                 lastReloadAt = elapsed.elapsed();
             },
-            clock.clock());
+            [this] {
+                ++writes;
+                return clock.now();
+            });
+    }
+    QTimer *debounce() const { return writer->findChild<QTimer *>(); }
+    /// Ends the quiet second now.
+    void endQuietTime()
+    {
+        QTimerEvent end(debounce()->timerId());
+        QCoreApplication::sendEvent(debounce(), &end);
     }
     void poll(double price)
     {
@@ -73,6 +84,7 @@ struct World
     std::unique_ptr<CoinListViewModel> coins;
     std::unique_ptr<WidgetSnapshotWriter> writer;
     QElapsedTimer elapsed;
+    int writes = 0; ///< how often the writer asked for the time, which it does once a write
     int reloads = 0;
     qint64 lastReloadAt = 0;
 };
@@ -85,6 +97,7 @@ class WidgetSnapshotWriterTest : public QObject
 
 private Q_SLOTS:
     void firstPairPassesTheDebounceAndReloads();
+    void quietTimeIsOneSecondAfterEachChange();
     void burstIsOneWriteOfTheLastPair();
     void eachChangeRestartsTheQuietSecond();
     void quietChangesAreWrittenWithoutReload();
@@ -108,6 +121,27 @@ void WidgetSnapshotWriterTest::firstPairPassesTheDebounceAndReloads()
     QCOMPARE(world.writtenPrice(), 100.0);
 }
 
+void WidgetSnapshotWriterTest::quietTimeIsOneSecondAfterEachChange()
+{
+    World world;
+    world.start();
+    QTimer *const debounce = world.debounce();
+    QCOMPARE(debounce->intervalAsDuration(), std::chrono::seconds(1));
+    QCOMPARE(debounce->timerType(), Qt::PreciseTimer);
+    QVERIFY(debounce->isActive());
+    world.endQuietTime();
+    QCOMPARE(world.writes, 1);
+    QVERIFY(!debounce->isActive());
+    world.poll(101);
+    QVERIFY(debounce->isActive());
+    world.endQuietTime();
+    QVERIFY(!debounce->isActive());
+    world.change([](AppSettings &settings) { settings.priceColorEnabled = false; });
+    QVERIFY(debounce->isActive());
+    QCOMPARE(debounce->intervalAsDuration(), std::chrono::seconds(1));
+    QCOMPARE(world.writes, 2);
+}
+
 void WidgetSnapshotWriterTest::burstIsOneWriteOfTheLastPair()
 {
     World world;
@@ -116,13 +150,14 @@ void WidgetSnapshotWriterTest::burstIsOneWriteOfTheLastPair()
         world.poll(100 + 10 * i);
         world.change([](AppSettings &settings) { settings.priceColorEnabled = !settings.priceColorEnabled; });
     }
-    // A second write of the burst would come before the write of this later change.
-    QTRY_COMPARE(world.reloads, 1);
+    QCOMPARE(world.writes, 0);
+    world.endQuietTime();
+    QCOMPARE(world.writes, 1);
+    QCOMPARE(world.reloads, 1);
     QCOMPARE(world.writtenPrice(), 150.0);
     QCOMPARE(world.store.read()->colorByChange, false);
-    world.poll(150.1);
-    QTRY_COMPARE(world.writtenPrice(), 150.1);
-    QCOMPARE(world.reloads, 1);
+    QCoreApplication::processEvents();
+    QCOMPARE(world.writes, 1);
 }
 
 void WidgetSnapshotWriterTest::eachChangeRestartsTheQuietSecond()
@@ -139,34 +174,41 @@ void WidgetSnapshotWriterTest::quietChangesAreWrittenWithoutReload()
 {
     World world;
     world.start();
-    QTRY_COMPARE(world.reloads, 1);
+    world.endQuietTime();
+    QCOMPARE(world.reloads, 1);
     world.clock.advance(299);
     world.poll(100.5);
-    QTRY_COMPARE(world.writtenPrice(), 100.5);
+    world.endQuietTime();
+    QCOMPARE(world.writtenPrice(), 100.5);
     QCOMPARE(world.store.read()->writtenAt, world.clock.now());
     QCOMPARE(world.reloads, 1);
     // Judged against the last reload (100), not against the last write.
     world.poll(101.01);
-    QTRY_COMPARE(world.reloads, 2);
+    world.endQuietTime();
+    QCOMPARE(world.reloads, 2);
 }
 
 void WidgetSnapshotWriterTest::reloadAfterFiveMinutes()
 {
     World world;
     world.start();
-    QTRY_COMPARE(world.reloads, 1);
+    world.endQuietTime();
+    QCOMPARE(world.reloads, 1);
     world.clock.advance(300);
     world.poll(100);
-    QTRY_COMPARE(world.reloads, 2);
+    world.endQuietTime();
+    QCOMPARE(world.reloads, 2);
 }
 
 void WidgetSnapshotWriterTest::swappedColorsReloadAtOnce()
 {
     World world;
     world.start();
-    QTRY_COMPARE(world.reloads, 1);
+    world.endQuietTime();
+    QCOMPARE(world.reloads, 1);
     world.change([](AppSettings &settings) { settings.colorScheme = PriceColorScheme::redUpGreenDown; });
-    QTRY_COMPARE(world.reloads, 2);
+    world.endQuietTime();
+    QCOMPARE(world.reloads, 2);
     QCOMPARE(world.store.read()->upColorHex, QStringLiteral("#F6465D"));
     QCOMPARE(world.store.read()->downColorHex, QStringLiteral("#2CBD84"));
 }
@@ -175,20 +217,24 @@ void WidgetSnapshotWriterTest::failedWriteLogsOnceAndKeepsTheLastReload()
 {
     World world;
     world.start();
-    QTRY_COMPARE(world.reloads, 1);
-    const QString obstacle = *world.store.path() + QStringLiteral(".new");
-    QVERIFY(QDir().mkdir(obstacle));
+    world.endQuietTime();
+    QCOMPARE(world.reloads, 1);
     const LogCapture log;
-    world.poll(105);
-    QTRY_COMPARE(log.texts(category).size(), 1);
-    QVERIFY(log.texts(category).front().startsWith(QStringLiteral("Widget snapshot not written: ") + obstacle));
+    {
+        const FullDisk full(10);
+        world.poll(105);
+        world.endQuietTime();
+    }
+    QCOMPARE(log.texts(category).size(), 1);
+    QVERIFY(
+        log.texts(category).front().startsWith(QStringLiteral("Widget snapshot not written: ") + *world.store.path()));
     QCOMPARE(log.lines().back().type, QtWarningMsg);
     QCOMPARE(world.writtenPrice(), 100.0);
     QCOMPARE(world.reloads, 1);
 
-    QVERIFY(QDir().rmdir(obstacle));
     world.poll(105.1); // little against the write that failed, much against the last reload
-    QTRY_COMPARE(world.reloads, 2);
+    world.endQuietTime();
+    QCOMPARE(world.reloads, 2);
     QCOMPARE(log.texts(category).size(), 1);
 }
 

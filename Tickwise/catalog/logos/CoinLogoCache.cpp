@@ -1,10 +1,10 @@
 #include "catalog/logos/CoinLogoCache.h"
 
 #include "catalog/CoinId.h"
+#include "support/files/WholeFile.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 
 namespace tickwise {
 
@@ -27,7 +27,9 @@ QSet<QString> CoinLogoCache::cachedIDs() const
     QSet<QString> ids;
     if (!directory)
         return ids;
-    const QStringList names = QDir(*directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    // "System" lists symbolic links to nowhere, too.
+    const QStringList names =
+        QDir(*directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QString &name : names) {
         if (name.endsWith(suffix))
             ids.insert(name.chopped(suffix.size()));
@@ -47,13 +49,8 @@ std::optional<QByteArray> CoinLogoCache::read(const QString &id) const
     const std::optional<QString> name = path(id);
     if (!name)
         return std::nullopt;
-    QFile file(*name);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    QByteArray bytes = file.read(largestLogo + 1);
-    if (file.error() != QFile::NoError || bytes.size() > largestLogo)
-        return std::nullopt;
-    return bytes;
+    const Result<QByteArray> bytes = readWholeFile(*name, largestLogo);
+    return bytes ? std::optional(*bytes) : std::nullopt;
 }
 
 Result<void> CoinLogoCache::write(const QString &id, const QByteArray &bytes) const
@@ -62,18 +59,13 @@ Result<void> CoinLogoCache::write(const QString &id, const QByteArray &bytes) co
     if (!name)
         return failure(FileError{directory.value_or(QString(directoryName)),
                                  directory ? QStringLiteral("not a coin id") : QStringLiteral("no container")});
-    if (!QDir().mkpath(*directory))
-        return failure(FileError{*directory, QStringLiteral("the directory cannot be made")});
-    QSaveFile file(*name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-        return failure(FileError{*name, file.errorString()});
-    return {};
+    return writeWholeFile(*name, bytes);
 }
 
 void CoinLogoCache::remove(const QString &id) const
 {
-    if (const std::optional<QString> name = path(id))
-        QFile::remove(*name);
+    if (directory && !id.contains(u'/'))
+        QFile::remove(QDir(*directory).filePath(id + suffix));
 }
 
 } // namespace tickwise

@@ -13,7 +13,7 @@ namespace tickwise {
 /// The largest logo that is taken from the network or read from the disk, in bytes.
 inline constexpr qint64 largestLogo = 524288;
 
-/// Downloaded logos on disk: one file a coin, `<id>.img`, with the bytes as they came.
+/// Downloaded logos on disk: one file a coin, `<id>.img`, with the bytes exactly as received.
 struct CoinLogoCache
 {
     std::optional<QString> directory; ///< none when there is no container to put it in
@@ -29,7 +29,7 @@ struct CoinLogoCache
     std::optional<QByteArray> read(const QString &id) const;
     /// Replaces the file as a whole, making the directory where it is missing. Fails with `FileError`.
     Result<void> write(const QString &id, const QByteArray &bytes) const;
-    /// Deletes the file; a failure is ignored.
+    /// Deletes the file, also one whose name is no coin id but was listed by `cachedIDs`; a failure is ignored.
     void remove(const QString &id) const;
 
     bool operator==(const CoinLogoCache &) const = default;

@@ -1,18 +1,18 @@
 #include "catalog/logos/CoinLogoPainting.h"
 
 #include "catalog/ShippedImages.h"
+#include "support/Graphemes.h"
 
 #include <QGuiApplication>
 #include <QPainter>
 #include <QSvgRenderer>
-#include <QTextBoundaryFinder>
 
 namespace tickwise {
 
 namespace {
 
 constexpr int letterCount = 3;
-constexpr int letterSize = 8; // points of 1/72 inch at the usual scale, which are the screen's logical pixels
+constexpr int letterSize = 8; // device-independent pixels
 constexpr float fillOpacity = 0.15F;
 
 } // namespace
@@ -38,24 +38,20 @@ void paintLogoImage(QPainter &painter, const QRectF &box, const QImage &image)
 
 QString placeholderLetters(const QString &symbol)
 {
-    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, symbol);
-    qsizetype end = 0;
-    for (int i = 0; i < letterCount && end < symbol.size(); ++i)
-        end = characters.toNextBoundary();
-    return symbol.first(end);
+    return firstCharacters(symbol, letterCount);
 }
 
 void paintLogoPlaceholder(QPainter &painter, const QRectF &box, const QString &symbol, const QColor &accent)
 {
-    QColor ground = accent;
-    ground.setAlphaF(fillOpacity);
+    QColor fill = accent;
+    fill.setAlphaF(fillOpacity);
     QFont font = QGuiApplication::font();
     font.setBold(true);
     font.setPixelSize(letterSize);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
+    painter.setBrush(fill);
     painter.drawEllipse(box);
     painter.setFont(font);
     painter.setPen(accent);

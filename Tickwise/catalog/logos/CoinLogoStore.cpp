@@ -106,7 +106,7 @@ void CoinLogoStore::sync(const std::vector<CoinMetadata> &coins)
 
 void CoinLogoStore::prune(const QSet<QString> &needed)
 {
-    const QSet<QString> unneeded = cachedIDs() - needed;
+    const QSet<QString> unneeded = (cachedIDs() | m_cache.cachedIDs()) - needed;
     for (const QString &id : unneeded) {
         m_cache.remove(id);
         m_images.remove(id);

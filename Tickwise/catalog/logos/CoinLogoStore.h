@@ -45,8 +45,8 @@ public:
     std::optional<QImage> image(const QString &id);
     /// Starts a download unless the coin has a shipped image, a cached one, a download under way or no usable address.
     void ensureLogo(const CoinMetadata &coin);
-    /// Forgets and deletes the logos of all other coins and of those with a shipped image; then ensures each coin's
-    /// logo.
+    /// Forgets the logos of all other coins and of those with a shipped image, and deletes every other file of the
+    /// cache, whatever its name; then ensures each coin's logo.
     void sync(const std::vector<CoinMetadata> &coins);
 
 Q_SIGNALS:

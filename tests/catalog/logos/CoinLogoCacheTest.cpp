@@ -21,8 +21,10 @@ private Q_SLOTS:
     void missingOrUnreadableDirectoryIsEmpty();
     void withoutAContainer();
     void replacesTheFileAsAWhole();
+    void readerKeepsTheOldFileWhileANewOneIsWritten();
     void writeFailureIsAnError();
     void removeIgnoresFailures();
+    void removesOnlyInsideItsDirectory();
     void readsNothingThatIsTooLarge();
     void onlyCoinIdsBecomeFileNames_data();
     void onlyCoinIdsBecomeFileNames();
@@ -109,6 +111,16 @@ void CoinLogoCacheTest::replacesTheFileAsAWhole()
              QStringList{QStringLiteral("bitcoin.img")});
 }
 
+void CoinLogoCacheTest::readerKeepsTheOldFileWhileANewOneIsWritten()
+{
+    QVERIFY(m_cache.write(QStringLiteral("bitcoin"), "a longer text"));
+    QFile reader(*m_cache.path(QStringLiteral("bitcoin")));
+    QVERIFY(reader.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    QCOMPARE(reader.read(2), QByteArray("a "));
+    QVERIFY(m_cache.write(QStringLiteral("bitcoin"), "short"));
+    QCOMPARE(reader.readAll(), QByteArray("longer text"));
+}
+
 void CoinLogoCacheTest::writeFailureIsAnError()
 {
     QVERIFY(QDir().mkpath(*m_cache.path(QStringLiteral("bitcoin"))));
@@ -129,6 +141,18 @@ void CoinLogoCacheTest::removeIgnoresFailures()
     m_cache.remove(QStringLiteral("bitcoin"));
     QCOMPARE(m_cache.cachedIDs(), QSet<QString>());
     m_cache.remove(QStringLiteral("bitcoin"));
+    QCOMPARE(m_cache.cachedIDs(), QSet<QString>());
+}
+
+void CoinLogoCacheTest::removesOnlyInsideItsDirectory()
+{
+    QFile outside(m_container->filePath(QStringLiteral("outside.img")));
+    QVERIFY(outside.open(QIODevice::WriteOnly));
+    put(QStringLiteral("No Coin.img"), "x");
+    m_cache.remove(QStringLiteral("../outside"));
+    m_cache.remove(QStringLiteral("No Coin"));
+    CoinLogoCache().remove(QStringLiteral("bitcoin"));
+    QVERIFY(outside.exists());
     QCOMPARE(m_cache.cachedIDs(), QSet<QString>());
 }
 

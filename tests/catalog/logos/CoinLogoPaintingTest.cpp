@@ -19,6 +19,7 @@ private Q_SLOTS:
     void letters_data();
     void letters();
     void placeholderIsACircleWithLetters();
+    void placeholderHasBoldLettersOfEightPixels();
     void placeholderKeepsThePainter();
     void imageFillsTheBox();
     void shippedLogoFillsTheBox_data();
@@ -51,7 +52,7 @@ bool isBlank(const QImage &image)
     return image == blank;
 }
 
-/// The colours of the drawing reach the four sides of the box, and its corners stay free.
+/// The colors of the drawing reach the four sides of the box, and its corners stay free.
 bool isFullCircle(const QImage &image)
 {
     const int end = side - 1;
@@ -100,6 +101,25 @@ void CoinLogoPaintingTest::placeholderIsACircleWithLetters()
     QVERIFY(image != empty);
     QVERIFY(image != other);
     QCOMPARE(image, longer);
+}
+
+void CoinLogoPaintingTest::placeholderHasBoldLettersOfEightPixels()
+{
+    const QColor accent(200, 40, 90);
+    const QImage expected = painted([&](QPainter &painter) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(QColor::fromRgbF(accent.redF(), accent.greenF(), accent.blueF(), 0.15F));
+        painter.drawEllipse(box);
+        QFont font = QGuiApplication::font();
+        font.setPixelSize(8);
+        font.setBold(true);
+        painter.setFont(font);
+        painter.setPen(accent);
+        painter.drawText(box, Qt::AlignCenter, QStringLiteral("BTC"));
+    });
+    QCOMPARE(painted([&](QPainter &painter) { paintLogoPlaceholder(painter, box, QStringLiteral("BTC"), accent); }),
+             expected);
 }
 
 void CoinLogoPaintingTest::placeholderKeepsThePainter()

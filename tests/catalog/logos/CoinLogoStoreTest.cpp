@@ -75,6 +75,7 @@ private Q_SLOTS:
     void writeFailureIsOneLine();
     void syncPrunesAndDownloads();
     void syncForgetsShippedAndRemovedCoins();
+    void syncDeletesFilesOfAnyName();
     void syncIgnoresAFailedDelete();
     void syncWithoutAChangePublishesNothing();
     void publishesOncePerLogo();
@@ -137,7 +138,7 @@ void CoinLogoStoreTest::redirectsStayOnTheLogoHosts_data()
     QTest::newRow("other logo host") << QStringLiteral("https://assets.coingecko.com/b.png") << true;
     QTest::newRow("without TLS") << QStringLiteral("http://assets.coingecko.com/b.png") << false;
     QTest::newRow("another host") << QStringLiteral("https://example.com/b.png") << false;
-    QTest::newRow("with a user") << QStringLiteral("https://u@assets.coingecko.com/b.png") << false;
+    QTest::newRow("with a user") << QStringLiteral("https://u@assets.coingecko.com/b.png") << true;
 }
 
 void CoinLogoStoreTest::redirectsStayOnTheLogoHosts()
@@ -386,6 +387,26 @@ void CoinLogoStoreTest::syncForgetsShippedAndRemovedCoins()
     store().sync({shipped});
     QVERIFY(store().cachedIDs().isEmpty());
     QVERIFY(!QFile::exists(file(QStringLiteral("bitcoin"))));
+}
+
+void CoinLogoStoreTest::syncDeletesFilesOfAnyName()
+{
+    put(QStringLiteral("bitcoin"), logo);
+    store();
+    const QStringList strange{QStringLiteral("Not a coin"), QStringLiteral("a.b"),   QStringLiteral("-x"), QString(),
+                              QString(100, u'a'),           QStringLiteral("solana")};
+    for (const QString &name : strange) {
+        QFile stranger(file(name));
+        QVERIFY(stranger.open(QIODevice::WriteOnly));
+    }
+    QVERIFY(QFile::link(QStringLiteral("nowhere"), file(QStringLiteral("link"))));
+    QFile other(m_container->filePath(QStringLiteral("CoinLogos/readme.txt")));
+    QVERIFY(other.open(QIODevice::WriteOnly));
+    store().sync({coin("bitcoin")});
+    const auto everything = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    QCOMPARE(QDir(m_container->filePath(QStringLiteral("CoinLogos"))).entryList(everything, QDir::Name),
+             (QStringList{QStringLiteral("bitcoin.img"), QStringLiteral("readme.txt")}));
+    QCOMPARE(store().cachedIDs(), ids({"bitcoin"}));
 }
 
 void CoinLogoStoreTest::syncIgnoresAFailedDelete()

@@ -275,7 +275,7 @@ void CoinLogoViewTest::isSharpOnDenseScreens()
     dense.setDevicePixelRatio(3);
     logo->render(&dense);
     dense.setDevicePixelRatio(1);
-    // Neighbouring pixels of the screen differ, which a logo drawn at single density would not let them.
+    // Neighboring pixels of the screen differ, which a logo drawn at single density would not let them.
     int different = 0;
     for (int i = 0; i < 96; ++i)
         different += dense.pixelColor(i, 50).lightness() != dense.pixelColor(i / 3 * 3, 50).lightness() ? 1 : 0;
