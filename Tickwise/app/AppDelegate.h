@@ -9,6 +9,8 @@
 #include "pipeline/NotificationService.h"
 #include "pipeline/StatusItem.h"
 #include "support/NotificationCenter.h"
+#include "ui/LaunchAtLoginService.h"
+#include "ui/popover/PopoverSurface.h"
 #include "ui/updates/UpdateController.h"
 #include "widget/WidgetSnapshotWriter.h"
 
@@ -22,6 +24,8 @@
 
 namespace tickwise {
 
+class PopoverController;
+
 /// What the application stands on: the desktop's services and the addresses of the market's. All of it outlives the
 /// delegate.
 struct AppEnvironment
@@ -33,6 +37,8 @@ struct AppEnvironment
     /// Attaches an updater to the controller; none: this build has no updater.
     std::function<void(UpdateController &)> attachUpdater;
     std::function<std::unique_ptr<StatusItem>()> makeStatusItem;
+    /// Where the popover is shown; none: it is not.
+    std::function<std::unique_ptr<PopoverSurface>()> makePopoverSurface;
     std::function<void()> reloadWidgets;
     std::function<bool()> isSecondCopy; ///< true when another copy runs; that one has then been asked to show itself
     std::optional<QString> container;   ///< directory shared with the widget; none when it cannot be had
@@ -70,7 +76,13 @@ public:
     /// Created on first use, which starts polling.
     CoinListViewModel &coinListViewModel();
 
-    /// Brings the application to the front: what the panel's click, a second copy and a notification's click ask for.
+    /// Has the start-up open the popover. To be set before it.
+    void setOpensPopoverAfterLaunch(bool opens) { m_opensPopoverAfterLaunch = opens; }
+    /// None before the start-up.
+    PopoverController *popover() { return m_popover.get(); }
+
+    /// Brings the application to the front and opens the popover: what a second copy and a notification's click ask
+    /// for.
     void activate(const QString &token = {});
     /// Asks for the settings window on that tab.
     void openSettingsWindow(SettingsTab tab, const QString &token = {});
@@ -98,6 +110,9 @@ Q_SIGNALS:
 private:
     void handleNavigationNotification(const QVariantMap &userInfo);
     void createStatusItem();
+    void createPopover();
+    void handleStatusItemClick(std::optional<QPoint> position);
+    PopoverAnchor popoverAnchor(PopoverAnchor::Cause cause) const;
     void applyLanguage(AppLanguage language);
     Menu makeStatusMenu();
     void changeCoin(const QString &coinId);
@@ -116,6 +131,8 @@ private:
     std::unique_ptr<StatusItem> m_statusItem;
     std::unique_ptr<WidgetSnapshotWriter> m_widgetSnapshotWriter;
     std::unique_ptr<CoinLogoStore> m_logoStore;
+    std::unique_ptr<PopoverController> m_popover;
+    bool m_opensPopoverAfterLaunch = false;
     SettingsReactions m_settingsReactions;
 };
 

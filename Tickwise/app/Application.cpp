@@ -9,6 +9,7 @@
 #include "platform/session/RunningProgram.h"
 #include "platform/statusitem/PanelStatusItem.h"
 #include "platform/storage/AppGroupContainer.h"
+#include "platform/surfaces/DesktopPopoverSurface.h"
 #include "support/Localization.h"
 #include "support/LogCategories.h"
 
@@ -128,6 +129,7 @@ AppEnvironment Application::makeEnvironment()
         .notificationCenter = *m_notificationCenter,
         .loginItem = *m_loginItem,
         .makeStatusItem = [] { return std::make_unique<PanelStatusItem>(QDBusConnection::sessionBus()); },
+        .makePopoverSurface = makePopoverSurface,
         .reloadWidgets = [this] { m_widgetCenter.reloadAllTimelines(); },
         .isSecondCopy = [this] { return isSecondCopy(); },
         .container = appGroupContainer(m_configuration.appGroup),
