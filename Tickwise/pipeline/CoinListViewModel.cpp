@@ -130,8 +130,6 @@ void CoinListViewModel::restartPolling()
 {
     requireMainThread();
     stopPolling();
-    if (m_isSuspended)
-        return;
     m_pollTimer.start(timerPeriod(m_settingsViewModel.settings().pollingInterval));
     fetchPrices();
 }

@@ -51,8 +51,7 @@ public:
 
     /// Rebuilds `coins` from settings and catalog, keeping held prices where they still mean the same.
     void rebuildCoins();
-    /// Restarts the poll timer with the settings' interval, drops the fetch in flight and fetches at once. While
-    /// polling is suspended only the fetch is dropped.
+    /// Restarts the poll timer with the settings' interval, drops the fetch in flight and calls `fetchPrices`.
     void restartPolling();
     /// One fetch, unless one is under way, polling is suspended, or the settings' currency has changed since the last
     /// rebuild: no list mixes two currencies.

@@ -117,6 +117,7 @@ void AlertRuleTest::changeOf102ThenBack()
     const WatchlistCoin change = alert(CoinAlertKind::change, 2);
     QCOMPARE(evaluateAlert(102, 100, &change, 1).changePercent, 2.0);
     QCOMPARE(evaluateAlert(99.45, 102, &change, 1).changePercent, -2.5);
+    QCOMPARE(evaluateAlert(0.75, 0.5, &change, 1), (AlertDecision{true, 50, 0.75}));
 }
 
 void AlertRuleTest::zeroBaselineNeverDivides()
@@ -172,6 +173,8 @@ void AlertRuleTest::rearming_data()
     };
     row("above, below the level", CoinAlertKind::above, 90, 95, 90);
     row("above, beyond the level", CoinAlertKind::above, 130, 120, 120);
+    row("above, at the level", CoinAlertKind::above, 100, 120, 120);
+    row("below, at the level", CoinAlertKind::below, 100, 80, 80);
     row("below, above the level", CoinAlertKind::below, 120, 110, 120);
     row("below, beyond the level", CoinAlertKind::below, 70, 80, 80);
     row("change", CoinAlertKind::change, 101, 100, 100);
