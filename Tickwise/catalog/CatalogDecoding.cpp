@@ -3,25 +3,6 @@
 
 namespace tickwise {
 
-template<>
-std::vector<CoinStatus> allCases<CoinStatus>()
-{
-    return {CoinStatus::active, CoinStatus::delisted, CoinStatus::migrated};
-}
-
-QString rawValue(CoinStatus status)
-{
-    switch (status) {
-    case CoinStatus::active:
-        return QStringLiteral("active");
-    case CoinStatus::delisted:
-        return QStringLiteral("delisted");
-    case CoinStatus::migrated:
-        return QStringLiteral("migrated");
-    }
-    return {};
-}
-
 namespace {
 
 Result<CoinMetadata> decodeRecord(const JsonValue &record, std::size_t index)

@@ -39,6 +39,9 @@ struct CoinMetadata
     bool operator==(const CoinMetadata &) const = default;
 };
 
+/// The hash over all fields.
+std::size_t qHash(const CoinMetadata &coin, std::size_t seed = 0);
+
 /// A catalog coin with its live market fields.
 struct Coin : CoinMetadata
 {
@@ -48,5 +51,8 @@ struct Coin : CoinMetadata
     std::optional<TimePoint> lastUpdated;        ///< when the live fields were last set
     bool operator==(const Coin &) const = default;
 };
+
+/// The hash over all fields.
+std::size_t qHash(const Coin &coin, std::size_t seed = 0);
 
 } // namespace tickwise
