@@ -7,8 +7,8 @@ namespace tickwise {
 
 namespace {
 
-constexpr std::chrono::seconds longestRest{300};
-constexpr double largestQuietMovePercent = 1.0;
+constexpr std::chrono::seconds longestTimeWithoutReload{300};
+constexpr double largestMoveWithoutReload = 1.0; // percent
 
 bool displayDiffers(const WidgetSnapshot &a, const WidgetSnapshot &b)
 {
@@ -17,21 +17,22 @@ bool displayDiffers(const WidgetSnapshot &a, const WidgetSnapshot &b)
            a.watchlist != b.watchlist;
 }
 
-bool movedVisibly(double oldPrice, double newPrice)
+bool isLargeMove(double oldPrice, double newPrice)
 {
-    return oldPrice > 0 && std::abs(newPrice - oldPrice) / oldPrice * 100 > largestQuietMovePercent;
+    return oldPrice > 0 && std::abs(newPrice - oldPrice) / oldPrice * 100 > largestMoveWithoutReload;
 }
 
 } // namespace
 
 bool needsWidgetReload(const std::optional<WidgetReload> &last, const WidgetSnapshot &snapshot)
 {
-    if (!last || snapshot.writtenAt - last->time >= longestRest || displayDiffers(last->snapshot, snapshot))
+    if (!last || snapshot.writtenAt - last->time >= longestTimeWithoutReload ||
+        displayDiffers(last->snapshot, snapshot))
         return true;
     const auto &old = last->snapshot.quotes;
     return std::ranges::any_of(snapshot.quotes, [&](const auto &entry) {
         const auto before = old.find(entry.first);
-        return before == old.end() || movedVisibly(before->second.price, entry.second.price);
+        return before == old.end() || isLargeMove(before->second.price, entry.second.price);
     });
 }
 

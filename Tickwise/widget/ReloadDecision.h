@@ -11,9 +11,9 @@ struct WidgetReload
     TimePoint time;
 };
 
-/// Whether the widgets should redraw for the new snapshot: at first, after 300 s, for a change of what is displayed,
-/// for a coin that gained its price, and for a price that moved by more than 1 %. A coin that lost its price and a
-/// change of the 24-hour changes alone wait for the 300 s.
+/// Whether the widgets should redraw for the new snapshot: when there was no reload yet, 300 s after the last one, when
+/// a display setting or the watchlist differs, when a coin has a price for the first time, and when a price moved by
+/// more than 1 %. A price that is gone and a 24-hour change that differs do not count.
 bool needsWidgetReload(const std::optional<WidgetReload> &last, const WidgetSnapshot &snapshot);
 
 } // namespace tickwise

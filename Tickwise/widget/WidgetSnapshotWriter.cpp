@@ -8,7 +8,7 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcWidget, "com.pelmo.tickwise.Widget")
 
-constexpr std::chrono::seconds quietTime{1};
+constexpr std::chrono::seconds debounceInterval{1};
 
 } // namespace
 
@@ -24,7 +24,7 @@ WidgetSnapshotWriter::WidgetSnapshotWriter(WidgetSnapshotStore store, CoinListVi
 {
     m_debounce.setSingleShot(true);
     m_debounce.setTimerType(Qt::PreciseTimer);
-    m_debounce.setInterval(quietTime);
+    m_debounce.setInterval(debounceInterval);
     connect(&m_debounce, &QTimer::timeout, this, &WidgetSnapshotWriter::write);
     m_coinsNotifier = m_coinList.bindableCoins().addNotifier([this] { m_debounce.start(); });
     m_settingsNotifier = m_settings.bindableSettings().addNotifier([this] { m_debounce.start(); });

@@ -12,7 +12,7 @@ namespace tickwise {
 namespace {
 
 constexpr int letterCount = 3;
-constexpr int letterSize = 8; // points of 1/72 inch at the usual scale, which are the screen's logical pixels
+constexpr int letterSize = 8; // device-independent pixels
 constexpr float fillOpacity = 0.15F;
 
 } // namespace
@@ -43,15 +43,15 @@ QString placeholderLetters(const QString &symbol)
 
 void paintLogoPlaceholder(QPainter &painter, const QRectF &box, const QString &symbol, const QColor &accent)
 {
-    QColor ground = accent;
-    ground.setAlphaF(fillOpacity);
+    QColor fill = accent;
+    fill.setAlphaF(fillOpacity);
     QFont font = QGuiApplication::font();
     font.setBold(true);
     font.setPixelSize(letterSize);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
+    painter.setBrush(fill);
     painter.drawEllipse(box);
     painter.setFont(font);
     painter.setPen(accent);

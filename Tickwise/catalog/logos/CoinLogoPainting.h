@@ -17,13 +17,13 @@ bool paintShippedLogo(QPainter &painter, const QRectF &box, const QString &asset
 /// Draws a downloaded logo into the box.
 void paintLogoImage(QPainter &painter, const QRectF &box, const QImage &image);
 
-/// Draws the stand-in for a logo: the placeholder's letters on a circle, both in the accent color.
+/// Draws the placeholder for a missing logo: its letters on a translucent circle, both in the accent color.
 void paintLogoPlaceholder(QPainter &painter, const QRectF &box, const QString &symbol, const QColor &accent);
 
 /// The letters of the placeholder: the first three characters of the symbol.
 QString placeholderLetters(const QString &symbol);
 
-/// Draws what there is, in this order: the shipped logo, the downloaded one, the placeholder.
+/// Draws the first of these that exists: the shipped logo, the downloaded one, the placeholder.
 void paintCoinLogo(QPainter &painter, const QRectF &box, const std::optional<QString> &assetName,
                    const std::optional<QImage> &image, const QString &symbol, const QColor &accent);
 

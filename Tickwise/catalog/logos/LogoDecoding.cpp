@@ -176,8 +176,10 @@ QImage readScaled(BoundedBytes &bytes, const QByteArray &decoder)
     bytes.forgetRunOut();
     const QImage image = reader.read();
     // The directory of an icon file may state another size than its picture has.
-    if (!isAccepted(image.size()) || !isLargerThanKept(image.size()))
-        return isAccepted(image.size()) ? image : QImage();
+    if (!isAccepted(image.size()))
+        return {};
+    if (!isLargerThanKept(image.size()))
+        return image;
     return image.scaled(keptSize(image.size()), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 

@@ -6,16 +6,15 @@
 
 namespace tickwise {
 
-/// Where the logos that are not shipped come from: the store, or without one the network itself. What is named outlives
-/// the views.
+/// Where logos that are not shipped come from: the store or, without one, the network. Both objects outlive the views.
 struct CoinLogoSources
 {
     CoinLogoStore *store = nullptr;
     HttpClient *client = nullptr;
-    LogoAddressRule isAllowed = isLogoAddress; ///< only loopback tests name another one
+    LogoAddressRule isAllowed = isLogoAddress; ///< replaced only by loopback tests
 };
 
-/// Whose logo is shown.
+/// The coin whose logo is shown.
 struct CoinLogoContent
 {
     QString coinID;
@@ -32,7 +31,7 @@ enum class CoinLogoKind
     remote,
 };
 
-/// What is drawn: a shipped image before all else, then the store's, and only where there is no store the network's.
+/// The source of the logo: the shipped image when there is one, else the store, and the network only without a store.
 CoinLogoKind coinLogoKind(const std::optional<QString> &assetName, bool hasStore);
 
 /// A coin's logo, filling the widget; letters in the accent color for as long as there is none.
