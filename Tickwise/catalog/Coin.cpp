@@ -28,14 +28,14 @@ namespace {
 template<class T>
 std::size_t hashOf(const std::optional<T> &value, std::size_t seed)
 {
-    return value ? qHash(*value, seed + 1) : seed;
+    return value ? ::qHash(*value, seed + 1) : seed;
 }
 
 } // namespace
 
 std::size_t qHash(const CoinMetadata &coin, std::size_t seed)
 {
-    seed = qHashMulti(seed, coin.id, coin.symbol, coin.name, coin.status, coin.listed);
+    seed = qHashMulti(seed, coin.id, coin.symbol, coin.name, int(coin.status), coin.listed);
     seed = hashOf(coin.rank, seed);
     seed = hashOf(coin.logoURL, seed);
     seed = hashOf(coin.migratedTo, seed);
