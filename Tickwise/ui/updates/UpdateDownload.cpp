@@ -118,7 +118,7 @@ std::optional<UpdateFailure> UpdateDownload::refusal(const Result<HttpResponse> 
         return diskFailure(m_file);
     if (!response)
         return downloadFailure(response.error());
-    if (response->status < 200 || response->status > 299)
+    if (!response->isSuccess())
         return downloadFailure(UrlLoadingError{UrlErrorCode::badServerResponse, {}, response->status});
     return lengthRefusal();
 }
