@@ -1,7 +1,8 @@
 #include "market/ExchangeRateService.h"
 
 #include "market/FailureReason.h"
-#include "market/HttpStatus.h"
+#include "market/rates/ExchangeRateProviderList.h"
+#include "market/rates/ExchangeRateResponse.h"
 #include "support/LogCategories.h"
 
 #include <utility>
@@ -12,23 +13,9 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcRates, "com.pelmo.tickwise.ExchangeRates")
 
-constexpr int tooManyRequests = 429;
-
-Result<QByteArray> classify(const HttpResponse &response)
-{
-    if (response.status >= 200 && response.status <= 299)
-        return response.body;
-    if (response.status == tooManyRequests) {
-        return failure(TickerProviderError{TickerProviderError::Kind::rateLimited,
-                                           retryAfter(response).value_or(ExchangeRateService::rateLimitPause),
-                                           response.status});
-    }
-    return failure(UrlLoadingError{UrlErrorCode::badServerResponse, {}, response.status});
-}
-
 } // namespace
 
-/// One way through the providers to a table.
+/// One fetch of a table: attempts one provider after another. Its methods are the steps, in their order.
 class ExchangeRateService::TableFetch
 {
 public:
@@ -39,96 +26,103 @@ public:
     }
 
 private:
-    void attempt(std::size_t index)
+    /// Asks the provider at a position of the list; fails past its end.
+    void attempt(std::size_t position)
     {
-        if (index == m_service.m_providers.size())
-            return fail();
-        const ExchangeRateProvider &provider = *m_service.m_providers[index];
-        const auto pause = m_service.m_rateLimits.constFind(provider.urlString());
-        if (pause != m_service.m_rateLimits.constEnd() && pause->holds(m_service.m_clock())) {
-            m_causes.push_back({provider.urlString(), FailureReason::rateLimited, pause->until});
-            return attempt(index + 1);
+        if (position == m_service.m_providers.size()) {
+            return finishLater(UrlLoadingError{UrlErrorCode::cannotLoadFromNetwork,
+                                               QStringLiteral("no rate service answered"), 0, m_causes});
         }
-        HttpRequest request;
-        request.url = QUrl(provider.urlString(), QUrl::StrictMode);
-        if (!request.url.isValid() || request.url.host().isEmpty())
-            return attemptFailed(index, UrlLoadingError{UrlErrorCode::badURL});
-        m_step = m_service.m_client.send(
-            request, [this, index](const Result<HttpResponse> &response) { receive(index, response); });
+        const ExchangeRateProvider &provider = *m_service.m_providers[position];
+        if (const auto limit = m_service.m_rateLimits.current(provider.urlString(), m_service.m_clock())) {
+            m_causes.push_back(*limit);
+            return attempt(position + 1);
+        }
+        ask(provider, [this, position](const Result<RateTable> &table) { receive(position, table); });
     }
 
-    void receive(std::size_t index, const Result<HttpResponse> &response)
+    void ask(const ExchangeRateProvider &provider, const std::function<void(const Result<RateTable> &)> &answer)
     {
-        const ExchangeRateProvider &provider = *m_service.m_providers[index];
-        const Result<RateTable> table =
-            response.and_then(classify).and_then([&](const QByteArray &body) { return provider.decode(body); });
-        if (!table)
-            return attemptFailed(index, table.error());
-        m_service.m_failing.forget(&provider);
+        HttpRequest request;
+        request.url = QUrl(provider.urlString(), QUrl::StrictMode);
+        if (!request.url.isValid() || request.url.host().isEmpty()) {
+            m_request = deliverLater<RateTable>(failure(UrlLoadingError{UrlErrorCode::badURL}), answer);
+            return;
+        }
+        m_request = m_service.m_client.send(request, [&provider, answer](const Result<HttpResponse> &response) {
+            answer(response.and_then(classifyExchangeRateResponse).and_then([&](const QByteArray &body) {
+                return provider.decode(body);
+            }));
+        });
+    }
+
+    void receive(std::size_t position, const Result<RateTable> &table)
+    {
+        const ExchangeRateProvider &provider = *m_service.m_providers[position];
+        if (!table) {
+            noteFailure(provider, table.error());
+            return attempt(position + 1);
+        }
+        m_service.m_failures.clear(&provider);
         m_service.receiveTable(table);
     }
 
-    void attemptFailed(std::size_t index, const Error &error)
+    void noteFailure(const ExchangeRateProvider &provider, const Error &error)
     {
-        const QString &provider = m_service.m_providers[index]->urlString();
-        if (const QString text = description(error);
-            m_service.m_failing.isNew(m_service.m_providers[index].get(), text))
-            qCInfo(lcRates).noquote() << provider << "gives no rates:" << text;
-        ProviderFailure cause{provider, failureReason(error), std::nullopt};
-        if (const auto *const limited = std::get_if<TickerProviderError>(&error)) {
-            const Pause pause = Pause::lasting(*limited->retryAfter, m_service.m_clock());
-            m_service.m_rateLimits.insert(provider, pause);
-            cause.until = pause.until;
+        ProviderFailure cause{provider.urlString(), failureReason(error), std::nullopt};
+        if (const auto *const limited = std::get_if<ExchangeRateProviderError>(&error)) {
+            cause = m_service.m_rateLimits.start(provider.urlString(), limited->retryAfter, cause.reason,
+                                                 m_service.m_clock());
         }
         m_causes.push_back(cause);
-        attempt(index + 1);
+        m_service.log(provider, error);
     }
 
-    void fail()
+    /// Fails from the event loop, as the call that starts the fetch may come here.
+    void finishLater(Error error)
     {
-        // From the event loop: every provider may have been skipped inside the call that started this fetch.
-        m_step =
-            deliverLater<RateTable>(failure(UrlLoadingError{UrlErrorCode::cannotLoadFromNetwork,
-                                                            QStringLiteral("no rate service answered"), 0, m_causes}),
-                                    [this](const Result<RateTable> &result) { m_service.receiveTable(result); });
+        m_request = deliverLater<RateTable>(failure(std::move(error)),
+                                            [this](const Result<RateTable> &table) { m_service.receiveTable(table); });
     }
 
     ExchangeRateService &m_service;
     std::vector<ProviderFailure> m_causes;
-    Subscription m_step;
+    Subscription m_request;
 };
 
-/// Somebody who waits for the table that is being fetched.
-class ExchangeRateService::Waiting : public Operation
+/// One caller's request for a rate, which waits for the table that is being fetched.
+class ExchangeRateService::RateRequest : public Operation
 {
 public:
-    Waiting(ExchangeRateService &service, BaseCurrency currency, std::optional<double> stale, Completion<double> done)
+    RateRequest(ExchangeRateService &service, BaseCurrency currency, std::optional<double> staleRate,
+                Completion<double> done)
         : m_service(&service)
         , m_code(rawValue(currency))
-        , m_stale(stale)
+        , m_staleRate(staleRate)
         , m_done(std::move(done))
     {
+        service.join(*this);
     }
-    ~Waiting() override
+    ~RateRequest() override
     {
         if (m_service)
             m_service->leave(*this);
     }
 
-    /// Delivers from the event loop, because a completion may ask again or drop this service.
-    void finish(const Result<RateTable> &table)
+    void receive(const Result<RateTable> &table)
     {
         Result<double> rate = table.and_then([this](const RateTable &rates) { return lookUp(rates); });
-        if (!rate && m_stale)
-            rate = *m_stale;
-        deliver(std::move(rate));
+        if (!rate && m_staleRate)
+            rate = *m_staleRate;
+        finishLater(std::move(rate));
     }
 
-    /// The service goes away.
-    void abandon() { deliver(failure(UrlLoadingError{UrlErrorCode::cancelled})); }
+    /// Fails because the service is being destroyed.
+    void abandon() { finishLater(failure(UrlLoadingError{UrlErrorCode::cancelled})); }
 
 private:
-    void deliver(Result<double> rate)
+    /// Delivers from the event loop, as the completion may ask again or destroy the service.
+    void finishLater(Result<double> rate)
     {
         m_service = nullptr;
         m_delivery = deliverLater<double>(std::move(rate), std::move(m_done));
@@ -142,9 +136,9 @@ private:
         return failure(UrlLoadingError{UrlErrorCode::cannotParseResponse, QStringLiteral("no rate for ") + m_code});
     }
 
-    ExchangeRateService *m_service;
+    ExchangeRateService *m_service; // null once the outcome is known
     QString m_code;
-    std::optional<double> m_stale;
+    std::optional<double> m_staleRate;
     Completion<double> m_done;
     Subscription m_delivery;
 };
@@ -161,8 +155,8 @@ ExchangeRateService::ExchangeRateService(HttpClient &client, const Endpoints &en
 ExchangeRateService::~ExchangeRateService()
 {
     m_inFlight.reset();
-    for (Waiting *const waiting : m_waiting)
-        waiting->abandon();
+    for (RateRequest *const request : m_requests)
+        request->abandon();
 }
 
 Subscription ExchangeRateService::rate(BaseCurrency currency, Completion<double> done)
@@ -175,16 +169,14 @@ Subscription ExchangeRateService::rate(BaseCurrency currency, Completion<double>
     const std::optional<double> known = cached == m_cachedRates.constEnd() ? std::nullopt : std::optional(*cached);
     if (known && isFresh())
         return deliverLater<double>(*known, std::move(done));
-    auto waiting = std::make_unique<Waiting>(*this, currency, known, std::move(done));
-    wait(*waiting);
-    return Subscription(std::move(waiting));
+    return Subscription(std::make_unique<RateRequest>(*this, currency, known, std::move(done)));
 }
 
 bool ExchangeRateService::isFresh() const
 {
     if (!m_cacheTimestamp)
         return false;
-    // A table from the future says that the clock went back: it is as good as an old one.
+    // A table from the future means that the clock was set back: its age is unknown.
     const double age = secondsBetween(*m_cacheTimestamp, m_clock());
     return age >= 0 && age < lifetime;
 }
@@ -198,34 +190,41 @@ void ExchangeRateService::loadCacheFile()
     m_cacheTimestamp = entry->fetchedAt;
 }
 
-void ExchangeRateService::wait(Waiting &waiting)
+void ExchangeRateService::join(RateRequest &request)
 {
-    m_waiting.push_back(&waiting);
+    m_requests.push_back(&request);
     if (!m_inFlight)
         m_inFlight = std::make_unique<TableFetch>(*this);
 }
 
-void ExchangeRateService::leave(Waiting &waiting)
+void ExchangeRateService::leave(RateRequest &request)
 {
-    std::erase(m_waiting, &waiting);
-    if (m_waiting.empty())
+    std::erase(m_requests, &request);
+    if (m_requests.empty())
         m_inFlight.reset();
 }
 
-void ExchangeRateService::receiveTable(const Result<RateTable> &result)
+void ExchangeRateService::receiveTable(const Result<RateTable> &table)
 {
-    const std::unique_ptr<TableFetch> finished = std::move(m_inFlight); // it holds the result
-    if (result)
-        adopt(*result);
-    for (Waiting *const waiting : std::exchange(m_waiting, {}))
-        waiting->finish(result);
+    const std::unique_ptr<TableFetch> finished = std::move(m_inFlight); // owns the table until the end of this call
+    if (table)
+        adopt(*table);
+    for (RateRequest *const request : std::exchange(m_requests, {}))
+        request->receive(table);
+}
+
+void ExchangeRateService::log(const ExchangeRateProvider &provider, const Error &error)
+{
+    const QString text = description(error);
+    if (m_failures.isNew(&provider, text))
+        qCInfo(lcRates).noquote() << provider.urlString() << "gives no rates:" << text;
 }
 
 void ExchangeRateService::adopt(const RateTable &table)
 {
     m_cachedRates = table;
     m_cacheTimestamp = m_clock();
-    // A cache that cannot be written costs one request after the next start, no more.
+    // Without the cache file the next start only needs one request more.
     (void)m_cacheStore.save({table, *m_cacheTimestamp});
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "market/Endpoints.h"
+#include "market/FailureLog.h"
 #include "market/HttpClient.h"
-#include "market/Pause.h"
-#include "market/ProviderCauses.h"
+#include "market/RateLimits.h"
 #include "market/rates/ExchangeRateCacheStore.h"
+#include "market/rates/ExchangeRateProvider.h"
 #include "settings/AppSettings.h"
 #include "support/Subscription.h"
-
-#include <QHash>
 
 #include <memory>
 #include <optional>
@@ -15,7 +15,7 @@
 
 namespace tickwise {
 
-/// What the price service needs of the rate service.
+/// The rate service as the price service sees it.
 class RateFetching
 {
 public:
@@ -25,13 +25,12 @@ public:
     [[nodiscard]] virtual Subscription rate(BaseCurrency currency, Completion<double> done) = 0;
 };
 
-/// Rates from public services: kept for an hour in memory and on disk, fetched once for all who wait, and of any age
-/// rather than none.
+/// Fetches rates from public services and keeps them for an hour in memory and on disk. Requests that come while a
+/// table is being fetched share that fetch. When it fails, a rate of any age is delivered rather than an error.
 class ExchangeRateService : public RateFetching
 {
 public:
-    static constexpr double lifetime = 3600;       ///< seconds that a table is good for
-    static constexpr double rateLimitPause = 1200; ///< seconds, when a service does not say how long
+    static constexpr double lifetime = 3600; ///< seconds for which a table is served
 
     ExchangeRateService(HttpClient &client, const Endpoints &endpoints, ExchangeRateCacheStore cacheStore,
                         Clock clock = systemClock);
@@ -41,14 +40,15 @@ public:
 
 private:
     class TableFetch;
-    class Waiting;
+    class RateRequest;
 
     bool isFresh() const;
     void loadCacheFile();
-    void wait(Waiting &waiting);
-    void leave(Waiting &waiting);
-    void receiveTable(const Result<RateTable> &result);
+    void join(RateRequest &request);
+    void leave(RateRequest &request);
+    void receiveTable(const Result<RateTable> &table);
     void adopt(const RateTable &table);
+    void log(const ExchangeRateProvider &provider, const Error &error);
 
     HttpClient &m_client;
     std::vector<std::unique_ptr<ExchangeRateProvider>> m_providers;
@@ -56,10 +56,10 @@ private:
     Clock m_clock;
     RateTable m_cachedRates;
     std::optional<TimePoint> m_cacheTimestamp;
-    ProviderCauses m_failing;
-    QHash<QString, Pause> m_rateLimits; // by the provider's address
+    FailureLog m_failures;
+    RateLimits m_rateLimits; // by the provider's address
     std::unique_ptr<TableFetch> m_inFlight;
-    std::vector<Waiting *> m_waiting;
+    std::vector<RateRequest *> m_requests; // those that wait for the fetch
 };
 
 } // namespace tickwise

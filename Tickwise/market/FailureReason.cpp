@@ -54,28 +54,29 @@ struct ReasonOf
             return FailureReason::badAnswer;
         return error.blockPage ? FailureReason::regionBlocked : FailureReason::rateLimited;
     }
+    FailureReason operator()(const ExchangeRateProviderError &) const { return FailureReason::rateLimited; }
     FailureReason operator()(const DecodingError &) const { return FailureReason::badAnswer; }
     FailureReason operator()(const FileError &) const { return FailureReason::badAnswer; }
     FailureReason operator()(const CatalogError &) const { return FailureReason::badAnswer; }
     FailureReason operator()(const DesktopServiceError &) const { return FailureReason::badAnswer; }
 };
 
-/// The first to tell comes first.
-constexpr std::array tellingOrder{FailureReason::clockWrong,    FailureReason::offline,
-                                  FailureReason::regionBlocked, FailureReason::rateLimited,
-                                  FailureReason::hostNotFound,  FailureReason::secureConnectionFailed,
-                                  FailureReason::timedOut,      FailureReason::unreachable,
-                                  FailureReason::badAnswer,     FailureReason::cancelled};
+/// The most useful reason comes first.
+constexpr std::array reasonsByPriority{FailureReason::clockWrong,    FailureReason::offline,
+                                       FailureReason::regionBlocked, FailureReason::rateLimited,
+                                       FailureReason::hostNotFound,  FailureReason::secureConnectionFailed,
+                                       FailureReason::timedOut,      FailureReason::unreachable,
+                                       FailureReason::badAnswer,     FailureReason::cancelled};
 
-auto place(FailureReason reason)
+auto priority(FailureReason reason)
 {
-    return std::find(tellingOrder.begin(), tellingOrder.end(), reason);
+    return std::find(reasonsByPriority.begin(), reasonsByPriority.end(), reason);
 }
 
-bool isToldBefore(const ProviderFailure &left, const ProviderFailure &right)
+bool isMoreUseful(const ProviderFailure &left, const ProviderFailure &right)
 {
     if (left.reason != right.reason)
-        return place(left.reason) < place(right.reason);
+        return priority(left.reason) < priority(right.reason);
     return left.until && (!right.until || *left.until < *right.until);
 }
 
@@ -90,7 +91,7 @@ ProviderFailure summary(const std::vector<ProviderFailure> &causes)
 {
     if (causes.empty())
         return {{}, FailureReason::unreachable, std::nullopt};
-    return *std::min_element(causes.begin(), causes.end(), isToldBefore);
+    return *std::min_element(causes.begin(), causes.end(), isMoreUseful);
 }
 
 } // namespace tickwise

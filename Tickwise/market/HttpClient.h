@@ -19,13 +19,14 @@ namespace tickwise {
 struct HttpRequest
 {
     QUrl url;
-    std::chrono::milliseconds timeout{5000};         ///< longest wait without a byte
-    std::chrono::milliseconds deadline{30000};       ///< longest time for the whole exchange
-    qint64 maximumBytes = 16LL * 1024 * 1024;        ///< a longer body ends in `dataLengthExceedsMaximum`, unread
+    std::chrono::milliseconds timeout{5000};         ///< longest silence of the server
+    std::chrono::milliseconds lookupTimeout{15000};  ///< longest lookup of the host's name, no silence of the server
+    std::chrono::milliseconds deadline{30000};       ///< longest time in all, without the wait for a free connection
+    qint64 maximumBytes = 16LL * 1024 * 1024;        ///< of the body, as sent and inflated; more is an error
     std::function<bool(const QUrl &)> mayRedirectTo; ///< none: only to the same scheme, host and port
     bool acceptsCompression = true;                  ///< false: asks for the body as it is, and never inflates it
-    QIODevice *sink = nullptr; ///< the body of a 2xx answer goes there as it comes, instead of into the response;
-                               ///< outlives the operation
+    QIODevice *sink = nullptr; ///< receives the body of a 2xx answer as it arrives, in place of the response; outlives
+                               ///< the operation
     std::function<void(qint64 received, qint64 total)> progress; ///< `total` is -1 while unknown
 };
 
@@ -36,6 +37,8 @@ struct HttpResponse
     std::vector<std::pair<QByteArray, QByteArray>> headers;
     QByteArray body; ///< decompressed
 
+    /// Whether the status is in 200-299.
+    bool isSuccess() const { return status >= 200 && status <= 299; }
     /// The first header of that name, compared without case.
     std::optional<QByteArray> header(QByteArrayView name) const;
 };

@@ -1,10 +1,10 @@
 #include "market/PriceService.h"
 
+#include "market/FailureLog.h"
 #include "market/FailureReason.h"
-#include "market/HttpStatus.h"
-#include "market/ProviderCauses.h"
 #include "market/ProviderHealth.h"
-#include "market/exchanges/TickerProviders.h"
+#include "market/exchanges/TickerProviderList.h"
+#include "market/exchanges/TickerResponse.h"
 #include "support/LogCategories.h"
 
 #include <QSet>
@@ -33,7 +33,7 @@ QStringList normalized(const QStringList &symbols)
 
 } // namespace
 
-/// What outlives single fetches.
+/// The state that the fetches share.
 struct PriceService::Core
 {
     HttpClient &client;
@@ -42,16 +42,17 @@ struct PriceService::Core
     Clock clock;
     ProviderHealth health;
     std::vector<SnapshotFetch *> fetches; // those under way
-    ProviderCauses causes;
+    FailureLog failures;
 
-    void log(const TickerProvider &provider, const QString &text)
+    void log(const TickerProvider &provider, const Error &error)
     {
-        if (causes.isNew(&provider, text))
+        const QString text = description(error);
+        if (failures.isNew(&provider, text))
             qCInfo(lcPrices).noquote() << provider.providerName() << "gives no prices:" << text;
     }
 };
 
-/// One fetch. Its methods are the steps, in their order.
+/// One fetch: attempts one provider after another, then fills the gaps. Its methods are the steps, in their order.
 class PriceService::SnapshotFetch : public Operation
 {
 public:
@@ -73,23 +74,25 @@ public:
     }
     ~SnapshotFetch() override { leave(); }
 
-    /// The service goes away.
+    /// Fails because the service is being destroyed.
     void abandon() { finishLater(UrlLoadingError{UrlErrorCode::cancelled}); }
 
 private:
     using Answer = std::function<void(const Result<TickerQuotes> &)>;
 
+    /// A ticker request under way ends first: it may bring a back-off that the next fetch has to know.
     void receiveRate(const Result<double> &rate)
     {
-        if (!rate)
-            return finish(failure(rate.error()));
-        m_rate = *rate;
-        deliverWhenComplete();
+        m_rate = rate;
+        if (m_quotesComplete)
+            deliver();
     }
 
-    /// The provider at a position of the order, or failure past its end.
+    /// Asks the provider at a position of the order; fails past its end.
     void attempt(std::size_t position)
     {
+        if (hasRateFailed())
+            return finish(failure(m_rate->error()));
         if (position == m_order.size()) {
             return finishLater(UrlLoadingError{UrlErrorCode::cannotLoadFromNetwork,
                                                QStringLiteral("no exchange answered"), 0, m_causes});
@@ -116,6 +119,8 @@ private:
             m_causes.push_back({name, FailureReason::badAnswer, std::nullopt});
         return available;
     }
+
+    bool hasRateFailed() const { return m_rate && !*m_rate; }
 
     void ask(const TickerProvider &provider, const QStringList &symbols, const Answer &answer)
     {
@@ -150,7 +155,7 @@ private:
         fillGap(0);
     }
 
-    /// For every other exchange its first provider, in the order of the list.
+    /// Collects the first provider of every other exchange, in the order of the list.
     void collectGapProviders(const TickerProvider &answered)
     {
         QSet<QString> names{answered.providerName()};
@@ -165,10 +170,8 @@ private:
     void fillGap(std::size_t index)
     {
         const QStringList missing = missingSymbols();
-        if (missing.isEmpty() || index == m_gapProviders.size()) {
-            m_quotesComplete = true;
-            return deliverWhenComplete();
-        }
+        if (missing.isEmpty() || index == m_gapProviders.size() || hasRateFailed())
+            return completeQuotes();
         const TickerProvider &provider = *m_gapProviders[index];
         const QStringList asked = askable(provider, missing);
         if (asked.isEmpty())
@@ -189,6 +192,13 @@ private:
         fillGap(index + 1);
     }
 
+    void completeQuotes()
+    {
+        m_quotesComplete = true;
+        if (m_rate)
+            deliver();
+    }
+
     QStringList missingSymbols() const
     {
         QStringList missing;
@@ -203,7 +213,7 @@ private:
             provider.providerName(), asked, [&](const QString &symbol) { return quotes.contains(symbol); },
             m_core->clock());
         if (!quotes.isEmpty())
-            m_core->causes.forget(&provider);
+            m_core->failures.clear(&provider);
     }
 
     void noteFailure(const TickerProvider &provider, const Error &error)
@@ -212,34 +222,35 @@ private:
         const TimePoint now = m_core->clock();
         ProviderFailure cause{name, failureReason(error), std::nullopt};
         const auto *const refused = std::get_if<TickerProviderError>(&error);
-        if (refused && refused->kind == TickerProviderError::Kind::rateLimited) {
-            m_core->health.noteRateLimit(name, refused->retryAfter, cause.reason, now);
-            cause = m_core->health.rateLimit(name, now).value_or(cause);
-        }
+        if (refused && refused->kind == TickerProviderError::Kind::rateLimited)
+            cause = m_core->health.noteRateLimit(name, refused->retryAfter, cause.reason, now);
         m_causes.push_back(cause);
-        m_core->log(provider, description(error));
+        m_core->log(provider, error);
     }
 
-    void deliverWhenComplete()
+    void deliver()
     {
-        if (!m_rate || !m_quotesComplete)
-            return;
+        finish(m_rate->map([this](double rate) { return snapshot(rate); }));
+    }
+
+    PriceSnapshot snapshot(double rate)
+    {
         PriceSnapshot snapshot;
-        snapshot.usdToTargetRate = *m_rate;
+        snapshot.usdToTargetRate = rate;
         if (m_wantsTether)
             m_quotes.insert(tether, {1.0, 0.0});
         for (auto quote = m_quotes.cbegin(); quote != m_quotes.cend(); ++quote) {
-            const double price = quote->priceUsd * *m_rate;
+            const double price = quote->priceUsd * rate;
             if (!std::isfinite(price))
                 continue;
             snapshot.prices.insert(quote.key(), price);
             if (quote->change24hPercent)
                 snapshot.changes24h.insert(quote.key(), *quote->change24hPercent);
         }
-        finish(std::move(snapshot));
+        return snapshot;
     }
 
-    /// For ends that may be reached inside the call that started the fetch.
+    /// Fails from the event loop, as the call that starts the fetch may come here.
     void finishLater(Error error)
     {
         leave();
@@ -255,7 +266,7 @@ private:
         m_core = nullptr;
     }
 
-    /// The completion may destroy this fetch and the service: nothing comes after it.
+    /// Delivers. The completion may destroy this fetch and the service, so nothing follows it.
     void finish(Result<PriceSnapshot> result)
     {
         leave();
@@ -265,7 +276,7 @@ private:
         done(std::move(result));
     }
 
-    Core *m_core; // none once the outcome is known
+    Core *m_core; // null once the outcome is known
     bool m_wantsTether;
     QStringList m_wanted;
     Completion<PriceSnapshot> m_done;
@@ -274,7 +285,7 @@ private:
     std::vector<ProviderFailure> m_causes;
     TickerQuotes m_quotes;
     bool m_quotesComplete = false;
-    std::optional<double> m_rate;
+    std::optional<Result<double>> m_rate;
     Subscription m_rateRequest;
     Subscription m_tickerRequest;
 };

@@ -13,7 +13,7 @@
 
 namespace tickwise {
 
-/// What the coin list needs of the price service.
+/// The price service as the coin list sees it.
 class PriceFetching
 {
 public:
@@ -25,10 +25,11 @@ public:
                                                      Completion<PriceSnapshot> done) = 0;
 };
 
-/// Prices from whichever exchange answers, with the gaps filled by the others, times the currency's rate.
+/// Fetches the prices from the first exchange that answers, fills gaps from the others and multiplies by the currency's
+/// rate.
 ///
-/// Errors: `badURL` (no symbols), `cannotLoadFromNetwork` (no exchange answered; `causes` tells each one's failure),
-/// `cancelled` (the service went away), or the rate service's error.
+/// Errors: `badURL` (no symbols), `cannotLoadFromNetwork` (no exchange answered; `causes` holds each one's failure),
+/// `cancelled` (the service was destroyed), or the rate service's error.
 class PriceService : public PriceFetching
 {
 public:

@@ -13,24 +13,21 @@ QString key(const QString &provider, const QString &symbol)
 
 std::optional<ProviderFailure> ProviderHealth::rateLimit(const QString &provider, TimePoint now) const
 {
-    const auto limit = m_rateLimits.constFind(provider);
-    if (limit == m_rateLimits.constEnd() || !limit->pause.holds(now))
-        return std::nullopt;
-    return ProviderFailure{provider, limit->reason, limit->pause.until};
+    return m_rateLimits.current(provider, now);
 }
 
-void ProviderHealth::noteRateLimit(const QString &provider, std::optional<double> retryAfterSeconds,
-                                   FailureReason reason, TimePoint now)
+ProviderFailure ProviderHealth::noteRateLimit(const QString &provider, std::optional<double> retryAfterSeconds,
+                                              FailureReason reason, TimePoint now)
 {
-    m_rateLimits.insert(provider, {Pause::lasting(retryAfterSeconds.value_or(rateLimitPause), now), reason});
+    return m_rateLimits.start(provider, retryAfterSeconds.value_or(rateLimitCooldown), reason, now);
 }
 
 QStringList ProviderHealth::available(const QString &provider, const QStringList &symbols, TimePoint now) const
 {
     QStringList available;
     for (const QString &symbol : symbols) {
-        const auto pause = m_unavailable.constFind(key(provider, symbol));
-        if (pause == m_unavailable.constEnd() || !pause->holds(now))
+        const auto cooldown = m_unavailable.constFind(key(provider, symbol));
+        if (cooldown == m_unavailable.constEnd() || !cooldown->holds(now))
             available.append(symbol);
     }
     return available;
@@ -43,7 +40,7 @@ void ProviderHealth::noteAnswer(const QString &provider, const QStringList &aske
         if (had(symbol))
             m_unavailable.remove(key(provider, symbol));
         else
-            m_unavailable.insert(key(provider, symbol), Pause::lasting(symbolPause, now));
+            m_unavailable.insert(key(provider, symbol), Cooldown::lasting(symbolCooldown, now));
     }
 }
 

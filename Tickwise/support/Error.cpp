@@ -70,6 +70,11 @@ QString withStatus(const QString &text, int status)
     return status == 0 ? text : QStringLiteral("%1 (HTTP %2)").arg(text).arg(status);
 }
 
+QString retryingAfter(const QString &text, double seconds)
+{
+    return QStringLiteral("%1, retry after %2 s").arg(text).arg(seconds);
+}
+
 struct Describe
 {
     QString operator()(const UrlLoadingError &error) const
@@ -82,7 +87,11 @@ struct Describe
             return withStatus(QStringLiteral("request rejected"), error.httpStatus);
         const QString what = error.blockPage ? QStringLiteral("region blocked") : QStringLiteral("rate limited");
         const QString text = withStatus(what, error.httpStatus);
-        return error.retryAfter ? QStringLiteral("%1, retry after %2 s").arg(text).arg(*error.retryAfter) : text;
+        return error.retryAfter ? retryingAfter(text, *error.retryAfter) : text;
+    }
+    QString operator()(const ExchangeRateProviderError &error) const
+    {
+        return retryingAfter(withStatus(QStringLiteral("rate limited"), error.httpStatus), error.retryAfter);
     }
     QString operator()(const DecodingError &error) const
     {

@@ -47,7 +47,7 @@ enum class FailureReason
     cancelled,
 };
 
-/// One provider's part in a failure: who, why and, for a rate limit or ban, until when.
+/// One provider's part in a failure: its name, the reason and, for a rate limit or ban, its end.
 struct ProviderFailure
 {
     QString provider;
@@ -60,13 +60,13 @@ struct ProviderFailure
 struct UrlLoadingError
 {
     UrlErrorCode code = UrlErrorCode::badServerResponse;
-    QString detail;                      ///< the cause in words, for the log
+    QString detail;                      ///< the cause as text, for the log
     int httpStatus = 0;                  ///< 0: there was no HTTP answer
-    std::vector<ProviderFailure> causes; ///< for an operation over several providers: what each of them met, in order
+    std::vector<ProviderFailure> causes; ///< for an operation over several providers: each one's failure, in order
     bool operator==(const UrlLoadingError &) const = default;
 };
 
-/// An exchange that asks for a back-off or refuses the request.
+/// A crypto exchange that asks for a back-off or refuses the request.
 struct TickerProviderError
 {
     enum class Kind
@@ -79,6 +79,14 @@ struct TickerProviderError
     int httpStatus = 0;
     bool blockPage = false; ///< status 403 with a page instead of JSON: the region is refused
     bool operator==(const TickerProviderError &) const = default;
+};
+
+/// A rate service that asks for a back-off.
+struct ExchangeRateProviderError
+{
+    double retryAfter = 0; ///< seconds: what the service said, or the default
+    int httpStatus = 0;
+    bool operator==(const ExchangeRateProviderError &) const = default;
 };
 
 /// A document that does not have its expected form.
@@ -121,8 +129,8 @@ struct DesktopServiceError
 };
 
 /// Every failure that an operation of this program can end in.
-using Error =
-    std::variant<UrlLoadingError, TickerProviderError, DecodingError, FileError, CatalogError, DesktopServiceError>;
+using Error = std::variant<UrlLoadingError, TickerProviderError, ExchangeRateProviderError, DecodingError, FileError,
+                           CatalogError, DesktopServiceError>;
 
 /// The error in one English line: the public argument of log lines.
 QString description(const Error &error);

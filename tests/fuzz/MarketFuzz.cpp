@@ -1,7 +1,11 @@
 // Everything that the market services read from the network or from disk. The first byte ('1' to '7') picks the reader,
 // the rest is the body.
-#include "market/HttpStatus.h"
-#include "market/exchanges/TickerProviders.h"
+#include "market/RetryAfter.h"
+#include "market/exchanges/BinanceTickerProvider.h"
+#include "market/exchanges/BybitTickerProvider.h"
+#include "market/exchanges/OKXTickerProvider.h"
+#include "market/rates/CurrencyAPIRateProvider.h"
+#include "market/rates/ERAPIRateProvider.h"
 #include "market/rates/ExchangeRateCacheStore.h"
 
 #include <cmath>
@@ -57,7 +61,7 @@ void checkCacheFile(const QByteArray &bytes)
     if (!entry)
         return;
     checkRates(entry->rates);
-    require(decodeRateEntry(encodeRateEntry(*entry)) == entry);
+    require(encodeRateEntry(*entry).and_then(decodeRateEntry) == entry);
 }
 
 void checkRetryAfter(const QByteArray &text)

@@ -22,6 +22,10 @@ private Q_SLOTS:
     void rateLimitWithRetryAfter_data();
     void rateLimitWithRetryAfter();
     void everyServiceIsRateLimited();
+    void firstRateLimitTellsItsEnd();
+    void otherStatusesStartNoCooldown_data();
+    void otherStatusesStartNoCooldown();
+    void requestsWaitFiveSeconds();
     void clockGoesBackBehindARateLimit();
     void unbuildableAddress();
 };
@@ -122,7 +126,7 @@ void ExchangeRateFailoverTest::rateLimitDefault()
 void ExchangeRateFailoverTest::rateLimitWithRetryAfter_data()
 {
     QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<double>("pause");
+    QTest::addColumn<double>("cooldown");
     QTest::newRow("30") << QByteArray("30") << 30.0;
     QTest::newRow("0") << QByteArray("0") << 1200.0;
     QTest::newRow("date") << QByteArray("Wed, 21 Oct 2026 07:28:00 GMT") << 1200.0;
@@ -131,11 +135,11 @@ void ExchangeRateFailoverTest::rateLimitWithRetryAfter_data()
 void ExchangeRateFailoverTest::rateLimitWithRetryAfter()
 {
     QFETCH(QByteArray, text);
-    QFETCH(double, pause);
+    QFETCH(double, cooldown);
     ExchangeRateFixture f;
     f.answer(er, 429, {}, {{"Retry-After", text}});
     QVERIFY(!f.rate());
-    f.clock.advance(pause - 0.5);
+    f.clock.advance(cooldown - 0.5);
     QVERIFY(!f.rate());
     QCOMPARE(f.asked(), QStringLiteral("cdn fallback"));
     f.clock.advance(0.5);
@@ -155,6 +159,56 @@ void ExchangeRateFailoverTest::everyServiceIsRateLimited()
     QTRY_COMPARE(rates.size(), std::size_t(1));
     QCOMPARE(failureReason(rates.front().error()), FailureReason::rateLimited);
     QCOMPARE(f.client.requests().size(), std::size_t(3));
+}
+
+void ExchangeRateFailoverTest::firstRateLimitTellsItsEnd()
+{
+    ExchangeRateFixture f;
+    const TimePoint start = f.clock.now();
+    f.answer(er, 429, {}, {{"Retry-After", "30"}});
+    f.answer(cdn, 429, {});
+    f.answer(fallback, 500, {});
+    const QString erAddress = er + QStringLiteral("/v6/latest/USD");
+    const QString cdnAddress = cdn + QStringLiteral("/v1/currencies/usd.min.json");
+    for (int question = 0; question < 2; ++question) {
+        const auto causes = std::get<UrlLoadingError>(f.rate().error()).causes;
+        QVERIFY(causes.at(0) == (ProviderFailure{erAddress, FailureReason::rateLimited, start + secondsDuration(30)}));
+        QVERIFY(causes.at(1) ==
+                (ProviderFailure{cdnAddress, FailureReason::rateLimited, start + secondsDuration(1200)}));
+        QVERIFY(!causes.at(2).until);
+        QVERIFY(summary(causes) == causes.at(0));
+        f.clock.advance(10);
+    }
+}
+
+void ExchangeRateFailoverTest::otherStatusesStartNoCooldown_data()
+{
+    QTest::addColumn<int>("status");
+    for (const int status : {400, 403, 418, 428, 430, 503})
+        QTest::addRow("%d", status) << status;
+}
+
+void ExchangeRateFailoverTest::otherStatusesStartNoCooldown()
+{
+    QFETCH(int, status);
+    ExchangeRateFixture f;
+    f.answer(er, status, "<html>", {{"Retry-After", "30"}});
+    for (int question = 0; question < 2; ++question) {
+        const auto rate = f.rate();
+        QCOMPARE(f.asked(), QStringLiteral("er cdn fallback"));
+        const auto causes = std::get<UrlLoadingError>(rate.error()).causes;
+        QCOMPARE(causes.front().reason, FailureReason::badAnswer);
+        QVERIFY(!causes.front().until);
+    }
+}
+
+void ExchangeRateFailoverTest::requestsWaitFiveSeconds()
+{
+    ExchangeRateFixture f;
+    QVERIFY(!f.rate());
+    QCOMPARE(f.client.requests().size(), std::size_t(3));
+    for (const HttpRequest &request : f.client.requests())
+        QCOMPARE(request.timeout, std::chrono::milliseconds(5000));
 }
 
 void ExchangeRateFailoverTest::clockGoesBackBehindARateLimit()

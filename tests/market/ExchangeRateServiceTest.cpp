@@ -16,6 +16,7 @@ private Q_SLOTS:
     void coalesces();
     void aTableServesEveryCurrencyForAnHour();
     void theCacheFileSurvivesARestart();
+    void aFileOfTheSameTimeIsNotAdopted();
     void cacheAge_data();
     void cacheAge();
     void corruptCacheIsOverwritten();
@@ -85,6 +86,19 @@ void ExchangeRateServiceTest::aTableServesEveryCurrencyForAnHour()
     f.clock.advance(1);
     QVERIFY(f.rate(BaseCurrency::krw).has_value());
     QCOMPARE(f.asked(), QStringLiteral("er"));
+}
+
+void ExchangeRateServiceTest::aFileOfTheSameTimeIsNotAdopted()
+{
+    ExchangeRateFixture f;
+    f.answer(er, 200, erBody(0.5));
+    QCOMPARE(f.rate().value(), 0.5);
+    f.cache(0.25, 0);
+    f.answer(er, 500, {});
+    f.clock.advance(ExchangeRateService::lifetime);
+    QCOMPARE(f.rate().value(), 0.5);
+    f.cache(0.25, ExchangeRateService::lifetime - 1);
+    QCOMPARE(f.rate().value(), 0.25);
 }
 
 void ExchangeRateServiceTest::theCacheFileSurvivesARestart()

@@ -72,6 +72,7 @@ void FailureReasonTest::ofAnError_data()
     QTest::newRow("rate limited") << Error(TickerProviderError{Kind::rateLimited, 30.0, 429}) << rateLimited;
     QTest::newRow("block page") << Error(TickerProviderError{Kind::rateLimited, 600.0, 403, true}) << regionBlocked;
     QTest::newRow("rejected") << Error(TickerProviderError{Kind::requestRejected, std::nullopt, 400}) << badAnswer;
+    QTest::newRow("rate service limited") << Error(ExchangeRateProviderError{30, 429}) << rateLimited;
     QTest::newRow("undecodable") << Error(DecodingError{QStringLiteral("x")}) << badAnswer;
     QTest::newRow("file") << Error(FileError{}) << badAnswer;
     QTest::newRow("catalog") << Error(CatalogError{}) << badAnswer;

@@ -38,6 +38,8 @@ QString causesOf(const Result<PriceSnapshot> &result)
 
 } // namespace
 
+Q_DECLARE_METATYPE(Prices)
+
 class PriceServiceFailureTest : public QObject
 {
     Q_OBJECT
@@ -48,6 +50,9 @@ private Q_SLOTS:
     void blockedRegionStaysTheReason();
     void unbuildableAddress();
     void rateFailureFailsTheFetch();
+    void rateFailureLetsTheTickerRequestEnd();
+    void rateFailureAsksNobodyElse_data();
+    void rateFailureAsksNobodyElse();
     void rateLimitSkipsBothBinances();
     void rateLimitDefaults_data();
     void rateLimitDefaults();
@@ -125,6 +130,38 @@ void PriceServiceFailureTest::rateFailureFailsTheFetch()
     QVERIFY(!f.fetch({usdt}, BaseCurrency::eur));
 }
 
+// The rate fails before the exchange answers that it wants a back-off.
+void PriceServiceFailureTest::rateFailureLetsTheTickerRequestEnd()
+{
+    PriceServiceFixture f;
+    f.rates.answer = failure(UrlLoadingError{UrlErrorCode::cannotParseResponse, QStringLiteral("no rate")});
+    f.client.answer(f.main, 418, "{}", {{"Retry-After", "300"}});
+    const auto result = f.fetch({btc}, BaseCurrency::eur);
+    QCOMPARE(loadingError(result).code, UrlErrorCode::cannotParseResponse);
+    QCOMPARE(f.asked(), QStringLiteral("main"));
+    QCOMPARE(f.client.open(), 0);
+    QVERIFY(!f.fetch({btc}, BaseCurrency::eur));
+    QCOMPARE(f.asked(), QStringLiteral("okx"));
+}
+
+void PriceServiceFailureTest::rateFailureAsksNobodyElse_data()
+{
+    QTest::addColumn<Prices>("prices");
+    QTest::newRow("a gap is left") << Prices{{"BTC", "1"}};
+    QTest::newRow("nothing is had") << Prices{};
+}
+
+void PriceServiceFailureTest::rateFailureAsksNobodyElse()
+{
+    QFETCH(Prices, prices);
+    PriceServiceFixture f;
+    f.rates.answer = failure(UrlLoadingError{UrlErrorCode::timedOut});
+    f.client.answer(f.main, 200, Bodies::binance(prices, f.clock.now()));
+    const auto result = f.fetch({btc, QStringLiteral("ETH")}, BaseCurrency::eur);
+    QCOMPARE(loadingError(result).code, UrlErrorCode::timedOut);
+    QCOMPARE(f.asked(), QStringLiteral("main"));
+}
+
 void PriceServiceFailureTest::rateLimitSkipsBothBinances()
 {
     PriceServiceFixture f;
@@ -149,7 +186,7 @@ void PriceServiceFailureTest::rateLimitSkipsBothBinances()
 void PriceServiceFailureTest::rateLimitDefaults_data()
 {
     QTest::addColumn<int>("status");
-    QTest::addColumn<double>("pause");
+    QTest::addColumn<double>("cooldown");
     QTest::newRow("429") << 429 << 60.0;
     QTest::newRow("418") << 418 << 60.0;
     QTest::newRow("403") << 403 << 600.0;
@@ -158,12 +195,12 @@ void PriceServiceFailureTest::rateLimitDefaults_data()
 void PriceServiceFailureTest::rateLimitDefaults()
 {
     QFETCH(int, status);
-    QFETCH(double, pause);
+    QFETCH(double, cooldown);
     PriceServiceFixture f;
     f.answer(f.main, status);
     QVERIFY(!f.fetch({btc}));
     QCOMPARE(f.asked(), QStringLiteral("main okx bybit"));
-    f.clock.advance(pause - 0.1);
+    f.clock.advance(cooldown - 0.1);
     QVERIFY(!f.fetch({btc}));
     QCOMPARE(f.asked(), QStringLiteral("okx bybit"));
     f.clock.advance(0.1);

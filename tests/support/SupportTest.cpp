@@ -107,6 +107,7 @@ void SupportTest::errorsInWords_data()
     row(TickerProviderError{Kind::requestRejected, std::nullopt, 400}, "request rejected (HTTP 400)");
     row(TickerProviderError{Kind::rateLimited, 30.0, 429}, "rate limited (HTTP 429), retry after 30 s");
     row(TickerProviderError{Kind::rateLimited, 600.0, 403, true}, "region blocked (HTTP 403), retry after 600 s");
+    row(ExchangeRateProviderError{1200, 429}, "rate limited (HTTP 429), retry after 1200 s");
     row(DecodingError{QStringLiteral("no object"), 7}, "no object at byte 7");
     row(FileError{QStringLiteral("/a/b"), QStringLiteral("no space")}, "/a/b: no space");
     row(CatalogError{{}, {QStringLiteral("one"), QStringLiteral("two")}}, "one, two");

@@ -1,19 +1,15 @@
 #include "market/rates/ExchangeRateCacheStore.h"
 
-#include <QDateTime>
+#include "support/IsoDate.h"
+#include "support/files/WholeFile.h"
+#include "support/json/JsonReader.h"
+
 #include <QDir>
-#include <QFile>
-#include <QSaveFile>
-
-#include <nlohmann/json.hpp>
-
-#include <cmath>
 
 namespace tickwise {
 
 namespace {
 
-const auto dateForm = "yyyy-MM-dd'T'HH:mm:ss'Z'";
 constexpr qint64 largestFile = 256LL * 1024; // a table has a few kilobytes
 
 QString fileIn(const QString &directory)
@@ -21,78 +17,55 @@ QString fileIn(const QString &directory)
     return QDir(directory).filePath(QStringLiteral("exchange-rates.json"));
 }
 
-QString dateText(TimePoint time)
+RateTable readRates(JsonReader &reader)
 {
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
-    return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC).toString(QLatin1String(dateForm));
-}
-
-/// The date that the text spells in exactly the form that `dateText` writes.
-std::optional<TimePoint> dateOf(const QString &text)
-{
-    using std::chrono::duration_cast, std::chrono::seconds;
-    const QDateTime date = QDateTime::fromString(text, Qt::ISODate);
-    const seconds time(date.isValid() ? date.toSecsSinceEpoch() : 0);
-    // The clock can tell the time between any two moments from its epoch on, but not between all that it can name.
-    if (!date.isValid() || time.count() < 0 || time > duration_cast<seconds>(TimePoint::max().time_since_epoch()) ||
-        dateText(TimePoint(time)) != text)
-        return std::nullopt;
-    return TimePoint(time);
-}
-
-tl::unexpected<Error> undecodable(const QString &text)
-{
-    return failure(DecodingError{text});
-}
-
-Result<ExchangeRateEntry> entryOf(const nlohmann::json &root)
-{
-    if (!root.is_object() || !root.contains("rates") || !root["rates"].is_object() || !root.contains("fetchedAt") ||
-        !root["fetchedAt"].is_string())
-        return undecodable(QStringLiteral("rates or fetchedAt is missing"));
-    const std::optional<TimePoint> fetchedAt = dateOf(QString::fromStdString(root["fetchedAt"]));
-    if (!fetchedAt)
-        return undecodable(QStringLiteral("fetchedAt is no ISO 8601 date"));
-    ExchangeRateEntry entry{{}, *fetchedAt};
-    for (const auto &[code, rate] : root["rates"].items()) {
-        if (!rate.is_number() || !std::isfinite(rate.get<double>()) || rate.get<double>() <= 0)
-            return undecodable(QStringLiteral("a rate is no number above zero"));
-        entry.rates.insert(QString::fromStdString(code), rate.get<double>());
+    RateTable rates;
+    for (const auto &[code, value] : reader.object("rates").items()) {
+        const Result<double> rate = decodeJson<double>(value);
+        if (!rate || *rate <= 0)
+            reader.fail("rates", QStringLiteral("a rate is no number above zero"));
+        rates.insert(textFromUtf8(code), rate.value_or(0));
     }
-    return entry;
+    return rates;
+}
+
+TimePoint readDate(JsonReader &reader)
+{
+    const std::optional<TimePoint> date = parseIsoDate(reader.required<QString>("fetchedAt"));
+    if (!date)
+        reader.fail("fetchedAt", QStringLiteral("no ISO 8601 date"));
+    return date.value_or(TimePoint());
+}
+
+Result<ExchangeRateEntry> readEntry(const JsonValue &root)
+{
+    JsonReader reader(root);
+    ExchangeRateEntry entry{readRates(reader), readDate(reader)};
+    return reader.result(std::move(entry));
 }
 
 } // namespace
 
-QByteArray encodeRateEntry(const ExchangeRateEntry &entry)
+Result<QByteArray> encodeRateEntry(const ExchangeRateEntry &entry)
 {
-    nlohmann::ordered_json rates = nlohmann::ordered_json::object();
     QStringList codes = entry.rates.keys();
     codes.sort();
+    JsonDocument rates = JsonDocument::object();
     for (const QString &code : codes)
-        rates[code.toStdString()] = entry.rates.value(code);
-    const nlohmann::ordered_json root{{"rates", std::move(rates)},
-                                      {"fetchedAt", dateText(entry.fetchedAt).toStdString()}};
-    return QByteArray::fromStdString(root.dump());
+        rates[utf8(code)] = entry.rates.value(code);
+    return encodeJson({{"rates", std::move(rates)}, {"fetchedAt", utf8(isoDateText(entry.fetchedAt))}});
 }
 
 Result<ExchangeRateEntry> decodeRateEntry(const QByteArray &bytes)
 {
-    try {
-        return entryOf(nlohmann::json::parse(bytes.cbegin(), bytes.cend()));
-    } catch (const nlohmann::json::exception &error) {
-        return undecodable(QString::fromUtf8(error.what()));
-    }
+    return parseJson(bytes).and_then(readEntry);
 }
 
 std::optional<ExchangeRateEntry> ExchangeRateCacheStore::load() const
 {
     if (!m_directory)
         return std::nullopt;
-    QFile file(fileIn(*m_directory));
-    if (!file.open(QIODevice::ReadOnly) || file.size() > largestFile)
-        return std::nullopt;
-    Result<ExchangeRateEntry> entry = decodeRateEntry(file.readAll());
+    Result<ExchangeRateEntry> entry = readWholeFile(fileIn(*m_directory), largestFile).and_then(decodeRateEntry);
     return entry ? std::optional(*std::move(entry)) : std::nullopt;
 }
 
@@ -100,13 +73,8 @@ Result<void> ExchangeRateCacheStore::save(const ExchangeRateEntry &entry) const
 {
     if (!m_directory)
         return {};
-    if (!QDir().mkpath(*m_directory))
-        return failure(FileError{*m_directory, QStringLiteral("cannot be created")});
-    QSaveFile file(fileIn(*m_directory));
-    const QByteArray bytes = encodeRateEntry(entry);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() || !file.commit())
-        return failure(FileError{file.fileName(), file.errorString()});
-    return {};
+    return encodeRateEntry(entry).and_then(
+        [this](const QByteArray &bytes) { return writeWholeFile(fileIn(*m_directory), bytes, Durability::unsynced); });
 }
 
 } // namespace tickwise

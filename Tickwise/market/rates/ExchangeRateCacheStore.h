@@ -1,6 +1,7 @@
 #pragma once
 
-#include "market/rates/ExchangeRateProviders.h"
+#include "market/rates/ExchangeRateProvider.h"
+#include "support/Clock.h"
 
 #include <optional>
 
@@ -15,7 +16,7 @@ struct ExchangeRateEntry
 };
 
 /// `{"rates": {"EUR": 0.9}, "fetchedAt": "2026-01-31T08:15:00Z"}`
-QByteArray encodeRateEntry(const ExchangeRateEntry &entry);
+Result<QByteArray> encodeRateEntry(const ExchangeRateEntry &entry);
 Result<ExchangeRateEntry> decodeRateEntry(const QByteArray &bytes);
 
 /// Keeps the last table in "exchange-rates.json".

@@ -22,7 +22,7 @@ constexpr int recordsAtOnce = 16; // a quarter of a megabyte
 CurlSession::CurlSession()
     : m_timer(new QTimer)
 {
-    // A server that closes its connection ends what is written to it, not the process.
+    // Writing to a connection that the server closed must fail, not kill the process.
     std::signal(SIGPIPE, SIG_IGN);
     if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK)
         throw std::bad_alloc();
@@ -36,14 +36,14 @@ CurlSession::CurlSession()
     curl_multi_setopt(m_multi, CURLMOPT_MAXCONNECTS, keptConnections);
     curl_multi_setopt(m_multi, CURLMOPT_MAX_HOST_CONNECTIONS, connectionsToAHost);
     m_timer->setSingleShot(true);
-    QObject::connect(m_timer.get(), &QTimer::timeout, m_timer.get(), [this] { act(CURL_SOCKET_TIMEOUT, 0); });
+    QObject::connect(m_timer.get(), &QTimer::timeout, m_timer.get(), [this] { runLibcurl(CURL_SOCKET_TIMEOUT, 0); });
 }
 
 CurlSession::~CurlSession()
 {
-    while (!m_exchanges.empty())
-        remove(m_exchanges.back().get());
-    for (CURL *easy : m_spare)
+    while (!m_transfers.empty())
+        remove(m_transfers.back().get());
+    for (CURL *easy : m_spareHandles)
         curl_easy_cleanup(easy);
     curl_multi_cleanup(m_multi);
     for (const auto &[socket, watch] : m_watches)
@@ -53,57 +53,57 @@ CurlSession::~CurlSession()
     curl_global_cleanup();
 }
 
-CurlTransfer *CurlSession::start(const CurlRequest &request, ExchangeReceiver &receiver)
+CurlTransfer *CurlSession::start(const TransferRequest &request, TransferReceiver &receiver)
 {
     CURL *easy = nullptr;
-    if (m_spare.empty()) {
+    if (m_spareHandles.empty()) {
         easy = curl_easy_init();
         if (!easy)
             throw std::bad_alloc();
     } else {
-        easy = m_spare.back();
-        m_spare.pop_back();
+        easy = m_spareHandles.back();
+        m_spareHandles.pop_back();
     }
-    m_exchanges.push_back(std::make_unique<CurlTransfer>(easy, request, receiver));
-    CurlTransfer *const exchange = m_exchanges.back().get();
-    m_new.push_back(exchange);
-    if (!m_acting)
-        beginNew();
-    return exchange;
+    m_transfers.push_back(std::make_unique<CurlTransfer>(easy, request, receiver));
+    CurlTransfer *const transfer = m_transfers.back().get();
+    m_pending.push_back(transfer);
+    if (!m_isInsideLibcurl)
+        addPending();
+    return transfer;
 }
 
-void CurlSession::beginNew()
+void CurlSession::addPending()
 {
-    for (CurlTransfer *exchange : std::exchange(m_new, {})) {
-        if (!exchange->isPrepared() || curl_multi_add_handle(m_multi, exchange->easy()) != CURLM_OK)
-            m_stillborn.push_back(exchange);
+    for (CurlTransfer *transfer : std::exchange(m_pending, {})) {
+        if (!transfer->isPrepared() || curl_multi_add_handle(m_multi, transfer->easy()) != CURLM_OK)
+            m_refused.push_back(transfer);
     }
-    if (m_stillborn.empty())
+    if (m_refused.empty())
         return;
-    // Its end is told later, as every end.
-    const auto settleLater = [session = weak_from_this()] {
+    // The end of a transfer comes from the event loop, as every end.
+    const auto finishWorkLater = [session = weak_from_this()] {
         if (const auto self = session.lock())
-            self->settle();
+            self->finishWork();
     };
-    QMetaObject::invokeMethod(m_timer.get(), settleLater, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(m_timer.get(), finishWorkLater, Qt::QueuedConnection);
 }
 
-void CurlSession::drop(CurlTransfer *exchange)
+void CurlSession::drop(CurlTransfer *transfer)
 {
-    exchange->forgetReceiver();
-    if (!m_acting)
-        remove(exchange);
+    transfer->forgetReceiver();
+    if (!m_isInsideLibcurl)
+        remove(transfer);
 }
 
-void CurlSession::remove(const CurlTransfer *exchange)
+void CurlSession::remove(const CurlTransfer *transfer)
 {
-    CURL *const easy = exchange->easy();
+    CURL *const easy = transfer->easy();
     curl_multi_remove_handle(m_multi, easy);
-    std::erase(m_new, exchange);
-    std::erase(m_stillborn, exchange);
-    std::erase_if(m_exchanges, [exchange](const auto &owned) { return owned.get() == exchange; });
-    if (m_spare.size() < keptHandles)
-        m_spare.push_back(easy);
+    std::erase(m_pending, transfer);
+    std::erase(m_refused, transfer);
+    std::erase_if(m_transfers, [transfer](const auto &owned) { return owned.get() == transfer; });
+    if (m_spareHandles.size() < keptHandles)
+        m_spareHandles.push_back(easy);
     else
         curl_easy_cleanup(easy);
 }
@@ -124,7 +124,7 @@ int CurlSession::onTimer(CURLM *, long milliseconds, void *session)
     return 0;
 }
 
-// Notifiers are switched, not made anew for each exchange; one that is off may outlive its socket.
+// Notifiers are enabled and disabled, not recreated for each transfer; a disabled one may outlive its socket.
 void CurlSession::watch(curl_socket_t socket, int what)
 {
     Watch &watch = m_watches[socket];
@@ -143,26 +143,26 @@ std::unique_ptr<QSocketNotifier, CurlSession::LaterDeletion> CurlSession::notifi
 {
     std::unique_ptr<QSocketNotifier, LaterDeletion> made(
         new QSocketNotifier(socket, forReading ? QSocketNotifier::Read : QSocketNotifier::Write));
-    QObject::connect(made.get(), &QSocketNotifier::activated, made.get(),
-                     [this, socket, events = forReading ? CURL_CSELECT_IN : CURL_CSELECT_OUT] { act(socket, events); });
+    QObject::connect(
+        made.get(), &QSocketNotifier::activated, made.get(),
+        [this, socket, events = forReading ? CURL_CSELECT_IN : CURL_CSELECT_OUT] { runLibcurl(socket, events); });
     return made;
 }
 
-void CurlSession::act(curl_socket_t socket, int events)
+void CurlSession::runLibcurl(curl_socket_t socket, int events)
 {
     const std::shared_ptr<CurlSession> self = shared_from_this();
-    m_acting = true;
+    m_isInsideLibcurl = true;
     int running = 0;
     curl_multi_socket_action(m_multi, socket, events, &running);
-    // libcurl takes one TLS record at a time; going through the event loop for the next one costs as much as the
-    // record.
-    for (int more = recordsAtOnce; more > 0 && events == CURL_CSELECT_IN && hasMore(socket); --more)
+    // libcurl reads one TLS record at a time; a turn of the event loop for each would cost as much as the record.
+    for (int more = recordsAtOnce; more > 0 && events == CURL_CSELECT_IN && isReadable(socket); --more)
         curl_multi_socket_action(m_multi, socket, events, &running);
-    m_acting = false;
-    settle();
+    m_isInsideLibcurl = false;
+    finishWork();
 }
 
-bool CurlSession::hasMore(curl_socket_t socket) const
+bool CurlSession::isReadable(curl_socket_t socket) const
 {
     const auto watch = m_watches.find(socket);
     if (watch == m_watches.end() || !watch->second.read || !watch->second.read->isEnabled())
@@ -171,23 +171,23 @@ bool CurlSession::hasMore(curl_socket_t socket) const
     return poll(&state, 1, 0) == 1;
 }
 
-void CurlSession::settle()
+void CurlSession::finishWork()
 {
     std::vector<const CurlTransfer *> dropped;
-    for (const auto &exchange : m_exchanges) {
-        if (!exchange->receiver())
-            dropped.push_back(exchange.get());
+    for (const auto &transfer : m_transfers) {
+        if (!transfer->receiver())
+            dropped.push_back(transfer.get());
     }
-    for (const CurlTransfer *exchange : dropped)
-        remove(exchange);
-    beginNew();
-    tellEnds();
+    for (const CurlTransfer *transfer : dropped)
+        remove(transfer);
+    addPending();
+    reportEnds();
 }
 
-void CurlSession::tellEnds()
+void CurlSession::reportEnds()
 {
-    while (!m_stillborn.empty())
-        end(m_stillborn.back()->easy(), CURLE_FAILED_INIT);
+    while (!m_refused.empty())
+        end(m_refused.back()->easy(), CURLE_FAILED_INIT);
     int left = 0;
     while (const CURLMsg *message = curl_multi_info_read(m_multi, &left)) {
         if (message->msg == CURLMSG_DONE)
@@ -197,10 +197,10 @@ void CurlSession::tellEnds()
 
 void CurlSession::end(CURL *easy, CURLcode result)
 {
-    const CurlTransfer *const exchange = CurlTransfer::of(easy);
-    ExchangeReceiver *const receiver = exchange->receiver();
-    NetworkFailure failure = exchange->failure(result);
-    remove(exchange);
+    const CurlTransfer *const transfer = CurlTransfer::of(easy);
+    TransferReceiver *const receiver = transfer->receiver();
+    NetworkFailure failure = transfer->failure(result);
+    remove(transfer);
     if (receiver)
         receiver->takeEnd(std::move(failure));
 }

@@ -9,10 +9,10 @@ class QTimer;
 
 namespace tickwise {
 
-/// Runs exchanges in the main thread and keeps their connections for later ones, at most ten of them, none of them
-/// used after two minutes. Without an exchange under way nothing wakes the process.
+/// Runs transfers in the main thread and keeps their connections for later ones: at most ten, each for two minutes.
+/// Without a transfer under way nothing wakes the process.
 ///
-/// Owned by a `std::shared_ptr`: it stays until the function of a receiver that let go of it has returned.
+/// Owned by a `std::shared_ptr`: a receiver that is called may release it, and it is destroyed after that call.
 class CurlSession : public std::enable_shared_from_this<CurlSession>
 {
 public:
@@ -21,10 +21,10 @@ public:
     CurlSession(const CurlSession &) = delete;
     CurlSession &operator=(const CurlSession &) = delete;
 
-    /// Starts an exchange. It lives until its end was told or it is dropped.
-    CurlTransfer *start(const CurlRequest &request, ExchangeReceiver &receiver);
-    /// Breaks an exchange off and tells its receiver nothing more.
-    void drop(CurlTransfer *exchange);
+    /// Starts a transfer. It lives until its receiver got its end or it is dropped.
+    CurlTransfer *start(const TransferRequest &request, TransferReceiver &receiver);
+    /// Aborts a transfer and calls its receiver no more.
+    void drop(CurlTransfer *transfer);
 
 private:
     struct LaterDeletion
@@ -41,22 +41,22 @@ private:
     static int onTimer(CURLM *multi, long milliseconds, void *session);
     void watch(curl_socket_t socket, int what);
     std::unique_ptr<QSocketNotifier, LaterDeletion> notifier(curl_socket_t socket, bool forReading);
-    void act(curl_socket_t socket, int events);
-    bool hasMore(curl_socket_t socket) const;
-    void beginNew();
-    void settle();
-    void tellEnds();
+    void runLibcurl(curl_socket_t socket, int events);
+    bool isReadable(curl_socket_t socket) const;
+    void addPending();
+    void finishWork();
+    void reportEnds();
     void end(CURL *easy, CURLcode result);
-    void remove(const CurlTransfer *exchange);
+    void remove(const CurlTransfer *transfer);
 
     CURLM *m_multi;
     std::unique_ptr<QTimer, LaterDeletion> m_timer;
     std::unordered_map<curl_socket_t, Watch> m_watches;
-    std::vector<std::unique_ptr<CurlTransfer>> m_exchanges;
-    std::vector<CURL *> m_spare;             ///< handles for exchanges to come
-    std::vector<CurlTransfer *> m_new;       ///< started while libcurl was working
-    std::vector<CurlTransfer *> m_stillborn; ///< not taken by libcurl; their ends are to be told
-    bool m_acting = false;                   ///< libcurl is working and takes no exchanges in or out
+    std::vector<std::unique_ptr<CurlTransfer>> m_transfers;
+    std::vector<CURL *> m_spareHandles;    ///< for later transfers
+    std::vector<CurlTransfer *> m_pending; ///< started, not yet handed to libcurl
+    std::vector<CurlTransfer *> m_refused; ///< not taken by libcurl; their ends are not reported yet
+    bool m_isInsideLibcurl = false;        ///< libcurl is working and takes no transfers in or out
 };
 
 } // namespace tickwise

@@ -1,8 +1,5 @@
 #include "platform/network/CurlTransfer.h"
 
-#include <QDirIterator>
-#include <QFile>
-
 #include <cstring>
 #include <initializer_list>
 #include <new>
@@ -14,6 +11,7 @@ namespace {
 constexpr qsizetype maximumHeaderBytes = qsizetype{256} * 1024;
 constexpr long readBufferBytes = 64L * 1024;
 constexpr long idleConnectionSeconds = 118;
+constexpr long switchingProtocols = 101;
 
 class HeaderList
 {
@@ -32,8 +30,8 @@ private:
     curl_slist *m_first = nullptr;
 };
 
-// Compressed bodies are asked for here and inflated under the receiver's limits. Some content networks refuse a request
-// without a user agent.
+// Compressed bodies are asked for here and inflated by the receiver, which bounds them. Some content delivery networks
+// refuse a request without a user agent.
 curl_slist *requestHeaders(bool acceptsCompression)
 {
     static const HeaderList compressed{"Accept-Encoding: gzip", "Connection: keep-alive", "User-Agent: Mozilla/5.0"};
@@ -41,23 +39,22 @@ curl_slist *requestHeaders(bool acceptsCompression)
     return acceptsCompression ? compressed.get() : identity.get();
 }
 
-// The folder in which OpenSSL finds an authority by the hash of its name. The file that holds all of them is read and
-// parsed as a whole for each new connection.
-const char *hashedAuthorities()
+/// `isFolderComplete`, read once for the system's own files.
+bool isKnownComplete(const AuthorityFiles &files)
 {
-    const char *const folder = curl_version_info(CURLVERSION_NOW)->capath;
-    if (!folder)
-        return nullptr;
-    const QStringList hashed{QStringLiteral("[0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f][0-9a-f].0")};
-    return QDirIterator(QFile::decodeName(folder), hashed, QDir::NoFilter).hasNext() ? folder : nullptr;
+    static const AuthorityFiles system = systemAuthorityFiles();
+    if (files != system)
+        return isFolderComplete(files);
+    static const bool isSystemComplete = isFolderComplete(system);
+    return isSystemComplete;
 }
 
-/// Nothing may be thrown through libcurl: where memory is short the exchange ends.
-template<class Condition>
-bool holds(const Condition &condition)
+/// Calls a function for libcurl, which no exception may pass: out of memory ends the transfer.
+template<class Function>
+bool callWithoutThrowing(const Function &function)
 {
     try {
-        return condition();
+        return function();
     } catch (const std::bad_alloc &) {
         return false;
     }
@@ -71,31 +68,42 @@ void CurlTransfer::set(CURLoption option, Value value)
     m_isPrepared = curl_easy_setopt(m_easy, option, value) == CURLE_OK && m_isPrepared;
 }
 
-CurlTransfer::CurlTransfer(CURL *easy, const CurlRequest &request, ExchangeReceiver &receiver)
+CurlTransfer::CurlTransfer(CURL *easy, const TransferRequest &request, TransferReceiver &receiver)
     : m_easy(easy)
     , m_receiver(&receiver)
 {
-    set(CURLOPT_PRIVATE, this);
-    set(CURLOPT_ERRORBUFFER, m_errorText.data());
-    set(CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
-    set(CURLOPT_HEADERDATA, this);
-    set(CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
-    set(CURLOPT_WRITEDATA, this);
+    prepareCallbacks();
     set(CURLOPT_URL, request.url.toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment).constData());
     set(CURLOPT_PATH_AS_IS, 1L);
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
     set(CURLOPT_HTTPHEADER, requestHeaders(request.acceptsCompression));
-    // Also an empty one is said, so that libcurl does not look into the environment itself.
+    // An empty proxy is set too: without one libcurl reads the environment.
     set(CURLOPT_PROXY, request.proxy.constData());
     set(CURLOPT_NOPROXY, "");
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     set(CURLOPT_BUFFERSIZE, readBufferBytes);
     set(CURLOPT_MAXAGE_CONN, idleConnectionSeconds);
     set(CURLOPT_NOSIGNAL, 1L);
-    // A request that ends while its host is looked up leaves the lookup behind instead of waiting for it.
+    // A request that ends during the lookup of its host abandons the lookup's thread instead of waiting for it.
     set(CURLOPT_QUICK_EXIT, 1L);
-    prepareTrust(request.authorities);
+    prepareTrust(request);
+}
+
+void CurlTransfer::prepareCallbacks()
+{
+    set(CURLOPT_PRIVATE, this);
+    set(CURLOPT_ERRORBUFFER, m_errorText.data());
+    set(CURLOPT_RESOLVER_START_FUNCTION, &CurlTransfer::onLookup);
+    set(CURLOPT_RESOLVER_START_DATA, this);
+    set(CURLOPT_SOCKOPTFUNCTION, &CurlTransfer::onSocket);
+    set(CURLOPT_SOCKOPTDATA, this);
+    set(CURLOPT_PREREQFUNCTION, &CurlTransfer::onRequest);
+    set(CURLOPT_PREREQDATA, this);
+    set(CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
+    set(CURLOPT_HEADERDATA, this);
+    set(CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
+    set(CURLOPT_WRITEDATA, this);
 }
 
 CurlTransfer::~CurlTransfer()
@@ -103,9 +111,10 @@ CurlTransfer::~CurlTransfer()
     curl_easy_reset(m_easy);
 }
 
-void CurlTransfer::prepareTrust(const QByteArray &authorities)
+void CurlTransfer::prepareTrust(const TransferRequest &request)
 {
     set(CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});
+    const QByteArray &authorities = request.authorities;
     if (!authorities.isEmpty()) {
         curl_blob blob{const_cast<char *>(authorities.constData()), static_cast<size_t>(authorities.size()),
                        CURL_BLOB_COPY};
@@ -113,37 +122,64 @@ void CurlTransfer::prepareTrust(const QByteArray &authorities)
         set(CURLOPT_CAPATH, static_cast<const char *>(nullptr));
         return;
     }
-    static const char *const folder = hashedAuthorities();
-    if (!folder)
-        return;
-    set(CURLOPT_CAPATH, folder);
-    set(CURLOPT_CAINFO, static_cast<const char *>(nullptr));
-    set(CURLOPT_PROXY_CAPATH, folder);
-    set(CURLOPT_PROXY_CAINFO, static_cast<const char *>(nullptr));
+    const auto path = [](const QByteArray &file) { return file.isEmpty() ? nullptr : file.constData(); };
+    const AuthorityFiles &files = request.systemAuthorities;
+    // The bundle is read and parsed as a whole for each new connection.
+    const char *const bundle = isKnownComplete(files) ? nullptr : path(files.bundle);
+    set(CURLOPT_CAPATH, path(files.folder));
+    set(CURLOPT_CAINFO, bundle);
+    set(CURLOPT_PROXY_CAPATH, path(files.folder));
+    set(CURLOPT_PROXY_CAINFO, bundle);
 }
 
 CurlTransfer *CurlTransfer::of(CURL *easy)
 {
-    void *exchange = nullptr;
-    curl_easy_getinfo(easy, CURLINFO_PRIVATE, &exchange);
-    return static_cast<CurlTransfer *>(exchange);
+    void *transfer = nullptr;
+    curl_easy_getinfo(easy, CURLINFO_PRIVATE, &transfer);
+    return static_cast<CurlTransfer *>(transfer);
+}
+
+bool CurlTransfer::takePhase(TransferPhase phase)
+{
+    if (m_receiver)
+        m_receiver->takePhase(phase);
+    return m_receiver != nullptr;
+}
+
+// A new connection begins with a lookup, of an address as well, unless libcurl remembers the answer.
+int CurlTransfer::onLookup(void * /*resolver*/, void * /*reserved*/, void *transfer)
+{
+    return static_cast<CurlTransfer *>(transfer)->takePhase(TransferPhase::lookup) ? 0 : 1;
+}
+
+int CurlTransfer::onSocket(void *transfer, curl_socket_t /*socket*/, curlsocktype /*purpose*/)
+{
+    return static_cast<CurlTransfer *>(transfer)->takePhase(TransferPhase::network) ? CURL_SOCKOPT_OK
+                                                                                    : CURL_SOCKOPT_ERROR;
+}
+
+// The request is about to be sent. Over a connection that is reused, this is the first that is heard of the transfer.
+int CurlTransfer::onRequest(void *transfer, char * /*primary*/, char * /*local*/, int /*port*/, int /*localPort*/)
+{
+    return static_cast<CurlTransfer *>(transfer)->takePhase(TransferPhase::network) ? CURL_PREREQFUNC_OK
+                                                                                    : CURL_PREREQFUNC_ABORT;
 }
 
 // The size of an element is always 1.
-size_t CurlTransfer::onHeader(const char *bytes, size_t /*size*/, size_t count, void *exchange)
+size_t CurlTransfer::onHeader(const char *bytes, size_t /*size*/, size_t count, void *transfer)
 {
-    auto *const self = static_cast<CurlTransfer *>(exchange);
+    auto *const self = static_cast<CurlTransfer *>(transfer);
     const auto length = static_cast<qsizetype>(count);
     const auto read = [&] { return self->m_receiver && self->readHeaderLine({bytes, length}) && self->m_receiver; };
-    return holds(read) ? count : 0;
+    return callWithoutThrowing(read) ? count : 0;
 }
 
-size_t CurlTransfer::onBody(const char *bytes, size_t /*size*/, size_t count, void *exchange)
+size_t CurlTransfer::onBody(const char *bytes, size_t /*size*/, size_t count, void *transfer)
 {
-    auto *const self = static_cast<CurlTransfer *>(exchange);
+    auto *const self = static_cast<CurlTransfer *>(transfer);
     const auto length = static_cast<qint64>(count);
     const auto take = [&] { return self->m_receiver && self->m_receiver->takeBody(bytes, length) && self->m_receiver; };
-    return holds(take) ? count : 0;
+    return callWithoutThrowing(take) ? count : 0;
 }
 
 bool CurlTransfer::readHeaderLine(QByteArrayView line)
@@ -151,7 +187,7 @@ bool CurlTransfer::readHeaderLine(QByteArrayView line)
     m_headerBytes += line.size();
     if (m_headerBytes > maximumHeaderBytes)
         return false;
-    // Trailers behind a body in pieces say nothing that anybody asks for.
+    // Trailers of a chunked body are not read.
     if (m_headIsWhole)
         return true;
     if (line.startsWith("HTTP/")) {
@@ -182,7 +218,11 @@ bool CurlTransfer::finishHead()
 {
     long status = 0;
     curl_easy_getinfo(m_easy, CURLINFO_RESPONSE_CODE, &status);
-    // Announcements such as "100 Continue" are followed by another head.
+    // Nothing that HTTP describes follows a change of protocol, and the connection may stay open.
+    m_isProtocolSwitched = status == switchingProtocols;
+    if (m_isProtocolSwitched)
+        return false;
+    // Interim answers such as "100 Continue" are followed by another head.
     if (status < 200)
         return true;
     m_headIsWhole = true;
@@ -190,8 +230,9 @@ bool CurlTransfer::finishHead()
     return m_receiver->takeHead(std::move(m_head));
 }
 
-// libcurl's longer words for some results name milliseconds and bytes: no two of them would be the same cause.
-QString CurlTransfer::words(CURLcode result, int osError) const
+// libcurl's own text of some results names milliseconds and bytes, so that one lasting failure would seem new each
+// time.
+QString CurlTransfer::errorText(CURLcode result, int osError) const
 {
     if (result == CURLE_COULDNT_CONNECT && osError != 0)
         return QString::fromLocal8Bit(std::strerror(osError));
@@ -208,6 +249,11 @@ NetworkFailure CurlTransfer::failure(CURLcode result) const
         failure.text = QStringLiteral("more than %1 bytes of headers").arg(maximumHeaderBytes);
         return failure;
     }
+    if (m_isProtocolSwitched) {
+        failure.result = CURLE_WEIRD_SERVER_REPLY;
+        failure.text = QStringLiteral("status %1 without a request for it").arg(switchingProtocols);
+        return failure;
+    }
     long number = 0;
     const auto info = [this, &number](CURLINFO what) {
         return curl_easy_getinfo(m_easy, what, &number) == CURLE_OK ? number : 0;
@@ -216,7 +262,7 @@ NetworkFailure CurlTransfer::failure(CURLcode result) const
     failure.osError = static_cast<int>(info(CURLINFO_OS_ERRNO));
     failure.proxyStatus = static_cast<int>(info(CURLINFO_HTTP_CONNECTCODE));
     failure.status = static_cast<int>(info(CURLINFO_RESPONSE_CODE));
-    failure.text = words(result, failure.osError);
+    failure.text = errorText(result, failure.osError);
     return failure;
 }
 

@@ -2,74 +2,91 @@
 
 #include "market/HttpClient.h"
 #include "platform/network/NetworkFailure.h"
+#include "platform/network/SystemAuthorities.h"
 
 #include <array>
 
 namespace tickwise {
 
-/// What an exchange asks for and how.
-struct CurlRequest
+/// What a transfer asks for and how.
+struct TransferRequest
 {
     QUrl url;
     QByteArray proxy;       ///< as libcurl takes it; empty: none
     QByteArray authorities; ///< PEM; empty: the system's
+    AuthorityFiles systemAuthorities;
     bool acceptsCompression = true;
 };
 
-/// Is told what comes in. Its functions may drop the exchange and everything around it.
-class ExchangeReceiver
+/// What a transfer is busy with after it has waited for its turn.
+enum class TransferPhase
+{
+    lookup,  ///< the name of the host, or of the proxy, is looked up
+    network, ///< a connection is opened or reused, and the server is to answer
+};
+
+/// Receives what a transfer brings. Each function may drop the transfer and everything around it.
+class TransferReceiver
 {
 public:
-    /// Status and headers. False ends the exchange.
+    /// A phase begins. A transfer that opens a second connection comes through its phases again.
+    virtual void takePhase(TransferPhase phase) = 0;
+    /// Status and headers. False ends the transfer.
     virtual bool takeHead(HttpResponse head) = 0;
-    /// Bytes of the body as they were sent. False ends the exchange.
+    /// Bytes of the body as they were sent. False ends the transfer.
     virtual bool takeBody(const char *bytes, qint64 count) = 0;
     /// The last call: the answer is whole, or what failed. `hasNetwork` is left to the receiver.
     virtual void takeEnd(NetworkFailure failure) = 0;
 
 protected:
-    ExchangeReceiver() = default;
-    ~ExchangeReceiver() = default;
+    TransferReceiver() = default;
+    ~TransferReceiver() = default;
 };
 
-/// One GET over libcurl, without redirects. A `CurlSession` runs it and outlives it.
+/// One HTTP round trip over libcurl: a GET without redirects. A `CurlSession` runs it and outlives it.
 class CurlTransfer
 {
 public:
-    /// Prepares `easy`, which is fresh or reset and stays somebody else's.
-    CurlTransfer(CURL *easy, const CurlRequest &request, ExchangeReceiver &receiver);
+    /// Prepares `easy`, which is new or reset and owned by the caller.
+    CurlTransfer(CURL *easy, const TransferRequest &request, TransferReceiver &receiver);
     ~CurlTransfer();
     CurlTransfer(const CurlTransfer &) = delete;
     CurlTransfer &operator=(const CurlTransfer &) = delete;
 
-    /// The exchange that `easy` was prepared for.
+    /// The transfer that `easy` was prepared for.
     static CurlTransfer *of(CURL *easy);
 
     CURL *easy() const { return m_easy; }
-    ExchangeReceiver *receiver() const { return m_receiver; }
-    /// Whether libcurl took every option. Without that the exchange must not be started.
+    TransferReceiver *receiver() const { return m_receiver; }
+    /// Whether libcurl took every option. A transfer that is not prepared must not be started.
     bool isPrepared() const { return m_isPrepared; }
-    /// Tells the receiver nothing more; the next piece that comes in ends the exchange.
+    /// Calls the receiver no more; the next callback of libcurl ends the transfer.
     void forgetReceiver() { m_receiver = nullptr; }
     /// What libcurl knows after it ended with `result`.
     NetworkFailure failure(CURLcode result) const;
 
 private:
-    static size_t onHeader(const char *bytes, size_t size, size_t count, void *exchange);
-    static size_t onBody(const char *bytes, size_t size, size_t count, void *exchange);
-    void prepareTrust(const QByteArray &authorities);
+    static size_t onHeader(const char *bytes, size_t size, size_t count, void *transfer);
+    static size_t onBody(const char *bytes, size_t size, size_t count, void *transfer);
+    static int onLookup(void *resolver, void *reserved, void *transfer);
+    static int onSocket(void *transfer, curl_socket_t socket, curlsocktype purpose);
+    static int onRequest(void *transfer, char *, char *, int, int);
+    void prepareCallbacks();
+    void prepareTrust(const TransferRequest &request);
+    bool takePhase(TransferPhase phase);
     bool readHeaderLine(QByteArrayView line);
     void addHeader(QByteArrayView line);
     bool finishHead();
-    QString words(CURLcode result, int osError) const;
+    QString errorText(CURLcode result, int osError) const;
     template<class Value>
     void set(CURLoption option, Value value);
 
     CURL *m_easy;
-    ExchangeReceiver *m_receiver;
+    TransferReceiver *m_receiver;
     HttpResponse m_head;
     bool m_isPrepared = true;
     bool m_headIsWhole = false;
+    bool m_isProtocolSwitched = false;
     qsizetype m_headerBytes = 0;
     std::array<char, CURL_ERROR_SIZE> m_errorText{};
 };

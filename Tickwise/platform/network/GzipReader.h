@@ -8,8 +8,8 @@
 
 namespace tickwise {
 
-/// Inflates a gzip stream as it comes, in pieces of a fixed size, so that the receiver can stop a stream that grows too
-/// large.
+/// Inflates a gzip stream as it arrives, in pieces of a fixed size, so that the receiver can stop a stream that grows
+/// too large. Streams of several members are read as one.
 class GzipReader
 {
 public:
@@ -18,7 +18,7 @@ public:
     enum class Status
     {
         more,    ///< the stream goes on
-        stopped, ///< the receiver has had enough
+        stopped, ///< the receiver stopped it
         damaged, ///< these bytes are no gzip stream
     };
 

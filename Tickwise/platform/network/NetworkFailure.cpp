@@ -20,7 +20,7 @@ UrlErrorCode certificateErrorCode(long verifyResult)
 UrlErrorCode connectErrorCode(const NetworkFailure &failure)
 {
     switch (failure.osError) {
-    // Also the last address of a host may be unreachable, such as an IPv6 one, while the others were refused.
+    // The last address of a host may be unreachable, such as an IPv6 one, while its other addresses refused.
     case ENETUNREACH:
     case ENETDOWN:
     case EHOSTUNREACH:
@@ -32,14 +32,15 @@ UrlErrorCode connectErrorCode(const NetworkFailure &failure)
     }
 }
 
-// So libcurl and OpenSSL say that the connection ended in the midst of the handshake; libcurl has no result for it.
+// libcurl has no result code for a connection that ends during the handshake, only these texts of its own and
+// OpenSSL's.
 UrlErrorCode handshakeErrorCode(const QString &text)
 {
-    const std::array words{QStringLiteral("Recv failure"), QStringLiteral("Send failure"),
+    const std::array texts{QStringLiteral("Recv failure"), QStringLiteral("Send failure"),
                            QStringLiteral(" SSL_connect: "), QStringLiteral("unexpected eof")};
-    const auto isSaid = [&text](const QString &word) { return text.contains(word); };
-    return std::any_of(words.begin(), words.end(), isSaid) ? UrlErrorCode::networkConnectionLost
-                                                           : UrlErrorCode::secureConnectionFailed;
+    const auto isContained = [&text](const QString &part) { return text.contains(part); };
+    return std::any_of(texts.begin(), texts.end(), isContained) ? UrlErrorCode::networkConnectionLost
+                                                                : UrlErrorCode::secureConnectionFailed;
 }
 
 bool isRefusedByProxy(const NetworkFailure &failure)
@@ -83,7 +84,7 @@ UrlErrorCode urlErrorCode(const NetworkFailure &failure)
     case CURLE_USE_SSL_FAILED:
         return UrlErrorCode::secureConnectionFailed;
     case CURLE_FILESIZE_EXCEEDED:
-    // What libcurl says of a header line above its own limit.
+    // libcurl's result for a header line above its own limit.
     case CURLE_OUT_OF_MEMORY:
         return UrlErrorCode::dataLengthExceedsMaximum;
     default:

@@ -1,13 +1,15 @@
 #include "platform/network/NetworkHttpClient.h"
 
 #include "platform/network/CurlSession.h"
-#include "platform/network/NetworkTransfer.h"
+#include "platform/network/HttpRequestOperation.h"
 
 namespace tickwise {
 
-NetworkHttpClient::NetworkHttpClient(QByteArray authorities, std::function<bool()> hasNetwork)
+NetworkHttpClient::NetworkHttpClient(QByteArray authorities, std::function<bool()> hasNetwork,
+                                     AuthorityFiles systemAuthorities)
     : m_authorities(std::move(authorities))
     , m_hasNetwork(std::move(hasNetwork))
+    , m_systemAuthorities(std::move(systemAuthorities))
     , m_session(std::make_shared<CurlSession>())
 {
 }
@@ -16,15 +18,15 @@ NetworkHttpClient::~NetworkHttpClient() = default;
 
 Subscription NetworkHttpClient::send(const HttpRequest &request, Completion<HttpResponse> done)
 {
-    TransferNetwork network{m_session, m_proxies, m_lifetime, m_authorities, m_hasNetwork};
-    return Subscription(std::make_unique<NetworkTransfer>(std::move(network), request, std::move(done)));
+    HttpRequestContext context{m_session, m_proxies, m_lifetime, m_authorities, m_systemAuthorities, m_hasNetwork};
+    return Subscription(std::make_unique<HttpRequestOperation>(std::move(context), request, std::move(done)));
 }
 
-// Requests under way hold the session that they began in.
+// Requests under way keep the session in which they began.
 void NetworkHttpClient::forgetConnections()
 {
     m_session = std::make_shared<CurlSession>();
-    m_proxies.startAnew();
+    m_proxies.reset();
 }
 
 } // namespace tickwise

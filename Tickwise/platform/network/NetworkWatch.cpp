@@ -110,7 +110,7 @@ NetworkWatch::~NetworkWatch()
         close(m_socket);
 }
 
-// What the messages say does not matter, so none needs to be whole, and lost ones (ENOBUFS) are as good as read ones.
+// Only that messages came matters: they may be cut, and lost ones (ENOBUFS) count too.
 void NetworkWatch::drain()
 {
     std::array<char, 8192> message; // NOLINT: filled by recv
@@ -120,7 +120,7 @@ void NetworkWatch::drain()
     while (received > 0 || (received < 0 && (errno == EINTR || errno == ENOBUFS)));
     if (received == 0)
         m_notifier.setEnabled(false);
-    if (!m_settling.isActive()) // others may change routes without end
+    if (!m_settling.isActive()) // not restarted, as routes may change all the time
         m_settling.start();
 }
 

@@ -10,36 +10,37 @@
 
 namespace tickwise {
 
-/// The default routes in the kernel's tables (the texts of /proc/net/route and /proc/net/ipv6_route), as
-/// "interface gateway", sorted: those that are up and lead anywhere but to the machine itself.
+/// The default routes in the kernel's tables (the contents of /proc/net/route and /proc/net/ipv6_route), as
+/// "interface gateway", sorted. Routes that are down, that reject packets or that use the loopback interface are left
+/// out.
 QByteArrayList defaultRoutes(const QByteArray &ipv4Table, const QByteArray &ipv6Table);
 
 /// The default routes that the machine has now.
 QByteArrayList currentDefaultRoutes();
 
-/// Whether the machine seems to have a network: a default route.
+/// Whether the machine has a default route.
 bool machineHasNetwork();
 
-/// A socket on which the kernel tells of changed routes, or -1. The caller closes it.
+/// A socket on which the kernel reports changed routes, or -1. The caller closes it.
 int openRouteSocket();
 
-/// A network that comes brings several routes, and its name servers a moment later.
-constexpr std::chrono::milliseconds routesSettle{1000};
+/// How long routes may change before they are compared: a new network adds several, and its name servers last.
+constexpr std::chrono::milliseconds settlingTime{1000};
 
-/// Tells when the network comes back or the machine moves to another one. Costs nothing while no route changes.
+/// Notices when the network comes back or the machine moves to another one. Does nothing while no route changes.
 class NetworkWatch : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Whatever `socket` says means that routes have changed; the watch closes it. With -1 the watch stays quiet. It
-    /// looks at the routes `settling` after a word.
+    /// Any message on `socket` means that routes changed; the watch closes the socket. With -1 it never signals. The
+    /// routes are compared `settling` after a message.
     explicit NetworkWatch(int socket = openRouteSocket(), std::function<QByteArrayList()> routes = currentDefaultRoutes,
-                          std::chrono::milliseconds settling = routesSettle);
+                          std::chrono::milliseconds settling = settlingTime);
     ~NetworkWatch() override;
 
 Q_SIGNALS:
-    /// There are default routes, other ones than before. A hint only: the world behind them may not answer yet.
+    /// There are default routes, and other ones than before. Whether servers can be reached over them is not known.
     void networkReturned();
 
 private:

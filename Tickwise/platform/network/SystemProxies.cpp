@@ -14,9 +14,8 @@ namespace tickwise {
 namespace {
 
 using Lookup = SystemProxies::Lookup;
-using Instant = std::chrono::steady_clock::time_point;
 
-constexpr std::chrono::milliseconds patience{100};
+constexpr std::chrono::milliseconds longestShutdown{100};
 
 Lookup systemLookup()
 {
@@ -98,26 +97,26 @@ QByteArray usableProxy(const std::vector<QByteArray> &answers)
     return {};
 }
 
-/// What the thread and its owner share.
+/// The state that the thread and its owner share.
 struct SystemProxies::Worker
 {
     struct Question
     {
-        quint64 query;
-        QByteArray url;
+        QByteArray server;
+        quint64 generation = 0;
     };
 
     std::mutex mutex;
     std::condition_variable changed;
     std::deque<Question> questions;
-    std::optional<Instant> busySince; ///< none: no lookup is under way
-    std::chrono::milliseconds longestLookup{};
-    SystemProxies *owner = nullptr; ///< none: the thread is to end
+    std::optional<Question> current; ///< none: no lookup is under way
+    Instant currentSince;
+    SystemProxies *owner = nullptr; ///< null: the thread is to end
     bool hasEnded = false;
 
-    bool isStuck() const { return busySince && std::chrono::steady_clock::now() - *busySince > longestLookup; }
     void run(Lookup lookup);
     void answer(std::unique_lock<std::mutex> &lock, const Lookup &lookup);
+    bool isAsked(const QByteArray &server) const;
 };
 
 void SystemProxies::Worker::run(Lookup lookup)
@@ -142,25 +141,33 @@ void SystemProxies::Worker::answer(std::unique_lock<std::mutex> &lock, const Loo
 {
     const Question question = questions.front();
     questions.pop_front();
-    busySince = std::chrono::steady_clock::now();
+    current = question;
+    currentSince = std::chrono::steady_clock::now();
     lock.unlock();
-    const QByteArray proxy = usableProxy(lookup(question.url));
+    const QByteArray proxy = usableProxy(lookup(question.server));
     lock.lock();
-    busySince.reset();
-    if (owner)
-        QMetaObject::invokeMethod(
-            &owner->m_context, [owner = owner, query = question.query, proxy] { owner->deliver(query, proxy); },
-            Qt::QueuedConnection);
+    current.reset();
+    if (!owner)
+        return;
+    const auto deliver = [owner = owner, question, proxy] {
+        owner->receive(question.server, proxy, question.generation);
+    };
+    QMetaObject::invokeMethod(&owner->m_context, deliver, Qt::QueuedConnection);
+}
+
+bool SystemProxies::Worker::isAsked(const QByteArray &server) const
+{
+    const auto asksFor = [&server](const Question &question) { return question.server == server; };
+    return (current && asksFor(*current)) || std::any_of(questions.begin(), questions.end(), asksFor);
 }
 
 class SystemProxies::Query : public Operation
 {
 public:
-    Query(SystemProxies &proxies, quint64 number, Done done)
+    Query(SystemProxies &proxies, quint64 number)
         : m_proxies(proxies)
         , m_number(number)
     {
-        m_proxies.m_waiting.emplace(number, std::move(done));
     }
     ~Query() override { m_proxies.forget(m_number); }
 
@@ -169,10 +176,17 @@ private:
     quint64 m_number;
 };
 
-SystemProxies::SystemProxies(Lookup lookup, std::chrono::milliseconds longestLookup)
-    : m_lookup(std::move(lookup))
-    , m_longestLookup(longestLookup)
+SystemProxies::SystemProxies(Lookup lookup)
+    : SystemProxies(std::move(lookup), Times{})
 {
+}
+
+SystemProxies::SystemProxies(Lookup lookup, Times times)
+    : m_lookup(std::move(lookup))
+    , m_times(times)
+{
+    m_overdueTimer.setSingleShot(true);
+    QObject::connect(&m_overdueTimer, &QTimer::timeout, &m_context, [this] { answerOverdue(); });
     makeWorker();
 }
 
@@ -180,7 +194,6 @@ void SystemProxies::makeWorker()
 {
     m_worker = std::make_shared<Worker>();
     m_worker->owner = this;
-    m_worker->longestLookup = m_longestLookup;
 }
 
 SystemProxies::~SystemProxies()
@@ -190,7 +203,7 @@ SystemProxies::~SystemProxies()
     std::unique_lock lock(m_worker->mutex);
     m_worker->owner = nullptr;
     m_worker->changed.notify_all();
-    const bool hasEnded = m_worker->changed.wait_for(lock, patience, [this] { return m_worker->hasEnded; });
+    const bool hasEnded = m_worker->changed.wait_for(lock, longestShutdown, [this] { return m_worker->hasEnded; });
     lock.unlock();
     if (hasEnded)
         m_thread.join();
@@ -198,41 +211,108 @@ SystemProxies::~SystemProxies()
         m_thread.detach();
 }
 
-void SystemProxies::startAnew()
+bool SystemProxies::isStuck() const
 {
-    const std::shared_ptr<Worker> current = m_worker;
-    const std::scoped_lock lock(current->mutex);
-    if (!current->isStuck())
+    const std::scoped_lock lock(m_worker->mutex);
+    return m_worker->current && std::chrono::steady_clock::now() - m_worker->currentSince >= m_times.longestLookup;
+}
+
+void SystemProxies::reset()
+{
+    m_answers.clear();
+    ++m_generation;
+    if (!isStuck())
         return;
-    current->owner = nullptr;
+    {
+        const std::scoped_lock lock(m_worker->mutex);
+        m_worker->owner = nullptr;
+    }
     m_thread.detach();
     m_thread = {};
     makeWorker();
+    for (const auto &[query, waiting] : m_waiting)
+        deliverLater(query, {});
 }
 
 Subscription SystemProxies::find(const QUrl &url, Done done)
 {
+    const QUrl::FormattingOptions removed =
+        QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment;
+    const QByteArray server = url.toEncoded(removed) + '/';
+    const quint64 number = ++m_lastQuery;
+    m_waiting.emplace(number, Waiting{server, std::chrono::steady_clock::now(), std::move(done)});
+    auto query = std::make_unique<Query>(*this, number);
+    if (const std::optional<QByteArray> known = isStuck() ? QByteArray() : knownAnswer(server))
+        deliverLater(number, *known);
+    else
+        ask(server);
+    return Subscription(std::move(query));
+}
+
+std::optional<QByteArray> SystemProxies::knownAnswer(const QByteArray &server) const
+{
+    const auto answer = m_answers.find(server);
+    const Instant now = std::chrono::steady_clock::now();
+    if (answer == m_answers.end() || now - answer->second.time >= m_times.answerLifetime)
+        return std::nullopt;
+    return answer->second.proxy;
+}
+
+void SystemProxies::ask(const QByteArray &server)
+{
     if (!m_thread.joinable())
         m_thread = std::thread([worker = m_worker, lookup = m_lookup] { worker->run(lookup); });
-    const quint64 number = ++m_lastQuery;
-    const QUrl::FormattingOptions server = QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery;
-    auto query = std::make_unique<Query>(*this, number, std::move(done));
+    if (!m_overdueTimer.isActive())
+        m_overdueTimer.start(m_times.longestLookup);
     const std::scoped_lock lock(m_worker->mutex);
-    if (m_worker->isStuck()) {
-        QMetaObject::invokeMethod(
-            &m_context, [this, number] { deliver(number, {}); }, Qt::QueuedConnection);
-        return Subscription(std::move(query));
-    }
-    m_worker->questions.push_back({number, url.toEncoded(server | QUrl::RemoveFragment) + '/'});
+    if (m_worker->isAsked(server))
+        return;
+    m_worker->questions.push_back({server, m_generation});
     m_worker->changed.notify_all();
-    return Subscription(std::move(query));
 }
 
 void SystemProxies::forget(quint64 query)
 {
-    m_waiting.erase(query);
+    const auto at = m_waiting.find(query);
+    if (at == m_waiting.end())
+        return;
+    const QByteArray server = at->second.server;
+    m_waiting.erase(at);
+    const auto waitsForIt = [&server](const auto &other) { return other.second.server == server; };
+    if (std::any_of(m_waiting.begin(), m_waiting.end(), waitsForIt))
+        return;
     const std::scoped_lock lock(m_worker->mutex);
-    std::erase_if(m_worker->questions, [query](const Worker::Question &asked) { return asked.query == query; });
+    std::erase_if(m_worker->questions, [&server](const Worker::Question &asked) { return asked.server == server; });
+}
+
+void SystemProxies::receive(const QByteArray &server, const QByteArray &proxy, quint64 generation)
+{
+    if (generation == m_generation)
+        m_answers[server] = {proxy, std::chrono::steady_clock::now()};
+    for (const auto &[query, waiting] : m_waiting) {
+        if (waiting.server == server)
+            deliverLater(query, proxy);
+    }
+}
+
+// The queries are in the order in which they began to wait.
+void SystemProxies::answerOverdue()
+{
+    const Instant now = std::chrono::steady_clock::now();
+    for (const auto &[query, waiting] : m_waiting) {
+        const Instant end = waiting.since + m_times.longestLookup;
+        if (end > now) {
+            m_overdueTimer.start(std::chrono::ceil<std::chrono::milliseconds>(end - now));
+            return;
+        }
+        deliverLater(query, {});
+    }
+}
+
+void SystemProxies::deliverLater(quint64 query, const QByteArray &proxy)
+{
+    QMetaObject::invokeMethod(
+        &m_context, [this, query, proxy] { deliver(query, proxy); }, Qt::QueuedConnection);
 }
 
 void SystemProxies::deliver(quint64 query, const QByteArray &proxy)
@@ -240,8 +320,8 @@ void SystemProxies::deliver(quint64 query, const QByteArray &proxy)
     const auto at = m_waiting.find(query);
     if (at == m_waiting.end())
         return;
-    // It may drop the handle, and with it the function that it is.
-    const Done done = std::move(at->second);
+    // It may drop the handle.
+    const Done done = std::move(at->second.done);
     m_waiting.erase(at);
     done(proxy);
 }

@@ -110,7 +110,7 @@ std::optional<UpdateFailure> UpdateDownload::responseFailure(const Result<HttpRe
         return downloadFailure(fileError(m_file));
     if (!response)
         return downloadFailure(response.error());
-    if (response->status < 200 || response->status > 299)
+    if (!response->isSuccess())
         return downloadFailure(UrlLoadingError{UrlErrorCode::badServerResponse, {}, response->status});
     return lengthFailure();
 }

@@ -1,5 +1,5 @@
+#include "market/exchanges/BinanceTickerProvider.h"
 #include "doubles/TestProgram.h"
-#include "market/exchanges/TickerProviders.h"
 
 #include "doubles/TestClock.h"
 #include "doubles/TestData.h"

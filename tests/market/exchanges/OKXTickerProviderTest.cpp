@@ -1,5 +1,5 @@
+#include "market/exchanges/OKXTickerProvider.h"
 #include "doubles/TestProgram.h"
-#include "market/exchanges/TickerProviders.h"
 
 #include "doubles/TestData.h"
 #include "market/Outcome.h"

@@ -12,8 +12,11 @@
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTemporaryDir>
 
 #include <csignal>
+
+#include <dlfcn.h>
 #include <netdb.h>
 
 using namespace tickwise;
@@ -24,6 +27,8 @@ namespace {
 
 QSemaphore lookupsBegun;
 QSemaphore lookupsMayEnd;
+
+using AddressLookup = int (*)(const char *, const char *, const addrinfo *, addrinfo **);
 
 /// What a completion got.
 struct Outcome
@@ -57,14 +62,17 @@ public:
 
 } // namespace
 
-// Looks up names in place of the system's function: none exists, and one takes long to tell.
-extern "C" int getaddrinfo(const char *name, const char *, const addrinfo *, addrinfo **)
+// Looks up names in place of the system's function. Two names take until the test lets them end; of these
+// "late.example" exists and is this machine.
+extern "C" int getaddrinfo(const char *name, const char *service, const addrinfo *hints, addrinfo **result)
 {
-    if (QByteArrayView(name) == "slow.example") {
+    static const auto system = reinterpret_cast<AddressLookup>(dlsym(RTLD_NEXT, "getaddrinfo"));
+    const bool isLate = QByteArrayView(name) == "late.example";
+    if (isLate || QByteArrayView(name) == "slow.example") {
         lookupsBegun.release();
         lookupsMayEnd.acquire();
     }
-    return EAI_NONAME;
+    return isLate ? system("127.0.0.1", service, hints, result) : EAI_NONAME;
 }
 
 class CurlSessionTest : public QObject
@@ -92,12 +100,26 @@ private Q_SLOTS:
     void droppingInTheSink();
     void droppingWhileTheHostIsLookedUp();
     void destroyingWhileTheHostIsLookedUp();
+    void aSlowLookupIsNoSilence();
+    void aLookupIsBounded_data();
+    void aLookupIsBounded();
+    void waitingForAConnectionIsNoSilence();
+    void aQueuedRequestHasItsWholeDeadline();
+    void aQueuedRequestTimesOutOnceItIsSent();
+    void usesTheSystemsAuthorities_data();
+    void usesTheSystemsAuthorities();
+    void gzipOfNothingIsBounded_data();
+    void gzipOfNothingIsBounded();
+    void absurdLengths_data();
+    void absurdLengths();
+    void aChangeOfProtocolEndsAtOnce();
+    void redirectsInErrorsAreExcerpts();
     void boundsTheHeaders_data();
     void boundsTheHeaders();
     void brokenHandshakes_data();
     void brokenHandshakes();
     void writingToAClosedConnectionKillsNobody();
-    void leavesRoomBehindTheBody();
+    void leavesSpareCapacityAfterTheBody();
     void damagedGzipIsNoAnswer_data();
     void damagedGzipIsNoAnswer();
     void gzipMembersOneAfterAnother();
@@ -448,6 +470,214 @@ void CurlSessionTest::destroyingWhileTheHostIsLookedUp()
     lookupsMayEnd.release();
 }
 
+void CurlSessionTest::aSlowLookupIsNoSilence()
+{
+    HttpRequest request = to(files);
+    request.url.setHost(QStringLiteral("late.example"));
+    request.timeout = 300ms;
+    Outcome outcome;
+    const Subscription subscription = m_client->send(request, outcome.completion());
+    QTRY_COMPARE(lookupsBegun.available(), 1);
+    lookupsBegun.acquire();
+    QTest::qWait(600); // longer than the server may be silent
+    QVERIFY(!outcome.isOver());
+    lookupsMayEnd.release();
+    QTRY_VERIFY(outcome.isOver());
+    QVERIFY2(outcome.results[0].has_value(), qPrintable(QString::number(outcome.results.size())));
+    QCOMPARE(outcome.results[0]->body, QByteArray("the file"));
+}
+
+void CurlSessionTest::aLookupIsBounded_data()
+{
+    QTest::addColumn<bool>("hasNetwork");
+    QTest::addColumn<UrlErrorCode>("code");
+    QTest::newRow("with a network") << true << UrlErrorCode::cannotFindHost;
+    QTest::newRow("without a network") << false << UrlErrorCode::notConnectedToInternet;
+}
+
+void CurlSessionTest::aLookupIsBounded()
+{
+    QFETCH(bool, hasNetwork);
+    QCOMPARE(HttpRequest().lookupTimeout, 15s);
+    m_client = std::make_unique<NetworkHttpClient>(QByteArray(), [hasNetwork] { return hasNetwork; });
+    HttpRequest request;
+    request.url = QUrl(QStringLiteral("http://slow.example/"));
+    request.timeout = 50ms;
+    request.lookupTimeout = 300ms;
+    QElapsedTimer time;
+    time.start();
+    Outcome outcome;
+    const Subscription subscription = m_client->send(request, outcome.completion());
+    QTRY_VERIFY(outcome.isOver());
+    QVERIFY2(time.elapsed() >= 300, qPrintable(QString::number(time.elapsed())));
+    lookupsBegun.acquire();
+    lookupsMayEnd.release();
+    QTEST(std::get<UrlLoadingError>(outcome.results[0].error()).code, "code");
+}
+
+void CurlSessionTest::waitingForAConnectionIsNoSilence()
+{
+    constexpr int requests = 20;
+    m_market->script(files, faults::delay(200ms), LoopbackMarket::Repeat::always);
+    HttpRequest request = to(files);
+    request.timeout = 500ms; // the last ones wait three times 200 ms for a connection
+    std::vector<Subscription> subscriptions;
+    std::vector<bool> answers;
+    for (int i = 0; i < requests; ++i)
+        subscriptions.push_back(m_client->send(
+            request, [&](const Result<HttpResponse> &result) { answers.push_back(result.has_value()); }));
+    QTRY_COMPARE(answers.size(), std::size_t(requests));
+    QCOMPARE(std::count(answers.begin(), answers.end(), true), requests);
+    QVERIFY(m_market->server(files).connectionsSoFar() <= 6);
+}
+
+void CurlSessionTest::aQueuedRequestHasItsWholeDeadline()
+{
+    m_market->script(files, faults::delay(200ms), LoopbackMarket::Repeat::always);
+    HttpRequest request = to(files);
+    request.deadline = 500ms;
+    std::vector<Subscription> subscriptions;
+    int answers = 0;
+    for (int i = 0; i < 20; ++i)
+        subscriptions.push_back(m_client->send(request, [&](const Result<HttpResponse> &result) {
+            QVERIFY(result);
+            ++answers;
+        }));
+    QTRY_COMPARE(answers, 20);
+}
+
+void CurlSessionTest::aQueuedRequestTimesOutOnceItIsSent()
+{
+    m_market->script(files, faults::hang(), LoopbackMarket::Repeat::always);
+    HttpRequest request = to(files);
+    request.timeout = 200ms;
+    std::vector<Subscription> subscriptions;
+    std::vector<UrlErrorCode> codes;
+    for (int i = 0; i < 8; ++i)
+        subscriptions.push_back(m_client->send(request, [&](const Result<HttpResponse> &result) {
+            codes.push_back(std::get<UrlLoadingError>(result.error()).code);
+        }));
+    QTRY_COMPARE(codes.size(), std::size_t(8));
+    QCOMPARE(codes, std::vector<UrlErrorCode>(8, UrlErrorCode::timedOut));
+    QCOMPARE(m_market->requestCount(files), 8);
+}
+
+void CurlSessionTest::usesTheSystemsAuthorities_data()
+{
+    QTest::addColumn<bool>("inFolder");
+    QTest::addColumn<bool>("strangerInFolder");
+    QTest::addColumn<bool>("inBundle");
+    QTest::addColumn<bool>("isTrusted");
+    QTest::newRow("folder alone") << true << false << false << true;
+    QTest::newRow("bundle alone") << false << false << true << true;
+    QTest::newRow("both") << true << false << true << true;
+    QTest::newRow("one unrelated authority in the folder") << false << true << true << true;
+    QTest::newRow("nowhere") << false << true << false << false;
+}
+
+void CurlSessionTest::usesTheSystemsAuthorities()
+{
+    QFETCH(bool, inFolder);
+    QFETCH(bool, strangerInFolder);
+    QFETCH(bool, inBundle);
+    QFETCH(bool, isTrusted);
+    const QByteArray authority = LoopbackMarket::authorities();
+    const QTemporaryDir folder;
+    const auto write = [&folder](const QString &name, const QByteArray &bytes) {
+        QFile file(folder.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    };
+    if (inFolder)
+        write(QStringLiteral("6a543d15.0"), authority);
+    if (strangerInFolder)
+        write(QStringLiteral("0badc0de.0"), authority);
+    // A bundle has more than one authority, so that one hashed name cannot stand for it.
+    write(QStringLiteral("bundle.pem"), inBundle ? authority + authority : QByteArray());
+    m_client = std::make_unique<NetworkHttpClient>(
+        QByteArray(), [] { return true; },
+        AuthorityFiles{folder.path().toLocal8Bit(), folder.filePath(QStringLiteral("bundle.pem")).toLocal8Bit()});
+    LoopbackMarket::Options options;
+    options.transport = LoopbackMarket::Transport::tls;
+    m_market = std::make_unique<LoopbackMarket>(options);
+    m_market->addFile(QStringLiteral("/a"), "the file", "text/plain");
+    const Result<HttpResponse> result = fetch(to(files));
+    QVERIFY2(result.has_value() == isTrusted, result ? "" : qPrintable(description(result.error())));
+    if (!isTrusted)
+        QCOMPARE(std::get<UrlLoadingError>(result.error()).code, UrlErrorCode::serverCertificateUntrusted);
+}
+
+void CurlSessionTest::gzipOfNothingIsBounded_data()
+{
+    QTest::addColumn<QByteArray>("stream");
+    QTest::newRow("empty members") << gzipped({}).repeated(1000);
+    // A flag announces a file name, which ends with a byte of zero.
+    QTest::newRow("header without end") << QByteArray("\x1f\x8b\x08\x08\0\0\0\0\0\x03", 10) + QByteArray(20000, 'n');
+}
+
+void CurlSessionTest::gzipOfNothingIsBounded()
+{
+    QFETCH(QByteArray, stream);
+    m_market->script(files, faults::together({faults::body(stream), faults::headers({{"Content-Encoding", "gzip"}}),
+                                              faults::chunked()}));
+    HttpRequest request = to(files);
+    request.maximumBytes = stream.size() - 1;
+    const Result<HttpResponse> result = fetch(request);
+    QVERIFY(!result);
+    QCOMPARE(std::get<UrlLoadingError>(result.error()).code, UrlErrorCode::dataLengthExceedsMaximum);
+}
+
+void CurlSessionTest::absurdLengths_data()
+{
+    QTest::addColumn<QByteArray>("length");
+    QTest::addColumn<UrlErrorCode>("code");
+    QTest::newRow("one above the limit") << QByteArray::number(16 * 1024 * 1024 + 1)
+                                         << UrlErrorCode::dataLengthExceedsMaximum;
+    QTest::newRow("a terabyte") << QByteArray("1099511627776") << UrlErrorCode::dataLengthExceedsMaximum;
+    QTest::newRow("63 bits") << QByteArray("9223372036854775807") << UrlErrorCode::dataLengthExceedsMaximum;
+    QTest::newRow("65 bits") << QByteArray("36893488147419103232") << UrlErrorCode::dataLengthExceedsMaximum;
+    QTest::newRow("negative") << QByteArray("-5") << UrlErrorCode::badServerResponse;
+    QTest::newRow("no number") << QByteArray("many") << UrlErrorCode::badServerResponse;
+}
+
+void CurlSessionTest::absurdLengths()
+{
+    QFETCH(QByteArray, length);
+    answerWith("HTTP/1.1 200 OK\r\nContent-Length: " + length + "\r\n\r\nok");
+    const Result<HttpResponse> result = fetch(to(files));
+    QVERIFY(!result);
+    const auto error = std::get<UrlLoadingError>(result.error());
+    QTEST(error.code, "code");
+}
+
+void CurlSessionTest::aChangeOfProtocolEndsAtOnce()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    connect(&server, &QTcpServer::newConnection, this, [&server] {
+        QTcpSocket *const socket = server.nextPendingConnection();
+        connect(socket, &QIODevice::readyRead, socket,
+                [socket] { socket->write("HTTP/1.1 101 Switching Protocols\r\nUpgrade: other\r\n\r\n"); });
+    });
+    HttpRequest request;
+    request.url = QUrl(QStringLiteral("http://127.0.0.1:%1/").arg(server.serverPort()));
+    request.timeout = 60s;
+    const Result<HttpResponse> result = fetch(request);
+    QVERIFY(!result);
+    const auto error = std::get<UrlLoadingError>(result.error());
+    QCOMPARE(error.code, UrlErrorCode::badServerResponse);
+    QVERIFY2(error.detail.contains(QStringLiteral("101")), qPrintable(error.detail));
+}
+
+void CurlSessionTest::redirectsInErrorsAreExcerpts()
+{
+    answerWith("HTTP/1.1 302 Found\r\nLocation: https://elsewhere.example/" + QByteArray(50000, 'x') +
+               "\r\nContent-Length: 0\r\n\r\n");
+    const Result<HttpResponse> result = fetch(to(files));
+    const auto error = std::get<UrlLoadingError>(result.error());
+    QCOMPARE(error.code, UrlErrorCode::redirectRefused);
+    QVERIFY2(error.detail.size() < 300, qPrintable(error.detail));
+}
+
 void CurlSessionTest::boundsTheHeaders_data()
 {
     QTest::addColumn<QByteArray>("head");
@@ -525,7 +755,7 @@ void CurlSessionTest::writingToAClosedConnectionKillsNobody()
     QVERIFY(action.sa_handler == SIG_IGN);
 }
 
-void CurlSessionTest::leavesRoomBehindTheBody()
+void CurlSessionTest::leavesSpareCapacityAfterTheBody()
 {
     m_market->addFile(QStringLiteral("/a"), QByteArray(100000, 'x'), "text/plain");
     const Result<HttpResponse> result = fetch(to(files));

@@ -2,8 +2,8 @@
 #include "doubles/TestProgram.h"
 
 #include "demo/LoopbackMarket.h"
+#include "platform/network/HttpRequestOperation.h"
 #include "platform/network/NetworkFailure.h"
-#include "platform/network/NetworkTransfer.h"
 #include "platform/network/ProxyEnvironment.h"
 
 #include <QBuffer>
@@ -194,6 +194,8 @@ void NetworkHttpClientTest::failureCodes_data()
         UrlErrorCode::networkConnectionLost);
     row("broken in the body, behind a proxy", {.result = CURLE_RECV_ERROR, .proxyStatus = 200, .status = 200},
         UrlErrorCode::networkConnectionLost);
+    row("broken in the body, after a proxy asked for a password",
+        {.result = CURLE_RECV_ERROR, .proxyStatus = 407, .status = 200}, UrlErrorCode::networkConnectionLost);
     row("handshake", {CURLE_SSL_CONNECT_ERROR}, UrlErrorCode::secureConnectionFailed);
     row("closed in the handshake",
         {CURLE_SSL_CONNECT_ERROR, QStringLiteral("error:0A000126:SSL routines::unexpected eof while reading")},
@@ -416,6 +418,10 @@ void NetworkHttpClientTest::badUrls()
     QVERIFY(!outcome.isOver());
     QTRY_VERIFY(outcome.isOver());
     QCOMPARE(outcome.code(), UrlErrorCode::badURL);
+    Outcome next;
+    const Subscription after = m_client->send(to(okxUrl()), next.completion());
+    QTRY_VERIFY(next.isOver());
+    QCOMPARE(outcome.results.size(), 1U);
 }
 
 void NetworkHttpClientTest::answersLaterAndOnce()

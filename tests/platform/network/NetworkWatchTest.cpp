@@ -88,6 +88,8 @@ void NetworkWatchTest::defaultRoutes_data()
                                         << QByteArray() << QByteArrayList();
     QTest::newRow("down") << QByteArray(ipv4Header) + "eth0\t00000000\t0101A8C0\t0002\t0\t0\t0\t00000000\t0\t0\t0\n"
                           << QByteArray() << QByteArrayList();
+    QTest::newRow("rejected") << QByteArray(ipv4Header) + "eth0\t00000000\t0101A8C0\t0201\t0\t0\t0\t00000000\t0\t0\t0\n"
+                              << QByteArray() << QByteArrayList();
     QTest::newRow("tunnel without a gateway")
         << QByteArray(ipv4Header) + "tun0\t00000000\t00000000\t0001\t0\t0\t50\t00000000\t0\t0\t0\n"
         << QByteArray() << QByteArrayList{"tun0 00000000"};

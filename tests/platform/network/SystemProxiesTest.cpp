@@ -113,6 +113,13 @@ private Q_SLOTS:
     void droppingInTheAnswer();
     void doesNotWaitForALookup();
     void aLookupWithoutEndHoldsUpNobody();
+    void questionsBehindAStuckLookupAreAnswered();
+    void aSlowLookupIsNotStuck();
+    void requestsForAHostShareALookup();
+    void keepsAnswers();
+    void answersGrowOld();
+    void resettingForgetsAnswers();
+    void resettingForgetsTheLookupUnderWay();
     void droppedQuestionsAreNotLookedUp();
     void requestsGoThroughTheProxy();
     void requestsGoThroughATunnel_data();
@@ -303,20 +310,137 @@ void SystemProxiesTest::aLookupWithoutEndHoldsUpNobody()
     const SlowLookups lookups;
     QByteArrayList found;
     const auto note = [&found](const QByteArray &proxy) { found.append(proxy); };
-    SystemProxies proxies(lookups, 50ms);
+    SystemProxies proxies(lookups, {.longestLookup = 50ms});
     const Subscription endless = proxies.find(server("endless"), note);
     lookups.begun->acquire();
     std::vector<Subscription> others;
     QTRY_VERIFY((others.push_back(proxies.find(server("other"), note)), found.contains(QByteArray())));
     QCOMPARE(found.size(), found.count(QByteArray()));
 
-    proxies.startAnew();
+    proxies.reset();
     others.clear();
     found.clear();
     const Subscription next = proxies.find(server("next"), note);
     QTRY_COMPARE(found, QByteArrayList{"http://proxy:1"});
     lookups.mayEnd->release();
     lookups.hasEnded->acquire();
+}
+
+void SystemProxiesTest::questionsBehindAStuckLookupAreAnswered()
+{
+    const SlowLookups lookups;
+    QByteArrayList found;
+    const auto note = [&found](const QByteArray &proxy) { found.append(proxy); };
+    SystemProxies proxies(lookups, {.longestLookup = 100ms});
+    const Subscription endless = proxies.find(server("endless"), note);
+    const Subscription behind = proxies.find(server("behind"), note);
+    QTRY_COMPARE(found, (QByteArrayList{{}, {}}));
+    // While it is stuck, questions do not wait.
+    const Subscription atOnce = proxies.find(server("third"), note);
+    QCOMPARE(found.size(), 2);
+    QCoreApplication::processEvents();
+    QCOMPARE(found, (QByteArrayList{{}, {}, {}}));
+    lookups.mayEnd->release();
+    lookups.hasEnded->acquire();
+    // The lookup has ended, so that later questions are looked up again.
+    const Subscription later = proxies.find(server("behind"), note);
+    QTRY_COMPARE(found.size(), 4);
+}
+
+void SystemProxiesTest::aSlowLookupIsNotStuck()
+{
+    const SlowLookups lookups;
+    QByteArrayList found;
+    const auto note = [&found](const QByteArray &proxy) { found.append(proxy); };
+    SystemProxies proxies(lookups);
+    const Subscription slow = proxies.find(server("slow"), note);
+    const Subscription behind = proxies.find(server("behind"), note);
+    lookups.begun->acquire();
+    QCoreApplication::processEvents();
+    QVERIFY(found.isEmpty());
+    lookups.mayEnd->release();
+    QTRY_COMPARE(found, (QByteArrayList{"http://proxy:1", "http://proxy:1"}));
+}
+
+void SystemProxiesTest::requestsForAHostShareALookup()
+{
+    const SlowLookups lookups;
+    QByteArrayList found;
+    const auto note = [&found](const QByteArray &proxy) { found.append(proxy); };
+    SystemProxies proxies(lookups);
+    std::vector<Subscription> queries;
+    for (int i = 0; i < 3; ++i)
+        queries.push_back(proxies.find(server("first"), note));
+    for (int i = 0; i < 3; ++i)
+        queries.push_back(proxies.find(server("second"), note));
+    queries.erase(queries.begin() + 3); // the question stays for the others
+    lookups.begun->acquire();
+    lookups.mayEnd->release();
+    QTRY_COMPARE(found.size(), 5);
+    QCOMPARE(*lookups.asked, (QByteArrayList{"https://first.example/", "https://second.example/"}));
+}
+
+void SystemProxiesTest::keepsAnswers()
+{
+    const SlowLookups lookups;
+    lookups.mayEnd->release();
+    int found = 0;
+    SystemProxies proxies(lookups);
+    for (int i = 1; i <= 3; ++i) {
+        QByteArray answer;
+        const Subscription query = proxies.find(server("one"), [&](const QByteArray &proxy) {
+            answer = proxy;
+            ++found;
+        });
+        QCOMPARE(found, i - 1);
+        QTRY_COMPARE(found, i);
+        QCOMPARE(answer, QByteArray("http://proxy:1"));
+    }
+    QCOMPARE(*lookups.asked, QByteArrayList{"https://one.example/"});
+}
+
+void SystemProxiesTest::answersGrowOld()
+{
+    const SlowLookups lookups;
+    lookups.mayEnd->release();
+    int found = 0;
+    SystemProxies proxies(lookups, {.answerLifetime = 0ms});
+    for (int i = 1; i <= 2; ++i) {
+        const Subscription query = proxies.find(server("one"), [&](const QByteArray &) { ++found; });
+        QTRY_COMPARE(found, i);
+    }
+    QCOMPARE(lookups.asked->size(), 2);
+}
+
+void SystemProxiesTest::resettingForgetsAnswers()
+{
+    const SlowLookups lookups;
+    lookups.mayEnd->release();
+    int found = 0;
+    SystemProxies proxies(lookups);
+    for (int i = 1; i <= 2; ++i) {
+        const Subscription query = proxies.find(server("one"), [&](const QByteArray &) { ++found; });
+        QTRY_COMPARE(found, i);
+        proxies.reset();
+    }
+    QCOMPARE(lookups.asked->size(), 2);
+}
+
+// Its answer is of the network that was left.
+void SystemProxiesTest::resettingForgetsTheLookupUnderWay()
+{
+    const SlowLookups lookups;
+    int found = 0;
+    const auto note = [&found](const QByteArray &) { ++found; };
+    SystemProxies proxies(lookups);
+    const Subscription first = proxies.find(server("one"), note);
+    lookups.begun->acquire();
+    proxies.reset();
+    lookups.mayEnd->release();
+    QTRY_COMPARE(found, 1);
+    const Subscription second = proxies.find(server("one"), note);
+    QTRY_COMPARE(found, 2);
+    QCOMPARE(lookups.asked->size(), 2);
 }
 
 void SystemProxiesTest::droppedQuestionsAreNotLookedUp()

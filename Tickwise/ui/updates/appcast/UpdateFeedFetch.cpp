@@ -13,7 +13,7 @@ UpdateFeedResult feedResult(const Result<HttpResponse> &response)
 {
     if (!response)
         return tl::unexpected(feedFailure(response.error()));
-    if (response->status < 200 || response->status > 299)
+    if (!response->isSuccess())
         return tl::unexpected(feedFailure(UrlLoadingError{UrlErrorCode::badServerResponse, {}, response->status}));
     const auto items = parseAppcast(response->body);
     if (!items)

@@ -3,39 +3,21 @@
 #include "support/Result.h"
 
 #include <QByteArray>
-#include <QHash>
-#include <QStringList>
 
 #include <simdjson.h>
 
 #include <array>
 #include <functional>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace tickwise {
 
-// What the parsers of exchange and rate bodies share. Included by their implementations only.
+// What the readers of exchanges' and rate services' answers share. Included by their implementations only.
 
 /// Parses the whole body and hands the document to `read`. A body that is not valid JSON is a `DecodingError`.
 template<class T>
-Result<T> withDocument(const QByteArray &data, const std::function<Result<T>(simdjson::dom::element)> &read);
-
-/// The wanted base symbols, found by their bytes without making a text of every pair name.
-class WantedSymbols
-{
-public:
-    explicit WantedSymbols(const QStringList &symbols);
-
-    /// The wanted symbol whose pair with the suffix ("USDT", "-USDT") has this name; none for any other pair.
-    const QString *baseOf(std::string_view pair, std::string_view suffix) const;
-
-private:
-    QList<QByteArray> m_bytes; // what the keys look at
-    std::unordered_map<std::string_view, QString> m_symbols;
-};
+Result<T> readJsonResponse(const QByteArray &body, const std::function<Result<T>(simdjson::dom::element)> &read);
 
 /// The values of the keys, in their order; none when the element is no object or lacks one of them. Fastest when the
 /// keys are named in the order in which the object has them.
@@ -48,10 +30,14 @@ std::optional<std::array<simdjson::dom::element, N>> members(simdjson::dom::elem
         return std::nullopt;
     std::array<simdjson::dom::element, N> values;
     std::size_t found = 0;
-    for (const simdjson::dom::key_value_pair &member : object) {
-        if (member.key != keys[found])
+    const auto end = object.end();
+    for (auto member = object.begin(); member != end; ++member) {
+        const std::string_view key = keys[found];
+        // Most other keys differ in their length or last letter.
+        if (member.key_length() != key.size() || member.key_c_str()[key.size() - 1] != key.back() ||
+            !member.key_equals(key))
             continue;
-        values[found] = member.value;
+        values[found] = member.value();
         if (++found == N)
             return values;
     }
@@ -73,22 +59,27 @@ inline tl::unexpected<Error> unexpectedForm(const QString &what)
     return failure(DecodingError{QStringLiteral("unexpected form: ") + what});
 }
 
-/// Keeps the parser of ordinary bodies; memory that an unusually large one took is given back.
-class BodyParser
+/// A copy of the JSON text in which the numbers that the parser refuses are written in another way: integers beyond 64
+/// bits as floating-point numbers, numbers beyond all doubles as 0.0. Everything else stays, errors included.
+QByteArray withBoundedNumbers(const QByteArray &json);
+
+/// Parses bodies with a parser that the thread keeps; frees the parser's memory after an unusually large body. A
+/// document is valid until its `JsonResponseParser` is destroyed.
+class JsonResponseParser
 {
 public:
-    Result<simdjson::dom::element> parse(const QByteArray &data);
-    ~BodyParser();
+    Result<simdjson::dom::element> parse(const QByteArray &body);
+    ~JsonResponseParser();
 
 private:
-    bool m_unusual = false;
+    bool m_isLarge = false;
 };
 
 template<class T>
-Result<T> withDocument(const QByteArray &data, const std::function<Result<T>(simdjson::dom::element)> &read)
+Result<T> readJsonResponse(const QByteArray &body, const std::function<Result<T>(simdjson::dom::element)> &read)
 {
-    BodyParser parser;
-    return parser.parse(data).and_then(read);
+    JsonResponseParser parser;
+    return parser.parse(body).and_then(read);
 }
 
 } // namespace tickwise

@@ -1,4 +1,4 @@
-#include "market/HttpStatus.h"
+#include "market/exchanges/TickerResponse.h"
 #include "doubles/TestProgram.h"
 
 #include "doubles/TestData.h"
@@ -25,7 +25,7 @@ QByteArray recorded(const char *name)
 
 } // namespace
 
-class HttpStatusTest : public QObject
+class TickerResponseTest : public QObject
 {
     Q_OBJECT
 
@@ -37,22 +37,19 @@ private Q_SLOTS:
     void badRequestIsRejected();
     void otherStatuses_data();
     void otherStatuses();
-    void retryAfterValue_data();
-    void retryAfterValue();
-    void retryAfterIsAbsentWithoutTheHeader();
     void forbiddenBodies_data();
     void forbiddenBodies();
     void legalReasonsAreARegionBlock();
 };
 
-void HttpStatusTest::successIsTheBody_data()
+void TickerResponseTest::successIsTheBody_data()
 {
     QTest::addColumn<int>("status");
     for (const int status : {200, 201, 204, 250, 299})
         QTest::addRow("%d", status) << status;
 }
 
-void HttpStatusTest::successIsTheBody()
+void TickerResponseTest::successIsTheBody()
 {
     QFETCH(int, status);
     const Result<QByteArray> body = classifyTickerResponse(response(status, "30", "[]"));
@@ -60,7 +57,7 @@ void HttpStatusTest::successIsTheBody()
     QCOMPARE(*body, QByteArray("[]"));
 }
 
-void HttpStatusTest::backOffs_data()
+void TickerResponseTest::backOffs_data()
 {
     QTest::addColumn<int>("status");
     QTest::addColumn<QByteArray>("header");
@@ -78,7 +75,7 @@ void HttpStatusTest::backOffs_data()
     QTest::newRow("403 with a date") << 403 << QByteArray("Wed, 21 Oct 2026 07:28:00 GMT") << 600.0;
 }
 
-void HttpStatusTest::backOffs()
+void TickerResponseTest::backOffs()
 {
     QFETCH(int, status);
     QFETCH(QByteArray, header);
@@ -90,14 +87,14 @@ void HttpStatusTest::backOffs()
     QCOMPARE(refusal->retryAfter, seconds > 0 ? std::optional(seconds) : std::nullopt);
 }
 
-void HttpStatusTest::badRequestIsRejected()
+void TickerResponseTest::badRequestIsRejected()
 {
     const Result<QByteArray> result =
         classifyTickerResponse(response(400, "30", recorded("binance_error_1121_invalid_symbol.json")));
     QCOMPARE(test::refusalOf(result), TickerProviderError({Kind::requestRejected, std::nullopt, 400, false}));
 }
 
-void HttpStatusTest::otherStatuses_data()
+void TickerResponseTest::otherStatuses_data()
 {
     QTest::addColumn<int>("status");
     for (const int status :
@@ -105,7 +102,7 @@ void HttpStatusTest::otherStatuses_data()
         QTest::addRow("%d", status) << status;
 }
 
-void HttpStatusTest::otherStatuses()
+void TickerResponseTest::otherStatuses()
 {
     QFETCH(int, status);
     const Result<QByteArray> result = classifyTickerResponse(response(status, "30", "[]"));
@@ -113,50 +110,7 @@ void HttpStatusTest::otherStatuses()
     QCOMPARE(std::get<UrlLoadingError>(result.error()).httpStatus, status);
 }
 
-void HttpStatusTest::retryAfterValue_data()
-{
-    QTest::addColumn<QByteArray>("header");
-    QTest::addColumn<double>("seconds"); // 0: none
-    const auto row = [](const char *header, double seconds) {
-        QTest::addRow("'%s'", header) << QByteArray(header) << seconds;
-    };
-    row("30", 30);
-    row("0.5", 0.5);
-    row("1e2", 100);
-    row("1800", 1800);
-    row(" 30", 0);
-    row("\t30", 0);
-    row("30 ", 0);
-    row("30s", 0);
-    row("30, 60", 0);
-    row("", 0);
-    row("0", 0);
-    row("0.0", 0);
-    row("-0", 0);
-    row("-30", 0);
-    row("nan", 0);
-    row("inf", 0);
-    row("infinity", 0);
-    row("1e999", 0);
-    row("0x1e", 0);
-    row("1,5", 0);
-    row("soon", 0);
-    row("Wed, 21 Oct 2026 07:28:00 GMT", 0);
-}
-
-void HttpStatusTest::retryAfterValue()
-{
-    QFETCH(QByteArray, header);
-    QFETCH(double, seconds);
-    QCOMPARE(retryAfter(response(429, header)), seconds > 0 ? std::optional(seconds) : std::nullopt);
-}
-
-void HttpStatusTest::retryAfterIsAbsentWithoutTheHeader()
-{
-    QCOMPARE(retryAfter(response(429)), std::nullopt);
-}
-
-void HttpStatusTest::forbiddenBodies_data()
+void TickerResponseTest::forbiddenBodies_data()
 {
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<FailureReason>("reason");
@@ -171,7 +125,7 @@ void HttpStatusTest::forbiddenBodies_data()
     QTest::newRow("empty") << QByteArray() << FailureReason::rateLimited;
 }
 
-void HttpStatusTest::forbiddenBodies()
+void TickerResponseTest::forbiddenBodies()
 {
     QFETCH(QByteArray, body);
     QFETCH(FailureReason, reason);
@@ -182,12 +136,12 @@ void HttpStatusTest::forbiddenBodies()
     QCOMPARE(refusal->retryAfter, 600.0);
 }
 
-void HttpStatusTest::legalReasonsAreARegionBlock()
+void TickerResponseTest::legalReasonsAreARegionBlock()
 {
     const Result<QByteArray> result = classifyTickerResponse(response(451, {}, "<html>"));
     QCOMPARE(test::codeOf(result), UrlErrorCode::badServerResponse);
     QCOMPARE(failureReason(result.error()), FailureReason::regionBlocked);
 }
 
-TICKWISE_TEST(HttpStatusTest)
-#include "HttpStatusTest.moc"
+TICKWISE_TEST(TickerResponseTest)
+#include "TickerResponseTest.moc"

@@ -2,13 +2,7 @@
 
 #include "market/HttpClient.h"
 
-#include <optional>
-
 namespace tickwise {
-
-/// The "Retry-After" header as seconds: a whole decimal number greater than 0. Dates, zero and everything else are
-/// none.
-std::optional<double> retryAfter(const HttpResponse &response);
 
 /// What the status of an exchange's answer means: the body for 200-299; 418 and 429 ask for a back-off; so does 403,
 /// for 600 seconds unless it says otherwise; 400 refuses the request; every other status is `badServerResponse`.

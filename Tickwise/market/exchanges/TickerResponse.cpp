@@ -1,6 +1,6 @@
-#include "market/HttpStatus.h"
+#include "market/exchanges/TickerResponse.h"
 
-#include "support/DecimalText.h"
+#include "market/RetryAfter.h"
 
 namespace tickwise {
 
@@ -8,11 +8,10 @@ namespace {
 
 constexpr int badRequest = 400;
 constexpr int forbidden = 403;
-constexpr int teapot = 418; // Binance's sign of a ban
-constexpr int tooManyRequests = 429;
-constexpr double forbiddenPause = 600; // seconds
+constexpr int teapot = 418;               // Binance bans an address with it
+constexpr double forbiddenCooldown = 600; // seconds
 
-/// Region blocks come as a page, or as a notice of the delivery network; a ban is the exchange's own JSON.
+/// A region block is an HTML page or a notice of the content delivery network; a ban is the exchange's own JSON.
 bool isBlockPage(const QByteArray &body)
 {
     const QByteArray start = body.left(2048).trimmed().toLower();
@@ -24,7 +23,7 @@ TickerProviderError rateLimited(const HttpResponse &response)
 {
     TickerProviderError error{TickerProviderError::Kind::rateLimited, retryAfter(response), response.status};
     if (response.status == forbidden) {
-        error.retryAfter = error.retryAfter.value_or(forbiddenPause);
+        error.retryAfter = error.retryAfter.value_or(forbiddenCooldown);
         error.blockPage = isBlockPage(response.body);
     }
     return error;
@@ -32,18 +31,9 @@ TickerProviderError rateLimited(const HttpResponse &response)
 
 } // namespace
 
-std::optional<double> retryAfter(const HttpResponse &response)
-{
-    const std::optional<QByteArray> header = response.header("Retry-After");
-    if (!header)
-        return std::nullopt;
-    const std::optional<double> seconds = parseDecimal({header->constData(), static_cast<std::size_t>(header->size())});
-    return seconds && *seconds > 0 ? seconds : std::nullopt;
-}
-
 Result<QByteArray> classifyTickerResponse(const HttpResponse &response)
 {
-    if (response.status >= 200 && response.status <= 299)
+    if (response.isSuccess())
         return response.body;
     switch (response.status) {
     case teapot:
