@@ -23,6 +23,7 @@ struct HttpRequest
     std::chrono::milliseconds deadline{30000};       ///< longest time for the whole exchange
     qint64 maximumBytes = 16LL * 1024 * 1024;        ///< a longer body ends in `dataLengthExceedsMaximum`, unread
     std::function<bool(const QUrl &)> mayRedirectTo; ///< none: only to the same scheme, host and port
+    bool acceptsCompression = true;                  ///< false: asks for the body as it is, and never inflates it
     QIODevice *sink = nullptr; ///< the body of a 2xx answer goes there as it comes, instead of into the response;
                                ///< outlives the operation
     std::function<void(qint64 received, qint64 total)> progress; ///< `total` is -1 while unknown

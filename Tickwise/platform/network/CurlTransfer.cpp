@@ -34,10 +34,11 @@ private:
 
 // Compressed bodies are asked for here and inflated under the receiver's limits. Some content networks refuse a request
 // without a user agent.
-curl_slist *requestHeaders()
+curl_slist *requestHeaders(bool acceptsCompression)
 {
-    static const HeaderList list{"Accept-Encoding: gzip", "Connection: keep-alive", "User-Agent: Mozilla/5.0"};
-    return list.get();
+    static const HeaderList compressed{"Accept-Encoding: gzip", "Connection: keep-alive", "User-Agent: Mozilla/5.0"};
+    static const HeaderList identity{"Accept-Encoding: identity", "Connection: keep-alive", "User-Agent: Mozilla/5.0"};
+    return acceptsCompression ? compressed.get() : identity.get();
 }
 
 // The folder in which OpenSSL finds an authority by the hash of its name. The file that holds all of them is read and
@@ -84,7 +85,7 @@ CurlTransfer::CurlTransfer(CURL *easy, const CurlRequest &request, ExchangeRecei
     set(CURLOPT_PATH_AS_IS, 1L);
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
-    set(CURLOPT_HTTPHEADER, requestHeaders());
+    set(CURLOPT_HTTPHEADER, requestHeaders(request.acceptsCompression));
     // Also an empty one is said, so that libcurl does not look into the environment itself.
     set(CURLOPT_PROXY, request.proxy.constData());
     set(CURLOPT_NOPROXY, "");

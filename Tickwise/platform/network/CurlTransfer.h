@@ -13,6 +13,7 @@ struct CurlRequest
     QUrl url;
     QByteArray proxy;       ///< as libcurl takes it; empty: none
     QByteArray authorities; ///< PEM; empty: the system's
+    bool acceptsCompression = true;
 };
 
 /// Is told what comes in. Its functions may drop the exchange and everything around it.

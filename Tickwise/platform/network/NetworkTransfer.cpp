@@ -85,7 +85,7 @@ void NetworkTransfer::open(const QUrl &url)
 
 void NetworkTransfer::start(const QByteArray &proxy)
 {
-    m_exchange = m_network.session->start({m_url, proxy, m_network.authorities}, *this);
+    m_exchange = m_network.session->start({m_url, proxy, m_network.authorities, m_request.acceptsCompression}, *this);
 }
 
 // The one timer runs until the end of the longest wait as it was seen last; bytes that came since only move its next
@@ -111,7 +111,7 @@ bool NetworkTransfer::isRedirect() const
 bool NetworkTransfer::isGzip() const
 {
     const auto encoding = m_response.header("Content-Encoding");
-    return encoding && encoding->compare("gzip", Qt::CaseInsensitive) == 0;
+    return m_request.acceptsCompression && encoding && encoding->compare("gzip", Qt::CaseInsensitive) == 0;
 }
 
 bool NetworkTransfer::goesToSink() const
