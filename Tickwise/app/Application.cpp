@@ -5,6 +5,7 @@
 #include "platform/session/DisplayServer.h"
 #include "platform/session/LogHandler.h"
 #include "platform/session/ProcessMemory.h"
+#include "platform/session/RunningProgram.h"
 #include "platform/statusitem/PanelStatusItem.h"
 #include "platform/storage/AppGroupContainer.h"
 #include "support/Localization.h"

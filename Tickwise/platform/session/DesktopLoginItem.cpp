@@ -1,10 +1,11 @@
 #include "platform/session/DesktopLoginItem.h"
 
 #include "platform/session/BackgroundRequest.h"
+#include "platform/session/RunningProgram.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -12,26 +13,45 @@ namespace tickwise {
 
 namespace {
 
-QByteArray execLine(const QString &program)
+/// Marks an entry that this program wrote; only such an entry is changed or removed.
+constexpr char markerKey[] = "X-Tickwise-LoginItem";
+/// The keys with which the user or the desktop switches an entry off.
+constexpr const char *switchKeys[] = {"Hidden", "X-GNOME-Autostart-enabled"};
+
+QByteArray line(const QByteArray &key, const QByteArray &value)
 {
-    return "Exec=" + desktopEntryExec(program).toUtf8();
+    return key + '=' + value + '\n';
 }
 
-QByteArray entryText(const QString &applicationId, const QString &program)
+/// The values of an entry's main group.
+QMap<QByteArray, QByteArray> entryValues(const QByteArray &text)
 {
-    return "[Desktop Entry]\n"
-           "Type=Application\n"
-           "Name=Tickwise\n" +
-           execLine(program) + "\nIcon=" + applicationId.toUtf8() +
-           "\nTerminal=false\n"
-           "StartupNotify=false\n"
-           "X-GNOME-Autostart-enabled=true\n";
+    QMap<QByteArray, QByteArray> values;
+    bool inMainGroup = false;
+    for (const QByteArray &line : text.split('\n')) {
+        const qsizetype equals = line.indexOf('=');
+        if (line.startsWith('['))
+            inMainGroup = line.trimmed() == "[Desktop Entry]";
+        else if (inMainGroup && equals > 0 && !line.startsWith('#'))
+            values.insert(line.first(equals).trimmed(), line.sliced(equals + 1).trimmed());
+    }
+    return values;
 }
 
-bool startsProgram(const QString &path, const QString &program)
+/// The entry's text; the switches of an earlier one stay as they are.
+QByteArray entryText(const QByteArray &icon, const QByteArray &exec, const QMap<QByteArray, QByteArray> &earlier)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.readAll().split('\n').contains(execLine(program));
+    QByteArray text = "[Desktop Entry]\n" + line("Type", "Application") + line("Name", "Tickwise") +
+                      line("Exec", exec) + line("Icon", icon) + line("Terminal", "false") +
+                      line("StartupNotify", "false") + line(markerKey, "true");
+    QMap<QByteArray, QByteArray> switches{{"X-GNOME-Autostart-enabled", "true"}};
+    for (const char *const key : switchKeys) {
+        if (earlier.contains(key))
+            switches.insert(key, earlier.value(key));
+    }
+    for (auto found = switches.cbegin(); found != switches.cend(); ++found)
+        text += line(found.key(), found.value());
+    return text;
 }
 
 } // namespace
@@ -57,17 +77,6 @@ QString desktopEntryExec(const QString &program)
     return command + u'"' + word + u'"';
 }
 
-QString runningProgram()
-{
-    const QString appImage = qEnvironmentVariable("APPIMAGE");
-    return appImage.isEmpty() ? QCoreApplication::applicationFilePath() : appImage;
-}
-
-bool runsInSandbox()
-{
-    return QFile::exists(QStringLiteral("/.flatpak-info")) || !qEnvironmentVariableIsEmpty("SNAP");
-}
-
 AutostartLoginItem::AutostartLoginItem(QString applicationId, QString program, QString directory)
     : m_applicationId(std::move(applicationId))
     , m_program(std::move(program))
@@ -89,12 +98,16 @@ QString AutostartLoginItem::defaultDirectory()
 
 Result<void> AutostartLoginItem::write() const
 {
-    if (startsProgram(path(), m_program))
+    const QByteArray exec = desktopEntryExec(m_program).toUtf8();
+    const QMap<QByteArray, QByteArray> earlier = entry();
+    if (earlier.value("Exec") == exec)
         return {};
+    if (!earlier.isEmpty() && !earlier.contains(markerKey))
+        return failure(FileError{path(), QStringLiteral("is another program's entry")});
     if (!QDir().mkpath(m_directory))
         return failure(FileError{m_directory, QStringLiteral("cannot be created")});
     QSaveFile file(path());
-    const QByteArray text = entryText(m_applicationId, m_program);
+    const QByteArray text = entryText(m_applicationId.toUtf8(), exec, earlier);
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
         return failure(FileError{path(), file.errorString()});
     return {};
@@ -103,9 +116,15 @@ Result<void> AutostartLoginItem::write() const
 Result<void> AutostartLoginItem::remove() const
 {
     QFile file(path());
-    if (file.remove() || !file.exists())
+    if (!file.exists() || (QFileInfo(file).isFile() && !entry().contains(markerKey)) || file.remove())
         return {};
     return failure(FileError{path(), file.errorString()});
+}
+
+QMap<QByteArray, QByteArray> AutostartLoginItem::entry() const
+{
+    QFile file(path());
+    return file.open(QIODevice::ReadOnly) ? entryValues(file.readAll()) : QMap<QByteArray, QByteArray>();
 }
 
 QString AutostartLoginItem::path() const

@@ -3,6 +3,7 @@
 #include "ui/LoginItem.h"
 
 #include <QDBusConnection>
+#include <QMap>
 #include <QObject>
 #include <QString>
 
@@ -14,21 +15,15 @@ namespace tickwise {
 /// else.
 QString desktopEntryExec(const QString &program);
 
-/// The file that starts this program: the AppImage it runs from, or its own.
-QString runningProgram();
-
-/// True inside Flatpak or Snap, where files in the user's configuration folder start nothing.
-bool runsInSandbox();
-
-/// An XDG autostart file.
+/// An XDG autostart file. It bears a mark; a file of the same name without it is never changed or removed.
 class AutostartLoginItem : public LoginItem
 {
 public:
     /// `directory` is the user's autostart folder; it is created when it is needed.
     AutostartLoginItem(QString applicationId, QString program, QString directory);
 
-    /// Leaves a file that starts the same program as it is: the user may have switched it off in the desktop's
-    /// settings.
+    /// An entry that the user switched off in the desktop's settings stays so. Fails where another program's entry
+    /// has the name.
     void setRegistered(bool registered, Completion<void> done) override;
 
     /// $XDG_CONFIG_HOME/autostart
@@ -38,6 +33,7 @@ private:
     Result<void> write() const;
     Result<void> remove() const;
     QString path() const;
+    QMap<QByteArray, QByteArray> entry() const;
 
     QString m_applicationId;
     QString m_program;

@@ -145,17 +145,20 @@ private Q_SLOTS:
     void oddProgramPathsAreValidAndRun_data();
     void oddProgramPathsAreValidAndRun();
     void followsTheProgram();
-    void leavesAFileThatTheUserSwitchedOff();
+    void staysSwitchedOff_data();
+    void staysSwitchedOff();
+    void entriesThatAreNotOurs_data();
+    void entriesThatAreNotOurs();
     void respectsTheConfigurationFolder();
     void removingNothingIsASuccess();
     void fileInTheWayOfTheFolder();
     void folderInTheWayOfTheFile();
     void failureIsOneLogLine();
     void successIsNotLogged();
-    void appImageIsTheProgram();
     void portal_data();
     void portal();
     void portalIsTold();
+    void portalStartsTheProgramOfTheSandbox();
     void portalWithoutTheMethod();
     void noPortal();
     void noSessionBus();
@@ -180,11 +183,10 @@ void DesktopLoginItemTest::writesAndRemovesTheFile()
 {
     AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
     QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
-    QCOMPARE(
-        contents(m_file),
-        QByteArray(
-            "[Desktop Entry]\nType=Application\nName=Tickwise\nExec=\"/usr/bin/tickwise\"\n"
-            "Icon=com.pelmo.tickwise.test\nTerminal=false\nStartupNotify=false\nX-GNOME-Autostart-enabled=true\n"));
+    QCOMPARE(contents(m_file),
+             QByteArray("[Desktop Entry]\nType=Application\nName=Tickwise\nExec=\"/usr/bin/tickwise\"\n"
+                        "Icon=com.pelmo.tickwise.test\nTerminal=false\nStartupNotify=false\nX-Tickwise-LoginItem=true\n"
+                        "X-GNOME-Autostart-enabled=true\n"));
     QCOMPARE(QDir(m_folder).entryList(QDir::Files).size(), 1);
     QCOMPARE(failureText(resultOf(login, false)), QStringLiteral("success"));
     QVERIFY(!QFile::exists(m_file));
@@ -255,16 +257,65 @@ void DesktopLoginItemTest::followsTheProgram()
     AutostartLoginItem after = item(QStringLiteral("/opt/new/tickwise"));
     QCOMPARE(failureText(resultOf(after, true)), QStringLiteral("success"));
     QVERIFY(contents(m_file).contains("Exec=\"/opt/new/tickwise\"\n"));
+    QVERIFY(!contents(m_file).contains("/opt/old"));
 }
 
-void DesktopLoginItemTest::leavesAFileThatTheUserSwitchedOff()
+void DesktopLoginItemTest::staysSwitchedOff_data()
 {
+    QTest::addColumn<QByteArray>("from");
+    QTest::addColumn<QByteArray>("to");
+    const QByteArray enabled = "X-GNOME-Autostart-enabled=true\n";
+    QTest::newRow("hidden") << enabled << QByteArray(enabled + "Hidden=true\n");
+    QTest::newRow("hidden, with blanks") << enabled << QByteArray("Hidden = true\n" + enabled);
+    QTest::newRow("not enabled") << enabled << QByteArray("X-GNOME-Autostart-enabled=false\n");
+}
+
+void DesktopLoginItemTest::staysSwitchedOff()
+{
+    QFETCH(QByteArray, from);
+    QFETCH(QByteArray, to);
     AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
     QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
-    const QByteArray edited = contents(m_file) + "Hidden=true\n";
+    const QByteArray edited = contents(m_file).replace(from, to);
     put(m_file, edited);
     QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
     QCOMPARE(contents(m_file), edited);
+    AutostartLoginItem moved = item(QStringLiteral("/opt/new/tickwise"));
+    QCOMPARE(failureText(resultOf(moved, true)), QStringLiteral("success"));
+    const QByteArray text = contents(m_file);
+    QVERIFY(text.contains("Exec=\"/opt/new/tickwise\"\n"));
+    QCOMPARE(text.contains("Hidden=true\n"), to.contains("Hidden"));
+    QCOMPARE(text.contains("X-GNOME-Autostart-enabled=false\n"), to.contains("=false"));
+    QCOMPARE(text.count("X-GNOME-Autostart-enabled"), 1);
+    QCOMPARE(failureText(resultOf(moved, false)), QStringLiteral("success"));
+    QVERIFY(!QFile::exists(m_file));
+}
+
+void DesktopLoginItemTest::entriesThatAreNotOurs_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("startsUs");
+    const QByteArray entry = "[Desktop Entry]\nType=Application\nName=Mine\n";
+    QTest::newRow("other program") << QByteArray(entry + "Exec=/usr/bin/other\n") << false;
+    QTest::newRow("our program") << QByteArray(entry + "Exec=\"/usr/bin/tickwise\"\n") << true;
+    QTest::newRow("mark in another group")
+        << QByteArray(entry + "Exec=x\n[Desktop Action a]\nX-Tickwise-LoginItem=true\n") << false;
+    QTest::newRow("mark in a comment") << QByteArray(entry + "Exec=x\n#X-Tickwise-LoginItem=true\n") << false;
+    QTest::newRow("our program in another group")
+        << QByteArray(entry + "Exec=x\n[Desktop Action a]\nExec=\"/usr/bin/tickwise\"\n") << false;
+}
+
+void DesktopLoginItemTest::entriesThatAreNotOurs()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(bool, startsUs);
+    QVERIFY(QDir().mkpath(m_folder));
+    put(m_file, text);
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    const QString added = failureText(resultOf(login, true));
+    QVERIFY2(startsUs ? added == QStringLiteral("success") : added.contains(m_file), qPrintable(added));
+    QCOMPARE(failureText(resultOf(login, false)), QStringLiteral("success"));
+    QCOMPARE(contents(m_file), text);
 }
 
 void DesktopLoginItemTest::respectsTheConfigurationFolder()
@@ -325,15 +376,6 @@ void DesktopLoginItemTest::successIsNotLogged()
     QCOMPARE(log.lines().size(), 0U);
 }
 
-void DesktopLoginItemTest::appImageIsTheProgram()
-{
-    QCOMPARE(runningProgram(), QCoreApplication::applicationFilePath());
-    qputenv("APPIMAGE", "/home/me/Tickwise.AppImage");
-    const QString program = runningProgram();
-    qunsetenv("APPIMAGE");
-    QCOMPARE(program, QStringLiteral("/home/me/Tickwise.AppImage"));
-}
-
 void DesktopLoginItemTest::portal_data()
 {
     QTest::addColumn<int>("behaviour");
@@ -374,6 +416,18 @@ void DesktopLoginItemTest::portalIsTold()
              QStringList{QStringLiteral("tickwise")});
     QCOMPARE(failureText(resultOf(login, false)), QStringLiteral("success"));
     QCOMPARE(portal.options.value(QStringLiteral("autostart")), QVariant(false));
+}
+
+void DesktopLoginItemTest::portalStartsTheProgramOfTheSandbox()
+{
+    PrivateBus bus;
+    FakePortal portal(bus.connect(), FakePortal::Behaviour::grants);
+    const std::unique_ptr<LoginItem> login =
+        makeLoginItem(applicationId(), bus.connect(), true, QStringLiteral("because"));
+    QCOMPARE(failureText(resultOf(*login, true)), QStringLiteral("success"));
+    QCOMPARE(portal.options.value(QStringLiteral("commandline")).toStringList(),
+             QStringList{QStringLiteral("tickwise")});
+    QCOMPARE(portal.options.value(QStringLiteral("reason")), QVariant(QStringLiteral("because")));
 }
 
 void DesktopLoginItemTest::portalWithoutTheMethod()
