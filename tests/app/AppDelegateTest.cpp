@@ -30,6 +30,20 @@ QByteArray binanceBody(const std::map<QString, double> &prices, TimePoint now)
     return QStringLiteral("[%1]").arg(records.join(QLatin1Char(','))).toUtf8();
 }
 
+/// An updater that is told by the test whether it can check.
+class UpdaterBackendDouble : public UpdaterBackend
+{
+public:
+    void checkForUpdates() override { ++checks; }
+    void setAutomaticallyChecksForUpdates(bool enabled) override { automatic = enabled; }
+    QBindable<bool> bindableCanCheckForUpdates() override { return &canCheck; }
+    QBindable<bool> bindableAutomaticallyChecksForUpdates() override { return &automatic; }
+
+    QProperty<bool> canCheck{false};
+    QProperty<bool> automatic{true};
+    int checks = 0;
+};
+
 /// A delegate among doubles.
 struct World
 {
@@ -53,6 +67,7 @@ struct World
                               .httpClient = http,
                               .notificationCenter = notifications,
                               .loginItem = loginItem,
+                              .attachUpdater = attachUpdater,
                               .makeStatusItem =
                                   [this] {
                                       auto made = std::make_unique<RecordingStatusItem>();
@@ -80,6 +95,7 @@ struct World
     RecordingNotificationCenter notifications;
     RecordingLoginItem loginItem;
     bool secondCopy = false;
+    std::function<void(UpdateController &)> attachUpdater;
     QProcessEnvironment processEnvironment{QProcessEnvironment::InheritFromParent};
     QPointer<RecordingStatusItem> item;
     std::unique_ptr<AppDelegate> delegate;
@@ -112,6 +128,7 @@ private Q_SLOTS:
     void loginItemFollowsTheSetting();
     void authorizationIsRequestedOnce();
     void menuListsTheWatchlistAndQuits();
+    void menuChecksForUpdates();
     void menuHasNoEntryForAnUnknownCoin();
     void menuIsBuiltAnewEachTime();
     void changeCoinPublishesAndSaves();
@@ -246,6 +263,24 @@ void AppDelegateTest::menuListsTheWatchlistAndQuits()
     QVERIFY(!menu.back().iconName.isEmpty());
     menu.back().activate();
     QCOMPARE(world.quit->count(), 1);
+}
+
+void AppDelegateTest::menuChecksForUpdates()
+{
+    World world;
+    auto backend = std::make_unique<UpdaterBackendDouble>();
+    UpdaterBackendDouble &updater = *backend;
+    world.attachUpdater = [&](UpdateController &controller) { controller.attach(std::move(backend)); };
+    world.launch();
+    QVERIFY(!world.item->menu()[2].enabled);
+    updater.canCheck = true;
+    const MenuEntry entry = world.item->menu()[2];
+    QVERIFY(entry.enabled);
+    QCOMPARE(updater.checks, 0);
+    entry.activate();
+    QCOMPARE(updater.checks, 1);
+    updater.canCheck = false;
+    QVERIFY(!world.item->menu()[2].enabled);
 }
 
 void AppDelegateTest::menuHasNoEntryForAnUnknownCoin()
