@@ -9,10 +9,10 @@
 #include "platform/statusitem/PanelStatusItem.h"
 #include "platform/storage/AppGroupContainer.h"
 #include "support/Localization.h"
+#include "support/LogCategories.h"
 
 #include <QApplication>
 #include <QDBusConnection>
-#include <QDesktopServices>
 #include <QStandardPaths>
 #include <QTimer>
 #include <QWidget>
@@ -22,6 +22,8 @@
 namespace tickwise {
 
 namespace {
+
+Q_LOGGING_CATEGORY(lcApplication, "com.pelmo.tickwise.Application")
 
 /// When the first price is shown, or slow to come.
 constexpr std::chrono::seconds startIsOver{5};
@@ -41,11 +43,6 @@ QList<QUrl> openedUrls()
 bool isFocused()
 {
     return QGuiApplication::applicationState() == Qt::ApplicationActive;
-}
-
-void openPackage(const QString &path)
-{
-    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 /// Raises every window that is open; the one inside a panel's tray has no frame. The desktop lets a program raise
@@ -95,6 +92,7 @@ Application::Application(ApplicationConfiguration configuration)
     , m_loginItem(makeLoginItem(m_configuration.identifier, QDBusConnection::sessionBus(), runsInSandbox(),
                                 localized(QStringLiteral("general.launch.atLogin"))))
     , m_widgetCenter(QDBusConnection::sessionBus())
+    , m_packageInstaller(runningAppImage(), &QCoreApplication::quit)
     , m_delegate(makeEnvironment())
 {
     QGuiApplication::setApplicationDisplayName(QString::fromLatin1(appInfo::displayName));
@@ -143,12 +141,16 @@ bool Application::isSecondCopy()
 
 void Application::attachUpdater(UpdateController &controller)
 {
+    const UpdaterConfiguration configuration{QUrl(m_configuration.feedUrl), m_configuration.feedKey,
+                                             QString::fromLatin1(appInfo::version), QSysInfo::productVersion(),
+                                             downloadDirectory(m_configuration.identifier)};
+    if (!isUsable(configuration)) {
+        qCWarning(lcApplication, "No updates: the feed is not behind https, or there is no key for it");
+        return;
+    }
     auto backend = std::make_unique<SparkleUpdaterBackend>(
-        controller,
-        UpdaterConfiguration{QUrl(m_configuration.feedUrl), m_configuration.feedKey,
-                             QString::fromLatin1(appInfo::version), QSysInfo::productVersion(),
-                             downloadDirectory(m_configuration.identifier)},
-        UpdaterServices{m_httpClient, systemClock, m_defaults, m_updateWindow, isFocused, openPackage});
+        controller, configuration,
+        UpdaterServices{m_httpClient, systemClock, m_defaults, m_updateWindow, isFocused, m_packageInstaller});
     m_updater = backend.get();
     controller.attach(std::move(backend));
 }

@@ -5,6 +5,7 @@
 #include "platform/network/NetworkHttpClient.h"
 #include "platform/network/NetworkWatch.h"
 #include "platform/notifications/SoundPlayer.h"
+#include "platform/session/DesktopPackageInstaller.h"
 #include "platform/session/SingleInstance.h"
 #include "platform/session/SleepMonitor.h"
 #include "platform/session/TerminationSignals.h"
@@ -62,6 +63,7 @@ private:
     std::unique_ptr<UserNotificationCenter> m_notificationCenter;
     std::unique_ptr<LoginItem> m_loginItem;
     WidgetCenter m_widgetCenter;
+    DesktopPackageInstaller m_packageInstaller;
     UpdateWindowPresenter m_updateWindow;
     QPointer<SparkleUpdaterBackend> m_updater; ///< owned by the delegate's controller
     AppDelegate m_delegate;

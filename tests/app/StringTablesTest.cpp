@@ -210,6 +210,8 @@ void StringTablesTest::templatesTakeTheirArguments_data()
     row("failure.rateLimitedUntil", 1);
     row("update.available", 2);
     row("update.downloading", 1);
+    row("update.installed", 1);
+    row("update.installManually", 1);
     row("update.upToDate", 1);
     row("update.failed", 1);
     row("general.notification.service", 1);
@@ -250,7 +252,8 @@ void StringTablesTest::keysOfAllKinds_data()
         "rateLimitedUntil badAnswer cancelled");
     row("general.section.", "launch menubar desktop prices notification language");
     row("settings.tab.", "general watchlist about");
-    row("update.error.", "network feed tooLarge signature noSignature noUpdateForSystem disk");
+    row("update.error.",
+        "network feed feedMissing packageMissing tooLarge signature noSignature noUpdateForSystem disk");
     row("window.settings.", "title");
 }
 

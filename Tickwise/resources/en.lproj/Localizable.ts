@@ -439,6 +439,10 @@
         <source></source>
         <translation>Downloading the update… %1%</translation>
     </message>
+    <message id="update.downloadingUnknownSize">
+        <source></source>
+        <translation>Downloading the update…</translation>
+    </message>
     <message id="update.error.disk">
         <source></source>
         <translation>The update could not be saved. Check the free disk space.</translation>
@@ -446,6 +450,10 @@
     <message id="update.error.feed">
         <source></source>
         <translation>The list of updates could not be read.</translation>
+    </message>
+    <message id="update.error.feedMissing">
+        <source></source>
+        <translation>The list of updates was not found on the update server.</translation>
     </message>
     <message id="update.error.network">
         <source></source>
@@ -458,6 +466,10 @@
     <message id="update.error.noUpdateForSystem">
         <source></source>
         <translation>The new version does not run on this system.</translation>
+    </message>
+    <message id="update.error.packageMissing">
+        <source></source>
+        <translation>The update was not found on the update server.</translation>
     </message>
     <message id="update.error.signature">
         <source></source>
@@ -475,6 +487,19 @@
         <source></source>
         <translation>Install update</translation>
     </message>
+    <message id="update.installManually">
+        <source></source>
+        <translation>The update was downloaded and verified, but it could not be installed automatically. You find it here:
+%1</translation>
+    </message>
+    <message id="update.installed">
+        <source></source>
+        <translation>Tickwise %1 is installed. Restart Tickwise to use it.</translation>
+    </message>
+    <message id="update.installing">
+        <source></source>
+        <translation>Installing the update…</translation>
+    </message>
     <message id="update.later">
         <source></source>
         <translation>Remind me later</translation>
@@ -486,6 +511,10 @@
     <message id="update.releaseNotes">
         <source></source>
         <translation>Release notes</translation>
+    </message>
+    <message id="update.restart">
+        <source></source>
+        <translation>Restart Tickwise</translation>
     </message>
     <message id="update.skip">
         <source></source>

@@ -439,6 +439,10 @@
         <source></source>
         <translation>正在下载更新… %1%</translation>
     </message>
+    <message id="update.downloadingUnknownSize">
+        <source></source>
+        <translation>正在下载更新…</translation>
+    </message>
     <message id="update.error.disk">
         <source></source>
         <translation>无法保存更新，请检查磁盘剩余空间。</translation>
@@ -446,6 +450,10 @@
     <message id="update.error.feed">
         <source></source>
         <translation>无法读取更新列表。</translation>
+    </message>
+    <message id="update.error.feedMissing">
+        <source></source>
+        <translation>更新服务器上找不到更新列表。</translation>
     </message>
     <message id="update.error.network">
         <source></source>
@@ -458,6 +466,10 @@
     <message id="update.error.noUpdateForSystem">
         <source></source>
         <translation>新版本不支持当前系统。</translation>
+    </message>
+    <message id="update.error.packageMissing">
+        <source></source>
+        <translation>更新服务器上找不到此更新。</translation>
     </message>
     <message id="update.error.signature">
         <source></source>
@@ -475,6 +487,19 @@
         <source></source>
         <translation>安装更新</translation>
     </message>
+    <message id="update.installManually">
+        <source></source>
+        <translation>更新已下载并通过验证，但无法自动安装。文件位于：
+%1</translation>
+    </message>
+    <message id="update.installed">
+        <source></source>
+        <translation>Tickwise %1 已安装，重新启动后生效。</translation>
+    </message>
+    <message id="update.installing">
+        <source></source>
+        <translation>正在安装更新…</translation>
+    </message>
     <message id="update.later">
         <source></source>
         <translation>稍后提醒</translation>
@@ -486,6 +511,10 @@
     <message id="update.releaseNotes">
         <source></source>
         <translation>更新说明</translation>
+    </message>
+    <message id="update.restart">
+        <source></source>
+        <translation>重新启动 Tickwise</translation>
     </message>
     <message id="update.skip">
         <source></source>

@@ -439,6 +439,10 @@
         <source></source>
         <translation>正在下載更新… %1%</translation>
     </message>
+    <message id="update.downloadingUnknownSize">
+        <source></source>
+        <translation>正在下載更新…</translation>
+    </message>
     <message id="update.error.disk">
         <source></source>
         <translation>無法儲存更新，請檢查磁碟剩餘空間。</translation>
@@ -446,6 +450,10 @@
     <message id="update.error.feed">
         <source></source>
         <translation>無法讀取更新清單。</translation>
+    </message>
+    <message id="update.error.feedMissing">
+        <source></source>
+        <translation>更新伺服器上找不到更新清單。</translation>
     </message>
     <message id="update.error.network">
         <source></source>
@@ -458,6 +466,10 @@
     <message id="update.error.noUpdateForSystem">
         <source></source>
         <translation>新版本不支援目前的系統。</translation>
+    </message>
+    <message id="update.error.packageMissing">
+        <source></source>
+        <translation>更新伺服器上找不到此更新。</translation>
     </message>
     <message id="update.error.signature">
         <source></source>
@@ -475,6 +487,19 @@
         <source></source>
         <translation>安裝更新</translation>
     </message>
+    <message id="update.installManually">
+        <source></source>
+        <translation>更新已下載並通過驗證，但無法自動安裝。檔案位於：
+%1</translation>
+    </message>
+    <message id="update.installed">
+        <source></source>
+        <translation>Tickwise %1 已安裝，重新啟動後生效。</translation>
+    </message>
+    <message id="update.installing">
+        <source></source>
+        <translation>正在安裝更新…</translation>
+    </message>
     <message id="update.later">
         <source></source>
         <translation>稍後提醒</translation>
@@ -486,6 +511,10 @@
     <message id="update.releaseNotes">
         <source></source>
         <translation>版本資訊</translation>
+    </message>
+    <message id="update.restart">
+        <source></source>
+        <translation>重新啟動 Tickwise</translation>
     </message>
     <message id="update.skip">
         <source></source>

@@ -1,9 +1,15 @@
 #include "ui/updates/SparkleUpdaterBackend.h"
 
-#include "ui/updates/ReminderRules.h"
-#include "ui/updates/UpdateDownload.h"
+#include "ui/updates/DownloadFolder.h"
+#include "ui/updates/UpdateSignature.h"
 
 namespace tickwise {
+
+bool isUsable(const UpdaterConfiguration &configuration)
+{
+    return configuration.feed.isValid() && configuration.feed.scheme() == QStringLiteral("https") &&
+           !configuration.feed.host().isEmpty() && isPublicKey(configuration.publicKey);
+}
 
 SparkleUpdaterBackend::SparkleUpdaterBackend(UpdateController &controller, UpdaterConfiguration configuration,
                                              UpdaterServices services)
@@ -13,7 +19,7 @@ SparkleUpdaterBackend::SparkleUpdaterBackend(UpdateController &controller, Updat
     , m_settings(m_services.storage)
     , m_schedule(m_services.clock, [this] { checkOnSchedule(); })
 {
-    removeDownloads(m_configuration.downloadDirectory); // of an earlier run
+    DownloadFolder(m_configuration.downloadDirectory).clear(); // of an earlier run
     m_canCheckForUpdates = true;
     m_automaticallyChecksForUpdates = m_settings.settings().automaticallyChecks;
     planNextCheck();
@@ -73,44 +79,28 @@ UpdateSession &SparkleUpdaterBackend::openSession()
 {
     m_lastAttempt = m_services.clock();
     planNextCheck();
-    UpdateSessionDelegate &delegate = *this;
-    m_session = std::make_unique<UpdateSession>(m_configuration, m_services, m_settings, delegate);
-    return *m_session;
+    m_session = std::make_unique<UpdateSession>(m_configuration, m_services, m_settings, m_installedVersion);
+    UpdateSession *const session = m_session.get();
+    connect(session, &UpdateSession::updateWaits, this, [this] { setUpdateAvailable(true); });
+    connect(session, &UpdateSession::userAttentionReceived, this, [this] { setUpdateAvailable(false); });
+    connect(session, &UpdateSession::stateChanged, this, [this] { m_canCheckForUpdates = !m_session->isWorking(); });
+    connect(session, &UpdateSession::installed, this, [this](const QString &version) { m_installedVersion = version; });
+    connect(session, &UpdateSession::finished, this, &SparkleUpdaterBackend::endSession);
+    return *session;
+}
+
+void SparkleUpdaterBackend::endSession()
+{
+    setUpdateAvailable(false);
+    m_services.driver.dismiss();
+    m_session.reset();
+    m_canCheckForUpdates = true;
 }
 
 void SparkleUpdaterBackend::setUpdateAvailable(bool available)
 {
     if (m_controller)
         m_controller->setUpdateAvailable(available);
-}
-
-bool SparkleUpdaterBackend::shouldHandleShowingScheduledUpdate(bool inImmediateFocus) const
-{
-    return tickwise::shouldHandleShowingScheduledUpdate(inImmediateFocus);
-}
-
-void SparkleUpdaterBackend::willHandleShowingUpdate(bool handlesShowingUpdate, bool userInitiated)
-{
-    if (becomesReminder(handlesShowingUpdate, userInitiated))
-        setUpdateAvailable(true);
-}
-
-void SparkleUpdaterBackend::didReceiveUserAttention()
-{
-    setUpdateAvailable(false);
-}
-
-void SparkleUpdaterBackend::sessionDidChange()
-{
-    m_canCheckForUpdates = !m_session || !m_session->isWorking();
-}
-
-void SparkleUpdaterBackend::willFinishUpdateSession()
-{
-    setUpdateAvailable(false);
-    m_services.driver.dismiss();
-    m_session.reset();
-    m_canCheckForUpdates = true;
 }
 
 } // namespace tickwise

@@ -8,9 +8,12 @@
 
 namespace tickwise {
 
+/// Whether an updater can use these: a feed behind https, and a key that packages are verified with.
+bool isUsable(const UpdaterConfiguration &configuration);
+
 /// Checks an appcast once a day and when asked, with gentle reminders: an update that a scheduled check finds while the
 /// application is not in focus becomes the controller's `updateAvailable` instead of a window.
-class SparkleUpdaterBackend : public QObject, public UpdaterBackend, private UpdateSessionDelegate
+class SparkleUpdaterBackend : public QObject, public UpdaterBackend
 {
     Q_OBJECT
 
@@ -32,14 +35,9 @@ public:
     std::optional<std::chrono::milliseconds> plannedInterval() const;
 
 private:
-    bool shouldHandleShowingScheduledUpdate(bool inImmediateFocus) const override;
-    void willHandleShowingUpdate(bool handlesShowingUpdate, bool userInitiated) override;
-    void didReceiveUserAttention() override;
-    void sessionDidChange() override;
-    void willFinishUpdateSession() override;
-
     void checkOnSchedule();
     UpdateSession &openSession();
+    void endSession();
     void planNextCheck();
     void setUpdateAvailable(bool available);
 
@@ -48,6 +46,7 @@ private:
     UpdaterServices m_services;
     UpdaterSettingsStore m_settings;
     std::optional<TimePoint> m_lastAttempt; ///< of this run, successful or not
+    QString m_installedVersion;             ///< replaced the running version, which goes on until a restart
     UpdateSchedule m_schedule;
     Q_OBJECT_BINDABLE_PROPERTY(SparkleUpdaterBackend, bool, m_canCheckForUpdates)
     Q_OBJECT_BINDABLE_PROPERTY(SparkleUpdaterBackend, bool, m_automaticallyChecksForUpdates)

@@ -48,7 +48,7 @@ public:
     void setUpdateAvailable(bool available) { m_updateAvailable = available; }
     QBindable<bool> bindableUpdateAvailable() { return &m_updateAvailable; }
 
-    /// Whether a backend is in place.
+    /// Whether a backend is attached.
     bool isAvailable() const { return m_isAvailable; }
     QBindable<bool> bindableIsAvailable() { return &m_isAvailable; }
 

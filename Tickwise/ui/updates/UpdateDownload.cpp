@@ -2,8 +2,6 @@
 
 #include "support/DetachedWork.h"
 
-#include <QDir>
-
 #include <algorithm>
 
 namespace tickwise {
@@ -12,26 +10,20 @@ namespace {
 
 constexpr std::chrono::seconds packageTimeout{30};
 constexpr std::chrono::hours packageDeadline{2};
-constexpr qsizetype maximumFileNameLength = 120;
-
-bool isPlainFileName(const QString &name)
-{
-    const auto isPlain = [](QChar character) {
-        return character.unicode() < 0x80 &&
-               (character.isLetterOrNumber() || QStringLiteral("._-+~").contains(character));
-    };
-    return !name.isEmpty() && name.size() <= maximumFileNameLength && !name.startsWith(u'.') &&
-           !name.startsWith(u'-') && std::all_of(name.begin(), name.end(), isPlain);
-}
 
 qint64 byteLimit(const AppcastItem &item)
 {
     return item.length > 0 ? std::min(item.length, maximumPackageBytes) : maximumPackageBytes;
 }
 
-UpdateFailure diskFailure(const QFile &file)
+Error fileError(const QFile &file)
 {
-    return downloadFailure(FileError{file.fileName(), file.errorString()});
+    return FileError{file.fileName(), file.errorString()};
+}
+
+bool isSecure(const QUrl &url)
+{
+    return url.scheme() == QStringLiteral("https");
 }
 
 } // namespace
@@ -39,21 +31,17 @@ UpdateFailure diskFailure(const QFile &file)
 QString packageFileName(const AppcastItem &item)
 {
     const QString name = item.url.fileName(QUrl::FullyDecoded);
-    return isPlainFileName(name) ? name : QStringLiteral("tickwise-update");
-}
-
-void removeDownloads(const QString &directory)
-{
-    QDir(directory).removeRecursively();
+    return isPackageFileName(name) ? name : QStringLiteral("tickwise-update");
 }
 
 UpdateDownload::UpdateDownload(HttpClient &http, UpdateDownloadOrder order)
     : m_http(http)
     , m_order(std::move(order))
-    , m_file(QDir(m_order.directory).filePath(QStringLiteral("download.part")))
+    , m_folder(m_order.directory)
+    , m_file(m_folder.partialPath())
 {
     QObject::connect(&m_verification, &QFutureWatcher<SignatureCheck>::finished, &m_context,
-                     [this] { conclude(signatureRefusal(m_verification.result())); });
+                     [this] { receiveVerification(m_verification.result()); });
     QMetaObject::invokeMethod(
         &m_context, [this] { start(); }, Qt::QueuedConnection);
 }
@@ -65,19 +53,21 @@ UpdateDownload::~UpdateDownload()
 
 void UpdateDownload::start()
 {
-    if (openFile())
+    if (const Result<void> opened = openFile())
         request();
     else
-        finish(tl::unexpected(diskFailure(m_file)));
+        finish(tl::unexpected(downloadFailure(opened.error())));
 }
 
-bool UpdateDownload::openFile()
+Result<void> UpdateDownload::openFile()
 {
-    removeDownloads(m_order.directory);
-    const auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner;
-    // Unbuffered, so that a full disk shows where it is met.
-    return QDir().mkpath(m_order.directory) && QFile::setPermissions(m_order.directory, ownerOnly | QFile::ExeOwner) &&
-           m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered, ownerOnly);
+    return m_folder.prepare().and_then([this]() -> Result<void> {
+        // Unbuffered, so that a full disk shows where it is met.
+        const auto mode = QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered;
+        if (!m_file.open(mode, QFile::ReadOwner | QFile::WriteOwner))
+            return failure(fileError(m_file));
+        return {};
+    });
 }
 
 void UpdateDownload::request()
@@ -87,6 +77,8 @@ void UpdateDownload::request()
     request.timeout = packageTimeout;
     request.deadline = packageDeadline;
     request.maximumBytes = byteLimit(m_order.item);
+    request.acceptsCompression = false; // the signature covers the package as it is published
+    request.mayRedirectTo = isSecure;   // the signature is what is trusted, not the host
     request.sink = &m_file;
     request.progress = [this](qint64 received, qint64 total) { reportProgress(received, total); };
     m_request = m_http.send(request, [this](const Result<HttpResponse> &response) { receive(response); });
@@ -106,24 +98,24 @@ void UpdateDownload::reportProgress(qint64 received, qint64 total)
 
 void UpdateDownload::receive(const Result<HttpResponse> &response)
 {
-    if (const std::optional<UpdateFailure> failure = refusal(response))
+    if (const std::optional<UpdateFailure> failure = responseFailure(response))
         finish(tl::unexpected(*failure));
     else
         verify();
 }
 
-std::optional<UpdateFailure> UpdateDownload::refusal(const Result<HttpResponse> &response) const
+std::optional<UpdateFailure> UpdateDownload::responseFailure(const Result<HttpResponse> &response) const
 {
     if (m_file.error() != QFileDevice::NoError)
-        return diskFailure(m_file);
+        return downloadFailure(fileError(m_file));
     if (!response)
         return downloadFailure(response.error());
     if (response->status < 200 || response->status > 299)
         return downloadFailure(UrlLoadingError{UrlErrorCode::badServerResponse, {}, response->status});
-    return lengthRefusal();
+    return lengthFailure();
 }
 
-std::optional<UpdateFailure> UpdateDownload::lengthRefusal() const
+std::optional<UpdateFailure> UpdateDownload::lengthFailure() const
 {
     const qint64 announced = m_order.item.length;
     if (announced <= 0 || m_file.size() == announced)
@@ -139,48 +131,40 @@ void UpdateDownload::verify()
                                           key = m_order.publicKey] { return checkSignature(path, signature, key); }));
 }
 
-void UpdateDownload::conclude(const std::optional<UpdateFailure> &failure)
+void UpdateDownload::receiveVerification(SignatureCheck check)
 {
-    if (failure)
-        finish(tl::unexpected(*failure));
+    if (const std::optional<UpdateFailure> failure = signatureFailure(check, m_file.fileName()))
+        return finish(tl::unexpected(*failure));
+    if (const Result<QString> path = keepPackage())
+        finish(*path);
     else
-        keep();
+        finish(tl::unexpected(downloadFailure(path.error())));
 }
 
-std::optional<UpdateFailure> UpdateDownload::signatureRefusal(SignatureCheck check) const
+Result<QString> UpdateDownload::keepPackage()
 {
-    switch (check) {
-    case SignatureCheck::valid:
-        return std::nullopt;
-    case SignatureCheck::missing:
-        return UpdateFailure{UpdateFailureKind::noSignature, QStringLiteral("the package is not signed")};
-    case SignatureCheck::unreadable:
-        return diskFailure(m_file);
-    case SignatureCheck::malformed:
-    case SignatureCheck::mismatch:
-        break;
-    }
-    return UpdateFailure{UpdateFailureKind::signature, QStringLiteral("the package's signature is not valid")};
-}
-
-void UpdateDownload::keep()
-{
-    const QString path = QDir(m_order.directory).filePath(packageFileName(m_order.item));
+    const QString name = packageFileName(m_order.item);
+    const QString path = m_folder.packagePath(name);
+    // A file of this name that is not ours must not be taken for ours.
+    if (QFile::exists(path))
+        return failure(FileError{path, QStringLiteral("exists already")});
+    if (const Result<void> recorded = m_folder.recordPackage(name); !recorded)
+        return tl::unexpected(recorded.error());
     m_file.close();
-    if (m_file.rename(path)) {
-        m_file.setFileName(QString()); // from now on the receiver's, no longer removed with this object
-        finish(path);
-    } else {
-        finish(tl::unexpected(diskFailure(m_file)));
-    }
+    if (!m_file.rename(path))
+        return failure(fileError(m_file));
+    m_file.setFileName(QString()); // from now on the receiver's, no longer removed with this object
+    return path;
 }
 
 void UpdateDownload::removeFile()
 {
     // The request writes into the file until it is dropped.
     m_request.cancel();
-    if (!m_file.fileName().isEmpty())
-        m_file.remove();
+    if (m_file.fileName().isEmpty())
+        return;
+    m_file.close();
+    m_folder.clear();
 }
 
 void UpdateDownload::finish(tl::expected<QString, UpdateFailure> result)

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "market/HttpClient.h"
-#include "ui/updates/AppcastItem.h"
+#include "ui/updates/DownloadFolder.h"
 #include "ui/updates/UpdateSignature.h"
 #include "ui/updates/UpdateState.h"
+#include "ui/updates/appcast/AppcastItem.h"
 
 #include <QFile>
 #include <QFutureWatcher>
@@ -18,7 +19,7 @@ struct UpdateDownloadOrder
 {
     AppcastItem item;
     QByteArray publicKey; ///< base64 of the Ed25519 key that packages are signed with
-    QString directory;    ///< belongs to downloads alone: what lies there is removed first
+    QString directory;    ///< a `DownloadFolder`
     std::function<void(std::optional<int> percent)> progress;       ///< called when the percentage changed
     std::function<void(tl::expected<QString, UpdateFailure>)> done; ///< the path of the verified package
 };
@@ -33,21 +34,21 @@ public:
 
 private:
     void start();
-    bool openFile();
+    Result<void> openFile();
     void request();
     void reportProgress(qint64 received, qint64 total);
     void receive(const Result<HttpResponse> &response);
-    std::optional<UpdateFailure> refusal(const Result<HttpResponse> &response) const;
-    std::optional<UpdateFailure> lengthRefusal() const;
+    std::optional<UpdateFailure> responseFailure(const Result<HttpResponse> &response) const;
+    std::optional<UpdateFailure> lengthFailure() const;
     void verify();
-    std::optional<UpdateFailure> signatureRefusal(SignatureCheck check) const;
-    void conclude(const std::optional<UpdateFailure> &failure);
-    void keep();
+    void receiveVerification(SignatureCheck check);
+    Result<QString> keepPackage();
     void removeFile();
     void finish(tl::expected<QString, UpdateFailure> result);
 
     HttpClient &m_http;
     UpdateDownloadOrder m_order;
+    DownloadFolder m_folder;
     QFile m_file;
     std::optional<int> m_percent;
     QObject m_context;
@@ -57,8 +58,5 @@ private:
 
 /// The name that a verified package is kept under: the last part of its address where that is a plain file name.
 QString packageFileName(const AppcastItem &item);
-
-/// Removes the folder of downloads with what lies in it.
-void removeDownloads(const QString &directory);
 
 } // namespace tickwise

@@ -41,12 +41,6 @@ void UpdateSchedule::stop()
     m_timer.stop();
 }
 
-void UpdateSchedule::reconsider()
-{
-    if (m_timer.isActive())
-        start(m_lastCheck);
-}
-
 void UpdateSchedule::fire()
 {
     if (timeToNextCheck(m_lastCheck, m_clock()).count() > 0)

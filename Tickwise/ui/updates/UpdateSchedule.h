@@ -26,9 +26,6 @@ public:
     void start(std::optional<TimePoint> lastCheck);
     void stop();
 
-    /// Looks at the clock anew, which may have gone on while the machine slept.
-    void reconsider();
-
     bool isActive() const { return m_timer.isActive(); }
     std::chrono::milliseconds interval() const { return m_timer.intervalAsDuration(); }
 

@@ -1,8 +1,9 @@
 #include "ui/updates/UpdateSession.h"
 
+#include "support/DetachedWork.h"
 #include "support/LogCategories.h"
 #include "ui/updates/UpdateDownload.h"
-#include "ui/updates/UpdateSignature.h"
+#include "ui/updates/appcast/UpdateSelection.h"
 
 #include <utility>
 
@@ -13,39 +14,41 @@ namespace {
 Q_LOGGING_CATEGORY(lcUpdates, "com.pelmo.tickwise.Updates")
 
 /// Why an item cannot be offered, known before anything is downloaded.
-std::optional<UpdateFailure> signatureRefusal(const AppcastItem &item)
+std::optional<UpdateFailure> itemFailure(const AppcastItem &item)
 {
     if (item.signature.isEmpty())
         return UpdateFailure{UpdateFailureKind::noSignature, QStringLiteral("%1 is not signed").arg(item.version)};
     if (!isSignature(item.signature))
         return UpdateFailure{UpdateFailureKind::signature,
-                             QStringLiteral("the signature of %1 is none").arg(item.version)};
+                             QStringLiteral("the signature of %1 is malformed").arg(item.version)};
     return std::nullopt;
 }
 
 } // namespace
 
 UpdateSession::UpdateSession(const UpdaterConfiguration &configuration, const UpdaterServices &services,
-                             UpdaterSettingsStore &settings, UpdateSessionDelegate &delegate)
+                             UpdaterSettingsStore &settings, QString installedVersion)
     : m_configuration(configuration)
     , m_services(services)
     , m_settings(settings)
-    , m_delegate(delegate)
+    , m_installedVersion(std::move(installedVersion))
     , m_state{.runningVersion = configuration.runningVersion}
 {
-    connect(&services.driver, &UpdateUserDriver::chosen, this, &UpdateSession::answer);
+    connect(&services.driver, &UpdateUserDriver::chosen, this, &UpdateSession::perform);
+    connect(&m_verification, &QFutureWatcher<SignatureCheck>::finished, this,
+            [this] { receiveVerification(m_verification.result()); });
 }
 
 UpdateSession::~UpdateSession()
 {
     m_operation.cancel();
-    if (!m_package.isEmpty())
-        removeDownloads(m_configuration.downloadDirectory);
+    removePackage();
 }
 
 bool UpdateSession::isWorking() const
 {
-    return m_isShown && (m_state.phase == UpdatePhase::checking || m_state.phase == UpdatePhase::downloading);
+    return m_isShown && (m_state.phase == UpdatePhase::checking || m_state.phase == UpdatePhase::downloading ||
+                         m_state.phase == UpdatePhase::installing);
 }
 
 void UpdateSession::check()
@@ -64,38 +67,27 @@ void UpdateSession::receiveUserAttention()
     }
     if (m_state.phase == UpdatePhase::checking)
         m_userInitiated = true;
-    m_delegate.didReceiveUserAttention();
+    Q_EMIT userAttentionReceived();
     show();
     m_services.driver.bringToFront();
 }
 
 void UpdateSession::receiveFeed(const UpdateFeedResult &feed)
 {
-    if (const std::optional<UpdateFailure> failure = remember(feed))
-        fail(*failure);
-    else
+    const bool isAnswered = feed || feed.error().kind != UpdateFailureKind::network;
+    if (isAnswered)
+        recordCheck();
+    if (feed)
         choose(*feed);
+    else
+        fail(feed.error());
 }
 
-std::optional<UpdateFailure> UpdateSession::remember(const UpdateFeedResult &feed)
+void UpdateSession::recordCheck()
 {
-    if (!feed && feed.error().kind == UpdateFailureKind::network)
-        return feed.error();
-    const TimePoint now = m_services.clock();
     UpdaterSettings settings = m_settings.settings();
-    settings.lastCheck = now;
-    const QString newest = feed ? newestVersion(*feed) : QString();
-    const bool rolledBack = feed && isRolledBack(newest, settings.newestSeen, now);
-    const QString seen = settings.newestSeen ? settings.newestSeen->version : QString();
-    if (!newest.isEmpty() && !rolledBack)
-        settings.newestSeen = SeenVersion{newest, now};
+    settings.lastCheck = m_services.clock();
     m_settings.update(settings);
-    if (!feed)
-        return feed.error();
-    if (rolledBack)
-        return UpdateFailure{UpdateFailureKind::feed,
-                             QStringLiteral("the feed went back from %1 to %2").arg(seen, newest)};
-    return std::nullopt;
 }
 
 void UpdateSession::choose(const std::vector<AppcastItem> &items)
@@ -104,47 +96,64 @@ void UpdateSession::choose(const std::vector<AppcastItem> &items)
         selectUpdate(items, {m_configuration.runningVersion, m_configuration.systemVersion,
                              m_settings.settings().skippedVersion, m_userInitiated});
     if (selection.item)
-        return offer(*selection.item);
+        return receiveOffer(*selection.item);
     const bool needsNewerSystem = selection.outcome == UpdateOutcome::noUpdateForSystem;
     if (needsNewerSystem)
         m_state.failure = UpdateFailureKind::noUpdateForSystem;
-    conclude(needsNewerSystem ? UpdatePhase::failed : UpdatePhase::upToDate);
+    endIn(needsNewerSystem ? UpdatePhase::failed : UpdatePhase::upToDate);
+}
+
+void UpdateSession::receiveOffer(const AppcastItem &item)
+{
+    if (const std::optional<UpdateFailure> failure = itemFailure(item))
+        return fail(*failure);
+    m_state.item = item;
+    if (item.version == m_installedVersion)
+        endIn(UpdatePhase::restartNeeded);
+    else if (item.version == std::exchange(m_acceptedVersion, QString()))
+        download();
+    else
+        offer(item);
 }
 
 void UpdateSession::offer(const AppcastItem &item)
 {
-    if (const std::optional<UpdateFailure> refusal = signatureRefusal(item))
-        return fail(*refusal);
     m_state.phase = UpdatePhase::available;
     m_state.item = item;
-    const bool handles = m_userInitiated || m_delegate.shouldHandleShowingScheduledUpdate(m_services.appIsFocused());
-    m_delegate.willHandleShowingUpdate(handles, m_userInitiated);
-    if (!handles)
-        return m_delegate.sessionDidChange();
-    m_delegate.didReceiveUserAttention();
+    if (!m_userInitiated && !m_services.appIsFocused()) {
+        Q_EMIT updateWaits();
+        Q_EMIT stateChanged();
+        return;
+    }
+    Q_EMIT userAttentionReceived();
     show();
 }
 
-void UpdateSession::answer(UpdateAction action)
+void UpdateSession::perform(UpdateAction action)
 {
-    m_delegate.didReceiveUserAttention();
+    Q_EMIT userAttentionReceived();
     switch (action) {
+    case UpdateAction::download:
+        return acceptOffer();
     case UpdateAction::install:
-        return download();
-    case UpdateAction::open:
-        return openPackage();
+        return verifyAgain();
+    case UpdateAction::restart:
+        m_services.installer.restart();
+        return finish();
     case UpdateAction::skip:
-        return skip();
+        return skipVersion();
     case UpdateAction::remindLater:
-        acceptSkipped();
+        forgetSkippedVersion();
         return finish();
     case UpdateAction::cancel:
     case UpdateAction::close:
-        return finish();
+        // An installation that has begun ends by itself.
+        if (m_state.phase != UpdatePhase::installing)
+            finish();
     }
 }
 
-void UpdateSession::skip()
+void UpdateSession::skipVersion()
 {
     UpdaterSettings settings = m_settings.settings();
     settings.skippedVersion = m_state.item ? m_state.item->version : QString();
@@ -152,8 +161,8 @@ void UpdateSession::skip()
     finish();
 }
 
-// Who wants to be reminded of a version, or installs it, no longer skips it.
-void UpdateSession::acceptSkipped()
+// A user who wants to be reminded of a version, or to install it, no longer skips it.
+void UpdateSession::forgetSkippedVersion()
 {
     UpdaterSettings settings = m_settings.settings();
     if (settings.skippedVersion.isEmpty())
@@ -162,13 +171,22 @@ void UpdateSession::acceptSkipped()
     m_settings.update(settings);
 }
 
-void UpdateSession::download()
+// A release may have been withdrawn since it was offered.
+void UpdateSession::acceptOffer()
 {
     if (m_state.phase != UpdatePhase::available)
         return;
-    acceptSkipped();
+    forgetSkippedVersion();
+    m_userInitiated = true;
+    m_acceptedVersion = m_state.item->version;
     m_state.phase = UpdatePhase::downloading;
     m_state.percent.reset();
+    check();
+    show();
+}
+
+void UpdateSession::download()
+{
     UpdateDownloadOrder order;
     order.item = *m_state.item;
     order.publicKey = m_configuration.publicKey;
@@ -179,7 +197,6 @@ void UpdateSession::download()
     };
     order.done = [this](const tl::expected<QString, UpdateFailure> &package) { receivePackage(package); };
     m_operation = Subscription(std::make_unique<UpdateDownload>(m_services.http, std::move(order)));
-    show();
 }
 
 void UpdateSession::receivePackage(const tl::expected<QString, UpdateFailure> &package)
@@ -191,25 +208,57 @@ void UpdateSession::receivePackage(const tl::expected<QString, UpdateFailure> &p
     show();
 }
 
-void UpdateSession::openPackage()
+// The package may have lain there for days.
+void UpdateSession::verifyAgain()
 {
-    if (m_package.isEmpty())
+    if (m_state.phase != UpdatePhase::ready)
         return;
-    m_services.openPackage(std::exchange(m_package, QString()));
-    finish();
+    m_state.phase = UpdatePhase::installing;
+    m_verification.setFuture(
+        runDetached([path = m_package, signature = m_state.item->signature, key = m_configuration.publicKey] {
+            return checkSignature(path, signature, key);
+        }));
+    show();
+}
+
+void UpdateSession::receiveVerification(SignatureCheck check)
+{
+    if (const std::optional<UpdateFailure> failure = signatureFailure(check, m_package)) {
+        removePackage();
+        return fail(*failure);
+    }
+    m_operation = m_services.installer.install(
+        m_package, [this](const Result<PackageInstallation> &installation) { receiveInstallation(installation); });
+}
+
+void UpdateSession::receiveInstallation(const Result<PackageInstallation> &installation)
+{
+    if (!installation) {
+        qCWarning(lcUpdates).noquote() << "Failed to install the update:" << description(installation.error());
+        m_state.packagePath = std::exchange(m_package, QString());
+        return endIn(UpdatePhase::manualInstallation);
+    }
+    if (*installation == PackageInstallation::opened) {
+        m_package.clear(); // the desktop still reads it
+        return finish();
+    }
+    removePackage();
+    m_installedVersion = m_state.item->version;
+    Q_EMIT installed(m_installedVersion);
+    endIn(UpdatePhase::restartNeeded);
 }
 
 void UpdateSession::fail(const UpdateFailure &failure)
 {
     qCWarning(lcUpdates).noquote() << "Failed to update:" << failure.detail;
-    // A found update that waits for the user is not lost because a later look at the feed failed.
+    // A found update that waits for the user is not lost because a later check failed.
     if (m_state.phase == UpdatePhase::available && !m_isShown)
         return;
     m_state.failure = failure.kind;
-    conclude(UpdatePhase::failed);
+    endIn(UpdatePhase::failed);
 }
 
-void UpdateSession::conclude(UpdatePhase phase)
+void UpdateSession::endIn(UpdatePhase phase)
 {
     m_state.phase = phase;
     if (m_isShown)
@@ -222,13 +271,19 @@ void UpdateSession::show()
 {
     m_isShown = true;
     m_services.driver.show(m_state);
-    m_delegate.sessionDidChange();
+    Q_EMIT stateChanged();
+}
+
+void UpdateSession::removePackage()
+{
+    if (!std::exchange(m_package, QString()).isEmpty())
+        DownloadFolder(m_configuration.downloadDirectory).clear();
 }
 
 void UpdateSession::finish()
 {
     m_operation.cancel();
-    m_delegate.willFinishUpdateSession();
+    Q_EMIT finished();
 }
 
 } // namespace tickwise

@@ -4,8 +4,6 @@
 
 #include <sodium.h>
 
-#include <optional>
-
 namespace tickwise {
 
 namespace {
@@ -30,6 +28,11 @@ bool isSignature(const QByteArray &base64)
     return decoded(base64, crypto_sign_BYTES).has_value();
 }
 
+bool isPublicKey(const QByteArray &base64)
+{
+    return decoded(base64, crypto_sign_PUBLICKEYBYTES).has_value();
+}
+
 SignatureCheck checkSignature(const QString &path, const QByteArray &signature, const QByteArray &publicKey)
 {
     if (signature.isEmpty())
@@ -49,6 +52,22 @@ SignatureCheck checkSignature(const QString &path, const QByteArray &signature, 
     const int wrong = crypto_sign_verify_detached(bytesOf(*signatureBytes), content,
                                                   static_cast<unsigned long long>(length), bytesOf(*keyBytes));
     return wrong ? SignatureCheck::mismatch : SignatureCheck::valid;
+}
+
+std::optional<UpdateFailure> signatureFailure(SignatureCheck check, const QString &path)
+{
+    switch (check) {
+    case SignatureCheck::valid:
+        return std::nullopt;
+    case SignatureCheck::missing:
+        return UpdateFailure{UpdateFailureKind::noSignature, QStringLiteral("the package is not signed")};
+    case SignatureCheck::unreadable:
+        return UpdateFailure{UpdateFailureKind::disk, QStringLiteral("%1 cannot be read").arg(path)};
+    case SignatureCheck::malformed:
+    case SignatureCheck::mismatch:
+        break;
+    }
+    return UpdateFailure{UpdateFailureKind::signature, QStringLiteral("the package's signature is not valid")};
 }
 
 } // namespace tickwise

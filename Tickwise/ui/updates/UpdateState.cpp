@@ -4,8 +4,16 @@ namespace tickwise {
 
 namespace {
 
+/// Whether the server says that it does not have the file.
+bool isMissing(const UrlLoadingError &error)
+{
+    return error.code == UrlErrorCode::badServerResponse && (error.httpStatus == 404 || error.httpStatus == 410);
+}
+
 UpdateFailureKind feedKind(const UrlLoadingError &error)
 {
+    if (isMissing(error))
+        return UpdateFailureKind::feedMissing;
     switch (error.code) {
     case UrlErrorCode::dataLengthExceedsMaximum:
         return UpdateFailureKind::tooLarge;
@@ -35,6 +43,8 @@ UpdateFailure downloadFailure(const Error &error)
         return {UpdateFailureKind::disk, description(error)};
     if (loading && loading->code == UrlErrorCode::dataLengthExceedsMaximum)
         return {UpdateFailureKind::tooLarge, description(error)};
+    if (loading && isMissing(*loading))
+        return {UpdateFailureKind::packageMissing, description(error)};
     return {UpdateFailureKind::network, description(error)};
 }
 

@@ -1,19 +1,22 @@
 #pragma once
 
 #include "support/Error.h"
-#include "ui/updates/AppcastItem.h"
+#include "ui/updates/appcast/AppcastItem.h"
 
 #include <optional>
 
 namespace tickwise {
 
-/// Where an update session stands.
+/// The step that an update session has reached.
 enum class UpdatePhase
 {
     checking,
     available,
     downloading,
     ready,
+    installing,
+    restartNeeded,
+    manualInstallation,
     upToDate,
     failed
 };
@@ -23,6 +26,8 @@ enum class UpdateFailureKind
 {
     network,
     feed,
+    feedMissing,
+    packageMissing,
     tooLarge,
     signature,
     noSignature,
@@ -43,8 +48,9 @@ struct UpdateState
 {
     UpdatePhase phase = UpdatePhase::checking;
     QString runningVersion;
-    std::optional<AppcastItem> item;          ///< from `available` to `ready`
+    std::optional<AppcastItem> item;          ///< from `available` to `manualInstallation`
     std::optional<int> percent;               ///< while downloading; none: unknown
+    QString packagePath;                      ///< exactly for a manual installation
     std::optional<UpdateFailureKind> failure; ///< exactly when failed
     bool operator==(const UpdateState &) const = default;
 };
@@ -52,11 +58,12 @@ struct UpdateState
 /// What the user may answer.
 enum class UpdateAction
 {
-    install,     ///< download the update
+    download,    ///< download and verify the update
     remindLater, ///< end the session; the next check offers it again
     skip,        ///< end the session and never offer this version by itself
     cancel,      ///< end the session while it works
-    open,        ///< hand the verified package to the desktop
+    install,     ///< install the verified package
+    restart,     ///< start the version that was installed
     close,       ///< end a session that has nothing more to offer
 };
 

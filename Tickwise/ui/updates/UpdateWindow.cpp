@@ -39,6 +39,7 @@ void UpdateWindow::buildText(QVBoxLayout *layout)
     // Versions come from the feed: never as markup.
     m_text->setTextFormat(Qt::PlainText);
     m_text->setWordWrap(true);
+    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse); // a path in it can be copied
     layout->addWidget(m_text);
 }
 

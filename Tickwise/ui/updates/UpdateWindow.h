@@ -20,7 +20,7 @@ class UpdateWindow : public QDialog
 public:
     explicit UpdateWindow(QWidget *parent = nullptr);
 
-    /// Shows the content; the buttons are made anew only when they changed, so that progress leaves the focus alone.
+    /// Shows the content; the buttons are replaced only when they changed, so that progress does not move the focus.
     void setContent(const UpdateWindowContent &content);
 
     /// Escape and the close button mean what the content says.

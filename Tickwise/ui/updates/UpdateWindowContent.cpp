@@ -18,6 +18,10 @@ QString failureKey(UpdateFailureKind kind)
         return QStringLiteral("update.error.network");
     case UpdateFailureKind::feed:
         return QStringLiteral("update.error.feed");
+    case UpdateFailureKind::feedMissing:
+        return QStringLiteral("update.error.feedMissing");
+    case UpdateFailureKind::packageMissing:
+        return QStringLiteral("update.error.packageMissing");
     case UpdateFailureKind::tooLarge:
         return QStringLiteral("update.error.tooLarge");
     case UpdateFailureKind::signature:
@@ -46,14 +50,15 @@ void describeAvailable(UpdateWindowContent &content, const UpdateState &state)
     content.text = localized(QStringLiteral("update.available")).arg(displayVersion(item), state.runningVersion);
     content.notes = item.releaseNotes;
     content.notesLabel = item.releaseNotes.isEmpty() ? QString() : localized(QStringLiteral("update.releaseNotes"));
-    content.buttons = {button("update.install", UpdateAction::install),
+    content.buttons = {button("update.install", UpdateAction::download),
                        button("update.later", UpdateAction::remindLater), button("update.skip", UpdateAction::skip)};
     content.escapeAction = UpdateAction::remindLater;
 }
 
 void describeDownloading(UpdateWindowContent &content, const UpdateState &state)
 {
-    content.text = localized(QStringLiteral("update.downloading")).arg(state.percent.value_or(0));
+    content.text = state.percent ? localized(QStringLiteral("update.downloading")).arg(*state.percent)
+                                 : localized(QStringLiteral("update.downloadingUnknownSize"));
     content.showsProgress = true;
     content.percent = state.percent;
     content.buttons = {button("update.cancel", UpdateAction::cancel)};
@@ -63,8 +68,22 @@ void describeDownloading(UpdateWindowContent &content, const UpdateState &state)
 void describeReady(UpdateWindowContent &content)
 {
     content.text = localized(QStringLiteral("update.ready"));
-    content.buttons = {button("update.install", UpdateAction::open), button("update.later", UpdateAction::remindLater)};
+    content.buttons = {button("update.install", UpdateAction::install),
+                       button("update.later", UpdateAction::remindLater)};
     content.escapeAction = UpdateAction::remindLater;
+}
+
+void describeInstalling(UpdateWindowContent &content)
+{
+    content.text = localized(QStringLiteral("update.installing"));
+    content.showsProgress = true;
+}
+
+void describeRestart(UpdateWindowContent &content, const UpdateState &state)
+{
+    const AppcastItem item = state.item.value_or(AppcastItem());
+    content.text = localized(QStringLiteral("update.installed")).arg(displayVersion(item));
+    content.buttons = {button("update.restart", UpdateAction::restart), button("update.close", UpdateAction::close)};
 }
 
 void describeEnd(UpdateWindowContent &content, const QString &text)
@@ -90,6 +109,15 @@ UpdateWindowContent updateWindowContent(const UpdateState &state)
         break;
     case UpdatePhase::ready:
         describeReady(content);
+        break;
+    case UpdatePhase::installing:
+        describeInstalling(content);
+        break;
+    case UpdatePhase::restartNeeded:
+        describeRestart(content, state);
+        break;
+    case UpdatePhase::manualInstallation:
+        describeEnd(content, localized(QStringLiteral("update.installManually")).arg(state.packagePath));
         break;
     case UpdatePhase::upToDate:
         describeEnd(content, localized(QStringLiteral("update.upToDate")).arg(state.runningVersion));

@@ -20,7 +20,7 @@ public:
     void bringToFront() override;
     void dismiss() override;
 
-    /// Writes the texts anew after the language changed.
+    /// Writes the texts again after the language changed.
     void retranslate();
 
     /// The window while there is a session to show.

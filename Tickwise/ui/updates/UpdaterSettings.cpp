@@ -1,7 +1,7 @@
 #include "ui/updates/UpdaterSettings.h"
 
 #include "support/LogCategories.h"
-#include "ui/updates/VersionComparison.h"
+#include "ui/updates/appcast/VersionComparison.h"
 
 #include <nlohmann/json.hpp>
 
@@ -18,8 +18,6 @@ using Json = nlohmann::ordered_json;
 constexpr char automaticallyChecksField[] = "automaticallyChecks";
 constexpr char lastCheckField[] = "lastCheck";
 constexpr char skippedVersionField[] = "skippedVersion";
-constexpr char newestSeenField[] = "newestSeen";
-constexpr char newestSeenAtField[] = "newestSeenAt";
 /// Seconds since 1970 beyond which no instant is believed; it keeps the clock's arithmetic in range.
 constexpr double latestInstant = 4e9;
 
@@ -70,10 +68,6 @@ UpdaterSettings decodeUpdaterSettings(const QByteArray &json)
     settings.automaticallyChecks = boolean(document, automaticallyChecksField, settings.automaticallyChecks);
     settings.lastCheck = instant(document, lastCheckField);
     settings.skippedVersion = version(document, skippedVersionField);
-    const QString seen = version(document, newestSeenField);
-    const std::optional<TimePoint> seenAt = instant(document, newestSeenAtField);
-    if (!seen.isEmpty() && seenAt)
-        settings.newestSeen = SeenVersion{seen, *seenAt};
     return settings;
 }
 
@@ -85,10 +79,6 @@ QByteArray encodeUpdaterSettings(const UpdaterSettings &settings)
         document[lastCheckField] = secondsOf(*settings.lastCheck);
     if (!settings.skippedVersion.isEmpty())
         document[skippedVersionField] = settings.skippedVersion.toStdString();
-    if (settings.newestSeen) {
-        document[newestSeenField] = settings.newestSeen->version.toStdString();
-        document[newestSeenAtField] = secondsOf(settings.newestSeen->at);
-    }
     return QByteArray::fromStdString(document.dump());
 }
 

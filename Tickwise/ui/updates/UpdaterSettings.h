@@ -1,7 +1,11 @@
 #pragma once
 
 #include "settings/SettingsDataStorage.h"
-#include "ui/updates/UpdateSelection.h"
+#include "support/Clock.h"
+
+#include <QString>
+
+#include <optional>
 
 namespace tickwise {
 
@@ -11,7 +15,6 @@ struct UpdaterSettings
     bool automaticallyChecks = true;
     std::optional<TimePoint> lastCheck; ///< the last time the feed's server answered
     QString skippedVersion;             ///< empty: none
-    std::optional<SeenVersion> newestSeen;
     bool operator==(const UpdaterSettings &) const = default;
 };
 

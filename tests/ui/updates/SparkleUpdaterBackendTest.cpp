@@ -22,6 +22,8 @@ class SparkleUpdaterBackendTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void configurations_data();
+    void configurations();
     void attachesReady();
     void outOfFocusBecomesAReminder();
     void inFocusOpensTheWindow();
@@ -61,6 +63,31 @@ void SparkleUpdaterBackendTest::nextDay(UpdateWorld &world)
 {
     world.clock.advance(secondsPerDay);
     world.backend().reconsiderSchedule();
+}
+
+void SparkleUpdaterBackendTest::configurations_data()
+{
+    QTest::addColumn<QString>("feed");
+    QTest::addColumn<QByteArray>("key");
+    QTest::addColumn<bool>("usable");
+    const QString feed = QStringLiteral("https://updates.test/appcast.xml");
+    const QByteArray key = SigningKey().publicKey();
+    QTest::newRow("https and a key") << feed << key << true;
+    QTest::newRow("no feed") << QString() << key << false;
+    QTest::newRow("http") << QStringLiteral("http://updates.test/appcast.xml") << key << false;
+    QTest::newRow("a file") << QStringLiteral("file:///appcast.xml") << key << false;
+    QTest::newRow("no host") << QStringLiteral("https:///appcast.xml") << key << false;
+    QTest::newRow("no key") << feed << QByteArray() << false;
+    QTest::newRow("a key of another length") << feed << QByteArray("c2hvcnQ=") << false;
+    QTest::newRow("a key that is no base64") << feed << QByteArray(44, '!') << false;
+}
+
+void SparkleUpdaterBackendTest::configurations()
+{
+    QFETCH(QString, feed);
+    QFETCH(QByteArray, key);
+    QFETCH(bool, usable);
+    QCOMPARE(isUsable({.feed = QUrl(feed), .publicKey = key}), usable);
 }
 
 void SparkleUpdaterBackendTest::attachesReady()
@@ -129,7 +156,7 @@ void SparkleUpdaterBackendTest::attentionClearsTheReminder()
     remind(world);
     world.controller->checkForUpdates();
     world.controller->setUpdateAvailable(true);
-    world.driver.choose(UpdateAction::install);
+    world.driver.choose(UpdateAction::download);
     QVERIFY(!world.controller->updateAvailable());
 }
 
@@ -212,7 +239,7 @@ void SparkleUpdaterBackendTest::survivesItsController()
     auto gone = std::make_unique<UpdateController>();
     SparkleUpdaterBackend backend(
         *gone, world.configuration,
-        {world.http, world.clock.clock(), world.defaults, world.driver, [] { return false; }, [](const QString &) {}});
+        {world.http, world.clock.clock(), world.defaults, world.driver, [] { return false; }, world.installer});
     gone.reset();
     QTRY_VERIFY(world.stored().lastCheck);
     backend.checkForUpdates();

@@ -85,11 +85,16 @@ private Q_SLOTS:
     void refusesHugePackagesUnread();
     void refusesOtherAnswers_data();
     void refusesOtherAnswers();
-    void staysOnItsHost();
+    void followsARedirectToAnotherHost();
+    void staysBehindHttps();
+    void takesThePackageAsItIsSent();
+    void anOddName();
     void nothingStaysOfADroppedDownload();
     void aFullDisk();
     void aFolderThatCannotBeMade();
     void removesEarlierDownloads();
+    void leavesFilesThatAreNotOurs();
+    void refusesALinkedFolder();
     void packageFileNames_data();
     void packageFileNames();
 };
@@ -210,23 +215,26 @@ void UpdateDownloadTest::refusesHugePackagesUnread()
 void UpdateDownloadTest::refusesOtherAnswers_data()
 {
     QTest::addColumn<int>("status");
-    QTest::newRow("not found") << 404;
-    QTest::newRow("forbidden") << 403;
-    QTest::newRow("server error") << 500;
+    QTest::addColumn<UpdateFailureKind>("kind");
+    QTest::newRow("not found") << 404 << UpdateFailureKind::packageMissing;
+    QTest::newRow("gone") << 410 << UpdateFailureKind::packageMissing;
+    QTest::newRow("forbidden") << 403 << UpdateFailureKind::network;
+    QTest::newRow("server error") << 500 << UpdateFailureKind::network;
 }
 
 void UpdateDownloadTest::refusesOtherAnswers()
 {
     QFETCH(int, status);
+    QFETCH(UpdateFailureKind, kind);
     UpdateWorld world;
     world.publish({{}});
     world.answers["/tickwise_1.1_amd64.deb"].status = status;
     Attempt attempt(world);
-    QTRY_COMPARE(attempt.failure(), std::optional(UpdateFailureKind::network));
+    QTRY_COMPARE(attempt.failure(), std::optional(kind));
     QCOMPARE(world.downloads(), QStringList());
 }
 
-void UpdateDownloadTest::staysOnItsHost()
+void UpdateDownloadTest::followsARedirectToAnotherHost()
 {
     UpdateWorld world;
     UpdateWorld elsewhere;
@@ -235,8 +243,49 @@ void UpdateDownloadTest::staysOnItsHost()
     elsewhere.publish({{}});
     faults::redirect(QUrl(elsewhere.packageUrl()))(world.answers["/tickwise_1.1_amd64.deb"]);
     Attempt attempt(world);
+    QTRY_VERIFY(attempt.result);
+    QVERIFY(attempt.result->has_value());
+    QCOMPARE(elsewhere.requests("/tickwise_1.1_amd64.deb"), 1);
+}
+
+void UpdateDownloadTest::staysBehindHttps()
+{
+    UpdateWorld world;
+    world.publish({{}});
+    QUrl open(world.packageUrl());
+    open.setScheme(QStringLiteral("http"));
+    faults::redirect(open)(world.answers["/tickwise_1.1_amd64.deb"]);
+    Attempt attempt(world);
     QTRY_COMPARE(attempt.failure(), std::optional(UpdateFailureKind::network));
-    QCOMPARE(elsewhere.requests("/tickwise_1.1_amd64.deb"), 0);
+}
+
+void UpdateDownloadTest::takesThePackageAsItIsSent()
+{
+    UpdateWorld world;
+    world.package = gzipped(QByteArray("archive ").repeated(1000));
+    world.publish({{}});
+    faults::headers({{"Content-Encoding", "gzip"}})(world.answers["/tickwise_1.1_amd64.deb"]);
+    Attempt attempt(world);
+    QTRY_VERIFY(attempt.result);
+    QVERIFY(attempt.result->has_value());
+    QCOMPARE(world.headerOfLastRequest("Accept-Encoding"), QByteArray("identity"));
+    QCOMPARE(attempt.percents.back(), 100);
+}
+
+void UpdateDownloadTest::anOddName()
+{
+    UpdateWorld world;
+    world.publish({{}});
+    for (const QByteArray name : {"download.part", "part", "package"}) {
+        world.answers['/' + name].body = world.package;
+        Release release;
+        release.url = world.packageUrl().replace(QStringLiteral("tickwise_1.1_amd64.deb"), QString::fromLatin1(name));
+        Attempt attempt(world, release);
+        QTRY_VERIFY(attempt.result);
+        QVERIFY(attempt.result->has_value());
+        QCOMPARE(world.downloads(), QStringList{**attempt.result});
+        QVERIFY(attempt.result->value().endsWith(u'/' + QString::fromLatin1(name)));
+    }
 }
 
 void UpdateDownloadTest::nothingStaysOfADroppedDownload()
@@ -279,12 +328,41 @@ void UpdateDownloadTest::removesEarlierDownloads()
 {
     UpdateWorld world;
     world.publish({{}});
-    QVERIFY(QDir().mkpath(world.configuration.downloadDirectory + QStringLiteral("/old")));
-    QFile old(world.configuration.downloadDirectory + QStringLiteral("/download.part"));
-    QVERIFY(old.open(QIODevice::WriteOnly));
-    Attempt attempt(world);
-    QTRY_VERIFY(attempt.result);
+    Attempt first(world);
+    QTRY_VERIFY(first.result);
+    QFile partial(world.configuration.downloadDirectory + QStringLiteral("/.part"));
+    QVERIFY(partial.open(QIODevice::WriteOnly));
+    Attempt second(world);
+    QTRY_VERIFY(second.result);
+    QVERIFY(second.result->has_value());
     QCOMPARE(world.downloads().size(), 1);
+}
+
+void UpdateDownloadTest::leavesFilesThatAreNotOurs()
+{
+    UpdateWorld world;
+    world.publish({{}});
+    const QString path = world.configuration.downloadDirectory + QStringLiteral("/tickwise_1.1_amd64.deb");
+    QVERIFY(QDir().mkpath(world.configuration.downloadDirectory));
+    QFile stranger(path);
+    QVERIFY(stranger.open(QIODevice::WriteOnly));
+    Attempt attempt(world);
+    QTRY_COMPARE(attempt.failure(), std::optional(UpdateFailureKind::disk));
+    QCOMPARE(world.downloads(), QStringList{path});
+}
+
+void UpdateDownloadTest::refusesALinkedFolder()
+{
+    UpdateWorld world;
+    world.publish({{}});
+    const QTemporaryDir home;
+    QVERIFY(QFile::link(home.path(), world.configuration.downloadDirectory));
+    QFile precious(home.filePath(QStringLiteral(".part")));
+    QVERIFY(precious.open(QIODevice::WriteOnly));
+    Attempt attempt(world);
+    QTRY_COMPARE(attempt.failure(), std::optional(UpdateFailureKind::disk));
+    QVERIFY(precious.exists());
+    QCOMPARE(world.requests("/tickwise_1.1_amd64.deb"), 0);
 }
 
 void UpdateDownloadTest::packageFileNames_data()

@@ -3,7 +3,7 @@
 
 #include "UpdateWorld.h"
 #include "doubles/LogCapture.h"
-#include "ui/updates/AppcastParser.h"
+#include "ui/updates/appcast/AppcastParser.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -49,8 +49,14 @@ private Q_SLOTS:
     void feedRedirectedAway();
     void refusedPackage_data();
     void refusedPackage();
-    void aFeedThatWentBack();
-    void aFeedThatWentBackLongAgo();
+    void withdrawnReleases_data();
+    void withdrawnReleases();
+    void withdrawnBeforeTheDownload();
+    void replacedBeforeTheDownload();
+    void tamperedBeforeTheInstallation();
+    void installationEndsByItself();
+    void packagesThatNothingOpens();
+    void anInstalledVersionNeedsARestart();
     void cancelledChecks();
     void cancelledDownloads();
     void quittingDuringADownload();
@@ -77,7 +83,7 @@ void UpdateSessionTest::checkUntil(UpdateWorld &world, UpdatePhase phase)
 void UpdateSessionTest::downloadUntil(UpdateWorld &world, UpdatePhase phase)
 {
     checkUntil(world, available);
-    world.driver.choose(UpdateAction::install);
+    world.driver.choose(UpdateAction::download);
     QTRY_COMPARE(world.driver.phase(), std::optional(phase));
 }
 
@@ -90,14 +96,15 @@ void UpdateSessionTest::fromTheCheckToTheOpenedPackage()
     QCOMPARE(world.driver.states.back().item->version, QStringLiteral("1.1"));
     QCOMPARE(world.driver.states.back().item->releaseNotes, QStringLiteral("Faster"));
     QCOMPARE(world.requests("/tickwise_1.1_amd64.deb"), 0);
-    world.driver.choose(UpdateAction::install);
+    world.driver.choose(UpdateAction::download);
     QCOMPARE(world.driver.phase(), std::optional(downloading));
     QTRY_COMPARE(world.driver.phase(), std::optional(ready));
-    QVERIFY(world.opened.isEmpty());
-    world.driver.choose(UpdateAction::open);
-    QCOMPARE(world.opened.size(), 1);
-    QCOMPARE(world.openedContent, world.package);
-    QCOMPARE(world.driver.dismissals, 1);
+    QVERIFY(world.installer.paths.isEmpty());
+    world.driver.choose(UpdateAction::install);
+    QCOMPARE(world.driver.phase(), std::optional(installing));
+    QTRY_COMPARE(world.installer.paths.size(), 1);
+    QCOMPARE(world.installer.content, world.package);
+    QTRY_COMPARE(world.driver.dismissals, 1);
     QVERIFY(!world.controller->updateAvailable());
 }
 
@@ -107,7 +114,7 @@ void UpdateSessionTest::refusedFeeds_data()
     QTest::addColumn<QByteArray>("feed");
     QTest::addColumn<UpdateFailureKind>("kind");
     using enum UpdateFailureKind;
-    QTest::newRow("missing") << 404 << QByteArray("Not found") << feed;
+    QTest::newRow("missing") << 404 << QByteArray("Not found") << feedMissing;
     QTest::newRow("server error") << 500 << QByteArray() << feed;
     QTest::newRow("empty") << 200 << QByteArray() << feed;
     QTest::newRow("HTML") << 200 << QByteArray("<html><body>Welcome to the hotel</body></html>") << feed;
@@ -197,7 +204,7 @@ void UpdateSessionTest::notOffered()
     checkUntil(world, fails ? failed : upToDate);
     if (fails)
         QCOMPARE(world.driver.failure(), std::optional(UpdateFailureKind::noUpdateForSystem));
-    world.driver.choose(UpdateAction::install);
+    world.driver.choose(UpdateAction::download);
     QCOMPARE(world.driver.phase(), std::optional(fails ? failed : upToDate));
     world.driver.choose(UpdateAction::close);
     QCOMPARE(world.driver.dismissals, 1);
@@ -269,34 +276,131 @@ void UpdateSessionTest::refusedPackage()
         faults::truncateAfter(1000)(package);
     downloadUntil(world, failed);
     QCOMPARE(world.driver.failure(), std::optional(kind));
-    QVERIFY(world.opened.isEmpty());
-    world.driver.choose(UpdateAction::open);
-    QVERIFY(world.opened.isEmpty());
+    QVERIFY(world.installer.paths.isEmpty());
+    world.driver.choose(UpdateAction::install);
+    QVERIFY(world.installer.paths.isEmpty());
     QCOMPARE(world.downloads(), QStringList());
 }
 
-void UpdateSessionTest::aFeedThatWentBack()
+void UpdateSessionTest::withdrawnReleases_data()
 {
-    UpdateWorld world;
-    world.store({.newestSeen = SeenVersion{QStringLiteral("1.2"), world.clock.now() - std::chrono::hours(48)}});
-    world.publish({{.version = "1.1"}});
-    const LogCapture log;
-    world.start();
-    QTRY_COMPARE(log.texts(category()),
-                 QStringList{QStringLiteral("Failed to update: the feed went back from 1.2 to 1.1")});
-    QVERIFY(!world.controller->updateAvailable());
-    world.controller->checkForUpdates();
-    QTRY_COMPARE(world.driver.failure(), std::optional(UpdateFailureKind::feed));
-    QCOMPARE(world.stored().newestSeen->version, QStringLiteral("1.2"));
+    QTest::addColumn<QByteArray>("left"); // the version that is left in the feed; empty: none
+    QTest::newRow("the running version is left") << QByteArray("1.0");
+    QTest::newRow("nothing is left") << QByteArray();
 }
 
-void UpdateSessionTest::aFeedThatWentBackLongAgo()
+void UpdateSessionTest::withdrawnReleases()
+{
+    QFETCH(QByteArray, left);
+    UpdateWorld world;
+    world.publish({{}});
+    world.start();
+    QTRY_VERIFY(world.controller->updateAvailable());
+    const LogCapture log;
+    world.publish(left.isEmpty() ? std::vector<Release>() : std::vector<Release>{{.version = left}});
+    world.clock.advance(86400);
+    world.backend().reconsiderSchedule();
+    QTRY_VERIFY(!world.controller->updateAvailable());
+    world.controller->checkForUpdates();
+    QTRY_COMPARE(world.driver.phase(), std::optional(upToDate));
+    QCOMPARE(log.texts(category()), QStringList());
+}
+
+void UpdateSessionTest::withdrawnBeforeTheDownload()
 {
     UpdateWorld world;
-    world.store({.newestSeen = SeenVersion{QStringLiteral("1.2"), world.clock.now() - std::chrono::hours(24 * 15)}});
-    world.publish({{.version = "1.1"}});
+    world.publish({{}});
     checkUntil(world, available);
-    QCOMPARE(world.stored().newestSeen->version, QStringLiteral("1.1"));
+    world.publish({{.version = "1.0"}});
+    world.driver.choose(UpdateAction::download);
+    QCOMPARE(world.driver.phase(), std::optional(downloading));
+    QTRY_COMPARE(world.driver.phase(), std::optional(upToDate));
+    QCOMPARE(world.requests("/tickwise_1.1_amd64.deb"), 0);
+}
+
+void UpdateSessionTest::replacedBeforeTheDownload()
+{
+    UpdateWorld world;
+    world.publish({{}});
+    checkUntil(world, available);
+    world.publish({{.version = "1.2"}});
+    world.driver.choose(UpdateAction::download);
+    QTRY_COMPARE(world.driver.phase(), std::optional(available));
+    QCOMPARE(world.driver.states.back().item->version, QStringLiteral("1.2"));
+    QCOMPARE(world.requests("/tickwise_1.1_amd64.deb"), 0);
+    world.driver.choose(UpdateAction::download);
+    QTRY_COMPARE(world.driver.phase(), std::optional(ready));
+}
+
+void UpdateSessionTest::tamperedBeforeTheInstallation()
+{
+    UpdateWorld world;
+    world.publish({{}});
+    downloadUntil(world, ready);
+    QFile package(world.downloads().front());
+    QVERIFY(package.open(QIODevice::ReadWrite));
+    QCOMPARE(package.write("X"), 1);
+    package.close();
+    world.driver.choose(UpdateAction::install);
+    QTRY_COMPARE(world.driver.failure(), std::optional(UpdateFailureKind::signature));
+    QVERIFY(world.installer.paths.isEmpty());
+    QCOMPARE(world.downloads(), QStringList());
+}
+
+void UpdateSessionTest::installationEndsByItself()
+{
+    UpdateWorld world;
+    world.publish({{}});
+    downloadUntil(world, ready);
+    world.driver.choose(UpdateAction::install);
+    QVERIFY(!world.controller->canCheckForUpdates());
+    world.driver.choose(UpdateAction::close);
+    QCOMPARE(world.driver.dismissals, 0);
+    QTRY_COMPARE(world.driver.dismissals, 1);
+    QCOMPARE(world.installer.paths.size(), 1);
+}
+
+void UpdateSessionTest::packagesThatNothingOpens()
+{
+    UpdateWorld world;
+    world.installer.result = failure(DesktopServiceError{DesktopServiceError::Kind::noService, QString()});
+    world.publish({{}});
+    downloadUntil(world, ready);
+    const LogCapture log;
+    world.driver.choose(UpdateAction::install);
+    QTRY_COMPARE(world.driver.phase(), std::optional(manualInstallation));
+    QCOMPARE(world.driver.states.back().packagePath, world.installer.paths.front());
+    QCOMPARE(log.texts(category()).size(), 1);
+    QVERIFY(world.controller->canCheckForUpdates());
+    world.controller->checkForUpdates();
+    QCOMPARE(world.driver.phase(), std::optional(manualInstallation));
+    world.driver.choose(UpdateAction::close);
+    QCOMPARE(world.driver.dismissals, 1);
+    QCOMPARE(world.downloads(), world.installer.paths);
+}
+
+void UpdateSessionTest::anInstalledVersionNeedsARestart()
+{
+    UpdateWorld world;
+    world.installer.result = PackageInstallation::replaced;
+    world.publish({{}});
+    downloadUntil(world, ready);
+    world.driver.choose(UpdateAction::install);
+    QTRY_COMPARE(world.driver.phase(), std::optional(restartNeeded));
+    QCOMPARE(world.downloads(), QStringList());
+    world.driver.choose(UpdateAction::close);
+    QCOMPARE(world.installer.restarts, 0);
+    world.controller->checkForUpdates();
+    QTRY_COMPARE(world.driver.phase(), std::optional(restartNeeded));
+    world.driver.choose(UpdateAction::restart);
+    QCOMPARE(world.installer.restarts, 1);
+    QCOMPARE(world.driver.dismissals, 2);
+    world.controller->setAutomaticallyChecksForUpdates(true);
+    world.clock.advance(86400);
+    world.backend().reconsiderSchedule();
+    QTRY_VERIFY(world.stored().lastCheck == world.clock.now());
+    QVERIFY(!world.controller->updateAvailable());
+    QCOMPARE(world.driver.dismissals, 3);
 }
 
 void UpdateSessionTest::cancelledChecks()
@@ -347,7 +451,7 @@ void UpdateSessionTest::laterRemovesThePackage()
     QCOMPARE(world.downloads().size(), 1);
     world.driver.choose(UpdateAction::remindLater);
     QCOMPARE(world.downloads(), QStringList());
-    QVERIFY(world.opened.isEmpty());
+    QVERIFY(world.installer.paths.isEmpty());
 }
 
 void UpdateSessionTest::openedPackagesStay()
@@ -355,8 +459,9 @@ void UpdateSessionTest::openedPackagesStay()
     UpdateWorld world;
     world.publish({{}});
     downloadUntil(world, ready);
-    world.driver.choose(UpdateAction::open);
-    QCOMPARE(world.downloads(), world.opened);
+    world.driver.choose(UpdateAction::install);
+    QTRY_COMPARE(world.driver.dismissals, 1);
+    QCOMPARE(world.downloads(), world.installer.paths);
     world.start();
     QCOMPARE(world.downloads(), QStringList());
 }

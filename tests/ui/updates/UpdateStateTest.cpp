@@ -34,6 +34,13 @@ void UpdateStateTest::failures_data()
     url("untrusted", UrlErrorCode::serverCertificateUntrusted, network, network);
     url("too long", UrlErrorCode::dataLengthExceedsMaximum, tooLarge, tooLarge);
     url("wrong status", UrlErrorCode::badServerResponse, feed, network);
+    const auto status = [](const char *name, int number, UpdateFailureKind feedKind, UpdateFailureKind downloadKind) {
+        QTest::newRow(name) << Error(UrlLoadingError{UrlErrorCode::badServerResponse, {}, number}) << feedKind
+                            << downloadKind;
+    };
+    status("404", 404, feedMissing, packageMissing);
+    status("410", 410, feedMissing, packageMissing);
+    status("403", 403, feed, network);
     url("redirected away", UrlErrorCode::redirectRefused, feed, network);
     QTest::newRow("not the format") << Error(DecodingError{QStringLiteral("no RSS"), std::nullopt}) << feed << network;
     QTest::newRow("file") << Error(FileError{QStringLiteral("/x"), QStringLiteral("full")}) << feed << disk;

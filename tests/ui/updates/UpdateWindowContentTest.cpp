@@ -41,7 +41,11 @@ private Q_SLOTS:
     void availableWithoutNotes();
     void versionsAreNoPlaceholders();
     void downloading();
+    void downloadingWithoutAKnownSize();
     void ready();
+    void installing();
+    void restartNeeded();
+    void manualInstallation();
     void upToDate();
     void failed_data();
     void failed();
@@ -67,7 +71,7 @@ void UpdateWindowContentTest::available()
     QCOMPARE(content.notes, QStringLiteral("Faster"));
     QCOMPARE(content.notesLabel, localized(QStringLiteral("update.releaseNotes")));
     QVERIFY(!content.showsProgress);
-    QVERIFY((actionsOf(content) == Actions{UpdateAction::install, UpdateAction::remindLater, UpdateAction::skip}));
+    QVERIFY((actionsOf(content) == Actions{UpdateAction::download, UpdateAction::remindLater, UpdateAction::skip}));
     QCOMPARE(content.buttons.front().text, localized(QStringLiteral("update.install")));
     QVERIFY(content.escapeAction == UpdateAction::remindLater);
 }
@@ -93,10 +97,9 @@ void UpdateWindowContentTest::versionsAreNoPlaceholders()
 void UpdateWindowContentTest::downloading()
 {
     UpdateState state = stateOf(UpdatePhase::downloading);
-    QVERIFY(updateWindowContent(state).showsProgress);
-    QVERIFY(!updateWindowContent(state).percent);
     state.percent = 42;
     const UpdateWindowContent content = updateWindowContent(state);
+    QVERIFY(content.showsProgress);
     QCOMPARE(content.percent, std::optional(42));
     QVERIFY(content.text.contains(QStringLiteral("42%")));
     QVERIFY(actionsOf(content) == Actions{UpdateAction::cancel});
@@ -104,13 +107,49 @@ void UpdateWindowContentTest::downloading()
     QVERIFY(content.notes.isEmpty());
 }
 
+void UpdateWindowContentTest::downloadingWithoutAKnownSize()
+{
+    const UpdateWindowContent content = updateWindowContent(stateOf(UpdatePhase::downloading));
+    QCOMPARE(content.text, localized(QStringLiteral("update.downloadingUnknownSize")));
+    QVERIFY(!content.text.contains(u'%'));
+    QVERIFY(content.showsProgress);
+    QVERIFY(!content.percent);
+}
+
 void UpdateWindowContentTest::ready()
 {
     const UpdateWindowContent content = updateWindowContent(stateOf(UpdatePhase::ready));
     QCOMPARE(content.text, localized(QStringLiteral("update.ready")));
-    QVERIFY((actionsOf(content) == Actions{UpdateAction::open, UpdateAction::remindLater}));
+    QVERIFY((actionsOf(content) == Actions{UpdateAction::install, UpdateAction::remindLater}));
     QVERIFY(content.escapeAction == UpdateAction::remindLater);
     QVERIFY(!content.showsProgress);
+}
+
+void UpdateWindowContentTest::installing()
+{
+    const UpdateWindowContent content = updateWindowContent(stateOf(UpdatePhase::installing));
+    QCOMPARE(content.text, localized(QStringLiteral("update.installing")));
+    QVERIFY(content.showsProgress);
+    QVERIFY(!content.percent);
+    QVERIFY(content.buttons.empty());
+    QVERIFY(content.escapeAction == UpdateAction::close);
+}
+
+void UpdateWindowContentTest::restartNeeded()
+{
+    const UpdateWindowContent content = updateWindowContent(stateOf(UpdatePhase::restartNeeded));
+    QCOMPARE(content.text, QStringLiteral("Tickwise 1.2 is installed. Restart Tickwise to use it."));
+    QVERIFY((actionsOf(content) == Actions{UpdateAction::restart, UpdateAction::close}));
+    QVERIFY(!content.showsProgress);
+}
+
+void UpdateWindowContentTest::manualInstallation()
+{
+    UpdateState state = stateOf(UpdatePhase::manualInstallation);
+    state.packagePath = QStringLiteral("/home/me/.cache/updates/tickwise.deb");
+    const UpdateWindowContent content = updateWindowContent(state);
+    QVERIFY(content.text.contains(state.packagePath));
+    QVERIFY(actionsOf(content) == Actions{UpdateAction::close});
 }
 
 void UpdateWindowContentTest::upToDate()
@@ -128,6 +167,8 @@ void UpdateWindowContentTest::failed_data()
     using enum UpdateFailureKind;
     QTest::newRow("network") << network << QStringLiteral("update.error.network");
     QTest::newRow("feed") << feed << QStringLiteral("update.error.feed");
+    QTest::newRow("feed missing") << feedMissing << QStringLiteral("update.error.feedMissing");
+    QTest::newRow("package missing") << packageMissing << QStringLiteral("update.error.packageMissing");
     QTest::newRow("too large") << tooLarge << QStringLiteral("update.error.tooLarge");
     QTest::newRow("signature") << signature << QStringLiteral("update.error.signature");
     QTest::newRow("no signature") << noSignature << QStringLiteral("update.error.noSignature");

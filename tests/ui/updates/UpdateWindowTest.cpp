@@ -20,6 +20,7 @@ UpdateState stateOf(UpdatePhase phase)
     state.item = AppcastItem{QStringLiteral("1.2")};
     state.item->releaseNotes = QStringLiteral("\u2022 <b>Faster</b>\n\u2022 Smaller\n").repeated(20);
     state.percent = 42;
+    state.packagePath = QStringLiteral("/home/somebody/.cache/com.pelmo.tickwise/updates/tickwise_1.2_amd64.deb");
     state.failure = UpdateFailureKind::signature;
     return state;
 }
@@ -63,6 +64,8 @@ private Q_SLOTS:
     void notesAreReadOnly();
     void progressKeepsTheFocus();
     void aButtonMayChangeTheButtons();
+    void installingHasNoButtons();
+    void thePathCanBeCopied();
     void tabReachesEverything();
     void everythingHasAnAccessibleName();
     void fitsItsTexts_data();
@@ -86,6 +89,8 @@ void UpdateWindowTest::phases()
     QTest::newRow("available") << UpdatePhase::available;
     QTest::newRow("downloading") << UpdatePhase::downloading;
     QTest::newRow("ready") << UpdatePhase::ready;
+    QTest::newRow("restart needed") << UpdatePhase::restartNeeded;
+    QTest::newRow("manual installation") << UpdatePhase::manualInstallation;
     QTest::newRow("up to date") << UpdatePhase::upToDate;
     QTest::newRow("failed") << UpdatePhase::failed;
 }
@@ -216,6 +221,26 @@ void UpdateWindowTest::aButtonMayChangeTheButtons()
     QCOMPARE(buttonsOf(window).size(), 1);
     QCOMPARE(window.focusWidget(), buttonsOf(window).front());
     QVERIFY(buttonsOf(window).front()->isDefault());
+}
+
+void UpdateWindowTest::installingHasNoButtons()
+{
+    UpdateWindow window;
+    open(window, UpdatePhase::ready);
+    window.setContent(updateWindowContent(stateOf(UpdatePhase::installing)));
+    QVERIFY(buttonsOf(window).isEmpty());
+    QVERIFY(window.findChild<QProgressBar *>()->isVisible());
+    window.setContent(updateWindowContent(stateOf(UpdatePhase::restartNeeded)));
+    QCOMPARE(buttonsOf(window).size(), 2);
+}
+
+void UpdateWindowTest::thePathCanBeCopied()
+{
+    UpdateWindow window;
+    open(window, UpdatePhase::manualInstallation);
+    auto *text = window.findChild<QLabel *>(QStringLiteral("updateText"));
+    QVERIFY(text->text().contains(stateOf(UpdatePhase::manualInstallation).packagePath));
+    QVERIFY(text->textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
 }
 
 void UpdateWindowTest::tabReachesEverything()

@@ -28,6 +28,14 @@ QByteArray itemText(const Release &release, const AppcastItem &item)
 
 } // namespace
 
+Subscription PackageInstallerDouble::install(const QString &path, Completion<PackageInstallation> done)
+{
+    paths.append(path);
+    QFile file(path);
+    content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return deliverLater(result, std::move(done));
+}
+
 UpdateWorld::UpdateWorld()
     : m_server(std::make_unique<LoopbackHttpServer>(loopbackServerTls(LoopbackCertificate::valid), clock.clock(),
                                                     [this](const LoopbackRequest &request) { return answer(request); }))
@@ -47,6 +55,7 @@ UpdateWorld::~UpdateWorld()
 LoopbackAnswer UpdateWorld::answer(const LoopbackRequest &request)
 {
     m_requests.push_back(request.target);
+    m_lastRequest = request;
     const auto found = answers.find(request.target);
     if (found != answers.end())
         return found->second;
@@ -97,8 +106,7 @@ void UpdateWorld::start()
 {
     stop();
     controller = std::make_unique<UpdateController>();
-    UpdaterServices services{
-        http, clock.clock(), defaults, driver, [this] { return focused; }, [this](const QString &path) { open(path); }};
+    UpdaterServices services{http, clock.clock(), defaults, driver, [this] { return focused; }, installer};
     auto owned = std::make_unique<SparkleUpdaterBackend>(*controller, configuration, services);
     m_backend = owned.get();
     controller->attach(std::move(owned));
@@ -110,17 +118,14 @@ void UpdateWorld::stop()
     m_backend = nullptr;
 }
 
-void UpdateWorld::open(const QString &path)
-{
-    opened.append(path);
-    QFile file(path);
-    if (file.open(QIODevice::ReadOnly))
-        openedContent = file.readAll();
-}
-
 int UpdateWorld::requests(const QByteArray &path) const
 {
     return static_cast<int>(std::count(m_requests.begin(), m_requests.end(), path));
+}
+
+QByteArray UpdateWorld::headerOfLastRequest(const QByteArray &name) const
+{
+    return m_lastRequest.header(name).value_or(QByteArray());
 }
 
 QStringList UpdateWorld::downloads() const
@@ -130,6 +135,7 @@ QStringList UpdateWorld::downloads() const
                        QDirIterator::Subdirectories);
     while (found.hasNext())
         files.append(found.next());
+    files.removeAll(configuration.downloadDirectory + QStringLiteral("/.package"));
     return files;
 }
 

@@ -37,6 +37,19 @@ public:
     int dismissals = 0;
 };
 
+/// A system that answers later, with the result that it is given.
+class PackageInstallerDouble : public PackageInstaller
+{
+public:
+    Subscription install(const QString &path, Completion<PackageInstallation> done) override;
+    void restart() override { ++restarts; }
+
+    Result<PackageInstallation> result = PackageInstallation::opened;
+    QStringList paths;  ///< of the packages, in order
+    QByteArray content; ///< of the last one
+    int restarts = 0;
+};
+
 /// One item of a feed, as its publisher would sign it.
 struct Release
 {
@@ -72,8 +85,9 @@ public:
     SparkleUpdaterBackend &backend() const { return *m_backend; }
     /// How often a path was asked for.
     int requests(const QByteArray &path) const;
+    QByteArray headerOfLastRequest(const QByteArray &name) const;
     int feedRequests() const { return requests("/appcast.xml"); }
-    /// Everything below the download folder.
+    /// Everything below the download folder but the record of what is ours.
     QStringList downloads() const;
     UpdaterSettings stored() const;
     void store(const UpdaterSettings &settings);
@@ -83,17 +97,16 @@ public:
     SigningKey key;
     UserDriverDouble driver;
     bool focused = false;
-    QStringList opened;
-    QByteArray openedContent;
+    PackageInstallerDouble installer;
     UpdaterConfiguration configuration;
     NetworkHttpClient http{loopbackAuthorities()};
     std::unique_ptr<UpdateController> controller;
 
 private:
     LoopbackAnswer answer(const LoopbackRequest &request);
-    void open(const QString &path);
 
     std::vector<QByteArray> m_requests;
+    LoopbackRequest m_lastRequest;
     QTemporaryDir m_folder;
     std::unique_ptr<LoopbackHttpServer> m_server;
     SparkleUpdaterBackend *m_backend = nullptr;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "market/HttpClient.h"
-#include "ui/updates/AppcastItem.h"
 #include "ui/updates/UpdateState.h"
+#include "ui/updates/appcast/AppcastItem.h"
 
 #include <vector>
 

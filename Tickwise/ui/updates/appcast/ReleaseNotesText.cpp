@@ -1,4 +1,4 @@
-#include "ui/updates/ReleaseNotesText.h"
+#include "ui/updates/appcast/ReleaseNotesText.h"
 
 #include <QStringList>
 

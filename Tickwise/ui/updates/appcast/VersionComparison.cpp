@@ -1,4 +1,4 @@
-#include "ui/updates/VersionComparison.h"
+#include "ui/updates/appcast/VersionComparison.h"
 
 #include <algorithm>
 #include <vector>
@@ -40,12 +40,12 @@ std::vector<Part> partsOf(QStringView version)
     version = version.left(version.indexOf(u'+') < 0 ? version.size() : version.indexOf(u'+'));
     std::vector<Part> parts;
     for (qsizetype at = 0; at < version.size();) {
-        const auto sort = isDigit(version.at(at)) ? isDigit : isLetter;
+        const auto belongsToRun = isDigit(version.at(at)) ? isDigit : isLetter;
         qsizetype end = at;
-        while (end < version.size() && sort(version.at(end)))
+        while (end < version.size() && belongsToRun(version.at(end)))
             ++end;
         if (end > at)
-            parts.push_back(partOf(version.mid(at, end - at), sort == isDigit));
+            parts.push_back(partOf(version.mid(at, end - at), belongsToRun == isDigit));
         at = std::max(end, at + 1);
         while (at < version.size() && !isDigit(version.at(at)) && !isLetter(version.at(at)))
             ++at;

@@ -1,4 +1,4 @@
-#include "ui/updates/AppcastParser.h"
+#include "ui/updates/appcast/AppcastParser.h"
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;
@@ -39,6 +39,12 @@ class AppcastParserTest : public QObject
 private Q_SLOTS:
     void readsEveryField();
     void readsVersionsFromTheEnclosure();
+    void displayedVersions_data();
+    void displayedVersions();
+    void enclosures_data();
+    void enclosures();
+    void declaredEncodings_data();
+    void declaredEncodings();
     void keepsTheOrderOfTheDocument();
     void leavesOutItems_data();
     void leavesOutItems();
@@ -48,6 +54,8 @@ private Q_SLOTS:
     void allowsADoctypeInsideNotes();
     void readsUpToTheLimits();
     void survivesDeepNesting();
+    void refusesInTime_data();
+    void refusesInTime();
     void ignoresForeignNamespaces();
     void cutsLongNotes();
 };
@@ -70,7 +78,6 @@ void AppcastParserTest::readsEveryField()
                                QStringLiteral("12.4"),
                                QUrl(QStringLiteral("https://updates.test/tickwise_1.2_amd64.deb")),
                                1048576,
-                               QStringLiteral("application/vnd.debian.binary-package"),
                                "c2lnbmVk",
                                QStringLiteral("\u2022 Faster\n\u2022 A & B")};
     QCOMPARE(items->front(), expected);
@@ -88,6 +95,107 @@ void AppcastParserTest::readsVersionsFromTheEnclosure()
     QVERIFY(items->front().signature.isEmpty());
 }
 
+void AppcastParserTest::displayedVersions_data()
+{
+    QTest::addColumn<QByteArray>("shortVersion");
+    QTest::addColumn<QString>("displayed");
+    const auto row = [](const char *name, const QByteArray &shortVersion, const QString &displayed) {
+        QTest::newRow(name) << shortVersion << displayed;
+    };
+    const QString version = QStringLiteral("120");
+    row("none", "", version);
+    row("blanks only", "  ", version);
+    row("with blanks around it", " 1.2 beta ", QStringLiteral("1.2 beta"));
+    row("other scripts", "1.2 测试版", QStringLiteral("1.2 测试版"));
+    row("64 characters", repeated("1", 64), QString(64, u'1'));
+    row("64 characters beyond the basic plane", repeated("\xf0\x9f\x9a\x80", 64), QStringLiteral("🚀").repeated(64));
+    row("65 characters", repeated("1", 65), version);
+    row("3000 characters", repeated("1", 3000), version);
+    row("line end inside", "1.2\n3", version);
+    row("tab inside", "1.2\t3", version);
+    row("right-to-left override", "1.2\xe2\x80\xae", version);
+    row("line separator",
+        "1.2\xe2\x80\xa8"
+        "3",
+        version);
+    row("private character", "1.2\xee\x80\x80", version);
+}
+
+void AppcastParserTest::displayedVersions()
+{
+    QFETCH(QByteArray, shortVersion);
+    QFETCH(QString, displayed);
+    const auto items = parseAppcast(
+        feedOf(itemOf("120", "<sparkle:shortVersionString>" + shortVersion + "</sparkle:shortVersionString>")));
+    QVERIFY(items);
+    QCOMPARE(displayVersion(items->front()), displayed);
+}
+
+void AppcastParserTest::enclosures_data()
+{
+    QTest::addColumn<QStringList>("systems");
+    QTest::addColumn<int>("chosen"); // the enclosure's index
+    const auto row = [](const char *name, const QStringList &systems, int chosen) {
+        QTest::newRow(name) << systems << chosen;
+    };
+    const QString any;
+    const QString linux_ = QStringLiteral("linux");
+    const QString mac = QStringLiteral("macos");
+    row("one for any", {any}, 0);
+    row("one for Linux", {linux_}, 0);
+    row("Linux written otherwise", {QStringLiteral(" Linux ")}, 0);
+    row("Linux among others", {mac, linux_, QStringLiteral("windows")}, 1);
+    row("Linux before any", {linux_, any}, 0);
+    row("Linux after any", {any, linux_}, 1);
+    row("any after another system", {mac, any}, 1);
+    row("the first of several", {any, any}, 0);
+    row("the first of several for Linux", {mac, linux_, linux_}, 1);
+}
+
+void AppcastParserTest::enclosures()
+{
+    QFETCH(QStringList, systems);
+    QFETCH(int, chosen);
+    QByteArray item;
+    for (qsizetype i = 0; i < systems.size(); ++i) {
+        const QByteArray number = QByteArray::number(i);
+        item += "<enclosure url=\"https://updates.test/" + number + "\" length=\"1" + number + "\" sparkle:os=\"" +
+                systems[i].toUtf8() + "\" sparkle:version=\"1." + number + "\" sparkle:edSignature=\"" + number +
+                "\"/>";
+    }
+    const auto items = parseAppcast(feedOf("<item>" + item + "</item>"));
+    QVERIFY(items);
+    QCOMPARE(items->size(), std::size_t(1));
+    const QString number = QString::number(chosen);
+    QCOMPARE(items->front().url.path(), QString(u'/' + number));
+    QCOMPARE(items->front().version, QString(QStringLiteral("1.") + number));
+    QCOMPARE(items->front().length, 10 + chosen);
+    QCOMPARE(items->front().signature, number.toLatin1());
+}
+
+void AppcastParserTest::declaredEncodings_data()
+{
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("none") << QByteArray("<?xml version=\"1.0\"?>") << true;
+    QTest::newRow("no declaration") << QByteArray() << true;
+    QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"UTF-8\"?>") << true;
+    QTest::newRow("UTF-8") << QByteArray("<?xml version=\"1.0\" encoding='UTF-8'?>") << true;
+    for (const char *name : {"UTF-7", "UTF-16", "UTF-32", "ISO-8859-1", "US-ASCII", "GB18030", "IBM037", "nonsense"})
+        QTest::newRow(name) << QByteArray("<?xml version=\"1.0\" encoding=\"") + name + "\"?>" << false;
+}
+
+void AppcastParserTest::declaredEncodings()
+{
+    QFETCH(QByteArray, start);
+    QFETCH(bool, accepted);
+    const QByteArray feed = feedOf(itemOf("1.0", "<description>\xe2\x82\xac</description>"));
+    const auto items = parseAppcast(start + feed.mid(feed.indexOf("<rss")));
+    QCOMPARE(items.has_value(), accepted);
+    if (accepted)
+        QCOMPARE(items->front().releaseNotes, QStringLiteral("\u20ac"));
+}
+
 void AppcastParserTest::keepsTheOrderOfTheDocument()
 {
     const auto items = parseAppcast(feedOf(itemOf("1.1") + itemOf("1.3") + itemOf("1.2")));
@@ -102,6 +210,13 @@ void AppcastParserTest::leavesOutItems_data()
     QTest::addColumn<QByteArray>("item");
     QTest::newRow("without a version") << QByteArray("<item><enclosure url=\"https://updates.test/a\"/></item>");
     QTest::newRow("without an enclosure") << QByteArray("<item><sparkle:version>2</sparkle:version></item>");
+    QTest::newRow("for another system") << QByteArray(
+        "<item><sparkle:version>2</sparkle:version><enclosure url=\"https://updates.test/a.dmg\""
+        " sparkle:os=\"macos\"/></item>");
+    QTest::newRow("another system behind http")
+        << QByteArray("<item><sparkle:version>2</sparkle:version><enclosure url=\"http://updates.test/a.exe\""
+                      " sparkle:os=\"windows\"/></item>");
+    QTest::newRow("of a channel") << itemOf("2", "<sparkle:channel> beta </sparkle:channel>");
     QTest::newRow("version that is none") << itemOf("newest");
     QTest::newRow("version with markup") << itemOf("1.0&lt;b&gt;");
     QTest::newRow("version of 65 characters") << itemOf(repeated("1", 65));
@@ -137,8 +252,8 @@ void AppcastParserTest::refuses_data()
     row("cut off", good.left(good.size() / 2));
     row("something after the end", good + "<rss/>");
     row("unbalanced", "<rss><channel></rss>");
-    row("not UTF-8", feedOf(itemOf("1.0", "<description>\xff\xfe</description>")));
-    row("UTF-16", QByteArray("<\0r\0s\0s\0/\0>\0", 12), "eight-bit");
+    row("not UTF-8", feedOf(itemOf("1.0", "<description>\xff\xfe</description>")), "UTF-8");
+    row("UTF-16", QByteArray("<\0r\0s\0s\0/\0>\0", 12), "UTF-8");
     row("one byte more than 1 MiB", good + QByteArray(maximumAppcastBytes - good.size() + 1, ' '), "1 MiB");
     row("too many items", feedOf(repeated(itemOf("1.0"), int(maximumAppcastItems) + 1)), "too many items");
     row("document type", "<!DOCTYPE rss>" + good.mid(good.indexOf("<rss")), "document type");
@@ -146,6 +261,8 @@ void AppcastParserTest::refuses_data()
         "document type");
     row("document type after a byte order mark", "\xef\xbb\xbf<!DOCTYPE rss [<!ENTITY a \"b\">]><rss/>",
         "document type");
+    row("document type after the root", good + "<!DOCTYPE rss [<!ENTITY a \"b\">]>", "document type");
+    row("a tag of 16 KiB and a byte", feedOf("<a b=\"" + repeated("c", 16 * 1024 - 7) + "\"/>"), "16 KiB");
     row("undeclared entity", feedOf(itemOf("1.0", "<description>&lol;</description>")));
     row("package behind http", withPackage("http://updates.test/a.deb"), "https");
     row("package in a file", withPackage("file:///etc/passwd"), "https");
@@ -212,6 +329,38 @@ void AppcastParserTest::survivesDeepNesting()
         QCOMPARE(items->size(), std::size_t(1));
     }
     QVERIFY(!refusalOf(repeated("<a>", 300000)).isEmpty());
+}
+
+void AppcastParserTest::refusesInTime_data()
+{
+    QTest::addColumn<QByteArray>("feed");
+    QByteArray attributes;
+    for (int i = 0; i < 105000; ++i)
+        attributes += " a" + QByteArray::number(i) + "=''";
+    QTest::newRow("105,000 attributes") << feedOf("<a" + attributes + "/>");
+    QByteArray manyTags;
+    for (int i = 0; i < 60; ++i)
+        manyTags += "<a" + attributes.first(attributes.indexOf(" a2000=")) + "/>";
+    QTest::newRow("2,000 attributes in each tag") << feedOf(manyTags);
+    QByteArray namespaces;
+    for (int i = 0; i < 30000; ++i)
+        namespaces += "<n" + QByteArray::number(i) + " xmlns:n" + QByteArray::number(i) + "='u'>";
+    QTest::newRow("30,000 namespaces") << feedOf("<item xmlns:z='z'>" + namespaces + repeated("<z:a/>", 20000));
+    QByteArray entities = "+ADwAIQ-DOCTYPE rss [+ADwAIQ-ENTITY a0 +ACI-lol+ACIAPg-";
+    for (int i = 1; i < 30; ++i) {
+        const QByteArray before = "+ACY-a" + QByteArray::number(i - 1) + "+ADs-";
+        entities += "+ADwAIQ-ENTITY a" + QByteArray::number(i) + " +ACI-" + repeated(before, 10) + "+ACIAPg-";
+    }
+    QTest::newRow("entities in UTF-7") << "<?xml version=\"1.0\" encoding=\"UTF-7\"?>" + entities +
+                                              "]+AD4-<rss>+ACY-a29+ADs-</rss>";
+}
+
+// The test's own time limit is what a feed that is read slowly exceeds.
+void AppcastParserTest::refusesInTime()
+{
+    QFETCH(QByteArray, feed);
+    QVERIFY(feed.size() <= maximumAppcastBytes + 1024 * 1024);
+    QVERIFY(!refusalOf(feed.first(std::min<qsizetype>(feed.size(), maximumAppcastBytes))).isEmpty());
 }
 
 void AppcastParserTest::ignoresForeignNamespaces()

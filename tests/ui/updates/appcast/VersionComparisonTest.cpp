@@ -1,4 +1,4 @@
-#include "ui/updates/VersionComparison.h"
+#include "ui/updates/appcast/VersionComparison.h"
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

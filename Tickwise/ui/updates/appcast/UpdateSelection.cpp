@@ -1,17 +1,17 @@
-#include "ui/updates/UpdateSelection.h"
+#include "ui/updates/appcast/UpdateSelection.h"
 
-#include "ui/updates/VersionComparison.h"
+#include "ui/updates/appcast/VersionComparison.h"
 
 namespace tickwise {
 
 namespace {
 
-constexpr std::chrono::hours rollbackMemory{14 * 24};
-
 bool meetsSystem(const AppcastItem &item, const QString &systemVersion)
 {
-    return item.minimumSystemVersion.isEmpty() || !isVersion(systemVersion) ||
-           std::is_gteq(compareVersions(systemVersion, item.minimumSystemVersion));
+    if (item.minimumSystemVersion.isEmpty())
+        return true;
+    return isVersion(item.minimumSystemVersion) &&
+           (!isVersion(systemVersion) || std::is_gteq(compareVersions(systemVersion, item.minimumSystemVersion)));
 }
 
 const AppcastItem *newer(const AppcastItem *best, const AppcastItem &item)
@@ -42,22 +42,8 @@ UpdateSelection selectUpdate(const std::vector<AppcastItem> &items, const Update
     if (!best)
         return {needsNewerSystem ? UpdateOutcome::noUpdateForSystem : UpdateOutcome::upToDate, std::nullopt};
     if (isSkipped(*best, query))
-        return {UpdateOutcome::skipped, std::nullopt};
+        return {UpdateOutcome::upToDate, std::nullopt};
     return {UpdateOutcome::found, *best};
-}
-
-QString newestVersion(const std::vector<AppcastItem> &items)
-{
-    const AppcastItem *best = nullptr;
-    for (const AppcastItem &item : items)
-        best = newer(best, item);
-    return best ? best->version : QString();
-}
-
-bool isRolledBack(const QString &newest, const std::optional<SeenVersion> &seen, TimePoint now)
-{
-    return seen && seen->at <= now && now - seen->at < rollbackMemory &&
-           std::is_lt(compareVersions(newest, seen->version));
 }
 
 } // namespace tickwise

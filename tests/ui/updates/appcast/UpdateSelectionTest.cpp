@@ -1,10 +1,7 @@
-#include "ui/updates/UpdateSelection.h"
+#include "ui/updates/appcast/UpdateSelection.h"
 #include "doubles/TestProgram.h"
 
-#include "doubles/TestClock.h"
-
 using namespace tickwise;
-using namespace tickwise::test;
 
 Q_DECLARE_METATYPE(tickwise::UpdateOutcome)
 
@@ -32,9 +29,6 @@ class UpdateSelectionTest : public QObject
 private Q_SLOTS:
     void selects_data();
     void selects();
-    void newest();
-    void rollBack_data();
-    void rollBack();
 };
 
 void UpdateSelectionTest::selects_data()
@@ -67,10 +61,13 @@ void UpdateSelectionTest::selects_data()
     row("old ones for newer systems do not count", "0.9@13", "12", "", true, upToDate);
     row("no system version", "1.1@13", "", "", false, found, "1.1");
     row("unknown system version", "1.1@13", "unknown", "", false, found, "1.1");
-    row("skipped", "1.1", "12", "1.1", false, skipped);
+    row("minimum that is no version", "1.1@Bookworm", "12", "", true, noUpdateForSystem);
+    row("minimum that is no version, unknown system", "1.1@new", "", "", true, noUpdateForSystem);
+    row("other items count on", "1.2@new 1.1", "12", "", false, found, "1.1");
+    row("skipped", "1.1", "12", "1.1", false, upToDate);
     row("skipped, but asked for", "1.1", "12", "1.1", true, found, "1.1");
     row("newer than the skipped one", "1.2 1.1", "12", "1.1", false, found, "1.2");
-    row("older than the skipped one", "1.1", "12", "1.2", false, skipped);
+    row("older than the skipped one", "1.1", "12", "1.2", false, upToDate);
     row("skipped one no longer newer", "1.0", "12", "1.0", false, upToDate);
 }
 
@@ -87,44 +84,6 @@ void UpdateSelectionTest::selects()
     QCOMPARE(selection.outcome, outcome);
     QCOMPARE(selection.item.has_value(), outcome == UpdateOutcome::found);
     QCOMPARE(selection.item ? selection.item->version : QString(), version);
-}
-
-void UpdateSelectionTest::newest()
-{
-    QCOMPARE(newestVersion({}), QString());
-    QCOMPARE(newestVersion(itemsOf(QStringLiteral("1.9 1.10@99 1.2"))), QStringLiteral("1.10"));
-}
-
-void UpdateSelectionTest::rollBack_data()
-{
-    QTest::addColumn<QString>("newest");
-    QTest::addColumn<QString>("seen");
-    QTest::addColumn<double>("daysAgo");
-    QTest::addColumn<bool>("expected");
-    const auto row = [](const char *name, const char *newest, const char *seen, double daysAgo, bool expected) {
-        QTest::newRow(name) << QString::fromLatin1(newest) << QString::fromLatin1(seen) << daysAgo << expected;
-    };
-    row("nothing seen", "1.0", "", 1, false);
-    row("newer", "1.2", "1.1", 1, false);
-    row("same", "1.1", "1.1", 1, false);
-    row("older", "1.0", "1.1", 1, true);
-    row("emptied feed", "", "1.1", 1, true);
-    row("older, just within two weeks", "1.0", "1.1", 13.99, true);
-    row("older, two weeks later", "1.0", "1.1", 14, false);
-    row("seen in the future", "1.0", "1.1", -1, false);
-}
-
-void UpdateSelectionTest::rollBack()
-{
-    QFETCH(QString, newest);
-    QFETCH(QString, seen);
-    QFETCH(double, daysAgo);
-    QFETCH(bool, expected);
-    const TimePoint now = TestClock().now();
-    std::optional<SeenVersion> memory;
-    if (!seen.isEmpty())
-        memory = SeenVersion{seen, now - secondsDuration(daysAgo * 86400)};
-    QCOMPARE(isRolledBack(newest, memory, now), expected);
 }
 
 TICKWISE_TEST(UpdateSelectionTest)

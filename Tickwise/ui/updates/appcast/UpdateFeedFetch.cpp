@@ -1,6 +1,6 @@
-#include "ui/updates/UpdateFeedFetch.h"
+#include "ui/updates/appcast/UpdateFeedFetch.h"
 
-#include "ui/updates/AppcastParser.h"
+#include "ui/updates/appcast/AppcastParser.h"
 
 namespace tickwise {
 
