@@ -1,7 +1,7 @@
-#include "ui/updates/AppcastParser.h"
-#include "ui/updates/ReleaseNotesText.h"
-#include "ui/updates/UpdateSelection.h"
-#include "ui/updates/VersionComparison.h"
+#include "ui/updates/appcast/AppcastParser.h"
+#include "ui/updates/appcast/ReleaseNotesText.h"
+#include "ui/updates/appcast/UpdateSelection.h"
+#include "ui/updates/appcast/VersionComparison.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -22,6 +22,7 @@ void checkItem(const AppcastItem &item)
     require(isVersion(item.version));
     require(item.url.scheme() == QStringLiteral("https") && !item.url.host().isEmpty());
     require(item.length >= 0);
+    require(item.shortVersion.toUcs4().size() <= 64);
     require(item.releaseNotes.size() <= maximumReleaseNotesLength);
     require(compareVersions(item.version, item.version) == 0);
 }
