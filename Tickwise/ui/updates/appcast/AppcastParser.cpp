@@ -4,6 +4,7 @@
 #include "ui/updates/appcast/ReleaseNotesText.h"
 #include "ui/updates/appcast/VersionComparison.h"
 
+#include <QRegularExpression>
 #include <QXmlStreamReader>
 
 #include <algorithm>
@@ -86,7 +87,6 @@ public:
 
     Result<std::vector<AppcastItem>> read()
     {
-        readDeclaration();
         if (m_xml.readNextStartElement())
             readRss();
         while (!m_xml.atEnd())
@@ -99,14 +99,6 @@ public:
 private:
     bool isSparkle() const { return m_xml.namespaceUri() == sparkleNamespace(); }
     bool isPlain(QStringView name) const { return m_xml.namespaceUri().isEmpty() && m_xml.name() == name; }
-
-    void readDeclaration()
-    {
-        m_xml.readNext(); // the reader forgets the declaration with the next token
-        const QStringView encoding = m_xml.documentEncoding();
-        if (!encoding.isEmpty() && encoding.compare(QLatin1StringView("utf-8"), Qt::CaseInsensitive) != 0)
-            m_xml.raiseError(QStringLiteral("the feed declares another encoding than UTF-8"));
-    }
 
     void readRss()
     {
@@ -210,6 +202,15 @@ private:
     std::vector<AppcastItem> m_items;
 };
 
+/// Whether the XML declaration names another encoding than UTF-8.
+bool declaresOtherEncoding(const QString &text)
+{
+    static const QRegularExpression declaration(
+        QStringLiteral("^<\\?xml\\s[^>]*\\bencoding\\s*=\\s*[\"'](?!utf-8[\"'])"),
+        QRegularExpression::CaseInsensitiveOption);
+    return declaration.match(text).hasMatch();
+}
+
 Error refusal(const QString &text)
 {
     return DecodingError{text, std::nullopt};
@@ -227,7 +228,10 @@ Result<std::vector<AppcastItem>> parseAppcast(const QByteArray &bytes)
     if (const std::optional<QString> refused = appcastMarkupRefusal(bytes))
         return failure(refusal(*refused));
     const qsizetype byteOrderMark = bytes.startsWith("\xef\xbb\xbf") ? 3 : 0;
-    return FeedReader(QString::fromUtf8(QByteArrayView(bytes).sliced(byteOrderMark))).read();
+    const QString text = QString::fromUtf8(QByteArrayView(bytes).sliced(byteOrderMark));
+    if (declaresOtherEncoding(text))
+        return failure(refusal(QStringLiteral("the feed declares another encoding than UTF-8")));
+    return FeedReader(text).read();
 }
 
 } // namespace tickwise
