@@ -154,6 +154,19 @@ class UpdateTest(unittest.TestCase):
             application.set_price("BTC", 50000)
             application.wait_for_content(text="BTC 50,000")
 
+    def test_package_that_nothing_opens_is_shown(self):
+        with X11Session(None, notifications=None) as desktop:
+            application = self.start(desktop, "signedUpdate 9.1")
+            self.install(application)
+            application.wait_for_window_text(ENGLISH.text("update.ready"))
+            self.press(application, "update.install")
+            cache = os.path.join(desktop.environment["XDG_CACHE_HOME"], IDENTIFIER, "updates")
+            package = os.path.join(cache, "tickwise_amd64.deb")
+            application.wait_for_window_text(ENGLISH.text("update.installManually", package))
+            self.press(application, "update.close")
+            desktop.wait_for(lambda: application.windows() == [], what="the window's end")
+            self.assertTrue(os.path.exists(package), "the package is gone")
+
     def check_refused(self, update, key):
         with X11Session(None, notifications=None) as desktop:
             application = self.start(desktop, update)

@@ -2,12 +2,11 @@
 
 #include "platform/session/BackgroundRequest.h"
 #include "platform/session/RunningProgram.h"
+#include "support/files/BaseDirectory.h"
+#include "support/files/WholeFile.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
-#include <QStandardPaths>
 
 namespace tickwise {
 
@@ -93,7 +92,7 @@ void AutostartLoginItem::setRegistered(bool registered, Completion<void> done)
 
 QString AutostartLoginItem::defaultDirectory()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/autostart");
+    return baseDirectory(QStandardPaths::GenericConfigLocation) + QStringLiteral("/autostart");
 }
 
 Result<void> AutostartLoginItem::write() const
@@ -102,15 +101,9 @@ Result<void> AutostartLoginItem::write() const
     const QMap<QByteArray, QByteArray> earlier = entry();
     if (earlier.value("Exec") == exec)
         return {};
-    if (!earlier.isEmpty() && !earlier.contains(markerKey))
+    if (QFile::exists(path()) && !earlier.contains(markerKey))
         return failure(FileError{path(), QStringLiteral("is another program's entry")});
-    if (!QDir().mkpath(m_directory))
-        return failure(FileError{m_directory, QStringLiteral("cannot be created")});
-    QSaveFile file(path());
-    const QByteArray text = entryText(m_applicationId.toUtf8(), exec, earlier);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
-        return failure(FileError{path(), file.errorString()});
-    return {};
+    return writeWholeFile(path(), entryText(m_applicationId.toUtf8(), exec, earlier));
 }
 
 Result<void> AutostartLoginItem::remove() const

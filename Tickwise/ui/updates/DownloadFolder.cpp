@@ -1,8 +1,9 @@
 #include "ui/updates/DownloadFolder.h"
 
+#include "support/files/WholeFile.h"
+
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -11,11 +12,6 @@ namespace tickwise {
 namespace {
 
 constexpr qsizetype maximumNameLength = 120;
-
-tl::unexpected<Error> folderFailure(const QString &path, const char *text)
-{
-    return failure(FileError{path, QString::fromLatin1(text)});
-}
 
 } // namespace
 
@@ -32,34 +28,29 @@ bool isPackageFileName(const QString &name)
 Result<void> DownloadFolder::prepare() const
 {
     if (QFileInfo(m_path).isSymLink())
-        return folderFailure(m_path, "is a symbolic link");
+        return failure(FileError{m_path, QStringLiteral("is a symbolic link")});
     clear();
-    const auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
-    if (!QDir().mkpath(m_path) || !QFile::setPermissions(m_path, ownerOnly))
-        return folderFailure(m_path, "cannot be created for the user alone");
-    return {};
+    return makeFolder(m_path).and_then([this]() -> Result<void> {
+        // It may have stayed, with files of others in it.
+        if (QFile::setPermissions(m_path, ownerOnly | QFile::ExeOwner))
+            return {};
+        return failure(FileError{m_path, QStringLiteral("cannot be kept for the user alone")});
+    });
 }
 
 Result<void> DownloadFolder::recordPackage(const QString &name) const
 {
-    QSaveFile record(recordPath());
-    const QByteArray text = name.toUtf8();
-    if (!record.open(QIODevice::WriteOnly) || record.write(text) != text.size() || !record.commit())
-        return failure(FileError{recordPath(), record.errorString()});
-    return {};
+    return writeWholeFile(recordPath(), name.toUtf8());
 }
 
 void DownloadFolder::clear() const
 {
     if (QFileInfo(m_path).isSymLink())
         return;
-    QFile record(recordPath());
-    if (record.open(QIODevice::ReadOnly)) {
-        const QString name = QString::fromUtf8(record.read(maximumNameLength + 1));
-        if (isPackageFileName(name))
-            QFile::remove(packagePath(name));
-        record.remove();
-    }
+    const QString recorded = QString::fromUtf8(readWholeFile(recordPath(), maximumNameLength).value_or(QByteArray()));
+    if (isPackageFileName(recorded))
+        QFile::remove(packagePath(recorded));
+    QFile::remove(recordPath());
     QFile::remove(partialPath());
     QDir().rmdir(m_path);
 }

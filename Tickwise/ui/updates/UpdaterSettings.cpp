@@ -1,19 +1,14 @@
 #include "ui/updates/UpdaterSettings.h"
 
 #include "support/LogCategories.h"
+#include "support/json/JsonReader.h"
 #include "ui/updates/appcast/VersionComparison.h"
-
-#include <nlohmann/json.hpp>
-
-#include <cmath>
 
 namespace tickwise {
 
 namespace {
 
 Q_LOGGING_CATEGORY(lcUpdates, "com.pelmo.tickwise.Updates")
-
-using Json = nlohmann::ordered_json;
 
 constexpr char automaticallyChecksField[] = "automaticallyChecks";
 constexpr char lastCheckField[] = "lastCheck";
@@ -26,30 +21,11 @@ QString storageKey()
     return QStringLiteral("updater");
 }
 
-bool boolean(const Json &document, const char *field, bool otherwise)
+std::optional<TimePoint> instant(std::optional<double> seconds)
 {
-    const auto found = document.find(field);
-    return found != document.end() && found->is_boolean() ? found->get<bool>() : otherwise;
-}
-
-QString version(const Json &document, const char *field)
-{
-    const auto found = document.find(field);
-    if (found == document.end() || !found->is_string())
-        return {};
-    const QString text = QString::fromStdString(found->get_ref<const std::string &>());
-    return isVersion(text) ? text : QString();
-}
-
-std::optional<TimePoint> instant(const Json &document, const char *field)
-{
-    const auto found = document.find(field);
-    if (found == document.end() || !found->is_number())
+    if (!seconds || *seconds < 0 || *seconds > latestInstant)
         return std::nullopt;
-    const double seconds = found->get<double>();
-    if (!std::isfinite(seconds) || seconds < 0 || seconds > latestInstant)
-        return std::nullopt;
-    return TimePoint(secondsDuration(seconds));
+    return TimePoint(secondsDuration(*seconds));
 }
 
 double secondsOf(TimePoint instant)
@@ -62,24 +38,27 @@ double secondsOf(TimePoint instant)
 UpdaterSettings decodeUpdaterSettings(const QByteArray &json)
 {
     UpdaterSettings settings;
-    const Json document = Json::parse(json.begin(), json.end(), nullptr, false);
-    if (!document.is_object())
+    const Result<JsonValue> document = parseJson(json);
+    if (!document)
         return settings;
-    settings.automaticallyChecks = boolean(document, automaticallyChecksField, settings.automaticallyChecks);
-    settings.lastCheck = instant(document, lastCheckField);
-    settings.skippedVersion = version(document, skippedVersionField);
+    const JsonReader reader(*document);
+    settings.automaticallyChecks = reader.valueOr(automaticallyChecksField, settings.automaticallyChecks);
+    settings.lastCheck = instant(reader.ifDecodable<double>(lastCheckField));
+    const auto skipped = reader.ifDecodable<QString>(skippedVersionField);
+    if (skipped && isVersion(*skipped))
+        settings.skippedVersion = *skipped;
     return settings;
 }
 
-QByteArray encodeUpdaterSettings(const UpdaterSettings &settings)
+Result<QByteArray> encodeUpdaterSettings(const UpdaterSettings &settings)
 {
-    Json document = Json::object();
+    JsonDocument document = JsonDocument::object();
     document[automaticallyChecksField] = settings.automaticallyChecks;
     if (settings.lastCheck)
         document[lastCheckField] = secondsOf(*settings.lastCheck);
     if (!settings.skippedVersion.isEmpty())
-        document[skippedVersionField] = settings.skippedVersion.toStdString();
-    return QByteArray::fromStdString(document.dump());
+        document[skippedVersionField] = utf8(settings.skippedVersion);
+    return encodeJson(document);
 }
 
 UpdaterSettingsStore::UpdaterSettingsStore(SettingsDataStorage &storage)
@@ -91,7 +70,8 @@ UpdaterSettingsStore::UpdaterSettingsStore(SettingsDataStorage &storage)
 void UpdaterSettingsStore::update(const UpdaterSettings &settings)
 {
     m_settings = settings;
-    const Result<void> stored = m_storage.setData(storageKey(), encodeUpdaterSettings(settings));
+    const Result<void> stored = encodeUpdaterSettings(settings).and_then(
+        [this](const QByteArray &json) { return m_storage.setData(storageKey(), json); });
     if (!stored)
         qCWarning(lcUpdates).noquote() << "Failed to store the updater's settings:" << description(stored.error());
 }

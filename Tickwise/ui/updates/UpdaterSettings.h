@@ -20,7 +20,7 @@ struct UpdaterSettings
 
 /// Decodes field by field: what is missing or wrong is its default.
 UpdaterSettings decodeUpdaterSettings(const QByteArray &json);
-QByteArray encodeUpdaterSettings(const UpdaterSettings &settings);
+Result<QByteArray> encodeUpdaterSettings(const UpdaterSettings &settings);
 
 /// Keeps the record as one JSON document under the key "updater".
 class UpdaterSettingsStore

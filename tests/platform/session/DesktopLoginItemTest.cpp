@@ -298,6 +298,8 @@ void DesktopLoginItemTest::entriesThatAreNotOurs_data()
     const QByteArray entry = "[Desktop Entry]\nType=Application\nName=Mine\n";
     QTest::newRow("other program") << QByteArray(entry + "Exec=/usr/bin/other\n") << false;
     QTest::newRow("our program") << QByteArray(entry + "Exec=\"/usr/bin/tickwise\"\n") << true;
+    QTest::newRow("no entry") << QByteArray("hello\n") << false;
+    QTest::newRow("empty file") << QByteArray() << false;
     QTest::newRow("mark in another group")
         << QByteArray(entry + "Exec=x\n[Desktop Action a]\nX-Tickwise-LoginItem=true\n") << false;
     QTest::newRow("mark in a comment") << QByteArray(entry + "Exec=x\n#X-Tickwise-LoginItem=true\n") << false;

@@ -138,7 +138,7 @@ void DownloadFolderTest::partialsAreNoPackages()
 void DownloadFolderTest::failures()
 {
     QVERIFY(!DownloadFolder(QStringLiteral("/dev/null/updates")).prepare());
-    QVERIFY(!DownloadFolder(m_path).recordPackage(QStringLiteral("tickwise.deb")));
+    QVERIFY(!DownloadFolder(QStringLiteral("/dev/null/updates")).recordPackage(QStringLiteral("tickwise.deb")));
 }
 
 TICKWISE_TEST(DownloadFolderTest)

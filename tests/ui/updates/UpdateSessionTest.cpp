@@ -53,39 +53,12 @@ private Q_SLOTS:
     void withdrawnReleases();
     void withdrawnBeforeTheDownload();
     void replacedBeforeTheDownload();
-    void tamperedBeforeTheInstallation();
-    void installationEndsByItself();
-    void packagesThatNothingOpens();
-    void anInstalledVersionNeedsARestart();
     void cancelledChecks();
     void cancelledDownloads();
     void quittingDuringADownload();
-    void laterRemovesThePackage();
-    void openedPackagesStay();
     void skippedVersionsAreRemembered();
     void askingForASkippedVersion();
-
-private:
-    static void checkUntil(UpdateWorld &world, UpdatePhase phase);
-    static void downloadUntil(UpdateWorld &world, UpdatePhase phase);
 };
-
-void UpdateSessionTest::checkUntil(UpdateWorld &world, UpdatePhase phase)
-{
-    UpdaterSettings settings = world.stored();
-    settings.automaticallyChecks = false;
-    world.store(settings);
-    world.start();
-    world.controller->checkForUpdates();
-    QTRY_COMPARE(world.driver.phase(), std::optional(phase));
-}
-
-void UpdateSessionTest::downloadUntil(UpdateWorld &world, UpdatePhase phase)
-{
-    checkUntil(world, available);
-    world.driver.choose(UpdateAction::download);
-    QTRY_COMPARE(world.driver.phase(), std::optional(phase));
-}
 
 void UpdateSessionTest::fromTheCheckToTheOpenedPackage()
 {
@@ -332,77 +305,6 @@ void UpdateSessionTest::replacedBeforeTheDownload()
     QTRY_COMPARE(world.driver.phase(), std::optional(ready));
 }
 
-void UpdateSessionTest::tamperedBeforeTheInstallation()
-{
-    UpdateWorld world;
-    world.publish({{}});
-    downloadUntil(world, ready);
-    QFile package(world.downloads().front());
-    QVERIFY(package.open(QIODevice::ReadWrite));
-    QCOMPARE(package.write("X"), 1);
-    package.close();
-    world.driver.choose(UpdateAction::install);
-    QTRY_COMPARE(world.driver.failure(), std::optional(UpdateFailureKind::signature));
-    QVERIFY(world.installer.paths.isEmpty());
-    QCOMPARE(world.downloads(), QStringList());
-}
-
-void UpdateSessionTest::installationEndsByItself()
-{
-    UpdateWorld world;
-    world.publish({{}});
-    downloadUntil(world, ready);
-    world.driver.choose(UpdateAction::install);
-    QVERIFY(!world.controller->canCheckForUpdates());
-    world.driver.choose(UpdateAction::close);
-    QCOMPARE(world.driver.dismissals, 0);
-    QTRY_COMPARE(world.driver.dismissals, 1);
-    QCOMPARE(world.installer.paths.size(), 1);
-}
-
-void UpdateSessionTest::packagesThatNothingOpens()
-{
-    UpdateWorld world;
-    world.installer.result = failure(DesktopServiceError{DesktopServiceError::Kind::noService, QString()});
-    world.publish({{}});
-    downloadUntil(world, ready);
-    const LogCapture log;
-    world.driver.choose(UpdateAction::install);
-    QTRY_COMPARE(world.driver.phase(), std::optional(manualInstallation));
-    QCOMPARE(world.driver.states.back().packagePath, world.installer.paths.front());
-    QCOMPARE(log.texts(category()).size(), 1);
-    QVERIFY(world.controller->canCheckForUpdates());
-    world.controller->checkForUpdates();
-    QCOMPARE(world.driver.phase(), std::optional(manualInstallation));
-    world.driver.choose(UpdateAction::close);
-    QCOMPARE(world.driver.dismissals, 1);
-    QCOMPARE(world.downloads(), world.installer.paths);
-}
-
-void UpdateSessionTest::anInstalledVersionNeedsARestart()
-{
-    UpdateWorld world;
-    world.installer.result = PackageInstallation::replaced;
-    world.publish({{}});
-    downloadUntil(world, ready);
-    world.driver.choose(UpdateAction::install);
-    QTRY_COMPARE(world.driver.phase(), std::optional(restartNeeded));
-    QCOMPARE(world.downloads(), QStringList());
-    world.driver.choose(UpdateAction::close);
-    QCOMPARE(world.installer.restarts, 0);
-    world.controller->checkForUpdates();
-    QTRY_COMPARE(world.driver.phase(), std::optional(restartNeeded));
-    world.driver.choose(UpdateAction::restart);
-    QCOMPARE(world.installer.restarts, 1);
-    QCOMPARE(world.driver.dismissals, 2);
-    world.controller->setAutomaticallyChecksForUpdates(true);
-    world.clock.advance(86400);
-    world.backend().reconsiderSchedule();
-    QTRY_VERIFY(world.stored().lastCheck == world.clock.now());
-    QVERIFY(!world.controller->updateAvailable());
-    QCOMPARE(world.driver.dismissals, 3);
-}
-
 void UpdateSessionTest::cancelledChecks()
 {
     UpdateWorld world;
@@ -440,29 +342,6 @@ void UpdateSessionTest::quittingDuringADownload()
     downloadUntil(world, downloading);
     QTRY_COMPARE(world.downloads().size(), 1);
     world.stop();
-    QCOMPARE(world.downloads(), QStringList());
-}
-
-void UpdateSessionTest::laterRemovesThePackage()
-{
-    UpdateWorld world;
-    world.publish({{}});
-    downloadUntil(world, ready);
-    QCOMPARE(world.downloads().size(), 1);
-    world.driver.choose(UpdateAction::remindLater);
-    QCOMPARE(world.downloads(), QStringList());
-    QVERIFY(world.installer.paths.isEmpty());
-}
-
-void UpdateSessionTest::openedPackagesStay()
-{
-    UpdateWorld world;
-    world.publish({{}});
-    downloadUntil(world, ready);
-    world.driver.choose(UpdateAction::install);
-    QTRY_COMPARE(world.driver.dismissals, 1);
-    QCOMPARE(world.downloads(), world.installer.paths);
-    world.start();
     QCOMPARE(world.downloads(), QStringList());
 }
 

@@ -2,6 +2,7 @@
 
 #include <QDirIterator>
 #include <QFile>
+#include <QTest>
 
 #include <algorithm>
 
@@ -146,7 +147,24 @@ UpdaterSettings UpdateWorld::stored() const
 
 void UpdateWorld::store(const UpdaterSettings &settings)
 {
-    defaults.entries[updaterKey()] = encodeUpdaterSettings(settings);
+    defaults.entries[updaterKey()] = encodeUpdaterSettings(settings).value();
+}
+
+void checkUntil(UpdateWorld &world, UpdatePhase phase)
+{
+    UpdaterSettings settings = world.stored();
+    settings.automaticallyChecks = false;
+    world.store(settings);
+    world.start();
+    world.controller->checkForUpdates();
+    QTRY_COMPARE(world.driver.phase(), std::optional(phase));
+}
+
+void downloadUntil(UpdateWorld &world, UpdatePhase phase)
+{
+    checkUntil(world, UpdatePhase::available);
+    world.driver.choose(UpdateAction::download);
+    QTRY_COMPARE(world.driver.phase(), std::optional(phase));
 }
 
 } // namespace tickwise::test

@@ -112,4 +112,9 @@ private:
     SparkleUpdaterBackend *m_backend = nullptr;
 };
 
+/// Starts the program without automatic checks, asks for a check and waits until its session comes to the phase.
+void checkUntil(UpdateWorld &world, UpdatePhase phase);
+/// The same, and accepts the update that is offered.
+void downloadUntil(UpdateWorld &world, UpdatePhase phase);
+
 } // namespace tickwise::test

@@ -55,8 +55,8 @@ void UpdaterSettingsTest::roundTrip()
 {
     const TimePoint now = TestClock().now();
     const UpdaterSettings full{false, now, QStringLiteral("1.2")};
-    QVERIFY(decodeUpdaterSettings(encodeUpdaterSettings(full)) == full);
-    QVERIFY(decodeUpdaterSettings(encodeUpdaterSettings({})) == UpdaterSettings());
+    QVERIFY(decodeUpdaterSettings(encodeUpdaterSettings(full).value()) == full);
+    QVERIFY(decodeUpdaterSettings(encodeUpdaterSettings({}).value()) == UpdaterSettings());
 }
 
 void UpdaterSettingsTest::storesUnderItsKey()
