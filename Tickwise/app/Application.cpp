@@ -1,5 +1,6 @@
 #include "app/Application.h"
 
+#include "app/LocalizationManager.h"
 #include "platform/notifications/PortalNotificationCenter.h"
 #include "platform/session/DesktopLoginItem.h"
 #include "platform/session/DisplayServer.h"
@@ -7,7 +8,6 @@
 #include "platform/session/ProcessMemory.h"
 #include "platform/statusitem/PanelStatusItem.h"
 #include "platform/storage/AppGroupContainer.h"
-#include "support/Localization.h"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -92,7 +92,7 @@ Application::Application(ApplicationConfiguration configuration)
           {QString::fromLatin1(appInfo::displayName), m_configuration.identifier, m_configuration.identifier},
           [this] { m_soundPlayer.play(); }))
     , m_loginItem(makeLoginItem(m_configuration.identifier, QDBusConnection::sessionBus(), runsInSandbox(),
-                                localized(QStringLiteral("general.launch.atLogin"))))
+                                [this] { return portalReason(); }))
     , m_widgetCenter(QDBusConnection::sessionBus())
     , m_delegate(makeEnvironment())
 {
@@ -101,6 +101,13 @@ Application::Application(ApplicationConfiguration configuration)
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setApplicationVersion(QString::fromLatin1(appInfo::version));
     connectServices();
+}
+
+/// The delegate asks for the login item before it applies the stored language.
+QString Application::portalReason()
+{
+    const AppLanguage language = m_delegate.settingsViewModel().settings().language;
+    return localized(QStringLiteral("loginItem.portalReason"), LocalizationManager::bundleFor(language));
 }
 
 void Application::connectServices()

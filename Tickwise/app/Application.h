@@ -50,6 +50,7 @@ private:
     void attachUpdater(UpdateController &controller);
     void connectServices();
     void freshPricesNeeded();
+    QString portalReason();
 
     ApplicationConfiguration m_configuration;
     TerminationSignals m_signals;
