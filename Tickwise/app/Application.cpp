@@ -84,7 +84,7 @@ Application::Application(ApplicationConfiguration configuration)
     , m_singleInstance(m_configuration.identifier, QDBusConnection::sessionBus(),
                        SingleInstance::defaultLockDirectory(m_configuration.identifier))
     , m_sleepMonitor(QDBusConnection::systemBus())
-    , m_defaults(m_configuration.defaultsOrganization, m_configuration.defaultsApplication)
+    , m_defaults(m_configuration.identifier)
     , m_httpClient(m_configuration.authorities)
     , m_soundPlayer(QString::fromLatin1(appInfo::displayName), m_configuration.identifier)
     , m_notificationCenter(makeUserNotificationCenter(

@@ -184,7 +184,6 @@ Probe::Probe()
     : m_market(LoopbackMarket::Options{.transport = LoopbackMarket::Transport::tls})
 {
     m_configuration.identifier += QStringLiteral(".probe");
-    m_configuration.defaultsApplication += QStringLiteral("-probe");
     m_configuration.appGroup += QStringLiteral(".probe");
     m_configuration.endpoints = m_market.endpoints();
     m_configuration.authorities = LoopbackMarket::authorities();
@@ -252,7 +251,7 @@ void Probe::applySettings(const AppSettings &settings)
 {
     if (m_application)
         return m_application->delegate().settingsViewModel().update(settings);
-    UserDefaults defaults(m_configuration.defaultsOrganization, m_configuration.defaultsApplication);
+    UserDefaults defaults(m_configuration.identifier);
     UserDefaultsSettingsStore(defaults).save(settings);
 }
 
