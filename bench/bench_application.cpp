@@ -41,7 +41,6 @@ ApplicationConfiguration benchConfiguration(const QJsonObject &json)
 {
     ApplicationConfiguration configuration;
     configuration.identifier += QStringLiteral(".bench");
-    configuration.defaultsApplication += QStringLiteral("-bench");
     configuration.appGroup += QStringLiteral(".bench");
     configuration.endpoints = endpointsFrom(json.value(QStringLiteral("endpoints")).toObject());
     configuration.authorities = json.value(QStringLiteral("authorities")).toString().toLatin1();
@@ -63,7 +62,7 @@ void seedLogos(const ApplicationConfiguration &configuration, const QJsonObject 
 
 void seed(const ApplicationConfiguration &configuration, const QJsonObject &json)
 {
-    UserDefaults defaults(configuration.defaultsOrganization, configuration.defaultsApplication);
+    UserDefaults defaults(configuration.identifier);
     UserDefaultsSettingsStore store(defaults);
     if (store.load())
         return;

@@ -17,7 +17,6 @@ ApplicationConfiguration demoConfiguration(const LoopbackMarket &market)
 {
     ApplicationConfiguration configuration;
     configuration.identifier += QStringLiteral(".demo");
-    configuration.defaultsApplication += QStringLiteral("-demo");
     configuration.appGroup += QStringLiteral(".demo");
     configuration.endpoints = market.endpoints();
     configuration.authorities = LoopbackMarket::authorities();
@@ -26,7 +25,7 @@ ApplicationConfiguration demoConfiguration(const LoopbackMarket &market)
 
 void seedSettings(const ApplicationConfiguration &configuration)
 {
-    UserDefaults defaults(configuration.defaultsOrganization, configuration.defaultsApplication);
+    UserDefaults defaults(configuration.identifier);
     UserDefaultsSettingsStore store(defaults);
     if (store.load())
         return;

@@ -1,5 +1,6 @@
 #include "app/Application.h"
 
+#include "app/LocalizationManager.h"
 #include "app/SystemEvents.h"
 #include "platform/notifications/PortalNotificationCenter.h"
 #include "platform/session/DesktopLoginItem.h"
@@ -89,7 +90,7 @@ Application::Application(ApplicationConfiguration configuration)
     , m_singleInstance(m_configuration.identifier, m_sessionBus,
                        SingleInstance::defaultLockDirectory(m_configuration.identifier))
     , m_sleepMonitor(QDBusConnection::systemBus())
-    , m_defaults(m_configuration.defaultsOrganization, m_configuration.defaultsApplication)
+    , m_defaults(m_configuration.identifier)
     , m_httpClient(m_configuration.authorities)
     , m_soundPlayer(QString::fromLatin1(appInfo::displayName), m_configuration.identifier)
     , m_notificationCenter(makeUserNotificationCenter(
@@ -97,7 +98,7 @@ Application::Application(ApplicationConfiguration configuration)
           {QString::fromLatin1(appInfo::displayName), m_configuration.identifier, m_configuration.identifier},
           [this] { m_soundPlayer.play(); }))
     , m_loginItem(makeLoginItem(m_configuration.identifier, QDBusConnection::sessionBus(), runsInSandbox(),
-                                localized(QStringLiteral("general.launch.atLogin"))))
+                                [this] { return portalReason(); }))
     , m_widgetCenter(m_sessionBus)
     , m_packageInstaller(runningAppImage(), &QCoreApplication::quit)
     , m_delegate(makeEnvironment())
@@ -107,6 +108,13 @@ Application::Application(ApplicationConfiguration configuration)
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setApplicationVersion(QString::fromLatin1(appInfo::version));
     connectServices();
+}
+
+/// The delegate asks for the login item before it applies the stored language.
+QString Application::portalReason()
+{
+    const AppLanguage language = m_delegate.settingsViewModel().settings().language;
+    return localized(QStringLiteral("loginItem.portalReason"), LocalizationManager::bundleFor(language));
 }
 
 void Application::connectServices()

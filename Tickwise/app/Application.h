@@ -21,9 +21,7 @@ namespace tickwise {
 /// What sets one build of the application apart from another: its identity, its files and the world it talks to.
 struct ApplicationConfiguration
 {
-    QString identifier = QString::fromLatin1(appInfo::bundleIdentifier); ///< bus name and desktop file
-    QString defaultsOrganization = QString::fromLatin1(appInfo::defaultsOrganization);
-    QString defaultsApplication = QString::fromLatin1(appInfo::defaultsApplication);
+    QString identifier = QString::fromLatin1(appInfo::bundleIdentifier); ///< bus name, desktop file, settings folder
     QString appGroup = QString::fromLatin1(appInfo::appGroup);
     Endpoints endpoints;
     QByteArray authorities; ///< PEM certificates, trusted instead of the system's; empty: the system's
@@ -53,6 +51,7 @@ private:
     void connectServices();
     /// Forgets connections of the old route and lets the updater look at its schedule.
     void networkMayHaveChanged();
+    QString portalReason();
 
     ApplicationConfiguration m_configuration;
     TerminationSignals m_signals;

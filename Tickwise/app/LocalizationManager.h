@@ -5,7 +5,7 @@
 
 namespace tickwise {
 
-/// Chooses the language that the application's texts are looked up in. Main thread only.
+/// Selects the language in which the application's texts are looked up. Main thread only.
 class LocalizationManager
 {
 public:
@@ -13,13 +13,13 @@ public:
     static LocalizationManager &shared();
 
     /// The bundle of a language, whose folder `<language>.lproj` lies below `resources`; the main bundle (English)
-    /// where that language's table cannot be opened.
+    /// when that language's table cannot be opened.
     static LocalizationBundle bundleFor(AppLanguage language, const QStringList &preferred = preferredLanguages(),
                                         const QString &resources = QStringLiteral(":"));
 
     const LocalizationBundle &bundle() const { return currentLocalizationBundle(); }
 
-    /// Makes every later lookup answer in that language.
+    /// Every later lookup uses that language.
     void apply(AppLanguage language);
 
 private:

@@ -45,8 +45,7 @@ AppLanguage effectiveLanguage(AppLanguage language, const QStringList &preferred
         return language;
     if (preferredLanguages.isEmpty())
         return AppLanguage::en;
-    // POSIX locale names join with an underscore what language tags join with a hyphen.
-    const QString tag = QString(preferredLanguages.first()).replace(u'_', u'-');
+    const QString &tag = preferredLanguages.first();
     if (isTraditionalChinese(tag))
         return AppLanguage::zhHant;
     return tag.startsWith(QStringLiteral("zh")) ? AppLanguage::zhHans : AppLanguage::en;

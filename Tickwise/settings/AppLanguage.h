@@ -24,10 +24,10 @@ template<>
 std::vector<AppLanguage> allCases<AppLanguage>();
 
 /// The language that a choice means for a user with these preferred languages (BCP 47, most preferred first); never
-/// `system`.
+/// `system`. A tag is compared as it stands, with its case and its hyphens.
 AppLanguage effectiveLanguage(AppLanguage language, const QStringList &preferredLanguages);
 
-/// The user's preferred languages as the desktop reports them.
+/// The user's preferred languages as BCP 47 tags, such as "zh-TW", most preferred first.
 QStringList preferredLanguages();
 
 } // namespace tickwise

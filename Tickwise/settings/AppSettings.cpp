@@ -1,6 +1,9 @@
 #include "settings/AppSettings.h"
 
 #include "support/Localization.h"
+
+#include <QHash>
+
 namespace tickwise {
 
 QString rawValue(BaseCurrency value)
@@ -115,6 +118,11 @@ template<>
 std::vector<DesktopOverlayTextSize> allCases<DesktopOverlayTextSize>()
 {
     return {DesktopOverlayTextSize::normal, DesktopOverlayTextSize::large};
+}
+
+size_t qHash(const WatchlistCoin &coin, size_t seed)
+{
+    return qHashMulti(seed, coin.coinId, static_cast<int>(coin.alertKind), coin.notificationThreshold);
 }
 
 // The key of a title is its enum's prefix and the raw value.

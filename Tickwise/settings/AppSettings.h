@@ -90,6 +90,9 @@ struct WatchlistCoin
     bool operator==(const WatchlistCoin &) const = default;
 };
 
+/// Over all fields, for hashed containers.
+size_t qHash(const WatchlistCoin &coin, size_t seed = 0);
+
 /// The overlay's top-left corner in screen points; y grows upwards.
 struct DesktopOverlayOrigin
 {

@@ -18,6 +18,8 @@ public:
     virtual std::optional<QByteArray> data(const QString &key) const = 0;
     /// Stores the data, or removes the entry when given none. The result is what reached the disk.
     virtual Result<void> setData(const QString &key, const std::optional<QByteArray> &data) = 0;
+    /// Called by a reader that refuses the data under the key: a copy is kept before it is first overwritten.
+    virtual void keepBeforeOverwriting(const QString &key) = 0;
 };
 
 } // namespace tickwise

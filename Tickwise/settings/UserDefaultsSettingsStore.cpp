@@ -6,9 +6,9 @@
 
 namespace tickwise {
 
-Q_LOGGING_CATEGORY(lcSettings, "com.pelmo.tickwise.Settings")
-
 namespace {
+
+Q_LOGGING_CATEGORY(lcSettings, "com.pelmo.tickwise.Settings")
 
 QString settingsKey()
 {
@@ -25,6 +25,7 @@ std::optional<AppSettings> UserDefaultsSettingsStore::load() const
     const Result<AppSettings> settings = decodeSettings(*document);
     if (!settings) {
         qCWarning(lcSettings, "Failed to decode stored settings: %s", qUtf8Printable(description(settings.error())));
+        m_defaults->keepBeforeOverwriting(settingsKey());
         return AppSettings();
     }
     return *settings;

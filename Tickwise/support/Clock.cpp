@@ -11,7 +11,7 @@ TimePoint systemClock()
 
 TimePoint::duration secondsDuration(double seconds)
 {
-    // A hundred years: longer waits mean the same and stay clear of the clock's range.
+    // A hundred years: a longer duration has no use and could leave the range of the clock.
     constexpr double longest = 100.0 * 365 * 86400;
     return std::chrono::duration_cast<TimePoint::duration>(
         std::chrono::duration<double>(std::clamp(seconds, -longest, longest)));

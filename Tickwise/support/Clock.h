@@ -7,16 +7,16 @@ namespace tickwise {
 
 using TimePoint = std::chrono::system_clock::time_point;
 
-/// Tells the time. Injected wherever time is asked for.
+/// Returns the current time. Injected wherever the time is needed.
 using Clock = std::function<TimePoint()>;
 
 /// The machine's clock.
 TimePoint systemClock();
 
-/// `seconds` may have a fraction.
+/// The duration of that many seconds, with their fraction; at most a hundred years.
 TimePoint::duration secondsDuration(double seconds);
 
-/// Seconds from `earlier` to `later`; negative when the clock went back in between.
+/// Seconds from `earlier` to `later`; negative when the clock was set back in between.
 double secondsBetween(TimePoint earlier, TimePoint later);
 
 } // namespace tickwise

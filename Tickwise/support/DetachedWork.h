@@ -7,8 +7,8 @@
 
 namespace tickwise {
 
-/// Runs `work` in a thread of its own that nobody waits for, not even at exit; its result comes in the future. Whatever
-/// the work needs it must own.
+/// Runs `work` in a new detached thread, which is not joined, not even at exit; the future gets its result. `work` must
+/// own everything that it uses.
 template<class Work>
 auto runDetached(Work work) -> QFuture<decltype(work())>
 {

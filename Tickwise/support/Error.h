@@ -10,29 +10,29 @@
 
 namespace tickwise {
 
-/// Why a request did not bring what it should. The names follow the URL-loading error codes of the field.
+/// Why a request failed. The names are those of the usual URL-loading error codes.
 enum class UrlErrorCode
 {
-    badURL,                      ///< no URL could be formed, or there was nothing to ask for
+    badURL,                      ///< no URL could be formed, or the request asks for nothing
     badServerResponse,           ///< a status outside 200-299 or an answer that reports a failure
     cannotLoadFromNetwork,       ///< every provider failed or was skipped; `causes` says why
-    zeroByteResource,            ///< an answer that holds nothing of what was asked
-    cannotParseResponse,         ///< an answer that lacks what was asked, or holds values that cannot be
+    zeroByteResource,            ///< an answer without any of the requested values
+    cannotParseResponse,         ///< an answer that lacks a requested value, or holds an impossible one
     dataLengthExceedsMaximum,    ///< more bytes than the request allows
-    redirectRefused,             ///< a redirect to a place that the request does not allow
-    cancelled,                   ///< the service went away
-    timedOut,                    ///< no byte for the request's time-out, or not done by its deadline
+    redirectRefused,             ///< a redirect to an address that the request does not allow
+    cancelled,                   ///< the service was destroyed before the answer
+    timedOut,                    ///< no byte within the request's time-out, or not finished by its deadline
     cannotFindHost,              ///< name resolution failed
     cannotConnectToHost,         ///< refused or unreachable
     networkConnectionLost,       ///< the connection broke before the answer was whole
     notConnectedToInternet,      ///< the machine has no network
     secureConnectionFailed,      ///< TLS failed
-    serverCertificateHasBadDate, ///< TLS refused because a certificate is not valid now: a wrong clock, or an expired
-                                 ///< one
-    serverCertificateUntrusted,  ///< TLS refused for any other reason that lies in the certificate
+    serverCertificateHasBadDate, ///< TLS refused because a certificate is not valid at this date: it has expired, or
+                                 ///< the clock is wrong
+    serverCertificateUntrusted,  ///< TLS refused for another reason in the certificate
 };
 
-/// What a failed attempt means to the person in front of the screen; computed by `failureReason`.
+/// The cause of a failed attempt as the user is told it; computed by `failureReason`.
 enum class FailureReason
 {
     offline,
@@ -47,7 +47,7 @@ enum class FailureReason
     cancelled,
 };
 
-/// One provider's part in a failure: its name, the reason and, for a rate limit or ban, its end.
+/// The failure of one provider: its name, the reason and, for a rate limit or ban, its end.
 struct ProviderFailure
 {
     QString provider;
@@ -60,9 +60,9 @@ struct ProviderFailure
 struct UrlLoadingError
 {
     UrlErrorCode code = UrlErrorCode::badServerResponse;
-    QString detail;                      ///< the cause as text, for the log
+    QString detail;                      ///< a description of the cause, for the log
     int httpStatus = 0;                  ///< 0: there was no HTTP answer
-    std::vector<ProviderFailure> causes; ///< for an operation over several providers: each one's failure, in order
+    std::vector<ProviderFailure> causes; ///< for an operation over several providers: their failures, in order
     bool operator==(const UrlLoadingError &) const = default;
 };
 
@@ -113,7 +113,7 @@ struct CatalogError
     bool operator==(const CatalogError &) const = default;
 };
 
-/// A service of the desktop that did not do what it was asked.
+/// A request that a service of the desktop did not fulfill.
 struct DesktopServiceError
 {
     enum class Kind
@@ -124,15 +124,15 @@ struct DesktopServiceError
         refused
     };
     Kind kind = Kind::refused;
-    QString text; ///< the message bus's or the service's own words
+    QString text; ///< the message of the bus or the service
     bool operator==(const DesktopServiceError &) const = default;
 };
 
-/// Every failure that an operation of this program can end in.
+/// Every failure of an operation of this program.
 using Error = std::variant<UrlLoadingError, TickerProviderError, ExchangeRateProviderError, DecodingError, FileError,
                            CatalogError, DesktopServiceError>;
 
-/// The error in one English line: the public argument of log lines.
+/// One English line about the error: the public argument of log lines.
 QString description(const Error &error);
 
 } // namespace tickwise

@@ -1,7 +1,7 @@
 #include "support/Localization.h"
 
-#include <QCoreApplication>
-#include <QThread>
+#include "support/MainThread.h"
+
 #include <QTranslator>
 
 #include <utility>
@@ -42,7 +42,7 @@ const LocalizationBundle &currentLocalizationBundle()
 
 void setCurrentLocalizationBundle(LocalizationBundle bundle)
 {
-    Q_ASSERT(!QCoreApplication::instance() || QThread::currentThread() == QCoreApplication::instance()->thread());
+    requireMainThread();
     currentBundle() = std::move(bundle);
 }
 

@@ -11,22 +11,22 @@ namespace tickwise {
 /// One language's texts.
 using LocalizationBundle = std::shared_ptr<const QTranslator>;
 
-/// Opens the table `<resources>/<language>.lproj/Localizable.qm`; none where it cannot be opened.
+/// Opens the table `<resources>/<language>.lproj/Localizable.qm`; none when it cannot be opened.
 LocalizationBundle openLocalizationBundle(const QString &language, const QString &resources = QStringLiteral(":"));
 
-/// English, the language that texts fall back to. Without its table it answers every key with nothing.
+/// The English texts, to which other languages fall back; without texts when their table cannot be opened.
 LocalizationBundle mainLocalizationBundle();
 
 /// The bundle that texts are looked up in; the main one at first. Main thread only.
 const LocalizationBundle &currentLocalizationBundle();
 
-/// Makes every later lookup answer from that bundle. Main thread only.
+/// Every later lookup uses that bundle. Ends the program on another thread than the main one.
 void setCurrentLocalizationBundle(LocalizationBundle bundle);
 
 /// The text of the key in the current bundle; the key itself when the table lacks it.
 QString localized(const QString &key);
 
-/// The same in a bundle of the caller's choice.
+/// The same in a given bundle.
 QString localized(const QString &key, const LocalizationBundle &bundle);
 
 } // namespace tickwise

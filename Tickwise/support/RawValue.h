@@ -7,7 +7,7 @@
 
 namespace tickwise {
 
-/// All cases of an enum in the order of its picker. Each enum that is stored by raw text specialises it.
+/// All cases of an enum in the order of its picker. Each enum that is stored by raw text specializes it.
 template<class Enum>
 std::vector<Enum> allCases();
 

@@ -21,7 +21,7 @@ double widestDigit(const QFontMetricsF &metrics)
     return std::round(widest);
 }
 
-/// Calls `visit` with each digit alone and with each stretch of other characters, so that those keep their shaping.
+/// Calls `visit` with each single digit and with each run of other characters, which are shaped together.
 void forEachRun(const QString &text, const std::function<void(const QString &, bool)> &visit)
 {
     qsizetype start = 0;
@@ -44,7 +44,7 @@ TabularText::TabularText(const QFont &font)
 {
 }
 
-// A single character needs no shaping, which costs more than all the rest.
+// A single character is measured without shaping, which is the most expensive step.
 double TabularText::advanceOf(const QString &run) const
 {
     return run.size() == 1 ? m_metrics.horizontalAdvance(run.front()) : m_metrics.horizontalAdvance(run);

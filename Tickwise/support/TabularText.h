@@ -7,7 +7,7 @@ class QPainter;
 
 namespace tickwise {
 
-/// Text whose digits all take the width of the widest digit, so that a changing number keeps its place.
+/// Text whose digits are all as wide as the widest digit, so that a changing number does not move what follows it.
 class TabularText
 {
 public:

@@ -61,12 +61,13 @@ void LocalizationManagerTest::effectiveLanguages_data()
     row("zh-TW", zhHant);
     row("zh-HK", zhHant);
     row("zh-MO", zhHant);
-    row("zh_TW", zhHant);
-    row("zh_Hant_TW", zhHant);
     row("zh-TWX", zhHant);
     row("zh", zhHans);
     row("zh-CN", zhHans);
     row("zh_CN", zhHans);
+    row("zh_TW", zhHans);
+    row("zh_Hant_TW", zhHans);
+    row("en_US", en);
     row("zh-SG", zhHans);
     row("zh-Hans-TW", zhHans);
     row("zh-hant", zhHans);
@@ -202,10 +203,15 @@ void LocalizationManagerTest::desktopLanguage_data()
     row("zh_HK.UTF-8", "", "zh-Hant");
     row("zh_CN.UTF-8", "", "zh-Hans");
     row("zh_SG.UTF-8", "", "zh-Hans");
+    row("zh_MO.UTF-8", "", "zh-Hant");
+    row("zh_HK", "", "zh-Hant");
     row("de_DE.UTF-8", "", "en");
     row("C.UTF-8", "", "en");
     row("", "", "en");
     row("en_US.UTF-8", "zh_TW:en", "zh-Hant");
+    row("en_US.UTF-8", "zh_Hant_HK:en", "zh-Hant");
+    row("en_US.UTF-8", "zh_MO", "zh-Hant");
+    row("en_US.UTF-8", "zh", "zh-Hans");
     row("en_US.UTF-8", "zh_CN:zh:en", "zh-Hans");
     row("zh_TW.UTF-8", "en:zh_TW", "en");
 }

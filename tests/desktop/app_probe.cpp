@@ -190,7 +190,6 @@ Probe::Probe()
     : m_market(LoopbackMarket::Options{.transport = LoopbackMarket::Transport::tls})
 {
     m_configuration.identifier += QStringLiteral(".probe");
-    m_configuration.defaultsApplication += QStringLiteral("-probe");
     m_configuration.appGroup += QStringLiteral(".probe");
     m_configuration.endpoints = m_market.endpoints();
     m_configuration.authorities = LoopbackMarket::authorities();
@@ -260,7 +259,7 @@ void Probe::applySettings(const AppSettings &settings)
 {
     if (m_application)
         return m_application->delegate().settingsViewModel().update(settings);
-    UserDefaults defaults(m_configuration.defaultsOrganization, m_configuration.defaultsApplication);
+    UserDefaults defaults(m_configuration.identifier);
     UserDefaultsSettingsStore(defaults).save(settings);
 }
 

@@ -320,22 +320,15 @@ class LifeTest(unittest.TestCase):
         self.assertEqual(read(path), document, "the damaged file was changed")
         return application
 
-    def test_damaged_settings_record(self):
-        with self.make_session() as desktop:
-            application = self.start_damaged(desktop, '[General]\nappSettings="@ByteArray({\\"language\\":)"\n')
-            self.assertEqual(len(application.log_lines("Failed to decode stored settings")), 1)
-            application.change_settings(displayedCoinId="ethereum", addedCoins=TWO_COINS)
-            application.wait_for_content(text="ETH 3,188")
-            wait_for_saved(desktop, "ethereum")
-            self.assertEqual(len(application.log_lines("Failed to decode stored settings")), 1)
-
     def test_damaged_settings_file(self):
         with self.make_session() as desktop:
-            document = "[General\n= {{{ \x01 nothing of ours\n"
+            document = '{"language": \x01 nothing of ours'
             application = self.start_damaged(desktop, document)
+            self.assertEqual(len(application.log_lines("Failed to decode stored settings")), 1)
             application.change_settings(displayedCoinId="ethereum", addedCoins=TWO_COINS)
             application.wait_for_content(text="ETH 3,188")
             wait_for_saved(desktop, "ethereum")
+            self.assertEqual(len(application.log_lines("Failed to decode stored settings")), 1)
             self.assertEqual(read(settings_file(desktop) + ".broken"), document)
 
     def test_settings_survive_a_restart(self):
@@ -372,8 +365,9 @@ class LifeTest(unittest.TestCase):
             desktop.wait_for(lambda: len(set(demo.output().splitlines())) >= 3, 20, "three prices")
             self.assertRegex(demo.output().splitlines()[-1], r"^BTC [0-9,]+ [\u25b2\u25bc]$")
             self.assertEqual(desktop.stop_process(demo), 0)
-            folder = os.path.dirname(settings_file(desktop))
-            self.assertEqual(os.listdir(folder), ["tickwise-demo.conf"])
+            folders = os.listdir(desktop.environment["XDG_CONFIG_HOME"])
+            self.assertIn("com.pelmo.tickwise.demo", folders)
+            self.assertNotIn("com.pelmo.tickwise", folders)
 
     def test_no_display(self):
         with self.make_session() as desktop:

@@ -100,7 +100,7 @@ class Application:
 
 
 def settings_file(desktop):
-    return os.path.join(desktop.environment["XDG_CONFIG_HOME"], "com.pelmo", "tickwise-probe.conf")
+    return os.path.join(desktop.environment["XDG_CONFIG_HOME"], IDENTIFIER, "appSettings.json")
 
 
 def container(desktop):

@@ -2,6 +2,8 @@
 
 #include "settings/UserDefaultsSettingsStore.h"
 
+#include <QStringList>
+
 #include <map>
 
 namespace tickwise::test {
@@ -13,6 +15,7 @@ public:
     std::map<QString, QByteArray> entries;
     int writes = 0;
     bool fails = false;
+    QStringList refusedKeys;
 
     std::optional<QByteArray> data(const QString &key) const override
     {
@@ -30,6 +33,8 @@ public:
             entries.emplace(key, *data);
         return {};
     }
+
+    void keepBeforeOverwriting(const QString &key) override { refusedKeys.append(key); }
 };
 
 } // namespace tickwise::test

@@ -1,4 +1,6 @@
 #include "settings/AppSettingsCoding.h"
+#include "support/json/Json.h"
+#include "support/json/JsonRepair.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -23,11 +25,21 @@ void checkRoundTrip(const AppSettings &settings)
     require(*again == settings);
 }
 
+/// A repair keeps the length, and leaves alone what needs none.
+void checkRepair(const QByteArray &document)
+{
+    const QByteArray repaired = repairedJson(document);
+    require(repaired.size() == document.size());
+    if (parseJson(document))
+        require(repaired == document);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QByteArray document(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
+    checkRepair(document);
     const Result<AppSettings> settings = decodeSettings(document);
     if (settings) {
         require(settings->desktopOverlayBackgroundOpacity >= 0 && settings->desktopOverlayBackgroundOpacity <= 1);

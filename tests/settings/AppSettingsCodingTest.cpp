@@ -111,8 +111,8 @@ void AppSettingsCodingTest::fields_data()
     row(R"({"colorScheme": "custom"})", [](AppSettings &s) { s.colorScheme = PriceColorScheme::custom; });
     row(R"({"colorScheme": "rainbow"})");
     row(R"({"customUpColorHex": ""})", [](AppSettings &s) { s.customUpColorHex = QString(); });
-    row(R"({"customUpColorHex": "not a colour"})",
-        [](AppSettings &s) { s.customUpColorHex = QStringLiteral("not a colour"); });
+    row(R"({"customUpColorHex": "not a color"})",
+        [](AppSettings &s) { s.customUpColorHex = QStringLiteral("not a color"); });
     row(R"({"customUpColorHex": 2932100})");
     row(R"({"customDownColorHex": "#000"})", [](AppSettings &s) { s.customDownColorHex = QStringLiteral("#000"); });
     row(R"({"customDownColorHex": null})");
@@ -339,7 +339,9 @@ void AppSettingsCodingTest::notFinite_data()
     };
     row("pollingInterval", [](AppSettings &s) { s.pollingInterval = infinity; });
     row("desktopOverlayBackgroundOpacity", [](AppSettings &s) { s.desktopOverlayBackgroundOpacity = std::nan(""); });
-    row("desktopOverlayTopLeft.y", [](AppSettings &s) { s.desktopOverlayTopLeft = DesktopOverlayOrigin{0, -infinity}; });
+    row("desktopOverlayTopLeft.y", [](AppSettings &s) {
+        s.desktopOverlayTopLeft = DesktopOverlayOrigin{0, -infinity};
+    });
     row("addedCoins[1].notificationThreshold",
         [](AppSettings &s) { s.watchlistCoins[1].notificationThreshold = std::nan(""); });
 }

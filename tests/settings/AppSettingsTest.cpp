@@ -52,6 +52,7 @@ private Q_SLOTS:
     void titlesFollowTheLanguage();
     void equalityCoversEveryField_data();
     void equalityCoversEveryField();
+    void watchlistCoinIsHashable();
 };
 
 void AppSettingsTest::defaults()
@@ -166,6 +167,22 @@ void AppSettingsTest::equalityCoversEveryField()
     QVERIFY(settings == AppSettings());
     change(settings);
     QVERIFY(!(settings == AppSettings()));
+}
+
+void AppSettingsTest::watchlistCoinIsHashable()
+{
+    const WatchlistCoin coin{QStringLiteral("bitcoin"), CoinAlertKind::above, 3};
+    const WatchlistCoin copy = coin;
+    WatchlistCoin otherId = coin;
+    otherId.coinId = QStringLiteral("ethereum");
+    WatchlistCoin otherKind = coin;
+    otherKind.alertKind = CoinAlertKind::below;
+    WatchlistCoin otherThreshold = coin;
+    otherThreshold.notificationThreshold = 4;
+    QCOMPARE(QSet<WatchlistCoin>({coin, copy, otherId, otherKind, otherThreshold}).size(), 4);
+    QCOMPARE(qHash(copy, 7), qHash(coin, 7));
+    for (const WatchlistCoin &other : {otherId, otherKind, otherThreshold})
+        QVERIFY(qHash(other, 7) != qHash(coin, 7));
 }
 
 TICKWISE_TEST(AppSettingsTest)

@@ -33,6 +33,8 @@ private Q_SLOTS:
     void refused_data();
     void refused();
     void refusalNamesThePlaceOnly();
+    void halfSurrogatePairs();
+    void byteOrderMarkIsKept();
     void overflowingNumbers_data();
     void overflowingNumbers();
     void hostileDocuments_data();
@@ -79,11 +81,28 @@ void DamagedSettingsTest::refusalNamesThePlaceOnly()
     QCOMPARE(description(Error(error)), QStringLiteral("not valid JSON at byte 14"));
 }
 
+void DamagedSettingsTest::halfSurrogatePairs()
+{
+    const AppSettings settings = decoded(R"({"\udc00": "\ud800", "displayedCoinId": "a\ud800b", "language": "en"})");
+    QCOMPARE(settings.displayedCoinId, QStringLiteral("a\ufffdb"));
+    QCOMPARE(settings.language, AppLanguage::en);
+}
+
+void DamagedSettingsTest::byteOrderMarkIsKept()
+{
+    const AppSettings settings =
+        decoded(R"({"displayedCoinId": "\ufeffbitcoin", "addedCoins": [{"coinId": "\ufeffx"}]})");
+    QCOMPARE(settings.displayedCoinId, QStringLiteral("\ufeffbitcoin"));
+    QCOMPARE(settings.watchlistCoins.front().coinId, QStringLiteral("\ufeffx"));
+    QVERIFY(decoded(encodeSettings(settings).value()) == settings);
+}
+
 void DamagedSettingsTest::overflowingNumbers_data()
 {
     QTest::addColumn<QByteArray>("number");
     QTest::addColumn<double>("interval");
     QTest::newRow("too large") << QByteArray("1e999") << 10.0;
+    QTest::newRow("too large, with a fraction") << QByteArray("0.1e999") << 10.0;
     QTest::newRow("too large, negative") << QByteArray("-1.5E+400") << 10.0;
     QTest::newRow("long integer") << QByteArray(400, '9') << 10.0;
     QTest::newRow("too small") << QByteArray("1e-999") << 0.0;
@@ -113,6 +132,8 @@ void DamagedSettingsTest::hostileDocuments_data()
     QTest::newRow("deep arrays") << "{\"language\": " + nested("[", "]", deep) + "}" << true;
     QTest::newRow("deep objects") << "{\"addedCoins\": [" + nested("{\"a\":[", "]}", deep / 5) + "]}" << true;
     QTest::newRow("deep arrays, overflow") << "{\"a\": 1e999, \"b\": " + nested("[", "]", deep) + "}" << true;
+    const QByteArray overflows = QByteArray("1e999,").repeated(100000);
+    QTest::newRow("many overflows") << "{\"a\": [" + overflows + "1e999]}" << true;
     QTest::newRow("many keys") << "{" + QByteArray("\"launchAtLogin\":null,").repeated(100000) + "\"a\":0}" << true;
     QByteArray distinct = "{";
     for (int i = 0; i < 200000; ++i)

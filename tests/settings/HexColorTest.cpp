@@ -26,6 +26,10 @@ void HexColorTest::parses_data()
         << QStringLiteral("\t\u00a0#abcdef\u0085") << qRgb(0xab, 0xcd, 0xef);
     QTest::newRow("plus sign") << QStringLiteral("+12345") << qRgb(0x01, 0x23, 0x45);
     QTest::newRow("hash and plus sign") << QStringLiteral("#+fffff") << qRgb(0x0f, 0xff, 0xff);
+    QTest::newRow("every digit") << QStringLiteral("#012345") << qRgb(0x01, 0x23, 0x45);
+    QTest::newRow("the other digits") << QStringLiteral("#6789ab") << qRgb(0x67, 0x89, 0xab);
+    QTest::newRow("letters") << QStringLiteral("#AFafCD") << qRgb(0xaf, 0xaf, 0xcd);
+    QTest::newRow("nines") << QStringLiteral("999999") << qRgb(0x99, 0x99, 0x99);
     QTest::newRow("black") << QStringLiteral("#000000") << qRgb(0, 0, 0);
     QTest::newRow("white") << QStringLiteral("#FFffFF") << qRgb(255, 255, 255);
 }
@@ -44,8 +48,9 @@ void HexColorTest::refuses_data()
 {
     QTest::addColumn<QString>("text");
     for (const char *text :
-         {"", "#", "   ", "#12345", "12345", "#1234567", "#FFF", "##12345", "# 12345", "12 345", "0x1234", "#-12345",
-          "-00000", "++1234", "#GGGGGG", "red", "+", "#12345\xc3\xa9", "1234.5"})
+         {"",        "#",      "   ",    "#12345",  "12345",  "#1234567", "#FFF",           "##12345",
+          "# 12345", "12 345", "0x1234", "#-12345", "-00000", "++1234",   "#GGGGGG",        "#gggggg",
+          "00000/",  "00000:", "00000@", "00000`",  "red",    "+",        "#12345\xc3\xa9", "1234.5"})
         QTest::newRow(text) << QString::fromUtf8(text);
     QTest::newRow("full-width digits") << QStringLiteral("１２３４５６");
     QTest::newRow("combining mark") << QStringLiteral("12345e\u0301");

@@ -93,6 +93,7 @@ void SettingsViewModelTest::badDocumentGivesDefaultsAndOneLine()
     QCOMPARE(log.texts(category), QStringList(QStringLiteral("Failed to decode stored settings: ") + reason));
     QCOMPARE(log.lines().front().type, QtWarningMsg);
     QCOMPARE(defaults.entries[key], document);
+    QCOMPARE(defaults.refusedKeys, QStringList(key));
 }
 
 void SettingsViewModelTest::firstChangeOverwritesABadDocument()

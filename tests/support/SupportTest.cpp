@@ -16,8 +16,8 @@ class SupportTest : public QObject
 
 private Q_SLOTS:
     void detachedWorkRunsElsewhere();
-    void errorsInWords_data();
-    void errorsInWords();
+    void descriptions_data();
+    void descriptions();
     void decimalText_data();
     void decimalText();
     void deliversLaterOnce();
@@ -92,12 +92,12 @@ void SupportTest::detachedWorkRunsElsewhere()
     QVERIFY(watcher.result() != QThread::currentThread());
 }
 
-void SupportTest::errorsInWords_data()
+void SupportTest::descriptions_data()
 {
     QTest::addColumn<Error>("error");
-    QTest::addColumn<QString>("words");
-    const auto row = [](const Error &error, const char *words) {
-        QTest::newRow(words) << error << QString::fromUtf8(words);
+    QTest::addColumn<QString>("text");
+    const auto row = [](const Error &error, const char *text) {
+        QTest::newRow(text) << error << QString::fromUtf8(text);
     };
     using Kind = TickerProviderError::Kind;
     using Service = DesktopServiceError::Kind;
@@ -117,10 +117,10 @@ void SupportTest::errorsInWords_data()
     row(DesktopServiceError{Service::refused, QStringLiteral("not today")}, "refused: not today");
 }
 
-void SupportTest::errorsInWords()
+void SupportTest::descriptions()
 {
     QFETCH(Error, error);
-    QTEST(description(error), "words");
+    QTEST(description(error), "text");
 }
 
 TICKWISE_TEST(SupportTest)

@@ -125,7 +125,7 @@ QString AutostartLoginItem::path() const
     return m_directory + u'/' + m_applicationId + QStringLiteral(".desktop");
 }
 
-PortalLoginItem::PortalLoginItem(QDBusConnection sessionBus, QString program, QString reason)
+PortalLoginItem::PortalLoginItem(QDBusConnection sessionBus, QString program, std::function<QString()> reason)
     : m_bus(std::move(sessionBus))
     , m_program(std::move(program))
     , m_reason(std::move(reason))
@@ -135,14 +135,14 @@ PortalLoginItem::PortalLoginItem(QDBusConnection sessionBus, QString program, QS
 void PortalLoginItem::setRegistered(bool registered, Completion<void> done)
 {
     auto *request = new BackgroundRequest(m_bus, registered, std::move(done), &m_requests);
-    request->send(m_program, m_reason);
+    request->send(m_program, m_reason());
 }
 
 std::unique_ptr<LoginItem> makeLoginItem(const QString &applicationId, const QDBusConnection &sessionBus,
-                                         bool sandboxed, const QString &reason)
+                                         bool sandboxed, std::function<QString()> reason)
 {
     if (sandboxed)
-        return std::make_unique<PortalLoginItem>(sessionBus, QStringLiteral("tickwise"), reason);
+        return std::make_unique<PortalLoginItem>(sessionBus, QStringLiteral("tickwise"), std::move(reason));
     return std::make_unique<AutostartLoginItem>(applicationId, runningProgram(),
                                                 AutostartLoginItem::defaultDirectory());
 }

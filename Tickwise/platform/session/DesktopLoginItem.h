@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 namespace tickwise {
@@ -45,8 +46,8 @@ private:
 class PortalLoginItem : public LoginItem
 {
 public:
-    /// `reason` is shown to the user by the portal.
-    PortalLoginItem(QDBusConnection sessionBus, QString program, QString reason);
+    /// `reason` gives the text that the portal shows to the user; it is asked for at each request.
+    PortalLoginItem(QDBusConnection sessionBus, QString program, std::function<QString()> reason);
 
     /// Fails where the desktop has no such portal, or when it or the user refuses.
     void setRegistered(bool registered, Completion<void> done) override;
@@ -54,12 +55,12 @@ public:
 private:
     QDBusConnection m_bus;
     QString m_program;
-    QString m_reason;
+    std::function<QString()> m_reason;
     QObject m_requests;
 };
 
 /// The login item for the way this process runs; `reason` as for `PortalLoginItem`.
 std::unique_ptr<LoginItem> makeLoginItem(const QString &applicationId, const QDBusConnection &sessionBus,
-                                         bool sandboxed, const QString &reason);
+                                         bool sandboxed, std::function<QString()> reason);
 
 } // namespace tickwise

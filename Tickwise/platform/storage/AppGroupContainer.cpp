@@ -1,8 +1,9 @@
 #include "platform/storage/AppGroupContainer.h"
 
-#include <QDir>
+#include "support/files/BaseDirectory.h"
+#include "support/files/WholeFile.h"
+
 #include <QFileInfo>
-#include <QStandardPaths>
 
 namespace tickwise {
 
@@ -25,13 +26,8 @@ std::optional<QString> appGroupContainer(const QString &groupId)
 {
     if (!isFolderName(groupId))
         return std::nullopt;
-    const QString parent = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    const QString path = parent + u'/' + groupId;
-    const auto onlyOwner = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
-    // Another program of the group may make it at the same moment, so what counts is whether it is there afterwards.
-    if (!QFileInfo::exists(path) && QDir().mkpath(parent))
-        QDir().mkdir(path, onlyOwner);
-    return isUsableFolder(path) ? std::optional(path) : std::nullopt;
+    const QString path = baseDirectory(QStandardPaths::GenericDataLocation) + u'/' + groupId;
+    return makeFolder(path) && isUsableFolder(path) ? std::optional(path) : std::nullopt;
 }
 
 } // namespace tickwise

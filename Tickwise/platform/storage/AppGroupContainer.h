@@ -7,7 +7,7 @@
 namespace tickwise {
 
 /// The path of the folder that the programs of one group share, `$XDG_DATA_HOME/<groupId>`, made on first use for the
-/// user alone (mode 0700). None when the id is not a plain folder name or the folder cannot be had.
+/// user alone (mode 0700). None when the id is not a plain folder name or the folder cannot be made or used.
 std::optional<QString> appGroupContainer(const QString &groupId);
 
 } // namespace tickwise

@@ -129,7 +129,7 @@
     </message>
     <message id="desktop.unavailable">
         <source></source>
-        <translation>This desktop has no place for the overlay, so it stays hidden here.</translation>
+        <translation>This desktop cannot show the watchlist on its background.</translation>
     </message>
     <message id="failure.badAnswer">
         <source></source>
@@ -137,7 +137,7 @@
     </message>
     <message id="failure.cancelled">
         <source></source>
-        <translation>The request was cancelled.</translation>
+        <translation>The request was canceled.</translation>
     </message>
     <message id="failure.clockWrong">
         <source></source>
@@ -278,6 +278,10 @@
     <message id="lang.system">
         <source></source>
         <translation>System language</translation>
+    </message>
+    <message id="loginItem.portalReason">
+        <source></source>
+        <translation>Tickwise starts when you log in, so that prices are always in the panel.</translation>
     </message>
     <message id="menu.about">
         <source></source>

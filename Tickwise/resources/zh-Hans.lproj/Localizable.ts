@@ -69,11 +69,11 @@
     </message>
     <message id="alertKind.above">
         <source></source>
-        <translation>高于</translation>
+        <translation>涨至</translation>
     </message>
     <message id="alertKind.below">
         <source></source>
-        <translation>低于</translation>
+        <translation>跌至</translation>
     </message>
     <message id="alertKind.change">
         <source></source>
@@ -129,7 +129,7 @@
     </message>
     <message id="desktop.unavailable">
         <source></source>
-        <translation>当前桌面环境不支持桌面悬浮列表，因此不会显示。</translation>
+        <translation>当前桌面环境不支持在桌面上显示自选列表。</translation>
     </message>
     <message id="failure.badAnswer">
         <source></source>
@@ -278,6 +278,10 @@
     <message id="lang.system">
         <source></source>
         <translation>跟随系统</translation>
+    </message>
+    <message id="loginItem.portalReason">
+        <source></source>
+        <translation>Tickwise 会在您登录时启动，以便在面板中随时显示价格。</translation>
     </message>
     <message id="menu.about">
         <source></source>

@@ -69,11 +69,11 @@
     </message>
     <message id="alertKind.above">
         <source></source>
-        <translation>高於</translation>
+        <translation>漲至</translation>
     </message>
     <message id="alertKind.below">
         <source></source>
-        <translation>低於</translation>
+        <translation>跌至</translation>
     </message>
     <message id="alertKind.change">
         <source></source>
@@ -129,7 +129,7 @@
     </message>
     <message id="desktop.unavailable">
         <source></source>
-        <translation>目前的桌面環境不支援桌面懸浮清單，因此不會顯示。</translation>
+        <translation>目前的桌面環境不支援在桌面上顯示自選清單。</translation>
     </message>
     <message id="failure.badAnswer">
         <source></source>
@@ -278,6 +278,10 @@
     <message id="lang.system">
         <source></source>
         <translation>跟隨系統</translation>
+    </message>
+    <message id="loginItem.portalReason">
+        <source></source>
+        <translation>Tickwise 會在您登入時啟動，以便在面板中隨時顯示價格。</translation>
     </message>
     <message id="menu.about">
         <source></source>

@@ -68,21 +68,27 @@ std::int64_t exponentOf(std::string_view number)
     return exponent;
 }
 
-/// Whether a JSON number that is out of a double's range is too large; else it is too close to zero.
-bool isTooLarge(std::string_view number)
+/// How many digits a number other than zero has before its point when it is written without an exponent; negative when
+/// zeros follow the point.
+std::int64_t magnitudeOf(std::string_view number, std::size_t firstDigit)
 {
-    const std::string_view mantissa = number.substr(0, number.find_first_of("eE"));
-    const auto point = static_cast<std::int64_t>(std::min(mantissa.find('.'), mantissa.size()));
-    const auto firstDigit = static_cast<std::int64_t>(mantissa.find_first_of("123456789"));
-    return point - firstDigit + exponentOf(number) > 0;
+    const std::size_t point = std::min(number.find_first_of(".eE"), number.size());
+    const auto distance = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(firstDigit);
+    return (distance > 0 ? distance : distance + 1) + exponentOf(number);
 }
 
 /// Whether the token is a JSON number that no double holds, such as 1e999.
 bool overflows(std::string_view token)
 {
+    constexpr std::int64_t largestMagnitude = 309; // the largest double's
+    const std::size_t firstDigit = token.substr(0, token.find_first_of("eE")).find_first_of("123456789");
+    if (firstDigit == std::string_view::npos || !isJsonNumber(token))
+        return false;
+    const std::int64_t magnitude = magnitudeOf(token, firstDigit);
     double value = 0;
-    return std::from_chars(token.data(), token.data() + token.size(), value).ec == std::errc::result_out_of_range &&
-           isJsonNumber(token) && isTooLarge(token);
+    return magnitude > largestMagnitude ||
+           (magnitude == largestMagnitude &&
+            std::from_chars(token.data(), token.data() + token.size(), value).ec == std::errc::result_out_of_range);
 }
 
 /// The code unit of an escape \uXXXX at the start of the text.
@@ -144,9 +150,10 @@ private:
         std::size_t end = start;
         while (end < m_text.size() && isNumberCharacter(m_text[end]))
             ++end;
-        const std::string_view token = m_text.substr(start, end - start);
-        if (overflows(token))
-            replace(start, QByteArrayLiteral("null").leftJustified(static_cast<qsizetype>(token.size())));
+        if (overflows(m_text.substr(start, end - start))) {
+            replace(start, "null");
+            std::fill(m_result.data() + start + 4, m_result.data() + end, ' ');
+        }
         return end;
     }
 
@@ -162,14 +169,11 @@ private:
                 return 2 * escapeLength;
         }
         if (isHighSurrogate(*unit) || isLowSurrogate(*unit))
-            replace(i, QByteArrayLiteral("\\ufffd"));
+            replace(i, "\\ufffd");
         return escapeLength;
     }
 
-    void replace(std::size_t start, const QByteArray &by)
-    {
-        m_result.replace(static_cast<qsizetype>(start), by.size(), by);
-    }
+    void replace(std::size_t start, std::string_view by) { std::ranges::copy(by, m_result.data() + start); }
 
     std::string_view m_text;
     QByteArray m_result;

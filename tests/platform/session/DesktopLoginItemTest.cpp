@@ -24,6 +24,11 @@ QString applicationId()
     return QStringLiteral("com.pelmo.tickwise.test");
 }
 
+QString reason()
+{
+    return QStringLiteral("because");
+}
+
 QByteArray contents(const QString &path)
 {
     QFile file(path);
@@ -401,7 +406,7 @@ void DesktopLoginItemTest::portal()
     QFETCH(QString, outcome);
     PrivateBus bus;
     FakePortal portal(bus.connect(), static_cast<FakePortal::Behaviour>(behaviour));
-    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), QStringLiteral("because"));
+    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), reason);
     const QString text = failureText(resultOf(login, true));
     QVERIFY2(text.contains(outcome), qPrintable(text));
 }
@@ -410,14 +415,17 @@ void DesktopLoginItemTest::portalIsTold()
 {
     PrivateBus bus;
     FakePortal portal(bus.connect(), FakePortal::Behaviour::grants);
-    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), QStringLiteral("because"));
+    QString text = QStringLiteral("because");
+    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), [&] { return text; });
     QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
     QCOMPARE(portal.options.value(QStringLiteral("autostart")), QVariant(true));
     QCOMPARE(portal.options.value(QStringLiteral("reason")), QVariant(QStringLiteral("because")));
     QCOMPARE(portal.options.value(QStringLiteral("commandline")).toStringList(),
              QStringList{QStringLiteral("tickwise")});
+    text = QStringLiteral("because of another language");
     QCOMPARE(failureText(resultOf(login, false)), QStringLiteral("success"));
     QCOMPARE(portal.options.value(QStringLiteral("autostart")), QVariant(false));
+    QCOMPARE(portal.options.value(QStringLiteral("reason")), QVariant(text));
 }
 
 void DesktopLoginItemTest::portalStartsTheProgramOfTheSandbox()
@@ -439,7 +447,7 @@ void DesktopLoginItemTest::portalWithoutTheMethod()
     QObject nothing;
     QVERIFY(other.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &nothing));
     QVERIFY(other.registerService(FakePortal::service()));
-    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), QString());
+    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), reason);
     const QString text = failureText(resultOf(login, true));
     QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
 }
@@ -447,14 +455,14 @@ void DesktopLoginItemTest::portalWithoutTheMethod()
 void DesktopLoginItemTest::noPortal()
 {
     PrivateBus bus;
-    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), QString());
+    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), reason);
     const QString text = failureText(resultOf(login, true));
     QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
 }
 
 void DesktopLoginItemTest::noSessionBus()
 {
-    PortalLoginItem login(QDBusConnection(QStringLiteral("not connected")), QStringLiteral("tickwise"), QString());
+    PortalLoginItem login(QDBusConnection(QStringLiteral("not connected")), QStringLiteral("tickwise"), reason);
     const QString text = failureText(resultOf(login, true));
     QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
 }
@@ -462,8 +470,8 @@ void DesktopLoginItemTest::noSessionBus()
 void DesktopLoginItemTest::kindFollowsTheSandbox()
 {
     const QDBusConnection bus(QStringLiteral("not connected"));
-    const std::unique_ptr<LoginItem> outside = makeLoginItem(applicationId(), bus, false, QString());
-    const std::unique_ptr<LoginItem> inside = makeLoginItem(applicationId(), bus, true, QString());
+    const std::unique_ptr<LoginItem> outside = makeLoginItem(applicationId(), bus, false, reason);
+    const std::unique_ptr<LoginItem> inside = makeLoginItem(applicationId(), bus, true, reason);
     QVERIFY(dynamic_cast<AutostartLoginItem *>(outside.get()) != nullptr);
     QVERIFY(dynamic_cast<PortalLoginItem *>(inside.get()) != nullptr);
 }

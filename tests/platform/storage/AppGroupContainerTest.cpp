@@ -1,5 +1,6 @@
 #include "platform/storage/AppGroupContainer.h"
 #include "doubles/TestProgram.h"
+#include "support/files/WholeFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -34,6 +35,8 @@ private Q_SLOTS:
     void isMadeForTheUserAlone();
     void isMadeWithItsParents();
     void isFoundAgainAsItIs();
+    void isMadeAnewWithItsMode();
+    void relativeDataHomeIsIgnored();
     void cannotBeHad_data();
     void cannotBeHad();
     void otherNames_data();
@@ -74,6 +77,30 @@ void AppGroupContainerTest::isMadeWithItsParents()
     const std::optional<QString> path = appGroupContainer(group);
     QCOMPARE(path, std::optional(m_home->filePath(QStringLiteral("a/b/") + group)));
     QVERIFY(QFileInfo(*path).isDir());
+    QCOMPARE(mode(m_home->filePath(QStringLiteral("a"))), 0700U);
+    QCOMPARE(mode(*path), 0700U);
+}
+
+void AppGroupContainerTest::isMadeAnewWithItsMode()
+{
+    const QString path = appGroupContainer(group).value();
+    QVERIFY(QDir().rmdir(path));
+    QVERIFY(writeWholeFile(path + QStringLiteral("/CoinLogos/bitcoin.img"), "logo").has_value());
+    QCOMPARE(mode(path), 0700U);
+    QVERIFY(QDir(path).removeRecursively());
+    QCOMPARE(appGroupContainer(group), std::optional(path));
+    QCOMPARE(mode(path), 0700U);
+}
+
+void AppGroupContainerTest::relativeDataHomeIsIgnored()
+{
+    const QByteArray home = qgetenv("HOME");
+    qputenv("HOME", m_home->path().toUtf8());
+    qputenv("XDG_DATA_HOME", "relative/data");
+    const std::optional<QString> path = appGroupContainer(group);
+    qputenv("HOME", home);
+    QCOMPARE(path, std::optional(m_home->filePath(QStringLiteral(".local/share/") + group)));
+    QVERIFY(!QFileInfo::exists(QStringLiteral("relative")));
 }
 
 void AppGroupContainerTest::isFoundAgainAsItIs()

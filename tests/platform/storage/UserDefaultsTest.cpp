@@ -1,47 +1,23 @@
 #include "platform/storage/UserDefaults.h"
-#include "doubles/TestProgram.h"
-
+#include "doubles/FullDisk.h"
 #include "doubles/LogCapture.h"
+#include "doubles/TestProgram.h"
 #include "settings/SettingsViewModel.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSettings>
 #include <QTemporaryDir>
 
-#include <csignal>
-#include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace tickwise;
+using tickwise::test::FullDisk;
 using tickwise::test::LogCapture;
 
 namespace {
 
+const QString identifier = QStringLiteral("com.pelmo.tickwise");
 const QString key = QStringLiteral("appSettings");
-
-/// No file can grow beyond that size while it lives, as on a full disk.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int) = nullptr;
-};
 
 QByteArray content(const QString &path)
 {
@@ -57,15 +33,12 @@ void write(const QString &path, const QByteArray &bytes)
     QCOMPARE(file.write(bytes), bytes.size());
 }
 
-QByteArray garbage(qsizetype size)
+unsigned mode(const QString &path)
 {
-    QByteArray bytes(size, '\0');
-    quint32 state = 12345;
-    for (char &byte : bytes) {
-        state = state * 1664525 + 1013904223;
-        byte = static_cast<char>(state >> 24);
-    }
-    return bytes;
+    struct stat status
+    {
+    };
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 07777U : 0U;
 }
 
 AppSettings withInterval(double seconds)
@@ -73,6 +46,11 @@ AppSettings withInterval(double seconds)
     AppSettings settings;
     settings.pollingInterval = seconds;
     return settings;
+}
+
+QString brokenName(const QString &path)
+{
+    return path + QStringLiteral(".broken");
 }
 
 } // namespace
@@ -84,29 +62,36 @@ class UserDefaultsTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void fileBelongsToOrganizationAndApplication();
+    void oneFolderAnIdentifier();
+    void oneFileAKey();
     void readingWritesNothing();
     void storesAndRemoves();
+    void removingWhatIsNotStored();
     void storesAnyBytes();
     void seesEveryOneOfQuickChanges();
     void fileIsForTheUserAlone();
+    void relativeConfigHomeIsIgnored();
     void followsALink();
-    void keepsOtherEntries();
-    void valueOfAnotherKind();
+    void theFileIsTheSettingsDocument();
     void fullDiskKeepsWhatIsStored();
+    void removesOnAFullDisk();
     void fullDiskWithSettings();
     void pathThatCannotBeWritten_data();
     void pathThatCannotBeWritten();
-    void damagedFileIsKeptAside_data();
-    void damagedFileIsKeptAside();
-    void damagedFileThatWasReadFirst();
-    void damagedFileThatCannotBeKeptAside();
-    void healthyFileIsNotKeptAside();
-    void hugeFile();
-    void badDocuments_data();
-    void badDocuments();
+    void refusedValueIsKeptAside();
+    void refusedValueIsKeptBeforeItIsRemoved();
+    void refusedValueThatCannotBeKeptAside();
+    void refusedValueOnAFullDisk();
+    void valueThatCannotBeRead_data();
+    void valueThatCannotBeRead();
+    void largestValue();
+    void healthyValueIsNotKeptAside();
+    void refusedSettings_data();
+    void refusedSettings();
 
 private:
+    QStringList names() const;
+
     QString m_path;
     std::unique_ptr<QTemporaryDir> m_home;
     QByteArray m_configHome;
@@ -118,7 +103,7 @@ void UserDefaultsTest::init()
     m_home = std::make_unique<QTemporaryDir>();
     QVERIFY(m_home->isValid());
     qputenv("XDG_CONFIG_HOME", m_home->path().toUtf8());
-    m_path = m_home->filePath(QStringLiteral("com.pelmo/tickwise.conf"));
+    m_path = m_home->filePath(QStringLiteral("com.pelmo.tickwise/appSettings.json"));
 }
 
 void UserDefaultsTest::cleanup()
@@ -127,32 +112,57 @@ void UserDefaultsTest::cleanup()
     m_home.reset();
 }
 
-void UserDefaultsTest::fileBelongsToOrganizationAndApplication()
+/// What is in the folder of the defaults.
+QStringList UserDefaultsTest::names() const
 {
-    QCOMPARE(UserDefaults().path(), m_path);
-    UserDefaults demo(QStringLiteral("com.pelmo"), QStringLiteral("tickwise-demo"));
-    QCOMPARE(demo.path(), m_home->filePath(QStringLiteral("com.pelmo/tickwise-demo.conf")));
+    return QDir(QFileInfo(m_path).path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
+void UserDefaultsTest::oneFolderAnIdentifier()
+{
+    QCOMPARE(UserDefaults(identifier).path(key), m_path);
+    UserDefaults demo(QStringLiteral("com.pelmo.tickwise.demo"));
+    QCOMPARE(demo.path(key), m_home->filePath(QStringLiteral("com.pelmo.tickwise.demo/appSettings.json")));
     QVERIFY(demo.setData(key, QByteArray("{}")).has_value());
-    QVERIFY(!UserDefaults().data(key));
+    QVERIFY(!UserDefaults(identifier).data(key));
+}
+
+void UserDefaultsTest::oneFileAKey()
+{
+    UserDefaults defaults(identifier);
+    const QString other = QStringLiteral("updater");
+    QVERIFY(defaults.setData(key, QByteArray("one")).has_value());
+    QVERIFY(defaults.setData(other, QByteArray("two")).has_value());
+    QCOMPARE(names(), QStringList({QStringLiteral("appSettings.json"), QStringLiteral("updater.json")}));
+    QCOMPARE(defaults.data(key), std::optional(QByteArray("one")));
+    QCOMPARE(defaults.data(other), std::optional(QByteArray("two")));
+    QVERIFY(defaults.setData(key, std::nullopt).has_value());
+    QCOMPARE(defaults.data(other), std::optional(QByteArray("two")));
 }
 
 void UserDefaultsTest::readingWritesNothing()
 {
-    QVERIFY(!UserDefaults().data(key));
+    QVERIFY(!UserDefaults(identifier).data(key));
     QVERIFY(QDir(m_home->path()).isEmpty());
 }
 
 void UserDefaultsTest::storesAndRemoves()
 {
-    UserDefaults defaults;
+    UserDefaults defaults(identifier);
     QVERIFY(defaults.setData(key, QByteArray("one")).has_value());
     QCOMPARE(defaults.data(key), std::optional(QByteArray("one")));
     QVERIFY(defaults.setData(key, QByteArray("two")).has_value());
-    QCOMPARE(UserDefaults().data(key), std::optional(QByteArray("two")));
-    QVERIFY(content(m_path).contains("appSettings=@ByteArray(two)"));
+    QCOMPARE(UserDefaults(identifier).data(key), std::optional(QByteArray("two")));
+    QCOMPARE(content(m_path), QByteArray("two"));
     QVERIFY(defaults.setData(key, std::nullopt).has_value());
-    QVERIFY(!UserDefaults().data(key));
-    QVERIFY(!content(m_path).contains("appSettings"));
+    QVERIFY(!UserDefaults(identifier).data(key));
+    QVERIFY(names().isEmpty());
+}
+
+void UserDefaultsTest::removingWhatIsNotStored()
+{
+    QVERIFY(UserDefaults(identifier).setData(key, std::nullopt).has_value());
+    QVERIFY(QDir(m_home->path()).isEmpty());
 }
 
 void UserDefaultsTest::storesAnyBytes()
@@ -160,16 +170,16 @@ void UserDefaultsTest::storesAnyBytes()
     QByteArray all;
     for (int byte = 0; byte < 256; ++byte)
         all.append(static_cast<char>(byte));
-    UserDefaults defaults;
+    UserDefaults defaults(identifier);
     for (const QByteArray &bytes : {QByteArray(""), all, QByteArray("a\nb\\c\"d=;[e]"), QByteArray(1000000, '\\')}) {
         QVERIFY(defaults.setData(key, bytes).has_value());
-        QVERIFY(UserDefaults().data(key) == bytes);
+        QVERIFY(UserDefaults(identifier).data(key) == bytes);
     }
 }
 
 void UserDefaultsTest::seesEveryOneOfQuickChanges()
 {
-    UserDefaults defaults;
+    UserDefaults defaults(identifier);
     for (int i = 100; i < 300; ++i) {
         QVERIFY(defaults.setData(key, QByteArray::number(i)).has_value());
         QCOMPARE(defaults.data(key), std::optional(QByteArray::number(i)));
@@ -178,67 +188,72 @@ void UserDefaultsTest::seesEveryOneOfQuickChanges()
 
 void UserDefaultsTest::fileIsForTheUserAlone()
 {
-    QVERIFY(UserDefaults().setData(key, QByteArray("{}")).has_value());
-    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
-    QVERIFY(!(QFile::permissions(m_path) & others));
+    QVERIFY(UserDefaults(identifier).setData(key, QByteArray("{}")).has_value());
+    QCOMPARE(mode(m_path), 0600U);
+    QCOMPARE(mode(QFileInfo(m_path).path()), 0700U);
+}
+
+void UserDefaultsTest::relativeConfigHomeIsIgnored()
+{
+    qputenv("XDG_CONFIG_HOME", "relative/config");
+    QCOMPARE(UserDefaults(identifier).path(key),
+             QDir::home().filePath(QStringLiteral(".config/com.pelmo.tickwise/appSettings.json")));
 }
 
 void UserDefaultsTest::followsALink()
 {
-    const QString real = m_home->filePath(QStringLiteral("dotfiles.conf"));
-    write(real, "[General]\nother=1\n");
+    const QString real = m_home->filePath(QStringLiteral("dotfiles.json"));
+    write(real, "{}");
     QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
     QVERIFY(QFile::link(real, m_path));
-    QVERIFY(UserDefaults().setData(key, QByteArray("{}")).has_value());
+    QCOMPARE(UserDefaults(identifier).data(key), std::optional(QByteArray("{}")));
+    QVERIFY(UserDefaults(identifier).setData(key, QByteArray("{ }")).has_value());
     QVERIFY(QFileInfo(m_path).isSymLink());
-    QVERIFY(content(real).contains("appSettings="));
-    QVERIFY(content(real).contains("other=1"));
+    QCOMPARE(content(real), QByteArray("{ }"));
 }
 
-void UserDefaultsTest::keepsOtherEntries()
+void UserDefaultsTest::theFileIsTheSettingsDocument()
 {
-    write(m_path, "; kept by hand\n[General]\nother=1\n\n[Window]\nwidth=5\n");
-    QVERIFY(UserDefaults().setData(key, QByteArray("{}")).has_value());
-    const QSettings stored(m_path, QSettings::IniFormat);
-    QCOMPARE(stored.value(QStringLiteral("other")).toInt(), 1);
-    QCOMPARE(stored.value(QStringLiteral("Window/width")).toInt(), 5);
-}
-
-void UserDefaultsTest::valueOfAnotherKind()
-{
-    write(m_path, "[General]\nappSettings=1, 2, 3\n");
-    QCOMPARE(UserDefaults().data(key), std::optional(QByteArray()));
-    const LogCapture log;
-    UserDefaults defaults;
-    QVERIFY(UserDefaultsSettingsStore(defaults).load() == AppSettings());
-    QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.Settings")).size(), 1);
+    UserDefaults defaults(identifier);
+    SettingsViewModel model{UserDefaultsSettingsStore(defaults)};
+    model.update(withInterval(3));
+    QVERIFY(content(m_path).startsWith("{\"launchAtLogin\":false,"));
+    write(m_path, R"({"pollingInterval": 7})");
+    QVERIFY(UserDefaultsSettingsStore(defaults).load() == withInterval(7));
 }
 
 void UserDefaultsTest::fullDiskKeepsWhatIsStored()
 {
-    UserDefaults defaults;
+    UserDefaults defaults(identifier);
     QVERIFY(defaults.setData(key, QByteArray("small")).has_value());
-    const QByteArray before = content(m_path);
     {
         const FullDisk full(1024);
-        // The first does not fit, the second is cut off before its last line break only.
-        for (const int size : {5000, 990}) {
-            const Result<void> stored = defaults.setData(key, QByteArray(size, 'x'));
-            QVERIFY(!stored.has_value());
-            QCOMPARE(std::get<FileError>(stored.error()).path, m_path);
-            QCOMPARE(defaults.data(key), std::optional(QByteArray("small")));
-        }
+        const Result<void> stored = defaults.setData(key, QByteArray(5000, 'x'));
+        QVERIFY(!stored.has_value());
+        QCOMPARE(std::get<FileError>(stored.error()).path, m_path);
+        QCOMPARE(defaults.data(key), std::optional(QByteArray("small")));
     }
-    QCOMPARE(content(m_path), before);
     QVERIFY(defaults.setData(key, QByteArray(5000, 'y')).has_value());
-    QCOMPARE(UserDefaults().data(key), std::optional(QByteArray(5000, 'y')));
-    QCOMPARE(QDir(QFileInfo(m_path).path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    QCOMPARE(UserDefaults(identifier).data(key), std::optional(QByteArray(5000, 'y')));
+    QCOMPARE(names().size(), 1);
+}
+
+void UserDefaultsTest::removesOnAFullDisk()
+{
+    UserDefaults defaults(identifier);
+    QVERIFY(defaults.setData(key, QByteArray("stored")).has_value());
+    {
+        const FullDisk full(0);
+        QVERIFY(defaults.setData(key, std::nullopt).has_value());
+    }
+    QVERIFY(!defaults.data(key));
+    QVERIFY(names().isEmpty());
 }
 
 void UserDefaultsTest::fullDiskWithSettings()
 {
     const LogCapture log;
-    UserDefaults defaults;
+    UserDefaults defaults(identifier);
     SettingsViewModel model{UserDefaultsSettingsStore(defaults)};
     model.update(withInterval(3));
     {
@@ -246,8 +261,9 @@ void UserDefaultsTest::fullDiskWithSettings()
         model.update(withInterval(4));
     }
     QCOMPARE(model.settings().pollingInterval, 4.0);
-    QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.Settings")),
-             QStringList(QStringLiteral("Failed to store settings: %1: cannot be written").arg(m_path)));
+    const QStringList lines = log.texts(QStringLiteral("com.pelmo.tickwise.Settings"));
+    QCOMPARE(lines.size(), 1);
+    QVERIFY(lines.front().startsWith(QStringLiteral("Failed to store settings: %1: ").arg(m_path)));
     QCOMPARE(log.lines().size(), 1U);
     QVERIFY(UserDefaultsSettingsStore(defaults).load() == withInterval(3));
     model.update(withInterval(5));
@@ -257,9 +273,8 @@ void UserDefaultsTest::fullDiskWithSettings()
 void UserDefaultsTest::pathThatCannotBeWritten_data()
 {
     QTest::addColumn<std::function<void()>>("prepare");
-    QTest::newRow("directory") << std::function<void()>([this] { QVERIFY(QDir().mkpath(m_path)); });
     QTest::newRow("below a file") << std::function<void()>(
-        [this] { write(m_home->filePath(QStringLiteral("com.pelmo")), "a file"); });
+        [this] { write(m_home->filePath(QStringLiteral("com.pelmo.tickwise")), "a file"); });
     QTest::newRow("file system without files") << std::function<void()>([] { qputenv("XDG_CONFIG_HOME", "/proc"); });
     QTest::newRow("device") << std::function<void()>([] { qputenv("XDG_CONFIG_HOME", "/dev/null"); });
 }
@@ -269,12 +284,12 @@ void UserDefaultsTest::pathThatCannotBeWritten()
     QFETCH(std::function<void()>, prepare);
     prepare();
     const LogCapture log;
-    UserDefaults defaults;
+    UserDefaults defaults(identifier);
     SettingsViewModel model{UserDefaultsSettingsStore(defaults)};
     QVERIFY(model.settings() == AppSettings());
     const Result<void> stored = defaults.setData(key, QByteArray("{}"));
     QVERIFY(!stored.has_value());
-    QCOMPARE(std::get<FileError>(stored.error()).path, defaults.path());
+    QCOMPARE(std::get<FileError>(stored.error()).path, defaults.path(key));
     QVERIFY(!defaults.data(key));
     QCOMPARE(log.lines().size(), 0U);
     model.update(withInterval(3));
@@ -282,102 +297,142 @@ void UserDefaultsTest::pathThatCannotBeWritten()
     QCOMPARE(log.lines().size(), 1U);
 }
 
-void UserDefaultsTest::damagedFileIsKeptAside_data()
+void UserDefaultsTest::refusedValueIsKeptAside()
 {
-    QTest::addColumn<QByteArray>("damaged");
-    QTest::newRow("text") << QByteArray("this is no settings file\n");
-    QTest::newRow("JSON") << QByteArray("{\"language\": \"en\"}");
-    QTest::newRow("broken header") << QByteArray("[General\nappSettings=1\n");
-    QTest::newRow("cut off") << QByteArray("[General]\nother=1\nappSet");
-    QTest::newRow("NUL bytes") << QByteArray(4096, '\0');
-    QTest::newRow("garbage") << garbage(2000000);
-}
-
-void UserDefaultsTest::damagedFileIsKeptAside()
-{
-    QFETCH(QByteArray, damaged);
+    const QByteArray damaged("{\"language\": \0\xff", 15);
     write(m_path, damaged);
     const LogCapture log;
-    UserDefaults defaults;
+    UserDefaults defaults(identifier);
+    QCOMPARE(defaults.data(key), std::optional(damaged));
+    defaults.keepBeforeOverwriting(key);
+    QVERIFY(!QFile::exists(brokenName(m_path)));
     QVERIFY(defaults.setData(key, QByteArray("{}")).has_value());
-    const QString aside = m_path + QStringLiteral(".broken");
-    QVERIFY(content(aside) == damaged);
+    QCOMPARE(content(brokenName(m_path)), damaged);
     QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.UserDefaults")),
-             QStringList(QStringLiteral("Damaged settings file kept as ") + aside));
+             QStringList(QStringLiteral("Unusable data kept as ") + brokenName(m_path)));
     QVERIFY(defaults.setData(key, QByteArray("{ }")).has_value());
     QCOMPARE(log.lines().size(), 1U);
-    QVERIFY(content(aside) == damaged);
-    QCOMPARE(UserDefaults().data(key), std::optional(QByteArray("{ }")));
-}
-
-void UserDefaultsTest::damagedFileThatWasReadFirst()
-{
-    write(m_path, "no settings file, but read before");
-    const LogCapture log;
-    UserDefaults defaults;
-    QVERIFY(!defaults.data(key));
-    QVERIFY(!defaults.data(key));
-    QCOMPARE(content(m_path), QByteArray("no settings file, but read before"));
+    QCOMPARE(content(brokenName(m_path)), damaged);
+    QCOMPARE(defaults.data(key), std::optional(QByteArray("{ }")));
+    // A later one takes the place of the earlier.
+    defaults.keepBeforeOverwriting(key);
     QVERIFY(defaults.setData(key, QByteArray("{}")).has_value());
-    QCOMPARE(content(m_path + QStringLiteral(".broken")), QByteArray("no settings file, but read before"));
+    QCOMPARE(content(brokenName(m_path)), QByteArray("{ }"));
 }
 
-void UserDefaultsTest::damagedFileThatCannotBeKeptAside()
+void UserDefaultsTest::refusedValueIsKeptBeforeItIsRemoved()
 {
     write(m_path, "damaged");
-    QVERIFY(QDir().mkpath(m_path + QStringLiteral(".broken/x")));
-    const Result<void> stored = UserDefaults().setData(key, QByteArray("{}"));
+    const LogCapture log;
+    UserDefaults defaults(identifier);
+    defaults.keepBeforeOverwriting(key);
+    QVERIFY(defaults.setData(key, std::nullopt).has_value());
+    QCOMPARE(content(brokenName(m_path)), QByteArray("damaged"));
+    QVERIFY(!QFile::exists(m_path));
+}
+
+void UserDefaultsTest::refusedValueThatCannotBeKeptAside()
+{
+    write(m_path, "damaged");
+    QVERIFY(QDir().mkpath(brokenName(m_path) + QStringLiteral("/x")));
+    UserDefaults defaults(identifier);
+    defaults.keepBeforeOverwriting(key);
+    const Result<void> stored = defaults.setData(key, QByteArray("{}"));
     QVERIFY(!stored.has_value());
     QCOMPARE(std::get<FileError>(stored.error()).path, m_path);
     QCOMPARE(content(m_path), QByteArray("damaged"));
 }
 
-void UserDefaultsTest::healthyFileIsNotKeptAside()
+void UserDefaultsTest::refusedValueOnAFullDisk()
 {
-    UserDefaults defaults;
-    const QByteArray awkward("[\n;\x01]\"\\=,@Variant()");
-    QVERIFY(defaults.setData(key, awkward).has_value());
-    QVERIFY(defaults.setData(QStringLiteral("odd key/[x]\n="), awkward).has_value());
-    QVERIFY(defaults.setData(key, awkward).has_value());
-    QVERIFY(!QFile::exists(m_path + QStringLiteral(".broken")));
-}
-
-void UserDefaultsTest::hugeFile()
-{
-    const QByteArray huge = garbage(50000000);
-    write(m_path, huge);
+    write(m_path, QByteArray(5000, 'x'));
     const LogCapture log;
-    UserDefaults defaults;
-    QVERIFY(!defaults.data(key));
+    UserDefaults defaults(identifier);
+    defaults.keepBeforeOverwriting(key);
+    {
+        const FullDisk full(1024);
+        QVERIFY(!defaults.setData(key, QByteArray("{}")).has_value());
+    }
+    QCOMPARE(content(m_path), QByteArray(5000, 'x'));
     QVERIFY(defaults.setData(key, QByteArray("{}")).has_value());
-    QVERIFY(content(m_path + QStringLiteral(".broken")) == huge);
-    QCOMPARE(defaults.data(key), std::optional(QByteArray("{}")));
-    QCOMPARE(log.lines().size(), 1U);
+    QCOMPARE(content(brokenName(m_path)), QByteArray(5000, 'x'));
 }
 
-void UserDefaultsTest::badDocuments_data()
+void UserDefaultsTest::valueThatCannotBeRead_data()
+{
+    QTest::addColumn<std::function<void()>>("prepare");
+    QTest::newRow("folder") << std::function<void()>([this] { QVERIFY(QDir().mkpath(m_path + QStringLiteral("/x"))); });
+    QTest::newRow("pipe") << std::function<void()>([this] {
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        QCOMPARE(::mkfifo(QFile::encodeName(m_path).constData(), 0600), 0);
+    });
+    QTest::newRow("too large") << std::function<void()>(
+        [this] { write(m_path, QByteArray(UserDefaults::largestFile + 1, 'x')); });
+}
+
+void UserDefaultsTest::valueThatCannotBeRead()
+{
+    QFETCH(std::function<void()>, prepare);
+    prepare();
+    const LogCapture log;
+    UserDefaults defaults(identifier);
+    QVERIFY(!defaults.data(key));
+    QVERIFY(!defaults.data(key));
+    const QStringList lines = log.texts(QStringLiteral("com.pelmo.tickwise.UserDefaults"));
+    QCOMPARE(lines.size(), 1);
+    QVERIFY(lines.front().startsWith(QStringLiteral("Failed to read stored data: ") + m_path));
+    QCOMPARE(log.lines().front().type, QtWarningMsg);
+    QVERIFY(defaults.setData(key, QByteArray("{}")).has_value());
+    QVERIFY(QFileInfo::exists(brokenName(m_path)));
+    QCOMPARE(QFileInfo(brokenName(m_path)).isFile(), QByteArray(QTest::currentDataTag()) == "too large");
+    QCOMPARE(defaults.data(key), std::optional(QByteArray("{}")));
+}
+
+void UserDefaultsTest::largestValue()
+{
+    write(m_path, QByteArray(UserDefaults::largestFile, 'x'));
+    const LogCapture log;
+    QVERIFY(UserDefaults(identifier).data(key) == QByteArray(UserDefaults::largestFile, 'x'));
+    QVERIFY(log.lines().empty());
+}
+
+void UserDefaultsTest::healthyValueIsNotKeptAside()
+{
+    UserDefaults defaults(identifier);
+    UserDefaultsSettingsStore store(defaults);
+    store.save(withInterval(3));
+    QVERIFY(store.load() == withInterval(3));
+    store.save(withInterval(4));
+    QVERIFY(!QFile::exists(brokenName(m_path)));
+}
+
+void UserDefaultsTest::refusedSettings_data()
 {
     QTest::addColumn<QByteArray>("document");
-    QTest::addColumn<QString>("reason");
+    QTest::addColumn<QString>("text");
     QTest::newRow("deep") << QByteArray(1000000, '[') << QStringLiteral("not valid JSON at byte 1000001");
     QTest::newRow("invalid UTF-8") << QByteArray("{\"language\": \"\xff\"}")
                                    << QStringLiteral("not valid JSON at byte 15");
+    QTest::newRow("not an object") << QByteArray("[]") << QStringLiteral("not an object");
     QTest::newRow("too large") << QByteArray(5000000, ' ')
-                               << QStringLiteral("5000000 bytes are more than a settings document may have");
+                               << QStringLiteral("5000000 bytes are more than the 4194304 of the largest document");
 }
 
-void UserDefaultsTest::badDocuments()
+void UserDefaultsTest::refusedSettings()
 {
     QFETCH(QByteArray, document);
-    QFETCH(QString, reason);
-    UserDefaults defaults;
-    QVERIFY(defaults.setData(key, document).has_value());
+    QFETCH(QString, text);
+    write(m_path, document);
     const LogCapture log;
-    const SettingsViewModel model{UserDefaultsSettingsStore(defaults)};
+    UserDefaults defaults(identifier);
+    SettingsViewModel model{UserDefaultsSettingsStore(defaults)};
     QVERIFY(model.settings() == AppSettings());
     QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.Settings")),
-             QStringList(QStringLiteral("Failed to decode stored settings: ") + reason));
-    QVERIFY(defaults.data(key) == document);
+             QStringList(QStringLiteral("Failed to decode stored settings: ") + text));
+    QVERIFY(content(m_path) == document);
+    model.update(withInterval(3));
+    QVERIFY(content(brokenName(m_path)) == document);
+    QVERIFY(UserDefaultsSettingsStore(defaults).load() == withInterval(3));
 }
 
 TICKWISE_TEST(UserDefaultsTest)
