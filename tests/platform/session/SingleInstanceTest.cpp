@@ -8,6 +8,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -92,6 +93,7 @@ private Q_SLOTS:
     void hangingFirstCopyDoesNotHangTheSecond();
     void busThatGoesAndReturns();
     void busThatStartsLater();
+    void nameThatIsHeldForAMomentIsWaitedFor();
     void copiesOnTwoBusesMeetAtTheLock();
     void copyWithABusMeetsOneWithout();
     void secondCopyQuitsWithoutABus();
@@ -265,6 +267,28 @@ void SingleInstanceTest::busThatStartsLater()
     observer.send(applicationCall(QStringLiteral("Activate"))
                   << QVariantMap{{QStringLiteral("activation-token"), QStringLiteral("t1")}});
     QCOMPARE(first.nextLine(), QStringLiteral("activated t1"));
+}
+
+void SingleInstanceTest::nameThatIsHeldForAMomentIsWaitedFor()
+{
+    PrivateBus bus;
+    bus.stop();
+    SessionBus sessionBus(bus.address());
+    SingleInstance instance(applicationId(), sessionBus, m_locks.path());
+    QCOMPARE(instance.claim({}, {}), SingleInstance::Role::first);
+    // Nothing reconnects before the event loop runs.
+    bus.start();
+    QDBusConnection holder = bus.connect();
+    QVERIFY(holder.registerService(applicationId()));
+    const auto queueLength = [&] {
+        const QDBusMessage question =
+            QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
+                                           QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ListQueuedOwners"));
+        return QDBusReply<QStringList>(holder.call(QDBusMessage(question) << applicationId())).value().size();
+    };
+    QTRY_COMPARE(queueLength(), 2);
+    QVERIFY(holder.unregisterService(applicationId()));
+    QTRY_COMPARE(holder.interface()->serviceOwner(applicationId()).value(), sessionBus.connection().baseService());
 }
 
 void SingleInstanceTest::copiesOnTwoBusesMeetAtTheLock()
