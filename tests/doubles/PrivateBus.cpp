@@ -63,6 +63,13 @@ void PrivateBus::stop()
     QFile::remove(m_directory.filePath(QStringLiteral("bus")));
 }
 
+void PrivateBus::kill()
+{
+    m_daemon.kill();
+    m_daemon.waitForFinished(5000);
+    QFile::remove(m_directory.filePath(QStringLiteral("bus")));
+}
+
 void PrivateBus::pause()
 {
     ::kill(pid_t(m_daemon.processId()), SIGSTOP);

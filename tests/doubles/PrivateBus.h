@@ -19,6 +19,8 @@ public:
     void start();
     /// Ends the bus, as a crash of it does.
     void stop();
+    /// The same for a bus that is paused.
+    void kill();
 
     /// Makes the bus deaf, and lets it go on.
     void pause();

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QTimer>
+
+#include <chrono>
+
+namespace tickwise {
+
+/// The process's own connection to the session bus, opened anew when the bus ends and comes back. A connection that has
+/// ended stays dead, and with it its bus names, exported objects, signal connections and service watchers: who keeps
+/// any of these drops them on `disconnected` and makes them again on `connected`. Main thread only.
+class SessionBus : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr std::chrono::milliseconds firstRetry{100};
+    static constexpr std::chrono::seconds slowestRetry{60};
+
+    /// Opens the bus that the environment names.
+    explicit SessionBus(QObject *parent = nullptr);
+    /// Opens the bus at a D-Bus address.
+    explicit SessionBus(const QString &address, QObject *parent = nullptr);
+    /// Closes the connection.
+    ~SessionBus() override;
+
+    /// The current connection; an unconnected one while there is no bus. Do not keep it beyond `disconnected`.
+    const QDBusConnection &connection() const { return m_connection; }
+
+Q_SIGNALS:
+    /// A new connection is in place. Not emitted for the one that the constructor opens.
+    void connected();
+    /// The bus has ended. It is tried again after `firstRetry`, then at doubled intervals up to `slowestRetry`.
+    void disconnected();
+
+private Q_SLOTS:
+    void connectionLost();
+
+private:
+    void open();
+    void retry();
+
+    QString m_address;
+    QDBusConnection m_connection;
+    QTimer m_retry;
+};
+
+} // namespace tickwise
