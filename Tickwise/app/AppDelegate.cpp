@@ -88,6 +88,21 @@ void AppDelegate::createStatusItem()
     m_menuBarViewModel.bind(m_statusItem.get(), coinListViewModel(), m_settingsViewModel);
     m_statusItem->setMenu([this] { return makeStatusMenu(); });
     connect(m_statusItem.get(), &StatusItem::clicked, this, [this] { activate(); });
+    followMenuInputs();
+}
+
+void AppDelegate::followMenuInputs()
+{
+    const auto update = [this] { m_statusItem->menuChanged(); };
+    const auto choice = [](const AppSettings &settings) {
+        QStringList ids{settings.displayedCoinId};
+        for (const WatchlistCoin &coin : settings.watchlistCoins)
+            ids.append(coin.coinId);
+        return ids;
+    };
+    m_notifiers.push_back(followSettings(m_settingsViewModel, choice, [update](const QStringList &) { update(); }));
+    m_notifiers.push_back(m_updateController.bindableCanCheckForUpdates().addNotifier(update));
+    connect(this, &AppDelegate::languageApplied, m_statusItem.get(), update);
 }
 
 CoinLogoStore &AppDelegate::logoStore()

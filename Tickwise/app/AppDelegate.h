@@ -96,6 +96,7 @@ Q_SIGNALS:
 
 private:
     void createStatusItem();
+    void followMenuInputs();
     void followWatchlistLogos();
     void prefetchLogos(const QStringList &coinIds);
     void followLaunchAtLogin();

@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppInfo.h"
+#include "platform/dbus/SessionBus.h"
 #include "platform/network/NetworkHttpClient.h"
 #include "platform/network/NetworkWatch.h"
 #include "platform/notifications/SoundPlayer.h"
@@ -53,6 +54,7 @@ private:
 
     ApplicationConfiguration m_configuration;
     TerminationSignals m_signals;
+    SessionBus m_sessionBus;
     SingleInstance m_singleInstance;
     SleepMonitor m_sleepMonitor;
     NetworkWatch m_networkWatch;

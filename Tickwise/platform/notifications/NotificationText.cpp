@@ -1,6 +1,7 @@
 #include "platform/notifications/NotificationText.h"
 
 #include "support/Localization.h"
+#include "support/Markup.h"
 
 #include <QTextBoundaryFinder>
 
@@ -31,13 +32,6 @@ QString shortened(const QString &text)
     return whole < 0 || whole == text.size() ? text : text.left(end) + u'…';
 }
 
-QString escaped(QString text)
-{
-    return text.replace(u'&', QStringLiteral("&amp;"))
-        .replace(u'<', QStringLiteral("&lt;"))
-        .replace(u'>', QStringLiteral("&gt;"));
-}
-
 } // namespace
 
 QString notificationLine(const QString &text)
@@ -65,7 +59,7 @@ QVariantList notifyArguments(const UserNotification &notification, const Notific
             replacesNothing,
             identity.iconName,
             notificationLine(notification.title),
-            can(QStringLiteral("body-markup")) ? escaped(body) : body,
+            can(QStringLiteral("body-markup")) ? plainTextMarkup(body) : body,
             actions,
             hints,
             serviceDecides};
