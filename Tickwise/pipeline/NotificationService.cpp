@@ -3,10 +3,10 @@
 #include "pipeline/AlertRule.h"
 #include "pipeline/PriceFormat.h"
 #include "support/Localization.h"
+#include "support/MainThread.h"
 
 #include <QLocale>
 #include <QLoggingCategory>
-#include <QThread>
 
 #include <cmath>
 
@@ -105,7 +105,7 @@ void NotificationService::requestAuthorization()
 void NotificationService::notify(const Coin &coin, CoinAlertKind kind, BaseCurrency, double threshold,
                                  double changePercent, double usdToTargetRate)
 {
-    Q_ASSERT(m_center.thread() == QThread::currentThread());
+    requireMainThread();
     const UserNotification notification = priceAlertNotification(coin, kind, threshold, changePercent, usdToTargetRate,
                                                                  m_clock(), currentLocalizationBundle());
     m_center.add(notification, [](const Result<void> &result) {

@@ -1,9 +1,8 @@
 #include "platform/notifications/NotificationText.h"
 
+#include "support/Graphemes.h"
 #include "support/Localization.h"
 #include "support/Markup.h"
-
-#include <QTextBoundaryFinder>
 
 #include <algorithm>
 
@@ -24,12 +23,7 @@ bool isControl(QChar character)
 
 QString shortened(const QString &text)
 {
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    qsizetype end = 0;
-    for (qsizetype i = 1; i < longestLine && end >= 0; ++i)
-        end = finder.toNextBoundary();
-    const qsizetype whole = end < 0 ? end : finder.toNextBoundary();
-    return whole < 0 || whole == text.size() ? text : text.left(end) + u'…';
+    return characterCount(text) > longestLine ? firstCharacters(text, longestLine - 1) + u'…' : text;
 }
 
 } // namespace

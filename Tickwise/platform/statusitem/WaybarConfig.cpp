@@ -1,14 +1,13 @@
 #include "platform/statusitem/WaybarConfig.h"
 
+#include "support/json/JsonReader.h"
+
 #include <QDir>
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QRegularExpression>
 #include <QStandardPaths>
 
-#include <cmath>
+#include <algorithm>
 #include <limits>
 #include <optional>
 
@@ -32,13 +31,15 @@ QByteArray asStrictJson(QString text)
         .toUtf8();
 }
 
-std::optional<int> iconSizeOfBar(const QJsonObject &bar)
+std::optional<int> iconSizeOfBar(const JsonValue &bar)
 {
-    const QJsonValue size = bar.value(u"tray").toObject().value(u"icon-size");
-    const double points = size.toDouble(-1);
-    if (points < 0 || points > std::numeric_limits<quint32>::max() || points != std::floor(points))
+    static const JsonValue::json_pointer iconSize("/tray/icon-size");
+    if (!bar.is_object())
         return std::nullopt;
-    return int(std::clamp<double>(points, smallestIconSize, largestIconSize));
+    const Result<std::int64_t> points = decodeJson<std::int64_t>(bar.value(iconSize, JsonValue()));
+    if (!points || *points < 0 || *points > std::numeric_limits<quint32>::max())
+        return std::nullopt;
+    return int(std::clamp<std::int64_t>(*points, smallestIconSize, largestIconSize));
 }
 
 /// What follows `-c`, `--config`, `-c=` or `--config=`.
@@ -71,10 +72,13 @@ QString configurationPath(const WatcherProcess &process)
 
 int waybarIconSize(const QByteArray &configuration)
 {
-    const QJsonDocument document = QJsonDocument::fromJson(asStrictJson(QString::fromUtf8(configuration)));
-    const QJsonArray bars = document.isArray() ? document.array() : QJsonArray{document.object()};
-    for (const auto bar : bars) {
-        if (const std::optional<int> size = iconSizeOfBar(bar.toObject()))
+    const Result<JsonValue> document = parseJson(asStrictJson(QString::fromUtf8(configuration)), JsonFaults::repair);
+    if (!document)
+        return waybarDefaultIconSize;
+    if (!document->is_array())
+        return iconSizeOfBar(*document).value_or(waybarDefaultIconSize);
+    for (const JsonValue &bar : *document) {
+        if (const std::optional<int> size = iconSizeOfBar(bar))
             return *size;
     }
     return waybarDefaultIconSize;
