@@ -99,6 +99,8 @@ private Q_SLOTS:
     void registersUnderItsOwnName();
     void aLatePanelGetsTheItemAfterOneLogLine();
     void aRestartedPanelGetsTheItemAgain();
+    void theItemStaysWhileAPanelRestarts();
+    void anotherPanelGetsAWidthOfItsOwn();
     void aPanelOfAnotherKindGetsAnotherItem();
     void isAnnouncedByNameOrConnection();
     void withoutABusItSaysSoOnceAndGoesOn();
@@ -218,6 +220,46 @@ void PanelStatusItemTest::aRestartedPanelGetsTheItemAgain()
     QTRY_VERIFY(hasItems(1));
     QCOMPARE(m_panel->items()[0], service);
     QCOMPARE(m_panel->itemProperties().value(QStringLiteral("Title")).toString(), QStringLiteral("BTC 67,432"));
+}
+
+void PanelStatusItemTest::theItemStaysWhileAPanelRestarts()
+{
+    LogCapture log;
+    const auto item = makeItem(QStringLiteral("waybar"));
+    QTRY_VERIFY(hasItems(1));
+    const QString service = m_panel->items()[0];
+    const QDBusConnection observer = m_bus->connect();
+    m_panel.reset();
+    QVERIFY2(!QTest::qWaitFor([&] { return !observer.interface()->isServiceRegistered(service).value(); }, 600),
+             "the item left at once");
+    m_panel = std::make_unique<FakeStatusPanel>(*m_bus);
+    QTRY_VERIFY(hasItems(1));
+    QCOMPARE(m_panel->items()[0], service);
+    QCOMPARE(logLines(log), QStringList());
+}
+
+void PanelStatusItemTest::anotherPanelGetsAWidthOfItsOwn()
+{
+    const auto item = makeItem(QStringLiteral("mate-panel"));
+    item->setContent(priced(QStringLiteral("WWWWWW 67,432")));
+    QTRY_VERIFY(hasItems(1));
+    const auto widthAt22 = [this] {
+        for (const StatusPixmap &pixmap :
+             qdbus_cast<QList<StatusPixmap>>(m_panel->itemProperties().value(QStringLiteral("IconPixmap")))) {
+            if (pixmap.height == 22)
+                return pixmap.width;
+        }
+        return 0;
+    };
+    const int wide = widthAt22();
+    item->setContent(priced(QStringLiteral("IIIIII 67,432")));
+    QCOMPARE(widthAt22(), wide);
+    m_host = QStringLiteral("xapp-sn-watcher");
+    m_panel.reset();
+    m_panel = std::make_unique<FakeStatusPanel>(*m_bus);
+    QTRY_VERIFY(hasItems(1));
+    QVERIFY(widthAt22() < wide);
+    QVERIFY(widthAt22() > 0);
 }
 
 void PanelStatusItemTest::aPanelOfAnotherKindGetsAnotherItem()
