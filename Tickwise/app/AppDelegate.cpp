@@ -97,6 +97,7 @@ void AppDelegate::createStatusItem()
     m_menuBarViewModel.bind(m_statusItem.get(), coinListViewModel(), m_settingsViewModel);
     m_statusItem->setMenu([this] { return makeStatusMenu(); });
     connect(m_statusItem.get(), &StatusItem::clicked, this, &AppDelegate::handleStatusItemClick);
+    followMenuInputs();
 }
 
 void AppDelegate::createPopover()
@@ -118,6 +119,7 @@ PopoverAnchor AppDelegate::popoverAnchor(PopoverAnchor::Cause cause) const
 {
     PopoverAnchor anchor;
     anchor.cause = cause;
+    anchor.item = m_statusItem->geometry();
     anchor.hasStatusItem = m_statusItem->isShown();
     return anchor;
 }
@@ -131,6 +133,14 @@ void AppDelegate::handleStatusItemClick(std::optional<QPoint> position)
     m_popover->toggle(anchor);
     if (m_popover->isShown())
         Q_EMIT activationRequested({});
+}
+
+void AppDelegate::followMenuInputs()
+{
+    const auto update = [this] { m_statusItem->menuChanged(); };
+    m_settingsReactions.followStatusMenu(update);
+    connect(&m_updateController, &UpdateController::canCheckForUpdatesChanged, m_statusItem.get(), update);
+    connect(this, &AppDelegate::languageApplied, m_statusItem.get(), update);
 }
 
 CoinLogoStore &AppDelegate::logoStore()

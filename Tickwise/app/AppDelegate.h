@@ -110,6 +110,7 @@ Q_SIGNALS:
 private:
     void handleNavigationNotification(const QVariantMap &userInfo);
     void createStatusItem();
+    void followMenuInputs();
     void createPopover();
     void handleStatusItemClick(std::optional<QPoint> position);
     PopoverAnchor popoverAnchor(PopoverAnchor::Cause cause) const;

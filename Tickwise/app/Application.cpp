@@ -94,7 +94,7 @@ Application::Application(ApplicationConfiguration configuration)
     , m_httpClient(m_configuration.authorities)
     , m_soundPlayer(QString::fromLatin1(appInfo::displayName), m_configuration.identifier)
     , m_notificationCenter(makeUserNotificationCenter(
-          QDBusConnection::sessionBus(), runsInSandbox(),
+          m_sessionBus, runsInSandbox(),
           {QString::fromLatin1(appInfo::displayName), m_configuration.identifier, m_configuration.identifier},
           [this] { m_soundPlayer.play(); }))
     , m_loginItem(makeLoginItem(m_configuration.identifier, QDBusConnection::sessionBus(), runsInSandbox(),
@@ -136,7 +136,7 @@ AppEnvironment Application::makeEnvironment()
         .httpClient = m_httpClient,
         .notificationCenter = *m_notificationCenter,
         .loginItem = *m_loginItem,
-        .makeStatusItem = [] { return std::make_unique<PanelStatusItem>(QDBusConnection::sessionBus()); },
+        .makeStatusItem = [this] { return std::make_unique<PanelStatusItem>(m_sessionBus); },
         .makePopoverSurface = makePopoverSurface,
         .reloadWidgets = [this] { m_widgetCenter.reloadAllTimelines(); },
         .isSecondCopy = [this] { return isSecondCopy(); },

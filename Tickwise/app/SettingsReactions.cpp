@@ -74,6 +74,17 @@ void SettingsReactions::followReloadSettings(CoinListViewModel &coinList)
         followSettings(m_settings, reloadSettings, [this](const ReloadSettingsSnapshot &) { m_reloadTimer.start(); }));
 }
 
+void SettingsReactions::followStatusMenu(std::function<void()> changed)
+{
+    const auto choice = [](const AppSettings &settings) {
+        QStringList ids{settings.displayedCoinId};
+        for (const WatchlistCoin &coin : settings.watchlistCoins)
+            ids.append(coin.coinId);
+        return ids;
+    };
+    m_notifiers.push_back(followSettings(m_settings, choice, [changed](const QStringList &) { changed(); }));
+}
+
 void SettingsReactions::followLanguage(std::function<void(AppLanguage)> apply)
 {
     const auto language = [](const AppSettings &settings) { return settings.language; };

@@ -8,10 +8,12 @@
 
 namespace tickwise {
 
-/// What the entries of the status menu do.
+/// What the entries of the status menu do; an entry without its action is left out.
 struct StatusMenuActions
 {
     std::function<void(const QString &coinId)> changeCoin;
+    std::function<void()> openSettings;
+    std::function<void()> openAbout;
     std::function<void()> checkForUpdates;
     std::function<void()> quit;
 };

@@ -19,7 +19,7 @@ void MenuBarViewModel::bind(StatusItem *statusItem, CoinListViewModel &coinList,
     m_notifiers.clear();
     m_notifiers.push_back(coinList.bindableCoins().addNotifier(redraw));
     m_notifiers.push_back(settings.bindableSettings().addNotifier(redraw));
-    // The end of each fetch refreshes the age and the failure that the tooltip tells.
+    // The end of each fetch refreshes the failure that the tooltip tells.
     m_notifiers.push_back(coinList.bindableIsLoading().addNotifier([this] {
         if (m_coinList && !m_coinList->isLoading())
             refresh();

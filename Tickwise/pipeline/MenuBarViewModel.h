@@ -22,7 +22,7 @@ public:
 
     /// Kept for observers; the drawing does not update it.
     QBindable<QString> bindableStatusTitle() { return &m_statusTitle; }
-    /// Kept for observers; none is the panel's own text colour.
+    /// Kept for observers; none is the panel's own text color.
     QBindable<std::optional<QColor>> bindableStatusColor() { return &m_statusColor; }
 
     /// Follows both models from now on and draws at once. The item is not owned and may go at any time.

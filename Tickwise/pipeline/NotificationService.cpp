@@ -3,10 +3,10 @@
 #include "pipeline/AlertRule.h"
 #include "pipeline/PriceFormat.h"
 #include "support/Localization.h"
+#include "support/MainThread.h"
 
 #include <QLocale>
 #include <QLoggingCategory>
-#include <QThread>
 
 #include <cmath>
 
@@ -16,18 +16,18 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcNotifications, "com.pelmo.tickwise.Notifications")
 
-/// The template with its places %1, %2 ... filled in; a template without them, such as a bare key, stays as it is.
+/// The template with its placeholders %1, %2 ... replaced; a template without them, such as a bare key, stays as it is.
 QString filled(const QString &key, const LocalizationBundle &bundle, const std::vector<QString> &arguments)
 {
     const QString text = localized(key, bundle);
     QString result;
     for (qsizetype i = 0; i < text.size(); ++i) {
-        const int place = text[i] == u'%' && i + 1 < text.size() ? text[i + 1].digitValue() : -1;
-        if (place < 1 || place > static_cast<int>(arguments.size())) {
+        const int number = text[i] == u'%' && i + 1 < text.size() ? text[i + 1].digitValue() : -1;
+        if (number < 1 || number > static_cast<int>(arguments.size())) {
             result += text[i];
             continue;
         }
-        result += arguments[static_cast<std::size_t>(place - 1)];
+        result += arguments[static_cast<std::size_t>(number - 1)];
         ++i;
     }
     return result;
@@ -35,7 +35,7 @@ QString filled(const QString &key, const LocalizationBundle &bundle, const std::
 
 QString priceText(const Coin &coin)
 {
-    return coin.currentPrice ? formatPrice(*coin.currentPrice) : QStringLiteral("--");
+    return coin.currentPrice ? formatAlertPrice(*coin.currentPrice) : QStringLiteral("--");
 }
 
 QString moveText(double changePercent)
@@ -58,9 +58,9 @@ QString alertText(const Coin &coin, CoinAlertKind kind, double level, double cha
     const QString price = priceText(coin);
     switch (kind) {
     case CoinAlertKind::above:
-        return text(QStringLiteral("notification.priceAlert.above"), {coin.symbol, formatPrice(level), price});
+        return text(QStringLiteral("notification.priceAlert.above"), {coin.symbol, formatAlertPrice(level), price});
     case CoinAlertKind::below:
-        return text(QStringLiteral("notification.priceAlert.below"), {coin.symbol, formatPrice(level), price});
+        return text(QStringLiteral("notification.priceAlert.below"), {coin.symbol, formatAlertPrice(level), price});
     case CoinAlertKind::change:
         return text(QStringLiteral("notification.priceAlert.change"),
                     {coin.symbol, localized(directionKey(changePercent), bundle), moveText(changePercent), price});
@@ -105,7 +105,7 @@ void NotificationService::requestAuthorization()
 void NotificationService::notify(const Coin &coin, CoinAlertKind kind, BaseCurrency, double threshold,
                                  double changePercent, double usdToTargetRate)
 {
-    Q_ASSERT(m_center.thread() == QThread::currentThread());
+    requireMainThread();
     const UserNotification notification = priceAlertNotification(coin, kind, threshold, changePercent, usdToTargetRate,
                                                                  m_clock(), currentLocalizationBundle());
     m_center.add(notification, [](const Result<void> &result) {

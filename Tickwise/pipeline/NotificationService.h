@@ -12,8 +12,8 @@ namespace tickwise {
 UserNotification priceAlertNotification(const Coin &coin, CoinAlertKind kind, double threshold, double changePercent,
                                         double usdToTargetRate, TimePoint now, const LocalizationBundle &bundle);
 
-/// Words price alerts and hands them to the desktop's notification service. Failures are log lines only. Main thread
-/// only.
+/// Writes the text of price alerts and hands them to the desktop's notification service. Failures are log lines only.
+/// Main thread only.
 class NotificationService : public PriceAlertNotifying
 {
 public:

@@ -13,6 +13,7 @@ namespace tickwise {
 namespace {
 
 constexpr int groupingSize = 3;
+constexpr int significantDigits = 3; // in alerts
 
 int maximumFractionDigits(double value)
 {
@@ -35,6 +36,23 @@ std::unique_ptr<icu::DecimalFormat> makeFormatter()
     return formatter;
 }
 
+int fractionDigitsOfAlert(double value)
+{
+    const int needed = value == 0 ? 0 : significantDigits - 1 - int(std::floor(std::log10(std::abs(value))));
+    return std::max(maximumFractionDigits(value), needed);
+}
+
+QString grouped(double value, int maximumFraction)
+{
+    static const std::unique_ptr<icu::DecimalFormat> formatter = makeFormatter();
+    if (!formatter)
+        return QString::number(value);
+    formatter->setMaximumFractionDigits(maximumFraction);
+    icu::UnicodeString text;
+    formatter->format(value, text);
+    return QString::fromUtf16(text.getBuffer(), text.length());
+}
+
 QString plainText(double value)
 {
     std::array<char, 400> buffer{};
@@ -46,13 +64,12 @@ QString plainText(double value)
 
 QString formatPrice(double value)
 {
-    static const std::unique_ptr<icu::DecimalFormat> formatter = makeFormatter();
-    if (!formatter || !std::isfinite(value))
-        return QString::number(value);
-    formatter->setMaximumFractionDigits(maximumFractionDigits(value));
-    icu::UnicodeString text;
-    formatter->format(value, text);
-    return QString::fromUtf16(text.getBuffer(), text.length());
+    return std::isfinite(value) ? grouped(value, maximumFractionDigits(value)) : QString::number(value);
+}
+
+QString formatAlertPrice(double value)
+{
+    return std::isfinite(value) ? grouped(value, fractionDigitsOfAlert(value)) : QString::number(value);
 }
 
 QString exactPrice(double value)

@@ -8,6 +8,10 @@ namespace tickwise {
 /// ","; half-even. 0.123456 gives "0.1235", 67432.7 gives "67,433".
 QString formatPrice(double value);
 
+/// The price as alerts write it: `formatPrice` with as many fraction digits more as three significant digits take.
+/// 0.0000112345 gives "0.0000112".
+QString formatAlertPrice(double value);
+
 /// The shortest decimal text that reads back as exactly this value, grouped as in `formatPrice`; for tooltips.
 QString exactPrice(double value);
 

@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QObject>
 #include <QPoint>
+#include <QRect>
 #include <QString>
 
 #include <functional>
@@ -20,7 +21,7 @@ enum class PanelAppearance
     dark
 };
 
-/// How the 24-hour change points; for presentations that cannot colour their text.
+/// How the 24-hour change points; for presentations that cannot color their text.
 enum class StatusTrend
 {
     none,
@@ -38,7 +39,7 @@ struct StatusItemContent
     QString text;                    ///< "BTC 67,432", with one blank on each side inside a pill
     QString symbol;                  ///< "BTC"
     QString price;                   ///< "67,432"
-    std::optional<QColor> textColor; ///< none: the panel's own text colour
+    std::optional<QColor> textColor; ///< none: the panel's own text color
     std::optional<QColor> pillColor; ///< none: no pill
     StatusTrend trend = StatusTrend::none;
     QString title; ///< plain status text, or "Tickwise" in logo mode
@@ -58,8 +59,14 @@ public:
 
     virtual void setContent(const StatusItemContent &content) = 0;
 
-    /// The menu is asked anew each time it is about to be shown.
+    /// The menu is asked for at once and at each `menuChanged`, and when we show it ourselves.
     virtual void setMenu(std::function<Menu()> menu) = 0;
+
+    /// What the menu is made from has changed. Panels have to hear of that before they open the menu.
+    virtual void menuChanged() = 0;
+
+    /// Where the item is on the screen, in global device-independent pixels; none where the host does not say.
+    virtual std::optional<QRect> geometry() const { return std::nullopt; }
 
     virtual PanelAppearance appearance() const = 0;
 

@@ -1,11 +1,9 @@
 #include "pipeline/StatusItemContent.h"
 
 #include "pipeline/PriceFormat.h"
+#include "pipeline/TimeText.h"
 #include "settings/PriceColors.h"
 #include "support/Localization.h"
-
-#include <QDateTime>
-#include <QLocale>
 
 #include <algorithm>
 
@@ -18,10 +16,10 @@ QString applicationName()
     return QStringLiteral("Tickwise");
 }
 
-// Carries white text legibly where no price colour does.
+// Carries white text legibly where no price color does.
 constexpr QRgb neutralPill = qRgb(0x6B, 0x72, 0x80);
 
-void colourText(StatusItemContent &content, const StatusItemInputs &inputs, const Coin &coin)
+void colorText(StatusItemContent &content, const StatusItemInputs &inputs, const Coin &coin)
 {
     const std::optional<QColor> color = priceColor(inputs.settings, coin.priceChange24hPercent);
     const bool pill = inputs.settings.showMenuBarBackground;
@@ -52,14 +50,14 @@ QStringList priceLines(const StatusItemInputs &inputs, const Coin &coin)
     if (coin.priceChange24hPercent)
         lines.append(localized(QStringLiteral("tooltip.change24h")).arg(changeText(*coin.priceChange24hPercent)));
     if (coin.lastUpdated)
-        lines.append(ageText(*coin.lastUpdated, inputs.now));
+        lines.append(localized(QStringLiteral("tooltip.fetchedAt")).arg(clockText(*coin.lastUpdated, inputs.now)));
     return lines;
 }
 
-void describeFailure(QStringList &lines, const std::optional<ProviderFailure> &failure)
+void appendFailure(QStringList &lines, const StatusItemInputs &inputs)
 {
-    if (failure)
-        lines << localized(QStringLiteral("tooltip.failure.title")) << failureText(*failure);
+    if (inputs.failure)
+        lines << localized(QStringLiteral("tooltip.failure.title")) << failureText(*inputs.failure, inputs.now);
 }
 
 StatusItemContent logoContent(const StatusItemInputs &inputs, const Coin *coin)
@@ -70,7 +68,7 @@ StatusItemContent logoContent(const StatusItemInputs &inputs, const Coin *coin)
     QStringList lines;
     if (coin)
         lines.append(localized(QStringLiteral("tooltip.noPrice")));
-    describeFailure(lines, inputs.failure);
+    appendFailure(lines, inputs);
     content.toolTipBody = lines.join(QLatin1Char('\n'));
     return content;
 }
@@ -85,10 +83,10 @@ StatusItemContent priceContent(const StatusItemInputs &inputs, const Coin &coin)
     content.text =
         inputs.settings.showMenuBarBackground ? QLatin1Char(' ') + content.title + QLatin1Char(' ') : content.title;
     content.trend = trend(coin.priceChange24hPercent);
-    colourText(content, inputs, coin);
+    colorText(content, inputs, coin);
     content.toolTipTitle = coin.name;
     QStringList lines = priceLines(inputs, coin);
-    describeFailure(lines, inputs.failure);
+    appendFailure(lines, inputs);
     content.toolTipBody = lines.join(QLatin1Char('\n'));
     return content;
 }
@@ -132,7 +130,7 @@ QString ageText(TimePoint then, TimePoint now)
     return text(QStringLiteral("tooltip.age.days"), day);
 }
 
-QString failureText(const ProviderFailure &failure)
+QString failureText(const ProviderFailure &failure, TimePoint now)
 {
     switch (failure.reason) {
     case FailureReason::offline:
@@ -158,10 +156,7 @@ QString failureText(const ProviderFailure &failure)
     }
     if (!failure.until)
         return localized(QStringLiteral("failure.rateLimited"));
-    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(failure.until->time_since_epoch());
-    const QDateTime until = QDateTime::fromMSecsSinceEpoch(milliseconds.count());
-    return localized(QStringLiteral("failure.rateLimitedUntil"))
-        .arg(QLocale::system().toString(until.time(), QLocale::ShortFormat));
+    return localized(QStringLiteral("failure.rateLimitedUntil")).arg(clockText(*failure.until, now));
 }
 
 } // namespace tickwise

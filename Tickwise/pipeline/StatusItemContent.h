@@ -26,10 +26,10 @@ const Coin *statusItemCoin(const std::vector<Coin> &coins, const AppSettings &se
 /// What the status item shows. Texts are in the current language.
 StatusItemContent statusItemContent(const StatusItemInputs &inputs);
 
-/// How long ago that was, as a tooltip says it; a time in the future counts as now.
+/// How long ago that was, for a text that is renewed while it is shown; a time in the future counts as now.
 QString ageText(TimePoint then, TimePoint now);
 
 /// Why a fetch failed, as a tooltip says it.
-QString failureText(const ProviderFailure &failure);
+QString failureText(const ProviderFailure &failure, TimePoint now);
 
 } // namespace tickwise

@@ -12,7 +12,7 @@ namespace tickwise {
 struct StatusItemStyle
 {
     QFont font;        ///< the system's font; its size is lowered where the panel is not high enough
-    QColor foreground; ///< the panel's own text colour
+    QColor foreground; ///< the panel's own text color
     bool operator==(const StatusItemStyle &) const = default;
 };
 
@@ -30,7 +30,7 @@ QImage paintStatusItem(const StatusItemContent &content, const StatusItemStyle &
 /// A square of `pixels` with the symbol over the compact price, or the logo.
 QImage paintCompactStatusItem(const StatusItemContent &content, const StatusItemStyle &style, int pixels);
 
-/// A square of `pixels` that carries colour and trend beside a label: an arrow or the coin's initial on a rounded
+/// A square of `pixels` that carries color and trend beside a label: an arrow or the coin's initial on a rounded
 /// square, or the logo.
 QImage paintStatusBadge(const StatusItemContent &content, const StatusItemStyle &style, int pixels);
 

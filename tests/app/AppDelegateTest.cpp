@@ -114,6 +114,20 @@ struct World
 };
 
 constexpr int longerThanTheDebounce = 700;
+/// An updater that can check when the test says so.
+class CheckableBackend : public UpdaterBackend
+{
+public:
+    void checkForUpdates() override {}
+    void setAutomaticallyChecksForUpdates(bool) override {}
+    QBindable<bool> bindableCanCheckForUpdates() override { return &canCheck; }
+    QBindable<bool> bindableAutomaticallyChecksForUpdates() override { return &m_automatic; }
+
+    QProperty<bool> canCheck{false};
+
+private:
+    QProperty<bool> m_automatic{false};
+};
 
 QStringList texts(const Menu &menu)
 {
@@ -144,6 +158,7 @@ private Q_SLOTS:
     void menuChecksForUpdates();
     void menuHasNoEntryForAnUnknownCoin();
     void menuIsBuiltAnewEachTime();
+    void menuChangesAreAnnouncedAtOnce();
     void changeCoinPublishesAndSaves();
     void navigationAsksForTheTab_data();
     void navigationAsksForTheTab();
@@ -256,8 +271,8 @@ void AppDelegateTest::languageIsAppliedAtStartAndLive()
     // The tooltip speaks the new language too, without waiting for a poll.
     QTRY_VERIFY(!world.item->contents.back().logo);
     world.change([](AppSettings &settings) { settings.language = AppLanguage::zhHans; });
-    QVERIFY(world.item->contents.back().toolTipBody.contains(
-        localized(QStringLiteral("tooltip.age.now"), test::textsOf(AppLanguage::zhHans))));
+    const QString fetchedAt = localized(QStringLiteral("tooltip.fetchedAt"), test::textsOf(AppLanguage::zhHans));
+    QVERIFY(world.item->contents.back().toolTipBody.contains(fetchedAt.section(QStringLiteral("%1"), 0, 0)));
 }
 
 void AppDelegateTest::loginItemFollowsTheSetting()
@@ -329,6 +344,34 @@ void AppDelegateTest::menuIsBuiltAnewEachTime()
     world.launch();
     world.change([](AppSettings &settings) { settings.watchlistCoins.push_back({QStringLiteral("solana")}); });
     QCOMPARE(texts(world.item->menu().front().children).back(), QStringLiteral("SOL - Solana"));
+}
+
+void AppDelegateTest::menuChangesAreAnnouncedAtOnce()
+{
+    World world;
+    world.launch();
+    const auto announced = [&world] { return std::exchange(world.item->shownMenus, {}); };
+    announced();
+    world.change([](AppSettings &settings) { settings.watchlistCoins.push_back({QStringLiteral("solana")}); });
+    std::vector<Menu> menus = announced();
+    QCOMPARE(menus.size(), 1U);
+    QCOMPARE(texts(menus.back().front().children).back(), QStringLiteral("SOL - Solana"));
+    world.change([](AppSettings &settings) { settings.displayedCoinId = QStringLiteral("ethereum"); });
+    QCOMPARE(announced().back().front().children[1].checked, std::optional(true));
+    world.change([](AppSettings &settings) { settings.showMenuBarBackground = true; });
+    QVERIFY(announced().empty());
+    world.change([](AppSettings &settings) { settings.language = AppLanguage::zhHans; });
+    QCOMPARE(announced().back().back().text,
+             localized(QStringLiteral("menu.quit"), test::textsOf(AppLanguage::zhHans)));
+
+    auto backend = std::make_unique<CheckableBackend>();
+    CheckableBackend &updater = *backend;
+    world.delegate->updateController().attach(std::move(backend));
+    announced();
+    updater.canCheck = true;
+    menus = announced();
+    QCOMPARE(menus.size(), 1U);
+    QVERIFY(menus.back()[2].enabled);
 }
 
 void AppDelegateTest::changeCoinPublishesAndSaves()

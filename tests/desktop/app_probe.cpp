@@ -242,7 +242,7 @@ void Probe::printPoll(const CoinListViewModel &coinList) const
     if (coinList.isLoading())
         return;
     const std::optional<ProviderFailure> failure = coinList.lastFetchFailure();
-    print(QStringLiteral("polled"), failure ? failureText(*failure) : QString());
+    print(QStringLiteral("polled"), failure ? failureText(*failure, systemClock()) : QString());
 }
 
 void Probe::printWindows() const

@@ -6,6 +6,8 @@ WHITE = (255, 255, 255)
 NEAR_WHITE = (0xF2, 0xF2, 0xF2)
 PANEL_HEIGHT = 29
 TRAY_WIDTH = 200
+MENU_WIDTH = 400
+MENU_BOTTOM = 400
 
 
 def is_near(one, other, tolerance=40):
@@ -19,11 +21,22 @@ def coloured(color):
 def box_of(picture, matches):
     """Left, top, width and height of the tray's pixels that match, or None."""
     columns = range(picture.width - TRAY_WIDTH, picture.width)
-    places = [(x, y) for y in range(PANEL_HEIGHT) for x in columns if matches(picture.at(x, y))]
-    if not places:
+    return bounds([(x, y) for y in range(PANEL_HEIGHT) for x in columns if matches(picture.at(x, y))])
+
+
+def bounds(points):
+    """Left, top, width and height of the smallest rectangle with all points, or None without any."""
+    if not points:
         return None
-    left, top = min(x for x, _ in places), min(y for _, y in places)
-    return left, top, max(x for x, _ in places) - left + 1, max(y for _, y in places) - top + 1
+    left, top = min(x for x, _ in points), min(y for _, y in points)
+    return left, top, max(x for x, _ in points) - left + 1, max(y for _, y in points) - top + 1
+
+
+def changed_box(before, after):
+    """The part of the screen's right end below the panel in which two pictures differ, or None."""
+    columns = range(before.width - MENU_WIDTH, before.width)
+    rows = range(PANEL_HEIGHT, MENU_BOTTOM)
+    return bounds([(x, y) for y in rows for x in columns if before.at(x, y) != after.at(x, y)])
 
 
 def middle(box):
@@ -32,7 +45,7 @@ def middle(box):
 
 
 def wait_for_box(desktop, color, accepts=lambda box: True):
-    """The box of that colour in the tray, once there is one that is accepted."""
+    """The box of that color in the tray, once there is one that is accepted."""
     def accepted():
         box = box_of(desktop.picture(), coloured(color))
         return box if box and accepts(box) else None

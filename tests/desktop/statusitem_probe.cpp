@@ -1,12 +1,13 @@
 // Shows a status item in the running desktop's panel. Each line of the standard input is its next content, a JSON
 // object such as
 // {"text": "BTC 67,432", "symbol": "BTC", "price": "67,432", "color": "#2cbd84", "pill": "#2cbd84", "trend": "up"}, or
-// {"logo": true}; "quit" ends the program. Clicks and chosen menu entries are printed, one a line.
+// {"logo": true}, or the entries of another menu, {"menu": ["One", "Two"]}; "quit" ends the program. Clicks, where the
+// item is then, and chosen menu entries are printed, one a line.
 
 #include "platform/statusitem/PanelStatusItem.h"
 
 #include <QApplication>
-#include <QDBusConnection>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSocketNotifier>
@@ -71,6 +72,24 @@ Menu probeMenu()
             action(QStringLiteral("Quit"))};
 }
 
+/// Another menu from now on.
+void changeMenu(PanelStatusItem &item, const QJsonArray &texts)
+{
+    Menu menu;
+    for (const auto text : texts)
+        menu.push_back(action(text.toString()));
+    item.setMenu([menu] { return menu; });
+    print(QStringLiteral("menu changed"));
+}
+
+void printClick(const PanelStatusItem &item, std::optional<QPoint> position)
+{
+    print(position ? QStringLiteral("clicked %1 %2").arg(position->x()).arg(position->y()) : QStringLiteral("clicked"));
+    if (const std::optional<QRect> area = item.geometry())
+        print(
+            QStringLiteral("item at %1 %2 %3 %4").arg(area->x()).arg(area->y()).arg(area->width()).arg(area->height()));
+}
+
 /// The complete lines that have come; the end of the input ends the program.
 QList<QByteArray> readLines(QByteArray &buffer)
 {
@@ -90,12 +109,11 @@ int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    PanelStatusItem item(QDBusConnection::sessionBus());
+    SessionBus bus;
+    PanelStatusItem item(bus);
     item.setMenu(probeMenu);
-    QObject::connect(&item, &StatusItem::clicked, [](std::optional<QPoint> position) {
-        print(position ? QStringLiteral("clicked %1 %2").arg(position->x()).arg(position->y())
-                       : QStringLiteral("clicked"));
-    });
+    QObject::connect(&item, &StatusItem::clicked,
+                     [&item](std::optional<QPoint> position) { printClick(item, position); });
     QObject::connect(&item, &StatusItem::appearanceChanged, [&item] {
         print(QStringLiteral("appearance ") +
               (item.appearance() == PanelAppearance::dark ? QStringLiteral("dark") : QStringLiteral("light")));
@@ -106,7 +124,11 @@ int main(int argc, char **argv)
         for (const QByteArray &line : readLines(buffer)) {
             if (line == "quit")
                 return QCoreApplication::quit();
-            item.setContent(contentOf(QJsonDocument::fromJson(line).object()));
+            const QJsonObject object = QJsonDocument::fromJson(line).object();
+            if (object.contains(u"menu"))
+                changeMenu(item, object[u"menu"].toArray());
+            else
+                item.setContent(contentOf(object));
         }
     });
     print(QStringLiteral("ready"));

@@ -6,14 +6,14 @@ import os
 import unittest
 
 from desktop_session import SwaySession, X11Session
-from panel_pixels import GREEN, NEAR_WHITE, RED, WHITE, box_of, coloured, is_near, middle, wait_for_box
+from panel_pixels import GREEN, NEAR_WHITE, RED, WHITE, box_of, changed_box, coloured, is_near, middle, wait_for_box
 
 PROBE = os.path.join(os.environ.get("TICKWISE_BUILD_DIR", "build/debug"), "tests", "statusitem_probe")
 
 
-def text(words, color=None, pill=None):
-    symbol, price = words.split()
-    return {"text": f" {words} " if pill else words, "symbol": symbol, "price": price, "color": color, "pill": pill, "trend": "up"}
+def text(title, color=None, pill=None):
+    symbol, price = title.split()
+    return {"text": f" {title} " if pill else title, "symbol": symbol, "price": price, "color": color, "pill": pill, "trend": "up"}
 
 
 UP = text("BTC 67,432", "#2cbd84")
@@ -21,6 +21,7 @@ DOWN = text("ETH 3,188", "#f6465d")
 PILL = text("BTC 67,432", "#ffffff", "#2cbd84")
 PLAIN = text("BTC 67,432")
 LOGO = {"logo": True}
+POINTER_HEIGHT = 40
 
 
 class StatusItemChecks:
@@ -106,9 +107,19 @@ class XfceTest(StatusItemChecks, unittest.TestCase):
     def test_left_click_tells_where(self):
         with self.make_session() as desktop:
             probe = self.start(desktop, PILL)
-            x, y = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 50))
+            pill = wait_for_box(desktop, GREEN, lambda box: box[2] > 50)
+            x, y = middle(pill)
             desktop.click(x, y)
-            desktop.wait_for(lambda: f"clicked {x} {y}" in probe.output(), what="the click")
+            desktop.wait_for(lambda: f"clicked {x} {y}\n" in probe.output(), what="the click")
+            desktop.wait_for(lambda: "item at" in probe.output(), what="the item's position")
+            self.assert_item_is_at(probe, pill)
+
+    def assert_item_is_at(self, probe, pill):
+        """The pill is as wide as the item and stands in the middle of its height."""
+        left, top, width, height = (int(part) for part in probe.output().rsplit("item at ", 1)[1].split()[:4])
+        self.assertEqual((left, width), (pill[0], pill[2]))
+        self.assertLessEqual(top, pill[1])
+        self.assertGreaterEqual(top + height, pill[1] + pill[3])
 
     def test_right_click_opens_the_menu_and_the_next_left_click_is_a_click(self):
         with self.make_session() as desktop:
@@ -152,6 +163,32 @@ class WaybarTest(StatusItemChecks, unittest.TestCase):
             self.assertEqual(quit_entry["properties"]["label"], "Quit")
             desktop.click_menu_item(quit_entry["id"])
             desktop.wait_for(lambda: "menu Quit" in probe.output(), what="the menu entry")
+
+    def test_a_menu_that_has_grown_opens_whole(self):
+        with self.make_session() as desktop:
+            probe = self.start(desktop, PILL)
+            item = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 50))
+            self.click_last_entry(desktop, item)
+            desktop.wait_for(lambda: "menu Quit" in probe.output(), what="the last entry of the first menu")
+            self.show(probe, {"menu": ["One", "Two", "Three", "Four", "Five", "Six", "Seven", "Eight", "Last"]})
+            desktop.wait_for(lambda: "menu changed" in probe.output(), what="the new menu")
+            self.click_last_entry(desktop, item)
+            desktop.wait_for(lambda: "menu Last" in probe.output(), what="the last entry of the new menu")
+
+    def click_last_entry(self, desktop, item):
+        """Opens the menu as a user does, in the panel, and clicks its lowest entry."""
+        before = desktop.picture()
+        desktop.click(*item, button=3)
+        boxes = []
+
+        def standing_menu():
+            boxes.append(changed_box(before, desktop.picture()))
+            is_menu = boxes[-1] and boxes[-1][3] > POINTER_HEIGHT
+            return boxes[-1] if is_menu and boxes[-2:] == [boxes[-1]] * 2 else None
+        left, top, width, height = desktop.wait_for(standing_menu, what="the menu")
+        desktop.click(left + width // 2, top + height - 16)
+        desktop.move_pointer(10, 600)  # screenshots show the pointer
+        desktop.wait_for(lambda: changed_box(before, desktop.picture()) is None, what="the menu's end")
 
 
 class SwaybarTest(StatusItemChecks, unittest.TestCase):

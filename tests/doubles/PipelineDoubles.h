@@ -104,6 +104,7 @@ public:
             contents.push_back(content);
     }
     void setMenu(std::function<Menu()> provider) override { menu = std::move(provider); }
+    void menuChanged() override { shownMenus.push_back(menu()); }
     PanelAppearance appearance() const override { return m_appearance; }
     void setAppearance(PanelAppearance appearance)
     {
@@ -113,6 +114,7 @@ public:
 
     std::vector<StatusItemContent> contents; ///< each that differs from the one before
     std::function<Menu()> menu;
+    std::vector<Menu> shownMenus; ///< the menu at each `menuChanged`
 
 private:
     PanelAppearance m_appearance = PanelAppearance::dark;

@@ -21,6 +21,7 @@ constexpr char configuration[] = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
     <allow own="*"/>
+    %3
   </policy>
 </busconfig>
 )";
@@ -28,11 +29,19 @@ constexpr char configuration[] = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//
 } // namespace
 
 PrivateBus::PrivateBus()
+    : PrivateBus(QStringList())
 {
+}
+
+PrivateBus::PrivateBus(const QStringList &refusedNames)
+{
+    QString refusals;
+    for (const QString &name : refusedNames)
+        refusals += QStringLiteral("<deny own=\"%1\"/>").arg(name);
     QFile file(m_directory.filePath(QStringLiteral("bus.conf")));
     if (!file.open(QIODevice::WriteOnly))
         qFatal("no file for the private bus: %s", qPrintable(file.errorString()));
-    file.write(QString::fromLatin1(configuration).arg(address(), m_directory.path()).toUtf8());
+    file.write(QString::fromLatin1(configuration).arg(address(), m_directory.path(), refusals).toUtf8());
     file.close();
     start();
 }

@@ -11,6 +11,8 @@ class PrivateBus
 {
 public:
     PrivateBus();
+    /// A bus on which nobody may own these names.
+    explicit PrivateBus(const QStringList &refusedNames);
     ~PrivateBus();
     PrivateBus(const PrivateBus &) = delete;
     PrivateBus &operator=(const PrivateBus &) = delete;

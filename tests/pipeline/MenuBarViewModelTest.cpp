@@ -5,6 +5,7 @@
 #include "doubles/Catalogs.h"
 #include "doubles/PipelineDoubles.h"
 #include "doubles/TestClock.h"
+#include "pipeline/TimeText.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -43,7 +44,7 @@ private Q_SLOTS:
     void followsTheAppearance();
     void publishedFieldsKeepTheirInitialValues();
     void itemThatWentIsLeftAlone();
-    void failedPollShowsWhyAndTheAge();
+    void failedPollShowsWhyAndWhenThePriceWasFetched();
 };
 
 void MenuBarViewModelTest::logoUntilTheFirstPrice()
@@ -122,23 +123,21 @@ void MenuBarViewModelTest::itemThatWentIsLeftAlone()
     QCOMPARE(world.coins.coins().front().currentPrice, std::optional(100.0));
 }
 
-void MenuBarViewModelTest::failedPollShowsWhyAndTheAge()
+void MenuBarViewModelTest::failedPollShowsWhyAndWhenThePriceWasFetched()
 {
     World world;
     RecordingStatusItem item;
     world.menuBar.bind(&item, world.coins, world.settings);
     world.answer(100);
-    world.clock.advance(40);
-    world.coins.fetchPrices();
-    world.prices.answer(failure(UrlLoadingError{UrlErrorCode::notConnectedToInternet}));
-    QVERIFY(item.contents.back().toolTipBody.contains(localized(QStringLiteral("failure.offline"))));
-    QVERIFY(item.contents.back().toolTipBody.contains(QStringLiteral("40")));
-    world.clock.advance(20);
-    world.coins.fetchPrices();
-    world.prices.answer(failure(UrlLoadingError{UrlErrorCode::notConnectedToInternet}));
-    const QString oneMinute =
-        localized(QStringLiteral("tooltip.age")).arg(localized(QStringLiteral("tooltip.age.minutes")).arg(1));
-    QVERIFY(item.contents.back().toolTipBody.contains(oneMinute));
+    const QString fetchedAt =
+        localized(QStringLiteral("tooltip.fetchedAt")).arg(clockText(world.clock.now(), world.clock.now()));
+    for (const double seconds : {40.0, 120.0}) {
+        world.clock.advance(seconds);
+        world.coins.fetchPrices();
+        world.prices.answer(failure(UrlLoadingError{UrlErrorCode::notConnectedToInternet}));
+        QVERIFY(item.contents.back().toolTipBody.contains(localized(QStringLiteral("failure.offline"))));
+        QVERIFY(item.contents.back().toolTipBody.contains(fetchedAt));
+    }
     world.answer(101);
     QVERIFY(!item.contents.back().toolTipBody.contains(localized(QStringLiteral("failure.offline"))));
 }

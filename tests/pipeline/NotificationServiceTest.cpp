@@ -56,7 +56,7 @@ Coin bitcoin(std::optional<double> price)
     return coin;
 }
 
-/// The table's own text with its places filled in, one after the other.
+/// The table's own text with its placeholders replaced, one after the other.
 QString filled(const LocalizationBundle &bundle, const char *key, const QStringList &arguments)
 {
     QString text = localized(QLatin1String(key), bundle);
@@ -90,7 +90,7 @@ private Q_SLOTS:
     void englishTexts_data();
     void englishTexts();
     void languagesDiffer();
-    void namesThatLookLikePlacesStay();
+    void namesThatLookLikePlaceholdersStay();
     void missingTranslationsShowTheKeys();
     void identifiers_data();
     void identifiers();
@@ -150,6 +150,12 @@ void NotificationServiceTest::englishTexts_data()
                                    << QStringLiteral("BTC is up 0.00%, now at 102");
     QTest::newRow("two digits") << CoinAlertKind::change << 102.0 << 2.0 << 1234.5678 << 1.0
                                 << QStringLiteral("BTC is up 1234.57%, now at 102");
+    QTest::newRow("far below a cent") << CoinAlertKind::above << 0.0000112345 << 0.00001 << 1.0 << 1.0
+                                      << QStringLiteral("BTC has risen to 0.00001 or above, now at 0.0000112");
+    QTest::newRow("level far below a cent") << CoinAlertKind::below << 0.00034567 << 0.00050004 << -1.0 << 0.7
+                                            << QStringLiteral("BTC has fallen to 0.00035 or below, now at 0.000346");
+    QTest::newRow("move far below a cent") << CoinAlertKind::change << 0.0000098765 << 2.0 << 2.0 << 1.0
+                                           << QStringLiteral("BTC is up 2.00%, now at 0.00000988");
     QTest::newRow("not set") << CoinAlertKind::notSet << 102.0 << 2.0 << 0.0 << 1.0
                              << QStringLiteral("BTC is now at 102");
 }
@@ -183,7 +189,7 @@ void NotificationServiceTest::languagesDiffer()
     QCOMPARE(titles.size(), 3);
 }
 
-void NotificationServiceTest::namesThatLookLikePlacesStay()
+void NotificationServiceTest::namesThatLookLikePlaceholdersStay()
 {
     Coin coin = bitcoin(5);
     coin.name = QStringLiteral("%2 %1");
@@ -196,7 +202,7 @@ void NotificationServiceTest::namesThatLookLikePlacesStay()
 
 void NotificationServiceTest::missingTranslationsShowTheKeys()
 {
-    const LogCapture log; // arguments without a place are no reason for a line
+    const LogCapture log; // arguments without a placeholder are no reason for a line
     const UserNotification notification = notificationOf(CoinAlertKind::change, 5, 4, 0, 1, nullptr);
     QCOMPARE(notification.title, QStringLiteral("notification.priceAlert.title"));
     QCOMPARE(notification.body, QStringLiteral("notification.priceAlert.change"));

@@ -12,6 +12,8 @@ class PriceFormatTest : public QObject
 private Q_SLOTS:
     void price_data();
     void price();
+    void alertPrice_data();
+    void alertPrice();
     void exact_data();
     void exact();
     void valuesThatAreNoNumbersDoNotCrash();
@@ -50,6 +52,35 @@ void PriceFormatTest::price()
 {
     QFETCH(double, value);
     QTEST(formatPrice(value), "text");
+}
+
+void PriceFormatTest::alertPrice_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<QString>("text");
+    const auto row = [](double value, const char *text) {
+        QTest::addRow("%g is %s", value, text) << value << QString::fromLatin1(text);
+    };
+    row(0, "0");
+    row(0.00001, "0.00001");
+    row(0.0000112345, "0.0000112");
+    row(0.00099951, "0.001");
+    row(0.0012345, "0.00123");
+    row(0.0099996, "0.01");
+    row(0.012345, "0.0123");
+    row(0.123456, "0.1235");
+    row(0.000000001239, "0.00000000124");
+    row(1e-30, "0.000000000000000000000000000001");
+    row(1.2345, "1.23");
+    row(12.3456, "12.35");
+    row(67432.7, "67,433");
+    row(-0.00012345, "-0.000123");
+}
+
+void PriceFormatTest::alertPrice()
+{
+    QFETCH(double, value);
+    QTEST(formatAlertPrice(value), "text");
 }
 
 void PriceFormatTest::exact_data()

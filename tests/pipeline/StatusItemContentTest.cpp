@@ -4,6 +4,7 @@
 
 #include "doubles/Catalogs.h"
 #include "doubles/TestClock.h"
+#include "pipeline/TimeText.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -46,11 +47,11 @@ private Q_SLOTS:
     void iconModeShowsTheLogoDespitePrices();
     void displayedCoinOrTheFirst();
     void titleHasNoCurrency();
-    void colours_data();
-    void colours();
+    void colors_data();
+    void colors();
     void coinWithoutChangeIsNeutral();
     void pillAddsOneBlankOnEachSide();
-    void toolTipTellsNameExactPriceChangeAndAge();
+    void toolTipTellsNameExactPriceChangeAndTime();
     void toolTipTellsWhyTheLastFetchFailed();
     void everyFailureHasItsOwnText();
     void age_data();
@@ -108,22 +109,22 @@ void StatusItemContentTest::titleHasNoCurrency()
     QCOMPARE(shown.price, QStringLiteral("67,432"));
 }
 
-void StatusItemContentTest::colours_data()
+void StatusItemContentTest::colors_data()
 {
-    QTest::addColumn<bool>("colours");
+    QTest::addColumn<bool>("colors");
     QTest::addColumn<bool>("pill");
     QTest::addColumn<int>("appearance");
     QTest::addColumn<double>("change");
-    QTest::addColumn<QColor>("textColour");
-    QTest::addColumn<QColor>("pillColour");
+    QTest::addColumn<QColor>("textColor");
+    QTest::addColumn<QColor>("pillColor");
     const QColor none;
-    const auto row = [](const char *name, bool colours, bool pill, PanelAppearance appearance, double change,
-                        const QColor &text, const QColor &pillColour) {
-        QTest::newRow(name) << colours << pill << static_cast<int>(appearance) << change << text << pillColour;
+    const auto row = [](const char *name, bool colors, bool pill, PanelAppearance appearance, double change,
+                        const QColor &text, const QColor &pillColor) {
+        QTest::newRow(name) << colors << pill << static_cast<int>(appearance) << change << text << pillColor;
     };
-    row("colour up", true, false, PanelAppearance::dark, 1, green, none);
-    row("colour zero", true, false, PanelAppearance::dark, 0, green, none);
-    row("colour down", true, false, PanelAppearance::light, -1, red, none);
+    row("color up", true, false, PanelAppearance::dark, 1, green, none);
+    row("color zero", true, false, PanelAppearance::dark, 0, green, none);
+    row("color down", true, false, PanelAppearance::light, -1, red, none);
     row("pill up", true, true, PanelAppearance::dark, 1, Qt::white, green);
     row("pill down", true, true, PanelAppearance::light, -1, Qt::white, red);
     row("plain pill on dark", false, true, PanelAppearance::dark, 1, Qt::white, Qt::black);
@@ -132,24 +133,24 @@ void StatusItemContentTest::colours_data()
     row("plain", false, false, PanelAppearance::dark, 1, none, none);
 }
 
-void StatusItemContentTest::colours()
+void StatusItemContentTest::colors()
 {
-    QFETCH(bool, colours);
+    QFETCH(bool, colors);
     QFETCH(bool, pill);
     QFETCH(int, appearance);
     QFETCH(double, change);
-    QFETCH(QColor, textColour);
-    QFETCH(QColor, pillColour);
+    QFETCH(QColor, textColor);
+    QFETCH(QColor, pillColor);
     AppSettings settings;
-    settings.priceColorEnabled = colours;
+    settings.priceColorEnabled = colors;
     settings.showMenuBarBackground = pill;
     const StatusItemContent shown = content(settings, pricedCoins(change), static_cast<PanelAppearance>(appearance));
-    QCOMPARE(shown.textColor.has_value(), textColour.isValid());
+    QCOMPARE(shown.textColor.has_value(), textColor.isValid());
     if (shown.textColor)
-        QCOMPARE(*shown.textColor, textColour);
-    QCOMPARE(shown.pillColor.has_value(), pillColour.isValid());
+        QCOMPARE(*shown.textColor, textColor);
+    QCOMPARE(shown.pillColor.has_value(), pillColor.isValid());
     if (shown.pillColor)
-        QCOMPARE(*shown.pillColor, pillColour);
+        QCOMPARE(*shown.pillColor, pillColor);
 }
 
 void StatusItemContentTest::coinWithoutChangeIsNeutral()
@@ -175,7 +176,7 @@ void StatusItemContentTest::pillAddsOneBlankOnEachSide()
     QVERIFY(!content(settings, pricedCoins()).pillColor);
 }
 
-void StatusItemContentTest::toolTipTellsNameExactPriceChangeAndAge()
+void StatusItemContentTest::toolTipTellsNameExactPriceChangeAndTime()
 {
     std::vector<Coin> coins = pricedCoins(-0.004);
     coins[0].name = QStringLiteral("Bitcoin");
@@ -190,9 +191,12 @@ void StatusItemContentTest::toolTipTellsNameExactPriceChangeAndAge()
              (QStringList{
                  localized(QStringLiteral("tooltip.exactPrice")).arg(QStringLiteral("67,432.4"), QStringLiteral("EUR")),
                  localized(QStringLiteral("tooltip.change24h")).arg(QStringLiteral("-0.00%")),
-                 ageText(*coins[0].lastUpdated, clock.now())}));
+                 localized(QStringLiteral("tooltip.fetchedAt")).arg(clockText(*coins[0].lastUpdated, clock.now()))}));
     QVERIFY(shown.toolTipBody.contains(QStringLiteral("67,432.4")));
-    QVERIFY(shown.toolTipBody.contains(QStringLiteral("30")));
+    // Hours later, with no fetch since, the text still holds.
+    const StatusItemContent later = statusItemContent(
+        {coins, settings, PanelAppearance::dark, clock.now() + std::chrono::minutes(2), std::nullopt});
+    QCOMPARE(later.toolTipBody, shown.toolTipBody);
 }
 
 void StatusItemContentTest::toolTipTellsWhyTheLastFetchFailed()
@@ -210,13 +214,18 @@ void StatusItemContentTest::everyFailureHasItsOwnText()
 {
     QStringList texts;
     for (int reason = 0; reason <= static_cast<int>(FailureReason::cancelled); ++reason) {
-        const QString text = failureText({{}, static_cast<FailureReason>(reason), std::nullopt});
+        const QString text = failureText({{}, static_cast<FailureReason>(reason), std::nullopt}, TestClock().now());
         QVERIFY(!text.isEmpty() && !text.startsWith(QStringLiteral("failure.")));
         texts.append(text);
     }
     QCOMPARE(texts.removeDuplicates(), 0);
-    const QString limited = failureText({{}, FailureReason::rateLimited, TestClock().now()});
-    QVERIFY(!limited.contains(QLatin1Char('%')) && !texts.contains(limited));
+    const TimePoint now = TestClock().now();
+    const QString limited = failureText({{}, FailureReason::rateLimited, now}, now);
+    QCOMPARE(limited, localized(QStringLiteral("failure.rateLimitedUntil")).arg(clockText(now, now)));
+    QVERIFY(!texts.contains(limited));
+    const TimePoint later = now + std::chrono::hours(72);
+    QCOMPARE(failureText({{}, FailureReason::rateLimited, later}, now),
+             localized(QStringLiteral("failure.rateLimitedUntil")).arg(clockText(later, now)));
 }
 
 void StatusItemContentTest::age_data()
@@ -226,6 +235,12 @@ void StatusItemContentTest::age_data()
     QTest::addColumn<QString>("amount");
     QTest::newRow("now") << 0.0 << QStringLiteral("tooltip.age.now") << QString();
     QTest::newRow("clock went back") << -100.0 << QStringLiteral("tooltip.age.now") << QString();
+    QTest::newRow("still now") << 4.9 << QStringLiteral("tooltip.age.now") << QString();
+    QTest::newRow("first seconds") << 5.0 << QStringLiteral("tooltip.age.seconds") << QStringLiteral("5");
+    QTest::newRow("last minute") << 3599.0 << QStringLiteral("tooltip.age.minutes") << QStringLiteral("59");
+    QTest::newRow("first hour") << 3600.0 << QStringLiteral("tooltip.age.hours") << QStringLiteral("1");
+    QTest::newRow("last hour") << 86399.0 << QStringLiteral("tooltip.age.hours") << QStringLiteral("23");
+    QTest::newRow("first day") << 86400.0 << QStringLiteral("tooltip.age.days") << QStringLiteral("1");
     QTest::newRow("seconds") << 59.0 << QStringLiteral("tooltip.age.seconds") << QStringLiteral("59");
     QTest::newRow("minutes") << 60.0 << QStringLiteral("tooltip.age.minutes") << QStringLiteral("1");
     QTest::newRow("hours") << 7200.0 << QStringLiteral("tooltip.age.hours") << QStringLiteral("2");

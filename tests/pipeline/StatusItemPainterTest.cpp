@@ -1,8 +1,7 @@
+#include "pipeline/StatusItemPainter.h"
 #include "doubles/TestProgram.h"
-#include "platform/statusitem/NotifierContent.h"
 
 #include "pipeline/CompactPrice.h"
-#include "pipeline/StatusItemPainter.h"
 
 #include <QPainter>
 
@@ -73,46 +72,36 @@ class StatusItemPainterTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void textIsDrawnInItsColour();
-    void textWithoutAColourTakesThePanels();
+    void textIsDrawnInItsColor();
+    void textWithoutAColorTakesThePanels();
     void textStandsInTheMiddle_data();
     void textStandsInTheMiddle();
-    void aPillHasItsColourAndRoundCorners();
+    void aPillHasItsColorAndRoundCorners();
     void noPillLeavesTheBackgroundTransparent();
     void aPillIsNoHigherThanTheTextNeeds();
-    void theLogoTakesItsLengthAndThePanelsColour();
+    void theLogoTakesItsLengthAndThePanelsColor();
     void doubleDensityDoublesTheSize();
     void everyDigitTakesTheSameWidth();
     void otherCharactersKeepTheirPlaceWhenDigitsTick();
-    void widthOnlyGrowsForOneNumberOfCharacters();
     void compactIconHoldsSymbolAndPrice();
     void compactIconFillsItsPill();
     void badgeShowsTheTrend();
-    void badgeWithoutAPillIsTheColouredArrow();
+    void badgeWithoutAPillIsTheColoredArrow();
     void badgeOfANeutralCoinShowsItsInitial();
     void compactPriceIsShort_data();
     void compactPriceIsShort();
     void compactPriceOfText_data();
     void compactPriceOfText();
-    void pixmapBytesAreInNetworkOrderWithStraightAlpha();
-    void premultipliedPixmapOnRequest();
-    void wideContentOffersTheHostsHeight();
-    void wideContentOffersDoubleDensityOnlyWhereThereIsSuchAScreen();
-    void wideContentKeepsItsWidthWhilePricesTick();
-    void labelHostsGetTextAndBadge();
-    void logoModeHasAnEmptyLabel();
-    void otherPresentationsHaveNoLabel();
-    void toolTipBecomesMarkup();
 };
 
-void StatusItemPainterTest::textIsDrawnInItsColour()
+void StatusItemPainterTest::textIsDrawnInItsColor()
 {
     const QImage image = wide(priced(QStringLiteral("BTC 67,432")));
     QVERIFY(opaquePixels(image, green) > 10);
     QCOMPARE(opaquePixels(image, panelText), 0);
 }
 
-void StatusItemPainterTest::textWithoutAColourTakesThePanels()
+void StatusItemPainterTest::textWithoutAColorTakesThePanels()
 {
     StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
     content.textColor.reset();
@@ -137,7 +126,7 @@ void StatusItemPainterTest::textStandsInTheMiddle()
     QVERIFY(above >= 1);
 }
 
-void StatusItemPainterTest::aPillHasItsColourAndRoundCorners()
+void StatusItemPainterTest::aPillHasItsColorAndRoundCorners()
 {
     const QImage image = wide(pilled(QStringLiteral(" BTC 67,432 ")));
     QCOMPARE(image.pixelColor(2, image.height() / 2), green);
@@ -164,7 +153,7 @@ void StatusItemPainterTest::aPillIsNoHigherThanTheTextNeeds()
     QCOMPARE(inked(wide(pilled(QStringLiteral(" BTC 1 ")), 16)).height(), 16);
 }
 
-void StatusItemPainterTest::theLogoTakesItsLengthAndThePanelsColour()
+void StatusItemPainterTest::theLogoTakesItsLengthAndThePanelsColor()
 {
     const StatusItemContent content;
     QCOMPARE(statusItemWidth(content, style().font, 22), 28.0);
@@ -196,16 +185,6 @@ void StatusItemPainterTest::otherCharactersKeepTheirPlaceWhenDigitsTick()
     const int symbolWidth = ones.width() / 3;
     QCOMPARE(ones.copy(0, 0, symbolWidth, ones.height()), eights.copy(0, 0, symbolWidth, eights.height()));
     QVERIFY(ones != eights);
-}
-
-void StatusItemPainterTest::widthOnlyGrowsForOneNumberOfCharacters()
-{
-    StatusItemWidth widths;
-    QCOMPARE(widths.widthFor(10, 60), 60.0);
-    QCOMPARE(widths.widthFor(10, 55), 60.0);
-    QCOMPARE(widths.widthFor(10, 64), 64.0);
-    QCOMPARE(widths.widthFor(9, 50), 50.0);
-    QCOMPARE(widths.widthFor(10, 10), 64.0);
 }
 
 void StatusItemPainterTest::compactIconHoldsSymbolAndPrice()
@@ -242,7 +221,7 @@ void StatusItemPainterTest::badgeShowsTheTrend()
     QCOMPARE(qAlpha(up.pixel(0, 0)), 0);
 }
 
-void StatusItemPainterTest::badgeWithoutAPillIsTheColouredArrow()
+void StatusItemPainterTest::badgeWithoutAPillIsTheColoredArrow()
 {
     StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
     content.trend = StatusTrend::up;
@@ -317,99 +296,6 @@ void StatusItemPainterTest::compactPriceOfText()
 {
     QFETCH(QString, price);
     QTEST(compactPrice(price), "text");
-}
-
-void StatusItemPainterTest::pixmapBytesAreInNetworkOrderWithStraightAlpha()
-{
-    QImage image(2, 1, QImage::Format_ARGB32);
-    image.setPixel(0, 0, qRgba(0xff, 0x80, 0x40, 0x80));
-    image.setPixel(1, 0, qRgba(1, 2, 3, 0xff));
-    const StatusPixmap pixmap = statusPixmap(image);
-    QCOMPARE(pixmap.width, 2);
-    QCOMPARE(pixmap.height, 1);
-    QCOMPARE(pixmap.bytes.toHex(), QByteArray("80ff8040ff010203"));
-    const QByteArray again = statusPixmap(image.convertToFormat(QImage::Format_ARGB32_Premultiplied)).bytes;
-    QCOMPARE(again.size(), 8);
-    QCOMPARE(uchar(again[0]), uchar(0x80));
-    QVERIFY2(uchar(again[1]) > 0xf8, "the colour is not multiplied by its alpha");
-}
-
-void StatusItemPainterTest::premultipliedPixmapOnRequest()
-{
-    QImage image(1, 1, QImage::Format_ARGB32);
-    image.setPixel(0, 0, qRgba(0xff, 0, 0, 0x80));
-    QCOMPARE(statusPixmap(image, true).bytes.toHex(), QByteArray("80800000"));
-}
-
-void StatusItemPainterTest::wideContentOffersTheHostsHeight()
-{
-    StatusItemWidth widths;
-    const StatusNotifierContent item = notifierContent(priced(QStringLiteral("BTC 67,432")), style(),
-                                                       StatusItemPresentation::wideSni, {{16}}, 1, widths);
-    QCOMPARE(item.pixmaps.size(), 1);
-    QCOMPARE(item.pixmaps[0].height, 16);
-    QVERIFY(item.pixmaps[0].width > 48);
-    QCOMPARE(item.title, QStringLiteral("BTC 67,432"));
-}
-
-void StatusItemPainterTest::wideContentOffersDoubleDensityOnlyWhereThereIsSuchAScreen()
-{
-    StatusItemWidth widths;
-    const StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
-    const StatusNotifierContent item =
-        notifierContent(content, style(), StatusItemPresentation::wideSni, {{22}}, 2, widths);
-    QCOMPARE(item.pixmaps.size(), 2);
-    QCOMPARE(item.pixmaps[1].height, 44);
-    QCOMPARE(item.pixmaps[1].width, item.pixmaps[0].width * 2);
-}
-
-void StatusItemPainterTest::wideContentKeepsItsWidthWhilePricesTick()
-{
-    StatusItemWidth widths;
-    const auto width = [&widths](const QString &text) {
-        return notifierContent(priced(text), style(), StatusItemPresentation::wideSni, {{22}}, 1, widths)
-            .pixmaps[0]
-            .width;
-    };
-    const int wide = width(QStringLiteral("WWW 67,432"));
-    QCOMPARE(width(QStringLiteral("III 11,111")), wide);
-    QVERIFY(width(QStringLiteral("III 1,111")) < wide);
-}
-
-void StatusItemPainterTest::labelHostsGetTextAndBadge()
-{
-    StatusItemWidth widths;
-    StatusItemContent content = priced(QStringLiteral(" BTC 67,432 "));
-    content.trend = StatusTrend::down;
-    const StatusNotifierContent item =
-        notifierContent(content, style(), StatusItemPresentation::sniWithLabel, {{16, 22}}, 1, widths);
-    QCOMPARE(item.label, QStringLiteral("BTC 67,432"));
-    QCOMPARE(item.labelGuide, QStringLiteral("BTC 88,888"));
-    QCOMPARE(item.pixmaps.size(), 2);
-    QCOMPARE(item.pixmaps[1].width, 22);
-    QCOMPARE(statusLabel(content), QStringLiteral("BTC 67,432"));
-}
-
-void StatusItemPainterTest::logoModeHasAnEmptyLabel()
-{
-    StatusItemWidth widths;
-    const StatusNotifierContent item =
-        notifierContent({}, style(), StatusItemPresentation::sniWithLabel, {{22}}, 1, widths);
-    QCOMPARE(item.label, QString());
-    QVERIFY(item.label.has_value());
-}
-
-void StatusItemPainterTest::otherPresentationsHaveNoLabel()
-{
-    StatusItemWidth widths;
-    const StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
-    QVERIFY(!notifierContent(content, style(), StatusItemPresentation::wideSni, {{22}}, 1, widths).label);
-    QVERIFY(!notifierContent(content, style(), StatusItemPresentation::squareSni, {{22}}, 1, widths).label);
-}
-
-void StatusItemPainterTest::toolTipBecomesMarkup()
-{
-    QCOMPARE(toolTipMarkup(QStringLiteral("a < b\nc & d")), QStringLiteral("a &lt; b<br/>c &amp; d"));
 }
 
 TICKWISE_WIDGET_TEST(StatusItemPainterTest)

@@ -1,17 +1,12 @@
 #include "platform/dbus/ColorSchemePortal.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include "platform/dbus/BusCall.h"
+
+#include <QDBusVariant>
 
 namespace tickwise {
 
 namespace {
-
-QString portalPath()
-{
-    return QStringLiteral("/org/freedesktop/portal/desktop");
-}
 
 QString settingsInterface()
 {
@@ -38,28 +33,30 @@ QVariant unwrapped(QVariant value)
 
 } // namespace
 
-ColorSchemePortal::ColorSchemePortal(const QDBusConnection &bus)
+ColorSchemePortal::ColorSchemePortal(SessionBus &bus)
     : m_bus(bus)
 {
-    if (!m_bus.isConnected())
-        return;
+    connect(&bus, &SessionBus::connected, this, &ColorSchemePortal::listen);
+    if (bus.connection().isConnected())
+        listen();
+}
+
+void ColorSchemePortal::listen()
+{
     // Named by path and interface alone: with the sender's name QtDBus would wait for the bus to resolve it.
-    m_bus.connect(QString(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"), this,
-                  SLOT(settingChanged(QDBusMessage)));
+    QDBusConnection(m_bus.connection())
+        .connect(QString(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"), this,
+                 SLOT(settingChanged(QDBusMessage)));
     read();
 }
 
 void ColorSchemePortal::read()
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"), portalPath(),
-                                                       settingsInterface(), QStringLiteral("Read"));
-    call << appearanceGroup() << colorSchemeKey();
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *finished) {
-        finished->deleteLater();
-        const QDBusPendingReply<QDBusVariant> reply = *finished;
-        if (!reply.isError())
-            setScheme(QVariant::fromValue(reply.value()));
+    const QDBusMessage question =
+        portalCall(settingsInterface(), QStringLiteral("Read"), {appearanceGroup(), colorSchemeKey()});
+    sendCall<QDBusVariant>(m_bus.connection(), question, this, [this](const Result<QDBusVariant> &answer) {
+        if (answer)
+            setScheme(QVariant::fromValue(*answer));
     });
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "pipeline/StatusItem.h"
+#include "platform/dbus/SessionBus.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
 
@@ -14,7 +14,8 @@ class ColorSchemePortal : public QObject
     Q_OBJECT
 
 public:
-    explicit ColorSchemePortal(const QDBusConnection &bus);
+    /// The bus outlives the portal.
+    explicit ColorSchemePortal(SessionBus &bus);
 
     PanelAppearance scheme() const { return m_scheme; }
 
@@ -25,10 +26,11 @@ private Q_SLOTS:
     void settingChanged(const QDBusMessage &message);
 
 private:
+    void listen();
     void read();
     void setScheme(const QVariant &value);
 
-    QDBusConnection m_bus;
+    SessionBus &m_bus;
     PanelAppearance m_scheme = PanelAppearance::unknown;
 };
 

@@ -13,9 +13,6 @@ class PortalRequest : public QDBusAbstractInterface
 public:
     PortalRequest(const QDBusConnection &sessionBus, const QString &path);
 
-    /// The portal's bus name.
-    static QString service();
-
 Q_SIGNALS:
     /// `response` is 0 for success, 1 when the user refused, 2 for any other end.
     void Response(uint response, const QVariantMap &results);

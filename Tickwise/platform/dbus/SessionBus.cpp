@@ -6,6 +6,11 @@
 
 namespace tickwise {
 
+std::chrono::milliseconds SessionBus::delayAfter(std::chrono::milliseconds delay)
+{
+    return std::min<std::chrono::milliseconds>(delay * 2, slowestRetry);
+}
+
 SessionBus::SessionBus(QObject *parent)
     : SessionBus(QString(), parent)
 {
@@ -58,7 +63,7 @@ void SessionBus::retry()
         Q_EMIT connected();
         return;
     }
-    m_retry.start(std::min<std::chrono::milliseconds>(m_retry.intervalAsDuration() * 2, slowestRetry));
+    m_retry.start(delayAfter(m_retry.intervalAsDuration()));
 }
 
 } // namespace tickwise

@@ -19,6 +19,9 @@ public:
     static constexpr std::chrono::milliseconds firstRetry{100};
     static constexpr std::chrono::seconds slowestRetry{60};
 
+    /// How long to wait after a try that came `delay` after the one before.
+    static std::chrono::milliseconds delayAfter(std::chrono::milliseconds delay);
+
     /// Opens the bus that the environment names.
     explicit SessionBus(QObject *parent = nullptr);
     /// Opens the bus at a D-Bus address.

@@ -1,8 +1,6 @@
 #include "platform/notifications/FreedesktopNotificationCenter.h"
 
-#include "platform/dbus/DBusFailure.h"
-
-#include <QDBusPendingReply>
+#include "platform/dbus/BusCall.h"
 
 #include <algorithm>
 
@@ -17,33 +15,58 @@ QString serviceName()
     return QStringLiteral("org.freedesktop.Notifications");
 }
 
+QString objectPath()
+{
+    return QStringLiteral("/org/freedesktop/Notifications");
+}
+
 } // namespace
 
 FreedesktopNotifications::FreedesktopNotifications(const QDBusConnection &bus, std::chrono::milliseconds timeout)
-    : QDBusAbstractInterface(serviceName(), QStringLiteral("/org/freedesktop/Notifications"),
-                             "org.freedesktop.Notifications", bus, nullptr)
+    : QDBusAbstractInterface(serviceName(), objectPath(), "org.freedesktop.Notifications", bus, nullptr)
 {
     setTimeout(static_cast<int>(timeout.count()));
 }
 
-FreedesktopNotificationCenter::FreedesktopNotificationCenter(const QDBusConnection &bus, NotificationIdentity identity,
+FreedesktopNotificationCenter::Link::Link(const QDBusConnection &bus, std::chrono::milliseconds timeout)
+    : service(bus, timeout)
+    , owner(serviceName(), bus, QDBusServiceWatcher::WatchForOwnerChange)
+{
+}
+
+FreedesktopNotificationCenter::FreedesktopNotificationCenter(SessionBus &bus, NotificationIdentity identity,
                                                              std::function<void()> playSound,
                                                              std::chrono::milliseconds timeout, QObject *parent)
     : UserNotificationCenter(parent)
     , m_bus(bus)
     , m_identity(std::move(identity))
     , m_playSound(std::move(playSound))
-    , m_service(bus, timeout)
-    , m_serviceWatcher(serviceName(), bus, QDBusServiceWatcher::WatchForOwnerChange)
+    , m_timeout(timeout)
 {
-    connect(&m_serviceWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+    connect(&bus, &SessionBus::connected, this, &FreedesktopNotificationCenter::openLink);
+    connect(&bus, &SessionBus::disconnected, this, &FreedesktopNotificationCenter::closeLink);
+    if (bus.connection().isConnected())
+        openLink();
+}
+
+void FreedesktopNotificationCenter::openLink()
+{
+    m_link = std::make_unique<Link>(m_bus.connection(), m_timeout);
+    connect(&m_link->owner, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString &, const QString &, const QString &newOwner) { followService(newOwner); });
-    connect(&m_service, &FreedesktopNotifications::ActionInvoked, this, &FreedesktopNotificationCenter::invoke);
-    connect(&m_service, &FreedesktopNotifications::NotificationClosed, this, &FreedesktopNotificationCenter::forget);
-    connect(&m_service, &FreedesktopNotifications::ActivationToken, this, [this](uint id, const QString &token) {
+    const FreedesktopNotifications *const service = &m_link->service;
+    connect(service, &FreedesktopNotifications::ActionInvoked, this, &FreedesktopNotificationCenter::invoke);
+    connect(service, &FreedesktopNotifications::NotificationClosed, this, &FreedesktopNotificationCenter::forget);
+    connect(service, &FreedesktopNotifications::ActivationToken, this, [this](uint id, const QString &token) {
         if (Shown *const notification = shown(id))
             notification->activationToken = token;
     });
+}
+
+void FreedesktopNotificationCenter::closeLink()
+{
+    m_link.reset();
+    followService(QString());
 }
 
 void FreedesktopNotificationCenter::requestAuthorization(Completion<void> done)
@@ -67,7 +90,7 @@ void FreedesktopNotificationCenter::add(const UserNotification &notification, Co
 void FreedesktopNotificationCenter::withCapabilities(std::function<void(const Result<Capabilities> &)> use)
 {
     std::optional<Result<Capabilities>> known;
-    if (!m_bus.isConnected())
+    if (!m_link)
         known = failure(noMessageBus());
     else if (m_capabilities)
         known = *m_capabilities;
@@ -77,51 +100,56 @@ void FreedesktopNotificationCenter::withCapabilities(std::function<void(const Re
         return;
     }
     m_waiting.push_back(std::move(use));
-    if (!m_query)
+    if (!m_isAsking)
         askCapabilities();
 }
 
 void FreedesktopNotificationCenter::askCapabilities()
 {
-    m_query = new QDBusPendingCallWatcher(m_service.asyncCall(QStringLiteral("GetCapabilities")), this);
-    connect(m_query, &QDBusPendingCallWatcher::finished, this, &FreedesktopNotificationCenter::receiveCapabilities);
+    m_isAsking = true;
+    sendCall<Capabilities>(
+        m_bus.connection(), serviceCall(QStringLiteral("GetCapabilities"), {}), this,
+        [this, query = ++m_queries](const Result<Capabilities> &answer) { receiveCapabilities(query, answer); },
+        m_timeout);
 }
 
-void FreedesktopNotificationCenter::receiveCapabilities(QDBusPendingCallWatcher *query)
+void FreedesktopNotificationCenter::receiveCapabilities(int query, const Result<Capabilities> &capabilities)
 {
-    query->deleteLater();
-    if (query != m_query)
+    if (query != m_queries)
         return;
-    m_query = nullptr;
-    const QDBusPendingReply<QStringList> reply = *query;
-    Result<Capabilities> result = failure(errorFromDBus(reply.error()));
-    if (reply.isValid())
-        result = m_capabilities.emplace(reply.value());
+    m_isAsking = false;
+    if (capabilities)
+        m_capabilities = *capabilities;
     for (const auto &use : std::exchange(m_waiting, {}))
-        use(result);
+        use(capabilities);
 }
 
 void FreedesktopNotificationCenter::send(const UserNotification &notification, const Capabilities &capabilities,
                                          const Completion<void> &done)
 {
     const bool playsSound = capabilities.contains(QStringLiteral("sound"));
-    auto *const call = new QDBusPendingCallWatcher(
-        m_service.asyncCallWithArgumentList(QStringLiteral("Notify"),
-                                            notifyArguments(notification, m_identity, capabilities)),
-        this);
-    connect(call, &QDBusPendingCallWatcher::finished, this,
-            [this, playsSound, done, identifier = notification.identifier](QDBusPendingCallWatcher *finished) {
-                finished->deleteLater();
-                const QDBusPendingReply<uint> reply = *finished;
-                if (!reply.isValid()) {
-                    done(failure(errorFromDBus(reply.error())));
-                    return;
-                }
-                remember(reply.value(), identifier);
-                if (!playsSound)
-                    m_playSound();
-                done({});
-            });
+    const QDBusMessage call =
+        serviceCall(QStringLiteral("Notify"), notifyArguments(notification, m_identity, capabilities));
+    sendCall<uint>(
+        m_bus.connection(), call, this,
+        [this, playsSound, done, identifier = notification.identifier](const Result<uint> &id) {
+            if (!id) {
+                done(tl::unexpected(id.error()));
+                return;
+            }
+            remember(*id, identifier);
+            if (!playsSound)
+                m_playSound();
+            done({});
+        },
+        m_timeout);
+}
+
+QDBusMessage FreedesktopNotificationCenter::serviceCall(const QString &method, const QVariantList &arguments) const
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(serviceName(), objectPath(), serviceName(), method);
+    call.setArguments(arguments);
+    return call;
 }
 
 void FreedesktopNotificationCenter::followService(const QString &newOwner)

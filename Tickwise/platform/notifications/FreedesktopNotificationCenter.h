@@ -1,14 +1,14 @@
 #pragma once
 
+#include "platform/dbus/SessionBus.h"
 #include "platform/notifications/NotificationText.h"
 
 #include <QDBusAbstractInterface>
-#include <QDBusConnection>
-#include <QDBusPendingCallWatcher>
 #include <QDBusServiceWatcher>
 
 #include <chrono>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -38,11 +38,10 @@ class FreedesktopNotificationCenter : public UserNotificationCenter
 public:
     static constexpr std::chrono::seconds callTimeout{5};
 
-    /// `bus` may be unconnected: every operation fails then. `playSound` is called for a notification whose service
-    /// plays no sound.
-    FreedesktopNotificationCenter(const QDBusConnection &bus, NotificationIdentity identity,
-                                  std::function<void()> playSound, std::chrono::milliseconds timeout = callTimeout,
-                                  QObject *parent = nullptr);
+    /// While the bus is not connected every operation fails. The bus outlives the center. `playSound` is called for a
+    /// notification whose service plays no sound.
+    FreedesktopNotificationCenter(SessionBus &bus, NotificationIdentity identity, std::function<void()> playSound,
+                                  std::chrono::milliseconds timeout = callTimeout, QObject *parent = nullptr);
 
     void requestAuthorization(Completion<void> done) override;
     void add(const UserNotification &notification, Completion<void> done) override;
@@ -56,9 +55,20 @@ private:
         QString activationToken;
     };
 
+    /// The service on one connection of the bus.
+    struct Link
+    {
+        Link(const QDBusConnection &bus, std::chrono::milliseconds timeout);
+        FreedesktopNotifications service;
+        QDBusServiceWatcher owner;
+    };
+
+    void openLink();
+    void closeLink();
     void withCapabilities(std::function<void(const Result<Capabilities> &)> use);
     void askCapabilities();
-    void receiveCapabilities(QDBusPendingCallWatcher *query);
+    void receiveCapabilities(int query, const Result<Capabilities> &capabilities);
+    QDBusMessage serviceCall(const QString &method, const QVariantList &arguments) const;
     void send(const UserNotification &notification, const Capabilities &capabilities, const Completion<void> &done);
     void followService(const QString &newOwner);
     void remember(uint id, const QString &identifier);
@@ -66,12 +76,13 @@ private:
     void invoke(uint id, const QString &action);
     void forget(uint id);
 
-    QDBusConnection m_bus;
+    SessionBus &m_bus;
     NotificationIdentity m_identity;
     std::function<void()> m_playSound;
-    FreedesktopNotifications m_service;
-    QDBusServiceWatcher m_serviceWatcher;
-    QDBusPendingCallWatcher *m_query = nullptr; ///< the question under way that counts
+    std::chrono::milliseconds m_timeout;
+    std::unique_ptr<Link> m_link; ///< none: the bus is not connected
+    int m_queries = 0;            ///< asked so far; the answer to the newest counts
+    bool m_isAsking = false;
     std::optional<Capabilities> m_capabilities;
     std::vector<std::function<void(const Result<Capabilities> &)>> m_waiting;
     std::deque<Shown> m_shown; ///< oldest first

@@ -1,8 +1,8 @@
 #include "platform/notifications/NotificationText.h"
 
+#include "support/Graphemes.h"
 #include "support/Localization.h"
-
-#include <QTextBoundaryFinder>
+#include "support/Markup.h"
 
 #include <algorithm>
 
@@ -23,19 +23,7 @@ bool isControl(QChar character)
 
 QString shortened(const QString &text)
 {
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    qsizetype end = 0;
-    for (qsizetype i = 1; i < longestLine && end >= 0; ++i)
-        end = finder.toNextBoundary();
-    const qsizetype whole = end < 0 ? end : finder.toNextBoundary();
-    return whole < 0 || whole == text.size() ? text : text.left(end) + u'…';
-}
-
-QString escaped(QString text)
-{
-    return text.replace(u'&', QStringLiteral("&amp;"))
-        .replace(u'<', QStringLiteral("&lt;"))
-        .replace(u'>', QStringLiteral("&gt;"));
+    return characterCount(text) > longestLine ? firstCharacters(text, longestLine - 1) + u'…' : text;
 }
 
 } // namespace
@@ -65,7 +53,7 @@ QVariantList notifyArguments(const UserNotification &notification, const Notific
             replacesNothing,
             identity.iconName,
             notificationLine(notification.title),
-            can(QStringLiteral("body-markup")) ? escaped(body) : body,
+            can(QStringLiteral("body-markup")) ? plainTextMarkup(body) : body,
             actions,
             hints,
             serviceDecides};

@@ -1,12 +1,9 @@
 #include "platform/notifications/PortalNotificationCenter.h"
 
-#include "platform/dbus/DBusFailure.h"
+#include "platform/dbus/BusCall.h"
 #include "platform/notifications/FreedesktopNotificationCenter.h"
 
 #include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 
 namespace tickwise {
 
@@ -14,14 +11,9 @@ namespace {
 
 constexpr char portalInterface[] = "org.freedesktop.portal.Notification";
 
-QString portalService()
+QString notificationInterface()
 {
-    return QStringLiteral("org.freedesktop.portal.Desktop");
-}
-
-QString portalPath()
-{
-    return QStringLiteral("/org/freedesktop/portal/desktop");
+    return QString::fromLatin1(portalInterface);
 }
 
 QString openAction()
@@ -49,15 +41,23 @@ NotificationPortal::NotificationPortal(const QDBusConnection &bus, std::chrono::
     setTimeout(static_cast<int>(timeout.count()));
 }
 
-PortalNotificationCenter::PortalNotificationCenter(const QDBusConnection &bus, std::function<void()> playSound,
+PortalNotificationCenter::PortalNotificationCenter(SessionBus &bus, std::function<void()> playSound,
                                                    std::chrono::milliseconds timeout, QObject *parent)
     : UserNotificationCenter(parent)
     , m_bus(bus)
     , m_playSound(std::move(playSound))
     , m_timeout(timeout)
-    , m_portal(bus, timeout)
 {
-    connect(&m_portal, &NotificationPortal::ActionInvoked, this,
+    connect(&bus, &SessionBus::connected, this, &PortalNotificationCenter::openPortal);
+    connect(&bus, &SessionBus::disconnected, this, [this] { m_portal.reset(); });
+    if (bus.connection().isConnected())
+        openPortal();
+}
+
+void PortalNotificationCenter::openPortal()
+{
+    m_portal = std::make_unique<NotificationPortal>(m_bus.connection(), m_timeout);
+    connect(m_portal.get(), &NotificationPortal::ActionInvoked, this,
             [this](const QString &id, const QString &action, const QVariantList &parameter) {
                 if (action == openAction())
                     Q_EMIT activated(id, activationToken(parameter));
@@ -66,48 +66,31 @@ PortalNotificationCenter::PortalNotificationCenter(const QDBusConnection &bus, s
 
 void PortalNotificationCenter::requestAuthorization(Completion<void> done)
 {
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        portalService(), portalPath(), QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
-    question << QString::fromLatin1(portalInterface) << QStringLiteral("version");
-    call(question, std::move(done));
+    send(propertyQuestion(portalService(), portalPath(), notificationInterface(), QStringLiteral("version")),
+         std::move(done));
 }
 
 void PortalNotificationCenter::add(const UserNotification &notification, Completion<void> done)
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(
-        portalService(), portalPath(), QString::fromLatin1(portalInterface), QStringLiteral("AddNotification"));
-    message << notification.identifier
-            << QVariantMap{{QStringLiteral("title"), notificationLine(notification.title)},
-                           {QStringLiteral("body"), notificationLine(notification.body)},
-                           {QStringLiteral("priority"), QStringLiteral("normal")},
-                           {QStringLiteral("default-action"), openAction()}};
-    call(message, [this, done = std::move(done)](const Result<void> &result) {
+    const QVariantMap content{{QStringLiteral("title"), notificationLine(notification.title)},
+                              {QStringLiteral("body"), notificationLine(notification.body)},
+                              {QStringLiteral("priority"), QStringLiteral("normal")},
+                              {QStringLiteral("default-action"), openAction()}};
+    const QDBusMessage call =
+        portalCall(notificationInterface(), QStringLiteral("AddNotification"), {notification.identifier, content});
+    send(call, [this, done = std::move(done)](const Result<void> &result) {
         if (result)
             m_playSound();
         done(result);
     });
 }
 
-void PortalNotificationCenter::call(const QDBusMessage &message, Completion<void> done)
+void PortalNotificationCenter::send(const QDBusMessage &call, Completion<void> done)
 {
-    if (!m_bus.isConnected()) {
-        QMetaObject::invokeMethod(
-            this, [done = std::move(done)] { done(failure(noMessageBus())); }, Qt::QueuedConnection);
-        return;
-    }
-    auto *const watcher =
-        new QDBusPendingCallWatcher(m_bus.asyncCall(message, static_cast<int>(m_timeout.count())), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [done = std::move(done)](QDBusPendingCallWatcher *finished) {
-                finished->deleteLater();
-                if (finished->isError())
-                    done(failure(errorFromDBus(finished->error())));
-                else
-                    done({});
-            });
+    sendCall<void>(m_bus.connection(), call, this, std::move(done), m_timeout);
 }
 
-std::unique_ptr<UserNotificationCenter> makeUserNotificationCenter(const QDBusConnection &bus, bool sandboxed,
+std::unique_ptr<UserNotificationCenter> makeUserNotificationCenter(SessionBus &bus, bool sandboxed,
                                                                    const NotificationIdentity &identity,
                                                                    const std::function<void()> &playSound)
 {

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "platform/dbus/SessionBus.h"
 #include "platform/notifications/NotificationText.h"
 
 #include <QDBusAbstractInterface>
-#include <QDBusConnection>
-#include <QDBusMessage>
 
 #include <chrono>
 #include <memory>
@@ -31,24 +30,26 @@ class PortalNotificationCenter : public UserNotificationCenter
     Q_OBJECT
 
 public:
-    /// `bus` may be unconnected: every operation fails then. `playSound` is called for each notification shown.
-    PortalNotificationCenter(const QDBusConnection &bus, std::function<void()> playSound,
-                             std::chrono::milliseconds timeout, QObject *parent = nullptr);
+    /// While the bus is not connected every operation fails. The bus outlives the center. `playSound` is called for
+    /// each notification shown.
+    PortalNotificationCenter(SessionBus &bus, std::function<void()> playSound, std::chrono::milliseconds timeout,
+                             QObject *parent = nullptr);
 
     void requestAuthorization(Completion<void> done) override;
     void add(const UserNotification &notification, Completion<void> done) override;
 
 private:
-    void call(const QDBusMessage &message, Completion<void> done);
+    void openPortal();
+    void send(const QDBusMessage &call, Completion<void> done);
 
-    QDBusConnection m_bus;
+    SessionBus &m_bus;
     std::function<void()> m_playSound;
     std::chrono::milliseconds m_timeout;
-    NotificationPortal m_portal;
+    std::unique_ptr<NotificationPortal> m_portal; ///< none: the bus is not connected
 };
 
 /// The center for where the application runs: the portal's inside a sandbox, else the desktop's own.
-std::unique_ptr<UserNotificationCenter> makeUserNotificationCenter(const QDBusConnection &bus, bool sandboxed,
+std::unique_ptr<UserNotificationCenter> makeUserNotificationCenter(SessionBus &bus, bool sandboxed,
                                                                    const NotificationIdentity &identity,
                                                                    const std::function<void()> &playSound);
 

@@ -1,24 +1,25 @@
 #include "platform/session/BackgroundRequest.h"
 
+#include "platform/dbus/BusCall.h"
 #include "platform/dbus/PortalRequest.h"
 
-#include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusPendingReply>
 #include <QUuid>
 
 namespace tickwise {
 
 namespace {
 
-QString portalPath()
+using Kind = DesktopServiceError::Kind;
+
+QString portalInterface()
 {
-    return QStringLiteral("/org/freedesktop/portal/desktop");
+    return QStringLiteral("org.freedesktop.portal.Background");
 }
 
-tl::unexpected<Error> portalFailure(const QString &text)
+tl::unexpected<Error> portalFailure(Kind kind, const QString &text)
 {
-    return failure(FileError{QStringLiteral("org.freedesktop.portal.Background"), text});
+    return failure(DesktopServiceError{kind, portalInterface() + QStringLiteral(": ") + text});
 }
 
 } // namespace
@@ -28,10 +29,10 @@ BackgroundRequest::BackgroundRequest(const QDBusConnection &bus, bool autostart,
     , m_bus(bus)
     , m_autostart(autostart)
     , m_done(std::move(done))
-    , m_portalWatcher(PortalRequest::service(), bus, QDBusServiceWatcher::WatchForUnregistration)
+    , m_portalWatcher(portalService(), bus, QDBusServiceWatcher::WatchForUnregistration)
 {
     connect(&m_portalWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
-            [this] { finish(portalFailure(QStringLiteral("the portal ended"))); });
+            [this] { finish(portalFailure(Kind::noService, QStringLiteral("the portal ended"))); });
 }
 
 BackgroundRequest::~BackgroundRequest() = default;
@@ -41,7 +42,8 @@ void BackgroundRequest::send(const QString &program, const QString &reason)
     if (!m_bus.isConnected()) {
         // A call on such a connection never finishes.
         QMetaObject::invokeMethod(
-            this, [this] { finish(portalFailure(QStringLiteral("there is no session bus"))); }, Qt::QueuedConnection);
+            this, [this] { finish(portalFailure(Kind::noMessageBus, QStringLiteral("there is no session bus"))); },
+            Qt::QueuedConnection);
         return;
     }
     const QString token = QStringLiteral("tickwise") + QUuid::createUuid().toString(QUuid::Id128);
@@ -49,15 +51,12 @@ void BackgroundRequest::send(const QString &program, const QString &reason)
     // The answer may come before the call's own reply: its path follows from the token, so that it can be heard in
     // time.
     listen(portalPath() + QStringLiteral("/request/") + sender + u'/' + token);
-    QDBusMessage call = QDBusMessage::createMethodCall(PortalRequest::service(), portalPath(),
-                                                       QStringLiteral("org.freedesktop.portal.Background"),
-                                                       QStringLiteral("RequestBackground"));
-    call << QString()
-         << QVariantMap{{QStringLiteral("handle_token"), token},
-                        {QStringLiteral("reason"), reason},
-                        {QStringLiteral("autostart"), m_autostart},
-                        {QStringLiteral("commandline"), QStringList{program}},
-                        {QStringLiteral("dbus-activatable"), false}};
+    const QVariantMap options{{QStringLiteral("handle_token"), token},
+                              {QStringLiteral("reason"), reason},
+                              {QStringLiteral("autostart"), m_autostart},
+                              {QStringLiteral("commandline"), QStringList{program}},
+                              {QStringLiteral("dbus-activatable"), false}};
+    const QDBusMessage call = portalCall(portalInterface(), QStringLiteral("RequestBackground"), {QString(), options});
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] { takeReply(*watcher); });
 }
@@ -73,7 +72,8 @@ void BackgroundRequest::takeReply(const QDBusPendingCallWatcher &call)
 {
     const QDBusPendingReply<QDBusObjectPath> reply = call;
     if (reply.isError())
-        finish(portalFailure(reply.error().message()));
+        finish(
+            portalFailure(std::get<DesktopServiceError>(errorFromDBus(reply.error())).kind, reply.error().message()));
     else if (reply.value().path() != m_requestPath)
         listen(reply.value().path());
 }
@@ -82,9 +82,9 @@ void BackgroundRequest::takeResponse(uint response, const QVariantMap &results)
 {
     const bool granted = results.value(QStringLiteral("autostart")).toBool();
     if (response != 0)
-        finish(portalFailure(QStringLiteral("the request was refused")));
+        finish(portalFailure(Kind::refused, QStringLiteral("the request was refused")));
     else if (granted != m_autostart)
-        finish(portalFailure(QStringLiteral("starting at login was not granted")));
+        finish(portalFailure(Kind::refused, QStringLiteral("starting at login was not granted")));
     else
         finish({});
 }

@@ -7,6 +7,8 @@ namespace tickwise {
 namespace {
 
 constexpr uint protocolVersion = 3;
+// Hosts have heard of every change before they open the menu.
+constexpr bool needsUpdate = false;
 
 QStringList names(const QVariant &argument)
 {
@@ -53,7 +55,7 @@ void DBusMenu::addMethods()
         QStringLiteral("EventGroup"), {QStringLiteral("a(isvu)"), QStringLiteral("ai")},
         [this](const QVariantList &arguments) { return eventGroup(qdbus_cast<QList<DBusMenuEvent>>(arguments[0])); });
     addMethod(QStringLiteral("AboutToShow"), {QStringLiteral("i"), QStringLiteral("b")},
-              [this](const QVariantList &arguments) { return QVariantList{aboutToShow(arguments[0].toInt())}; });
+              [](const QVariantList &) { return QVariantList{needsUpdate}; });
     addMethod(QStringLiteral("AboutToShowGroup"), {QStringLiteral("ai"), QStringLiteral("aiai")},
               [this](const QVariantList &arguments) { return aboutToShowGroup(ids(arguments[0])); });
 }
@@ -61,7 +63,7 @@ void DBusMenu::addMethods()
 void DBusMenu::setMenu(std::function<Menu()> menu)
 {
     m_menu = std::move(menu);
-    rebuild();
+    refresh();
 }
 
 QVariantMap DBusMenu::properties() const
@@ -114,42 +116,31 @@ bool DBusMenu::handleEvent(int id, const QString &type)
     // The answer goes out first: an action may take the menu, or the whole program, away.
     if (type == QLatin1StringView("clicked") && node->activate)
         QMetaObject::invokeMethod(this, node->activate, Qt::QueuedConnection);
-    else if (type == QLatin1StringView("opened") && id == 0)
-        rebuild();
     return true;
 }
 
-QVariantList DBusMenu::aboutToShowGroup(const QList<int> &ids)
+QVariantList DBusMenu::aboutToShowGroup(const QList<int> &ids) const
 {
-    QList<int> changed;
     QList<int> unknown;
     for (int id : ids) {
         if (!findNode(m_tree, id))
             unknown << id;
-        else if (aboutToShow(id))
-            changed << id;
     }
-    return {QVariant::fromValue(changed), QVariant::fromValue(unknown)};
-}
-
-bool DBusMenu::aboutToShow(int id)
-{
-    return id == 0 && rebuild();
+    return {QVariant::fromValue(QList<int>()), QVariant::fromValue(unknown)};
 }
 
 /// A changed menu gets new ids, so that a click on what was shown before cannot mean another entry.
-bool DBusMenu::rebuild()
+void DBusMenu::refresh()
 {
     const Menu menu = m_menu ? m_menu() : Menu();
     DBusMenuNode tree = dbusMenuTree(menu, m_firstId);
     if (showsTheSame(tree, m_tree)) {
         m_tree = std::move(tree);
-        return false;
+        return;
     }
     m_firstId = lastId(m_tree) + 1;
     m_tree = dbusMenuTree(menu, m_firstId);
     emitSignal(QStringLiteral("LayoutUpdated"), {++m_revision, 0});
-    return true;
 }
 
 } // namespace tickwise

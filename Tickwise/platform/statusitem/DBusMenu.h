@@ -11,8 +11,12 @@ class DBusMenu : public VirtualObject
 public:
     DBusMenu(const QDBusConnection &bus, const QString &path);
 
-    /// The menu is asked for at once and anew each time it is about to be shown.
+    /// The menu is asked for at once, and anew at each `refresh`.
     void setMenu(std::function<Menu()> menu);
+
+    /// Tells the hosts of a menu that differs from the one before. They size a menu when they open it, so a change must
+    /// reach them earlier.
+    void refresh();
 
 protected:
     QVariantMap properties() const override;
@@ -22,10 +26,8 @@ private:
     QList<DBusMenuProperties> groupProperties(const QList<int> &ids, const QStringList &names) const;
     QVariantList getProperty(int id, const QString &name) const;
     QVariantList eventGroup(const QList<DBusMenuEvent> &events);
-    QVariantList aboutToShowGroup(const QList<int> &ids);
+    QVariantList aboutToShowGroup(const QList<int> &ids) const;
     bool handleEvent(int id, const QString &type);
-    bool aboutToShow(int id);
-    bool rebuild();
     void addMethods();
 
     std::function<Menu()> m_menu;

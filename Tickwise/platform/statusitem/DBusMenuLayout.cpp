@@ -12,7 +12,7 @@ namespace tickwise {
 namespace {
 
 constexpr int iconPixels = 32;
-// The menu's background is the host's secret; this grey can be told from both black and white.
+// The menu's background is not known; this gray stands out from both black and white.
 constexpr QRgb iconColor = qRgb(0x80, 0x80, 0x80);
 
 QByteArray iconData(const QString &name)

@@ -1,5 +1,7 @@
 #include "platform/statusitem/NotifierContent.h"
 
+#include "support/Markup.h"
+
 namespace tickwise {
 
 namespace {
@@ -10,7 +12,7 @@ QList<StatusPixmap> widePixmaps(const StatusItemContent &content, const StatusIt
     QList<StatusPixmap> pixmaps;
     for (int height : format.heights) {
         const double needed = statusItemWidth(content, style.font, height);
-        const double width = content.logo ? needed : widths.widthFor(content.text.size(), needed);
+        const double width = content.logo ? needed : widths.widthFor(style.font, height, content.text.size(), needed);
         pixmaps << statusPixmap(paintStatusItem(content, style, width, height, 1), format.premultiplied);
         // Some hosts take the largest entry they get, and would blur a double one on a single-density screen.
         if (scale > 1)
@@ -51,7 +53,7 @@ StatusNotifierContent notifierContent(const StatusItemContent &content, const St
                                       StatusItemPresentation presentation, const PixmapFormat &format, int scale,
                                       StatusItemWidth &widths)
 {
-    StatusNotifierContent item{content.title, {content.toolTipTitle, toolTipMarkup(content.toolTipBody)}, {}, {}, {}};
+    StatusNotifierContent item{content.title, {content.toolTipTitle, plainTextMarkup(content.toolTipBody)}, {}, {}, {}};
     if (presentation == StatusItemPresentation::wideSni) {
         item.pixmaps = widePixmaps(content, style, format, scale, widths);
     } else if (presentation == StatusItemPresentation::sniWithLabel) {

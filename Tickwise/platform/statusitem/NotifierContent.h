@@ -1,7 +1,7 @@
 #pragma once
 
 #include "pipeline/StatusItemPainter.h"
-#include "platform/statusitem/StatusItemHost.h"
+#include "platform/statusitem/HostTraits.h"
 #include "platform/statusitem/StatusItemWidth.h"
 #include "platform/statusitem/StatusNotifierItem.h"
 

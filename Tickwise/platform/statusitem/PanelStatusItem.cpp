@@ -1,6 +1,7 @@
 #include "platform/statusitem/PanelStatusItem.h"
 
 #include "platform/statusitem/NotifierContent.h"
+#include "platform/statusitem/SystemTraySelection.h"
 #include "support/Localization.h"
 
 #include <QEvent>
@@ -9,6 +10,7 @@
 #include <QPalette>
 #include <QScreen>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -21,13 +23,24 @@ namespace {
 Q_LOGGING_CATEGORY(lcStatusItem, "com.pelmo.tickwise.StatusItem", QtInfoMsg)
 
 // A panel that starts takes its bus name and its tray one after the other; one that restarts is gone for a moment.
-constexpr std::chrono::milliseconds hostSettles = 150ms;
-constexpr std::chrono::milliseconds absenceSettles = 1s;
+constexpr std::chrono::milliseconds hostStartTime = 150ms;
+constexpr std::chrono::milliseconds hostRestartTime = 1s;
 
 PanelAppearance paletteAppearance()
 {
     const QColor text = QGuiApplication::palette().color(QPalette::WindowText);
     return qGray(text.rgb()) > 127 ? PanelAppearance::dark : PanelAppearance::light;
+}
+
+/// The screen that shows the point, which is in device pixels: screens keep their origin, and their sizes scale.
+const QScreen *screenAt(QPoint point)
+{
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    const auto found = std::ranges::find_if(screens, [point](const QScreen *screen) {
+        const QRect area = screen->geometry();
+        return QRect(area.topLeft(), area.size() * screen->devicePixelRatio()).contains(point);
+    });
+    return found == screens.end() ? nullptr : *found;
 }
 
 int largestScale()
@@ -39,29 +52,33 @@ int largestScale()
 
 PanelStatusItem::Environment PanelStatusItem::currentEnvironment()
 {
-    return {qEnvironmentVariable("XDG_CURRENT_DESKTOP"), QGuiApplication::platformName() == QLatin1StringView("xcb")};
+    Environment environment{qEnvironmentVariable("XDG_CURRENT_DESKTOP")};
+    if (QGuiApplication::platformName() == QLatin1StringView("xcb"))
+        environment.openTray = SystemTraySelection::open;
+    return environment;
 }
 
-PanelStatusItem::PanelStatusItem(const QDBusConnection &bus, Environment environment)
+PanelStatusItem::PanelStatusItem(SessionBus &bus, Environment environment)
     : m_environment(std::move(environment))
     , m_bus(bus)
     , m_watcher(bus, m_environment.currentDesktop, m_environment.process)
     , m_colorScheme(bus)
-    , m_tray(m_environment.onX11 ? SystemTraySelection::open() : nullptr)
+    , m_tray(m_environment.openTray ? m_environment.openTray() : nullptr)
 {
-    m_settling.setSingleShot(true);
+    m_hostDelay.setSingleShot(true);
     connectSources();
     updateAppearance();
 }
 
 void PanelStatusItem::connectSources()
 {
-    connect(&m_settling, &QTimer::timeout, this, &PanelStatusItem::settle);
+    connect(&m_hostDelay, &QTimer::timeout, this, &PanelStatusItem::applyHost);
     connect(&m_watcher, &StatusItemHostWatcher::hostChanged, this, &PanelStatusItem::hostChanged);
     connect(&m_colorScheme, &ColorSchemePortal::schemeChanged, this, &PanelStatusItem::updateAppearance);
+    connect(&m_bus, &SessionBus::disconnected, this, &PanelStatusItem::busEnded);
     if (m_tray) {
-        connect(m_tray.get(), &SystemTraySelection::ownerChanged, this, &PanelStatusItem::trayChanged);
-        connect(m_tray.get(), &SystemTraySelection::appearanceChanged, this, &PanelStatusItem::updateAppearance);
+        connect(m_tray.get(), &SystemTray::ownerChanged, this, &PanelStatusItem::trayChanged);
+        connect(m_tray.get(), &SystemTray::appearanceChanged, this, &PanelStatusItem::updateAppearance);
     }
     connect(qGuiApp, &QGuiApplication::screenAdded, this, &PanelStatusItem::redraw);
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, &PanelStatusItem::redraw);
@@ -83,6 +100,21 @@ void PanelStatusItem::setMenu(std::function<Menu()> menu)
         m_item->setMenu([this] { return notifierMenu(); });
 }
 
+void PanelStatusItem::menuChanged()
+{
+    if (m_item)
+        m_item->refreshMenu();
+}
+
+std::optional<QRect> PanelStatusItem::geometry() const
+{
+    const std::optional<QRect> pixels = m_window && m_tray ? m_tray->dockedGeometry() : std::nullopt;
+    if (!pixels)
+        return std::nullopt;
+    const QScreen *const screen = screenAt(pixels->center());
+    return screen ? fromDevicePixels(*pixels, screen->geometry().topLeft(), screen->devicePixelRatio()) : *pixels;
+}
+
 bool PanelStatusItem::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == qGuiApp && event->type() == QEvent::ApplicationFontChange)
@@ -96,18 +128,19 @@ void PanelStatusItem::hostChanged(StatusItemHost host, const WatcherProcess &pro
 {
     m_host = host;
     m_format = pixmapFormatFor(host, process);
+    m_widths.clear();
     m_isNewHost = host != StatusItemHost::none;
-    m_settling.start(m_isNewHost ? hostSettles : absenceSettles);
+    m_hostDelay.start(m_isNewHost ? hostStartTime : hostRestartTime);
 }
 
 void PanelStatusItem::trayChanged()
 {
     // A window whose tray went away would be left alone on the desktop.
     m_window.reset();
-    m_settling.start(m_host == StatusItemHost::none ? absenceSettles : hostSettles);
+    m_hostDelay.start(m_host == StatusItemHost::none ? hostRestartTime : hostStartTime);
 }
 
-void PanelStatusItem::settle()
+void PanelStatusItem::applyHost()
 {
     const StatusItemPresentation presentation = presentationFor(m_host, m_tray && m_tray->hasOwner());
     updateAppearance();
@@ -115,11 +148,17 @@ void PanelStatusItem::settle()
         build(presentation);
     if (m_item && m_isNewHost) {
         redraw();
-        m_item->registerWithWatcher(isAnnouncedByConnection(m_host));
+        m_item->registerWithWatcher(hostTraits(m_host).announcement);
     }
     m_isNewHost = false;
-    if (presentation == StatusItemPresentation::nothing && !std::exchange(m_toldOfNoHost, true))
+    if (presentation == StatusItemPresentation::nothing && !std::exchange(m_hasLoggedNoHost, true))
         qCInfo(lcStatusItem) << "No panel shows status items; the item appears when one starts";
+}
+
+void PanelStatusItem::busEnded()
+{
+    // It belongs to the connection that has ended.
+    m_item.reset();
 }
 
 void PanelStatusItem::build(StatusItemPresentation presentation)
@@ -143,9 +182,9 @@ void PanelStatusItem::build(StatusItemPresentation presentation)
 
 void PanelStatusItem::buildNotifierItem()
 {
-    m_item = std::make_unique<StatusNotifierItem>(m_bus);
+    m_item = std::make_unique<StatusNotifierItem>(m_bus.connection());
     connect(m_item.get(), &StatusNotifierItem::activated, this, [this](QPoint position) {
-        Q_EMIT clicked(tellsClickPosition(m_host) ? std::optional(position) : std::nullopt);
+        Q_EMIT clicked(hostTraits(m_host).sendsScreenPosition ? std::optional(position) : std::nullopt);
     });
     connect(m_item.get(), &StatusNotifierItem::contextMenuRequested, this, &PanelStatusItem::showMenuAt);
     m_item->setMenu([this] { return notifierMenu(); });
@@ -159,8 +198,8 @@ void PanelStatusItem::buildTrayWindow(XEmbedStatusWindow::Shape shape)
     connect(m_window.get(), &XEmbedStatusWindow::clicked, this, [this](QPoint position) { Q_EMIT clicked(position); });
     connect(m_window.get(), &XEmbedStatusWindow::menuRequested, this, &PanelStatusItem::showMenuAt);
     redraw();
-    connect(m_tray.get(), &SystemTraySelection::docked, m_window.get(), &QWidget::show);
-    connect(m_tray.get(), &SystemTraySelection::undocked, m_window.get(), &QWidget::hide);
+    connect(m_tray.get(), &SystemTray::docked, m_window.get(), &QWidget::show);
+    connect(m_tray.get(), &SystemTray::undocked, m_window.get(), &QWidget::hide);
     m_tray->dock(m_window->winId());
 }
 
@@ -184,14 +223,14 @@ void PanelStatusItem::redraw()
 }
 
 /// Hosts with labels open the menu on a single click, so the menu has to lead to the popover.
-Menu PanelStatusItem::notifierMenu() const
+Menu PanelStatusItem::notifierMenu()
 {
     Menu menu = m_menu ? m_menu() : Menu();
     if (m_presentation != StatusItemPresentation::sniWithLabel)
         return menu;
     MenuEntry open;
     open.text = localized(QStringLiteral("menu.open"));
-    open.activate = [self = const_cast<PanelStatusItem *>(this)] { Q_EMIT self->clicked(std::nullopt); };
+    open.activate = [this] { Q_EMIT clicked(std::nullopt); };
     menu.insert(menu.begin(), std::move(open));
     return menu;
 }

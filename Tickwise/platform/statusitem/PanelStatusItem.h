@@ -7,7 +7,7 @@
 #include "platform/statusitem/StatusItemHostWatcher.h"
 #include "platform/statusitem/StatusItemWidth.h"
 #include "platform/statusitem/StatusNotifierItem.h"
-#include "platform/statusitem/SystemTraySelection.h"
+#include "platform/statusitem/SystemTray.h"
 #include "platform/statusitem/XEmbedStatusWindow.h"
 
 #include <QTimer>
@@ -29,7 +29,8 @@ public:
     struct Environment
     {
         QString currentDesktop; ///< `XDG_CURRENT_DESKTOP`
-        bool onX11 = false;     ///< our own windows are X11 windows
+        /// Opens the desktop's system tray; null, and none of it, where our windows are no X11 windows.
+        std::function<std::unique_ptr<SystemTray>()> openTray;
         MenuPresenter showMenu = showLocalMenu;
         StatusItemHostWatcher::ProcessLookup process = watcherProcess;
     };
@@ -37,12 +38,16 @@ public:
     /// The environment of this process.
     static Environment currentEnvironment();
 
-    explicit PanelStatusItem(const QDBusConnection &bus, Environment environment = currentEnvironment());
+    /// The bus outlives the item; it may have no connection, now or later.
+    explicit PanelStatusItem(SessionBus &bus, Environment environment = currentEnvironment());
 
     void setContent(const StatusItemContent &content) override;
     void setMenu(std::function<Menu()> menu) override;
+    void menuChanged() override;
     PanelAppearance appearance() const override { return m_appearance; }
     bool isShown() const override { return m_presentation != StatusItemPresentation::nothing; }
+    /// Known for a docked window only.
+    std::optional<QRect> geometry() const override;
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -51,21 +56,22 @@ private:
     void connectSources();
     void hostChanged(StatusItemHost host, const WatcherProcess &process);
     void trayChanged();
-    void settle();
+    void applyHost();
+    void busEnded();
     void build(StatusItemPresentation presentation);
     void buildNotifierItem();
     void buildTrayWindow(XEmbedStatusWindow::Shape shape);
     void updateAppearance();
     void redraw();
-    Menu notifierMenu() const;
+    Menu notifierMenu();
     void showMenuAt(QPoint position) const;
 
     Environment m_environment;
-    QDBusConnection m_bus;
+    SessionBus &m_bus;
     StatusItemHostWatcher m_watcher;
     ColorSchemePortal m_colorScheme;
-    std::unique_ptr<SystemTraySelection> m_tray;
-    QTimer m_settling;
+    std::unique_ptr<SystemTray> m_tray;
+    QTimer m_hostDelay; ///< runs while a host is given time to start or to return
 
     StatusItemContent m_content;
     std::function<Menu()> m_menu;
@@ -74,8 +80,8 @@ private:
     PixmapFormat m_format;
     StatusItemPresentation m_presentation = StatusItemPresentation::nothing;
     PanelAppearance m_appearance = PanelAppearance::unknown;
-    bool m_isNewHost = false;
-    bool m_toldOfNoHost = false;
+    bool m_isNewHost = false; ///< the item has yet to be announced to it
+    bool m_hasLoggedNoHost = false;
 
     std::unique_ptr<StatusNotifierItem> m_item;
     std::unique_ptr<XEmbedStatusWindow> m_window;

@@ -1,7 +1,5 @@
 #include "platform/statusitem/StatusItemHost.h"
 
-#include "platform/statusitem/WaybarConfig.h"
-
 #include <QFile>
 #include <QFileInfo>
 
@@ -85,6 +83,7 @@ WatcherProcess watcherProcess(qint64 pid)
         if (!argument.isEmpty())
             process.arguments << QString::fromLocal8Bit(argument);
     }
+    process.directory = QFile::symLinkTarget(QStringLiteral("/proc/%1/cwd").arg(pid));
     return process;
 }
 
@@ -99,92 +98,6 @@ StatusItemHost hostFor(const WatcherProcess &process, const QString &currentDesk
             return entry.host;
     }
     return StatusItemHost::unknown;
-}
-
-StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray)
-{
-    switch (host) {
-    case StatusItemHost::none:
-        return hasTray ? StatusItemPresentation::xembedSquare : StatusItemPresentation::nothing;
-    case StatusItemHost::waybar:
-    case StatusItemHost::mate:
-    case StatusItemHost::cinnamon:
-        return StatusItemPresentation::wideSni;
-    case StatusItemHost::xfce:
-        return hasTray ? StatusItemPresentation::xembed : StatusItemPresentation::squareSni;
-    case StatusItemHost::gnome:
-    case StatusItemHost::ayatana:
-        return StatusItemPresentation::sniWithLabel;
-    case StatusItemHost::plasma:
-    case StatusItemHost::lxqt:
-    case StatusItemHost::swaybar:
-    case StatusItemHost::unknown:
-        break;
-    }
-    return StatusItemPresentation::squareSni;
-}
-
-bool isAnnouncedByConnection(StatusItemHost host)
-{
-    return host == StatusItemHost::gnome;
-}
-
-bool tellsClickPosition(StatusItemHost host)
-{
-    switch (host) {
-    case StatusItemHost::xfce:
-    case StatusItemHost::lxqt:
-    case StatusItemHost::plasma:
-    case StatusItemHost::gnome:
-    case StatusItemHost::swaybar:
-        return true;
-    default:
-        return false;
-    }
-}
-
-PixmapFormat pixmapFormatFor(StatusItemHost host, const WatcherProcess &process)
-{
-    switch (host) {
-    case StatusItemHost::waybar:
-        // It takes the largest entry and scales it, so there must be one, of the right height.
-        return {{waybarIconSize(process.arguments)}};
-    case StatusItemHost::cinnamon:
-        return {{22}};
-    case StatusItemHost::mate:
-        return {{16, 18, 20, 22, 24, 26, 27, 28, 30, 32, 36, 40, 48}};
-    case StatusItemHost::swaybar:
-        return {{16, 18, 20, 22, 24, 32, 48}, true};
-    default:
-        return {{16, 22, 24, 32, 48, 64}};
-    }
-}
-
-PanelAppearance panelAppearance(StatusItemHost host, PanelAppearance trayColors, PanelAppearance colorScheme,
-                                PanelAppearance palette)
-{
-    switch (host) {
-    case StatusItemHost::gnome:
-    case StatusItemHost::swaybar:
-        return PanelAppearance::dark;
-    case StatusItemHost::lxqt:
-        // Its tray tells no colours, and most of its themes have a dark panel whatever the windows look like.
-        return trayColors != PanelAppearance::unknown ? trayColors : PanelAppearance::dark;
-    case StatusItemHost::waybar:
-    case StatusItemHost::cinnamon:
-        return colorScheme == PanelAppearance::unknown ? PanelAppearance::dark : colorScheme;
-    case StatusItemHost::xfce:
-    case StatusItemHost::mate:
-    case StatusItemHost::ayatana:
-    case StatusItemHost::none:
-        if (trayColors != PanelAppearance::unknown)
-            return trayColors;
-        break;
-    case StatusItemHost::plasma:
-    case StatusItemHost::unknown:
-        break;
-    }
-    return colorScheme == PanelAppearance::unknown ? palette : colorScheme;
 }
 
 } // namespace tickwise

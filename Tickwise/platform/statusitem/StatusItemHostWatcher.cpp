@@ -1,9 +1,6 @@
 #include "platform/statusitem/StatusItemHostWatcher.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDBusServiceWatcher>
+#include "platform/dbus/BusCall.h"
 
 namespace tickwise {
 
@@ -16,42 +13,42 @@ QString watcherName()
 
 } // namespace
 
-StatusItemHostWatcher::StatusItemHostWatcher(const QDBusConnection &bus, const QString &currentDesktop,
-                                             ProcessLookup lookup)
+StatusItemHostWatcher::StatusItemHostWatcher(SessionBus &bus, const QString &currentDesktop, ProcessLookup lookup)
     : m_bus(bus)
     , m_currentDesktop(currentDesktop)
     , m_lookup(std::move(lookup))
 {
-    if (!m_bus.isConnected()) {
-        QMetaObject::invokeMethod(
-            this, [this] { reportNone(); }, Qt::QueuedConnection);
-        return;
-    }
-    auto *names = new QDBusServiceWatcher(watcherName(), m_bus, QDBusServiceWatcher::WatchForOwnerChange, this);
-    connect(names, &QDBusServiceWatcher::serviceOwnerChanged, this,
+    connect(&bus, &SessionBus::connected, this, &StatusItemHostWatcher::followBus);
+    connect(&bus, &SessionBus::disconnected, this, &StatusItemHostWatcher::busEnded);
+    if (bus.connection().isConnected())
+        followBus();
+    else
+        QMetaObject::invokeMethod(this, &StatusItemHostWatcher::reportNone, Qt::QueuedConnection);
+}
+
+void StatusItemHostWatcher::followBus()
+{
+    m_names = std::make_unique<QDBusServiceWatcher>(watcherName(), m_bus.connection(),
+                                                    QDBusServiceWatcher::WatchForOwnerChange);
+    connect(m_names.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString &, const QString &, const QString &owner) { ownerChanged(owner); });
     askForOwner();
 }
 
-QDBusPendingCallWatcher *StatusItemHostWatcher::askBus(const QString &method, const QString &argument)
+void StatusItemHostWatcher::busEnded()
 {
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                                       QStringLiteral("org.freedesktop.DBus"), method);
-    call << argument;
-    return new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    m_names.reset();
+    ownerChanged(QString());
 }
 
 void StatusItemHostWatcher::askForOwner()
 {
-    connect(askBus(QStringLiteral("GetNameOwner"), watcherName()), &QDBusPendingCallWatcher::finished, this,
-            [this](QDBusPendingCallWatcher *finished) {
-                finished->deleteLater();
-                const QDBusPendingReply<QString> owner = *finished;
-                // A change of owner that came first is newer than this answer.
-                if (m_owner.isEmpty())
-                    ownerChanged(owner.isError() ? QString() : owner.value());
-            });
+    sendCall<QString>(m_bus.connection(), busCall(QStringLiteral("GetNameOwner"), {watcherName()}), m_names.get(),
+                      [this](const Result<QString> &owner) {
+                          // A change of owner that came first is newer than this answer.
+                          if (m_owner.isEmpty())
+                              ownerChanged(owner.value_or(QString()));
+                      });
 }
 
 void StatusItemHostWatcher::ownerChanged(const QString &owner)
@@ -65,15 +62,13 @@ void StatusItemHostWatcher::ownerChanged(const QString &owner)
 
 void StatusItemHostWatcher::askForProcess(const QString &owner)
 {
-    connect(askBus(QStringLiteral("GetConnectionUnixProcessID"), owner), &QDBusPendingCallWatcher::finished, this,
-            [this, owner](QDBusPendingCallWatcher *finished) {
-                finished->deleteLater();
-                if (m_owner != owner)
-                    return;
-                const QDBusPendingReply<uint> pid = *finished;
-                const WatcherProcess process = pid.isError() ? WatcherProcess() : m_lookup(pid.value());
-                Q_EMIT hostChanged(hostFor(process, m_currentDesktop), process);
-            });
+    sendCall<uint>(m_bus.connection(), busCall(QStringLiteral("GetConnectionUnixProcessID"), {owner}), m_names.get(),
+                   [this, owner](const Result<uint> &pid) {
+                       if (m_owner != owner)
+                           return;
+                       const WatcherProcess process = pid ? m_lookup(*pid) : WatcherProcess();
+                       Q_EMIT hostChanged(hostFor(process, m_currentDesktop), process);
+                   });
 }
 
 void StatusItemHostWatcher::reportNone()

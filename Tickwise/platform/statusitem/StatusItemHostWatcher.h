@@ -1,13 +1,13 @@
 #pragma once
 
+#include "platform/dbus/SessionBus.h"
 #include "platform/statusitem/StatusItemHost.h"
 
-#include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QObject>
 
 #include <functional>
-
-class QDBusPendingCallWatcher;
+#include <memory>
 
 namespace tickwise {
 
@@ -19,24 +19,26 @@ class StatusItemHostWatcher : public QObject
 public:
     using ProcessLookup = std::function<WatcherProcess(qint64 pid)>;
 
-    StatusItemHostWatcher(const QDBusConnection &bus, const QString &currentDesktop,
-                          ProcessLookup lookup = watcherProcess);
+    /// The bus outlives the watcher.
+    StatusItemHostWatcher(SessionBus &bus, const QString &currentDesktop, ProcessLookup lookup = watcherProcess);
 
 Q_SIGNALS:
     /// A host has come, once for each new owner of the name, or (`none`) there is no owner, or no bus.
     void hostChanged(tickwise::StatusItemHost host, const tickwise::WatcherProcess &process);
 
 private:
+    void followBus();
+    void busEnded();
     void askForOwner();
     void ownerChanged(const QString &owner);
     void askForProcess(const QString &owner);
     void reportNone();
-    QDBusPendingCallWatcher *askBus(const QString &method, const QString &argument);
 
-    QDBusConnection m_bus;
+    SessionBus &m_bus;
     QString m_currentDesktop;
     ProcessLookup m_lookup;
     QString m_owner;
+    std::unique_ptr<QDBusServiceWatcher> m_names; ///< of the current connection; calls under way end with it
 };
 
 } // namespace tickwise

@@ -1,8 +1,8 @@
 #include "platform/statusitem/StatusNotifierItem.h"
 
+#include "platform/dbus/BusCall.h"
+
 #include <QCoreApplication>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QLoggingCategory>
 
 namespace tickwise {
@@ -10,8 +10,6 @@ namespace tickwise {
 namespace {
 
 Q_LOGGING_CATEGORY(lcStatusItem, "com.pelmo.tickwise.StatusItem", QtInfoMsg)
-
-constexpr uint doNotQueue = 4;
 
 QString menuPath()
 {
@@ -24,11 +22,9 @@ QString nextService()
     return QStringLiteral("org.kde.StatusNotifierItem-%1-%2").arg(QCoreApplication::applicationPid()).arg(++count);
 }
 
-QDBusMessage busCall(const QString &method)
+QString watcherInterface()
 {
-    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-                                          QStringLiteral("/org/freedesktop/DBus"),
-                                          QStringLiteral("org.freedesktop.DBus"), method);
+    return QStringLiteral("org.kde.StatusNotifierWatcher");
 }
 
 QPoint pointOf(const QVariantList &arguments)
@@ -52,13 +48,11 @@ StatusNotifierItem::StatusNotifierItem(const QDBusConnection &bus)
 
 StatusNotifierItem::~StatusNotifierItem()
 {
-    QDBusMessage release = busCall(QStringLiteral("ReleaseName"));
-    release << m_service;
-    m_bus.send(release);
+    m_bus.send(busCall(QStringLiteral("ReleaseName"), {m_service}));
 }
 
 /// The answer goes out first: a click may lead to this item's end.
-QVariantList StatusNotifierItem::later(const std::function<void()> &action)
+QVariantList StatusNotifierItem::runAfterReply(const std::function<void()> &action)
 {
     QMetaObject::invokeMethod(this, action, Qt::QueuedConnection);
     return {};
@@ -68,10 +62,10 @@ void StatusNotifierItem::addMethods()
 {
     const auto nothing = [](const QVariantList &) { return QVariantList(); };
     addMethod(QStringLiteral("Activate"), {QStringLiteral("ii"), {}}, [this](const QVariantList &arguments) {
-        return later([this, position = pointOf(arguments)] { Q_EMIT activated(position); });
+        return runAfterReply([this, position = pointOf(arguments)] { Q_EMIT activated(position); });
     });
     addMethod(QStringLiteral("ContextMenu"), {QStringLiteral("ii"), {}}, [this](const QVariantList &arguments) {
-        return later([this, position = pointOf(arguments)] { Q_EMIT contextMenuRequested(position); });
+        return runAfterReply([this, position = pointOf(arguments)] { Q_EMIT contextMenuRequested(position); });
     });
     addMethod(QStringLiteral("SecondaryActivate"), {QStringLiteral("ii"), {}}, nothing);
     addMethod(QStringLiteral("XAyatanaSecondaryActivate"), {QStringLiteral("u"), {}}, nothing);
@@ -93,37 +87,32 @@ void StatusNotifierItem::addSignals()
 /// A blocking registerService would stop the interface while the bus is busy.
 void StatusNotifierItem::requestName()
 {
-    QDBusMessage request = busCall(QStringLiteral("RequestName"));
-    request << m_service << doNotQueue;
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(request), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *finished) {
-        finished->deleteLater();
-        m_ownsName = !finished->isError();
-        if (m_wantsWatcher)
+    const QDBusMessage request = busCall(QStringLiteral("RequestName"), {m_service, busName::doNotQueue});
+    sendCall<uint>(m_bus, request, this, [this](const Result<uint> &answer) {
+        m_ownsName = answer == busName::primaryOwner || answer == busName::alreadyOwner;
+        if (m_announcement)
             announce();
     });
 }
 
-void StatusNotifierItem::registerWithWatcher(bool byConnection)
+void StatusNotifierItem::registerWithWatcher(ItemAnnouncement announcement)
 {
-    m_wantsWatcher = true;
-    m_byConnection = byConnection;
+    m_announcement = announcement;
     if (m_ownsName)
         announce();
 }
 
 void StatusNotifierItem::announce()
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.kde.StatusNotifierWatcher"), QStringLiteral("/StatusNotifierWatcher"),
-        QStringLiteral("org.kde.StatusNotifierWatcher"), QStringLiteral("RegisterStatusNotifierItem"));
-    call << (m_byConnection ? m_bus.baseService() : m_service);
+    const bool byName = *m_ownsName && *m_announcement == ItemAnnouncement::byName;
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(watcherInterface(), QStringLiteral("/StatusNotifierWatcher"), watcherInterface(),
+                                       QStringLiteral("RegisterStatusNotifierItem"));
+    call << (byName ? m_service : m_bus.baseService());
     call.setAutoStartService(false);
-    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [](QDBusPendingCallWatcher *finished) {
-        finished->deleteLater();
-        if (finished->isError())
-            qCDebug(lcStatusItem).noquote() << "The panel did not take the item:" << finished->error().message();
+    sendCall<void>(m_bus, call, this, [](const Result<void> &answer) {
+        if (!answer)
+            qCDebug(lcStatusItem).noquote() << "The panel did not take the item:" << description(answer.error());
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/dbus/VirtualObject.h"
 #include "platform/statusitem/DBusMenu.h"
+#include "platform/statusitem/HostTraits.h"
 #include "platform/statusitem/StatusPixmap.h"
 
 #include <QPoint>
@@ -35,12 +36,15 @@ public:
     /// "org.kde.StatusNotifierItem-PID-N"; N counts the items of the process.
     const QString &service() const { return m_service; }
 
-    /// Announces the item to the watcher, by its bus name or its connection; again for each new watcher.
-    void registerWithWatcher(bool byConnection);
+    /// Announces the item to the watcher, once the bus has decided about the item's name; again for each new watcher.
+    /// An item whose name the bus refused is announced by its connection.
+    void registerWithWatcher(ItemAnnouncement announcement);
 
     /// Tells the hosts what changed against the content before.
     void setContent(const StatusNotifierContent &content);
+    /// Exports the menu; it is asked for at once and at each `refreshMenu`.
     void setMenu(std::function<Menu()> menu) { m_menu->setMenu(std::move(menu)); }
+    void refreshMenu() { m_menu->refresh(); }
 
 Q_SIGNALS:
     void activated(QPoint position);
@@ -53,7 +57,7 @@ protected:
 private:
     void addMethods();
     void addSignals();
-    QVariantList later(const std::function<void()> &action);
+    QVariantList runAfterReply(const std::function<void()> &action);
     void requestName();
     void announce();
 
@@ -61,9 +65,8 @@ private:
     QString m_service;
     StatusNotifierContent m_content;
     std::unique_ptr<DBusMenu> m_menu;
-    bool m_ownsName = false;
-    bool m_wantsWatcher = false;
-    bool m_byConnection = false;
+    std::optional<bool> m_ownsName; ///< none: the bus has not answered yet
+    std::optional<ItemAnnouncement> m_announcement;
 };
 
 } // namespace tickwise

@@ -19,11 +19,6 @@ StatusPixmap statusPixmap(const QImage &image, bool premultiplied)
     return pixmap;
 }
 
-QString toolTipMarkup(const QString &plainLines)
-{
-    return plainLines.toHtmlEscaped().replace(u'\n', QStringLiteral("<br/>"));
-}
-
 QDBusArgument &operator<<(QDBusArgument &argument, const StatusPixmap &pixmap)
 {
     argument.beginStructure();

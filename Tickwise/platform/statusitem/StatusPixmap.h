@@ -28,9 +28,6 @@ struct StatusToolTip
 /// The image as a pixmap; `premultiplied` for the hosts that read the alpha so.
 StatusPixmap statusPixmap(const QImage &image, bool premultiplied = false);
 
-/// Plain text lines as the markup of a tool tip.
-QString toolTipMarkup(const QString &plainLines);
-
 QDBusArgument &operator<<(QDBusArgument &argument, const StatusPixmap &pixmap);
 const QDBusArgument &operator>>(const QDBusArgument &argument, StatusPixmap &pixmap);
 QDBusArgument &operator<<(QDBusArgument &argument, const StatusToolTip &toolTip);

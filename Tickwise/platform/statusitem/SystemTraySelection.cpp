@@ -4,7 +4,6 @@
 #include <QSocketNotifier>
 
 #include <cstdlib>
-#include <optional>
 
 #include <xcb/xcb.h>
 
@@ -105,14 +104,21 @@ void SystemTraySelection::readEvents()
         if (const auto told = newParent(*event, m_window))
             parent = told;
     }
-    if (parent && *parent == m_root)
-        Q_EMIT undocked();
-    else if (parent)
-        Q_EMIT docked();
+    if (parent)
+        reportParent(*parent);
     if (ownerMayDiffer)
         findOwner();
     else if (colorsMayDiffer)
         readColors();
+}
+
+void SystemTraySelection::reportParent(uint32_t parent)
+{
+    m_isDocked = parent != m_root;
+    if (m_isDocked)
+        Q_EMIT docked();
+    else
+        Q_EMIT undocked();
 }
 
 void SystemTraySelection::findOwner()
@@ -143,7 +149,12 @@ void SystemTraySelection::readColors()
     }
     if (std::exchange(m_appearance, appearance) != appearance)
         Q_EMIT appearanceChanged();
-    // Events that arrived while the answers were awaited wake no notifier.
+    readEventsLater();
+}
+
+/// Events that arrived while an answer was awaited wake no notifier.
+void SystemTraySelection::readEventsLater()
+{
     QMetaObject::invokeMethod(this, &SystemTraySelection::readEvents, Qt::QueuedConnection);
 }
 
@@ -151,6 +162,7 @@ void SystemTraySelection::dock(WId window)
 {
     synchronizeOwnWindows();
     m_window = uint32_t(window);
+    m_isDocked = false;
     const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection, m_window, XCB_CW_EVENT_MASK, &mask);
     const uint32_t info[] = {xembedVersion, xembedMapped};
@@ -165,6 +177,22 @@ void SystemTraySelection::dock(WId window)
     message.data.data32[2] = m_window;
     xcb_send_event(m_connection, 0, m_owner, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&message));
     xcb_flush(m_connection);
+}
+
+// Qt's own idea of the window's position goes stale when the panel moves it.
+std::optional<QRect> SystemTraySelection::dockedGeometry()
+{
+    if (!m_isDocked)
+        return std::nullopt;
+    const auto sizeCookie = xcb_get_geometry(m_connection, m_window);
+    const auto originCookie = xcb_translate_coordinates(m_connection, m_window, m_root, 0, 0);
+    const Reply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(m_connection, sizeCookie, nullptr));
+    const Reply<xcb_translate_coordinates_reply_t> origin(
+        xcb_translate_coordinates_reply(m_connection, originCookie, nullptr));
+    readEventsLater();
+    if (!size || !origin)
+        return std::nullopt;
+    return QRect(origin->dst_x, origin->dst_y, size->width, size->height);
 }
 
 } // namespace tickwise

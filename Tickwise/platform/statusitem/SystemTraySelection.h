@@ -1,19 +1,17 @@
 #pragma once
 
-#include "pipeline/StatusItem.h"
-
-#include <QObject>
-#include <QWindow>
+#include "platform/statusitem/SystemTray.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 struct xcb_connection_t;
 
 namespace tickwise {
 
 /// The system tray of an X11 screen, `_NET_SYSTEM_TRAY_S0`, on a connection of its own.
-class SystemTraySelection : public QObject
+class SystemTraySelection : public SystemTray
 {
     Q_OBJECT
 
@@ -22,21 +20,10 @@ public:
     static std::unique_ptr<SystemTraySelection> open();
     ~SystemTraySelection() override;
 
-    bool hasOwner() const { return m_owner != 0; }
-
-    /// What the tray's text colour says about its background.
-    PanelAppearance appearance() const { return m_appearance; }
-
-    /// Asks the tray to take in one of our windows, which must stay hidden until `docked`: a tray that reparents a
-    /// visible window takes it for withdrawn.
-    void dock(WId window);
-
-Q_SIGNALS:
-    void ownerChanged();
-    void appearanceChanged();
-    void docked();
-    /// The tray has put the window back on the desktop.
-    void undocked();
+    bool hasOwner() const override { return m_owner != 0; }
+    PanelAppearance appearance() const override { return m_appearance; }
+    void dock(WId window) override;
+    std::optional<QRect> dockedGeometry() override;
 
 private:
     struct Atoms
@@ -47,18 +34,21 @@ private:
     SystemTraySelection(xcb_connection_t *connection, int screen);
     uint32_t atom(const QByteArray &name) const;
     void readEvents();
+    void reportParent(uint32_t parent);
     void findOwner();
     void readColors();
+    void readEventsLater();
 
     xcb_connection_t *m_connection;
     uint32_t m_root = 0;
     Atoms m_atoms = {};
     uint32_t m_owner = 0;
-    uint32_t m_window = 0;
+    uint32_t m_window = 0; ///< the one that was last handed to a tray
+    bool m_isDocked = false;
     PanelAppearance m_appearance = PanelAppearance::unknown;
 };
 
-/// The appearance of a panel that writes in a colour of these 16-bit parts.
+/// The appearance of a panel that writes in a color of these 16-bit parts.
 PanelAppearance appearanceForText(uint32_t red, uint32_t green, uint32_t blue);
 
 } // namespace tickwise

@@ -1,8 +1,15 @@
 #include "platform/statusitem/WaybarConfig.h"
 
+#include "support/json/JsonReader.h"
+
+#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QStandardPaths>
+
+#include <algorithm>
+#include <limits>
+#include <optional>
 
 namespace tickwise {
 
@@ -11,20 +18,47 @@ namespace {
 constexpr int smallestIconSize = 8;
 constexpr int largestIconSize = 96;
 
-QString withoutComments(QString text)
+/// waybar's reader takes comments, and a comma after the last element.
+QByteArray asStrictJson(QString text)
 {
-    // Strings are matched too, so that "https://" inside one does not start a comment.
+    // Strings are matched too, so that what stands inside one is left alone.
     static const QRegularExpression stringOrComment(QStringLiteral("(\"(?:[^\"\\\\]|\\\\.)*\")|//[^\\n]*|/\\*.*?\\*/"),
                                                     QRegularExpression::DotMatchesEverythingOption);
-    return text.replace(stringOrComment, QStringLiteral("\\1"));
+    static const QRegularExpression stringOrLastComma(QStringLiteral("(\"(?:[^\"\\\\]|\\\\.)*\")|,(?=\\s*[}\\]])"),
+                                                      QRegularExpression::DotMatchesEverythingOption);
+    return text.replace(stringOrComment, QStringLiteral("\\1"))
+        .replace(stringOrLastComma, QStringLiteral("\\1"))
+        .toUtf8();
 }
 
-QString configurationPath(const QStringList &commandLine)
+std::optional<int> iconSizeOfBar(const JsonValue &bar)
 {
-    for (qsizetype i = 1; i + 1 < commandLine.size(); ++i) {
-        if (commandLine[i] == u"-c" || commandLine[i] == u"--config")
-            return commandLine[i + 1];
+    static const JsonValue::json_pointer iconSize("/tray/icon-size");
+    if (!bar.is_object())
+        return std::nullopt;
+    const Result<std::int64_t> points = decodeJson<std::int64_t>(bar.value(iconSize, JsonValue()));
+    if (!points || *points < 0 || *points > std::numeric_limits<quint32>::max())
+        return std::nullopt;
+    return int(std::clamp<std::int64_t>(*points, smallestIconSize, largestIconSize));
+}
+
+/// What follows `-c`, `--config`, `-c=` or `--config=`.
+QString configurationArgument(const QStringList &commandLine)
+{
+    for (qsizetype i = 1; i < commandLine.size(); ++i) {
+        const QString option = commandLine[i].section(u'=', 0, 0);
+        if (option != u"-c" && option != u"--config")
+            continue;
+        return commandLine[i].contains(u'=') ? commandLine[i].section(u'=', 1) : commandLine.value(i + 1);
     }
+    return {};
+}
+
+QString configurationPath(const WatcherProcess &process)
+{
+    const QString given = configurationArgument(process.arguments);
+    if (!given.isEmpty())
+        return QDir(process.directory).filePath(given);
     for (const QString &folder : QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation)) {
         for (const QString &name : {QStringLiteral("/waybar/config"), QStringLiteral("/waybar/config.jsonc")}) {
             if (QFile::exists(folder + name))
@@ -38,16 +72,21 @@ QString configurationPath(const QStringList &commandLine)
 
 int waybarIconSize(const QByteArray &configuration)
 {
-    static const QRegularExpression trayIconSize(
-        QStringLiteral("\"tray\"\\s*:\\s*\\{[^}]*\"icon-size\"\\s*:\\s*(\\d+)"));
-    const auto match = trayIconSize.match(withoutComments(QString::fromUtf8(configuration)));
-    return match.hasMatch() ? std::clamp(match.captured(1).toInt(), smallestIconSize, largestIconSize)
-                            : waybarDefaultIconSize;
+    const Result<JsonValue> document = parseJson(asStrictJson(QString::fromUtf8(configuration)), JsonFaults::repair);
+    if (!document)
+        return waybarDefaultIconSize;
+    if (!document->is_array())
+        return iconSizeOfBar(*document).value_or(waybarDefaultIconSize);
+    for (const JsonValue &bar : *document) {
+        if (const std::optional<int> size = iconSizeOfBar(bar))
+            return *size;
+    }
+    return waybarDefaultIconSize;
 }
 
-int waybarIconSize(const QStringList &commandLine)
+int waybarIconSize(const WatcherProcess &process)
 {
-    QFile file(configurationPath(commandLine));
+    QFile file(configurationPath(process));
     return !file.fileName().isEmpty() && file.open(QIODevice::ReadOnly) ? waybarIconSize(file.readAll())
                                                                         : waybarDefaultIconSize;
 }

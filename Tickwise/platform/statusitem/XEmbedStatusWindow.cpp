@@ -1,5 +1,7 @@
 #include "platform/statusitem/XEmbedStatusWindow.h"
 
+#include "support/Markup.h"
+
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -13,16 +15,7 @@ namespace {
 
 constexpr int usualHeight = 22;
 // The tray moves the window into place; until then it must not show on the desktop.
-constexpr QPoint outOfSight(-2000, -2000);
-
-QString toolTipText(const StatusItemContent &content)
-{
-    if (content.toolTipTitle.isEmpty() && content.toolTipBody.isEmpty())
-        return {};
-    return QStringLiteral("<b>%1</b><br/>%2")
-        .arg(content.toolTipTitle.toHtmlEscaped(),
-             content.toolTipBody.toHtmlEscaped().replace(u'\n', QStringLiteral("<br/>")));
-}
+constexpr QPoint beyondTheScreen(-2000, -2000);
 
 } // namespace
 
@@ -35,7 +28,7 @@ XEmbedStatusWindow::XEmbedStatusWindow(Shape shape)
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(QStringLiteral("Tickwise"));
     setMinimumSize(usualHeight, usualHeight);
-    setGeometry(QRect(outOfSight, minimumSize()));
+    setGeometry(QRect(beyondTheScreen, minimumSize()));
 }
 
 void XEmbedStatusWindow::setContent(const StatusItemContent &content, const StatusItemStyle &style)
@@ -51,7 +44,8 @@ void XEmbedStatusWindow::fit()
     if (m_shape == Shape::square)
         return;
     const double needed = statusItemWidth(m_content, m_style.font, height());
-    const int width = int(m_content.logo ? needed : m_widths.widthFor(m_content.text.size(), needed));
+    const int width =
+        int(m_content.logo ? needed : m_widths.widthFor(m_style.font, height(), m_content.text.size(), needed));
     setMinimumSize(width, usualHeight);
     resize(width, height());
 }
@@ -60,7 +54,8 @@ bool XEmbedStatusWindow::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip) {
         // Qt's own idea of where this window is goes stale when the panel moves it; the event's is right.
-        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), toolTipText(m_content));
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(),
+                           toolTipMarkup(m_content.toolTipTitle, m_content.toolTipBody));
         return true;
     }
     return QWidget::event(event);

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void aBusThatReturnsIsOpenedAnew();
     void aBusThatDiesTwice();
     void aBusThatStartsLater();
+    void triesAreFurtherAndFurtherApart();
     void closesItsConnection();
     void callsEndWhenTheBusDies();
     void callsWithoutABusFailLater();
@@ -89,6 +90,15 @@ void SessionBusTest::aBusThatStartsLater()
     bus.start();
     QTRY_COMPARE(connected.size(), 1);
     QVERIFY(session.connection().isConnected());
+}
+
+void SessionBusTest::triesAreFurtherAndFurtherApart()
+{
+    using namespace std::chrono_literals;
+    QVERIFY(SessionBus::delayAfter(SessionBus::firstRetry) == 200ms);
+    QVERIFY(SessionBus::delayAfter(25600ms) == 51200ms);
+    QVERIFY(SessionBus::delayAfter(51200ms) == 60s);
+    QVERIFY(SessionBus::delayAfter(60s) == 60s);
 }
 
 void SessionBusTest::closesItsConnection()

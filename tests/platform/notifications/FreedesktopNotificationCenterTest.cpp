@@ -27,8 +27,9 @@ UserNotification notification(const QString &identifier = QStringLiteral("price-
 /// A center on its own connection, and the results of what was asked of it.
 struct Client
 {
-    explicit Client(const QDBusConnection &bus, std::chrono::milliseconds timeout = std::chrono::seconds(5))
-        : center(
+    explicit Client(const QString &address, std::chrono::milliseconds timeout = std::chrono::seconds(5))
+        : bus(address)
+        , center(
               bus, tickwiseIdentity, [this] { ++sounds; }, timeout)
     {
     }
@@ -48,6 +49,7 @@ struct Client
                std::get<DesktopServiceError>(results.back().error()).kind == kind;
     }
 
+    SessionBus bus;
     int sounds = 0;
     std::vector<Result<void>> results;
     FreedesktopNotificationCenter center;
@@ -74,6 +76,7 @@ private Q_SLOTS:
     void serviceThatDiesAndReturns();
     void serviceThatComesLaterIsAskedAnew();
     void busThatDies();
+    void busThatDiesAndReturns();
     void goneCenterAnswersNothing();
     void realDaemonShowsAndActivates();
 };
@@ -82,7 +85,7 @@ void FreedesktopNotificationCenterTest::deliversWhatTheServiceUnderstands()
 {
     PrivateBus bus;
     FakeNotifications service(bus.connect(), everything);
-    Client client(bus.connect());
+    Client client(bus.address());
     client.add();
     QVERIFY(client.results.empty()); // never inside the call
     QTRY_COMPARE(client.answered(), std::size_t(1));
@@ -105,7 +108,7 @@ void FreedesktopNotificationCenterTest::capabilitiesAreAskedOnce()
 {
     PrivateBus bus;
     FakeNotifications service(bus.connect(), {});
-    Client client(bus.connect());
+    Client client(bus.address());
     client.center.requestAuthorization(client.collect());
     client.add();
     QTRY_COMPARE(client.answered(), std::size_t(2));
@@ -122,13 +125,13 @@ void FreedesktopNotificationCenterTest::playsTheSoundThatTheServiceDoesNot()
 {
     PrivateBus bus;
     FakeNotifications service(bus.connect(), {QStringLiteral("body")});
-    Client client(bus.connect());
+    Client client(bus.address());
     client.add();
     QTRY_COMPARE(client.answered(), std::size_t(1));
     QCOMPARE(client.sounds, 1);
     QVERIFY(!service.calls.front().hints.contains(QStringLiteral("sound-name")));
 
-    Client other(bus.connect());
+    Client other(bus.address());
     service.capabilities = {QStringLiteral("sound")};
     other.add();
     QTRY_COMPARE(other.answered(), std::size_t(1));
@@ -143,7 +146,7 @@ void FreedesktopNotificationCenterTest::clickActivatesWithItsToken()
 {
     PrivateBus bus;
     FakeNotifications service(bus.connect(), everything);
-    Client client(bus.connect());
+    Client client(bus.address());
     client.add(QStringLiteral("one"));
     client.add(QStringLiteral("two"));
     QTRY_COMPARE(client.answered(), std::size_t(2));
@@ -160,7 +163,7 @@ void FreedesktopNotificationCenterTest::otherClicksAreNotOurs()
 {
     PrivateBus bus;
     FakeNotifications service(bus.connect(), everything);
-    Client client(bus.connect());
+    Client client(bus.address());
     for (const char *identifier : {"one", "two", "three"})
         client.add(QLatin1String(identifier));
     QTRY_COMPARE(client.answered(), std::size_t(3));
@@ -178,7 +181,7 @@ void FreedesktopNotificationCenterTest::remembersTheNewestOnly()
 {
     PrivateBus bus;
     FakeNotifications service(bus.connect(), everything);
-    Client client(bus.connect());
+    Client client(bus.address());
     for (int i = 1; i <= 65; ++i)
         client.add(QString::number(i));
     QTRY_COMPARE(client.answered(), std::size_t(65));
@@ -192,7 +195,7 @@ void FreedesktopNotificationCenterTest::remembersTheNewestOnly()
 void FreedesktopNotificationCenterTest::failsWithoutAService()
 {
     PrivateBus bus;
-    Client client(bus.connect());
+    Client client(bus.address());
     client.center.requestAuthorization(client.collect());
     QTRY_COMPARE(client.answered(), std::size_t(1));
     QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noService));
@@ -204,7 +207,7 @@ void FreedesktopNotificationCenterTest::failsWithoutAService()
 
 void FreedesktopNotificationCenterTest::failsWithoutABus()
 {
-    Client client(QDBusConnection(QStringLiteral("no such connection")));
+    Client client(QStringLiteral("unix:path=/nonexistent"));
     client.center.requestAuthorization(client.collect());
     client.add();
     QVERIFY(client.results.empty()); // never inside the call
@@ -218,7 +221,7 @@ void FreedesktopNotificationCenterTest::failsWhenTheServiceRefuses()
     PrivateBus bus;
     FakeNotifications service(bus.connect(), everything);
     service.refuses = true;
-    Client client(bus.connect());
+    Client client(bus.address());
     client.add();
     QTRY_COMPARE(client.answered(), std::size_t(1));
     QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::refused));
@@ -230,8 +233,8 @@ void FreedesktopNotificationCenterTest::hangingServiceTimesOutAndNothingBlocks()
     PrivateBus bus;
     FakeNotifications service(bus.connect(), everything);
     service.hangs = true;
-    Client patient(bus.connect(), std::chrono::seconds(60));
-    Client client(bus.connect(), shortTimeout);
+    Client patient(bus.address(), std::chrono::seconds(60));
+    Client client(bus.address(), shortTimeout);
     QElapsedTimer elapsed;
     elapsed.start();
     patient.add();
@@ -254,7 +257,7 @@ void FreedesktopNotificationCenterTest::hangingDeliveryTimesOut()
 {
     PrivateBus bus;
     FakeNotifications service(bus.connect(), {});
-    Client client(bus.connect(), shortTimeout);
+    Client client(bus.address(), shortTimeout);
     client.center.requestAuthorization(client.collect());
     QTRY_COMPARE(client.answered(), std::size_t(1));
     service.hangs = true;
@@ -268,7 +271,7 @@ void FreedesktopNotificationCenterTest::serviceThatDiesAndReturns()
 {
     PrivateBus bus;
     auto service = std::make_unique<FakeNotifications>(bus.connect(), everything);
-    Client client(bus.connect());
+    Client client(bus.address());
     client.add(QStringLiteral("before"));
     QTRY_COMPARE(client.answered(), std::size_t(1));
     service->hangs = true;
@@ -295,7 +298,7 @@ void FreedesktopNotificationCenterTest::serviceThatDiesAndReturns()
 void FreedesktopNotificationCenterTest::serviceThatComesLaterIsAskedAnew()
 {
     PrivateBus bus;
-    Client client(bus.connect());
+    Client client(bus.address());
     FakeNotifications service(bus.connect(), everything);
     QTRY_COMPARE(service.questions, 1);
     client.add();
@@ -308,7 +311,7 @@ void FreedesktopNotificationCenterTest::busThatDies()
     PrivateBus bus;
     FakeNotifications service(bus.connect(), everything);
     service.hangs = true;
-    Client client(bus.connect(), shortTimeout);
+    Client client(bus.address(), shortTimeout);
     client.add();
     QTRY_COMPARE(service.questions, 1);
     bus.stop();
@@ -319,18 +322,44 @@ void FreedesktopNotificationCenterTest::busThatDies()
     QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noMessageBus));
 }
 
+void FreedesktopNotificationCenterTest::busThatDiesAndReturns()
+{
+    PrivateBus bus;
+    Client client(bus.address());
+    {
+        FakeNotifications former(bus.connect(), everything);
+        client.add(QStringLiteral("before"));
+        QTRY_COMPARE(client.answered(), std::size_t(1));
+    }
+    QSignalSpy connected(&client.bus, &SessionBus::connected);
+    bus.stop();
+    bus.start();
+    QTRY_COMPARE(connected.size(), 1);
+    FakeNotifications service(bus.connect(), {QStringLiteral("actions")});
+    client.add(QStringLiteral("after"));
+    QTRY_COMPARE(client.answered(), std::size_t(2));
+    QVERIFY(client.results.back());
+    QCOMPARE(service.calls.front().body, QStringLiteral("BTC <up>")); // what the new service reads
+    QSignalSpy activated(&client.center, &UserNotificationCenter::activated);
+    Q_EMIT service.ActivationToken(1, QStringLiteral("token"));
+    Q_EMIT service.ActionInvoked(1, QStringLiteral("default"));
+    QTRY_COMPARE(activated.size(), 1);
+    QCOMPARE(activated.front(), (QVariantList{QStringLiteral("after"), QStringLiteral("token")}));
+}
+
 void FreedesktopNotificationCenterTest::goneCenterAnswersNothing()
 {
     PrivateBus bus;
     FakeNotifications service(bus.connect(), everything);
     int answers = 0;
     service.hangs = true;
+    SessionBus session(bus.address());
     auto center = std::make_unique<FreedesktopNotificationCenter>(
-        bus.connect(), tickwiseIdentity, [] {}, shortTimeout);
+        session, tickwiseIdentity, [] {}, shortTimeout);
     center->add(notification(), [&](const Result<void> &) { ++answers; });
     QTRY_COMPARE(service.questions, 1);
     center.reset();
-    Client client(bus.connect(), shortTimeout); // its question times out after the other's
+    Client client(bus.address(), shortTimeout); // its question times out after the other's
     client.add();
     QTRY_COMPARE(client.answered(), std::size_t(1));
     QCOMPARE(answers, 0);
@@ -355,7 +384,7 @@ void FreedesktopNotificationCenterTest::realDaemonShowsAndActivates()
     const QString name = QStringLiteral("org.freedesktop.Notifications");
     QTRY_VERIFY_WITH_TIMEOUT(control.interface()->isServiceRegistered(name), 20000);
 
-    Client client(bus.connect());
+    Client client(bus.address());
     QSignalSpy activated(&client.center, &UserNotificationCenter::activated);
     client.add();
     QTRY_COMPARE_WITH_TIMEOUT(client.answered(), std::size_t(1), 10000);

@@ -48,8 +48,9 @@ Q_SIGNALS:
 
 struct Client
 {
-    explicit Client(const QDBusConnection &bus, std::chrono::milliseconds timeout = std::chrono::seconds(5))
-        : center(
+    explicit Client(const QString &address, std::chrono::milliseconds timeout = std::chrono::seconds(5))
+        : bus(address)
+        , center(
               bus, [this] { ++sounds; }, timeout)
     {
     }
@@ -63,6 +64,7 @@ struct Client
                std::get<DesktopServiceError>(results.back().error()).kind == kind;
     }
 
+    SessionBus bus;
     int sounds = 0;
     std::vector<Result<void>> results;
     PortalNotificationCenter center;
@@ -80,6 +82,7 @@ private Q_SLOTS:
     void failsWithoutThePortal();
     void failsWithoutABus();
     void hangingPortalTimesOut();
+    void busThatDiesAndReturns();
     void sandboxChoosesThePortal();
 };
 
@@ -87,7 +90,7 @@ void PortalNotificationCenterTest::handsTheNotificationOver()
 {
     PrivateBus bus;
     FakePortal portal(bus.connect());
-    Client client(bus.connect());
+    Client client(bus.address());
     client.center.requestAuthorization(client.collect());
     client.center.add(notification, client.collect());
     QVERIFY(client.results.empty());
@@ -105,7 +108,7 @@ void PortalNotificationCenterTest::clickActivates()
 {
     PrivateBus bus;
     FakePortal portal(bus.connect());
-    Client client(bus.connect());
+    Client client(bus.address());
     QSignalSpy activated(&client.center, &UserNotificationCenter::activated);
     Q_EMIT portal.ActionInvoked(QStringLiteral("a"), QStringLiteral("other"), {});
     Q_EMIT portal.ActionInvoked(QStringLiteral("b"), QStringLiteral("open"), {});
@@ -119,7 +122,7 @@ void PortalNotificationCenterTest::clickActivates()
 void PortalNotificationCenterTest::failsWithoutThePortal()
 {
     PrivateBus bus;
-    Client client(bus.connect());
+    Client client(bus.address());
     client.center.requestAuthorization(client.collect());
     client.center.add(notification, client.collect());
     QTRY_COMPARE(client.results.size(), std::size_t(2));
@@ -130,7 +133,7 @@ void PortalNotificationCenterTest::failsWithoutThePortal()
 
 void PortalNotificationCenterTest::failsWithoutABus()
 {
-    Client client(QDBusConnection(QStringLiteral("no such connection")));
+    Client client(QStringLiteral("unix:path=/nonexistent"));
     client.center.add(notification, client.collect());
     QVERIFY(client.results.empty());
     QTRY_COMPARE(client.results.size(), std::size_t(1));
@@ -142,19 +145,36 @@ void PortalNotificationCenterTest::hangingPortalTimesOut()
     PrivateBus bus;
     FakePortal portal(bus.connect());
     portal.hangs = true;
-    Client client(bus.connect(), std::chrono::milliseconds(100));
+    Client client(bus.address(), std::chrono::milliseconds(100));
     client.center.add(notification, client.collect());
     QTRY_COMPARE(client.results.size(), std::size_t(1));
     QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::timedOut));
     QCOMPARE(client.sounds, 0);
 }
 
+void PortalNotificationCenterTest::busThatDiesAndReturns()
+{
+    PrivateBus bus;
+    Client client(bus.address());
+    QSignalSpy connected(&client.bus, &SessionBus::connected);
+    bus.stop();
+    bus.start();
+    QTRY_COMPARE(connected.size(), 1);
+    FakePortal portal(bus.connect());
+    client.center.add(notification, client.collect());
+    QTRY_COMPARE(client.results.size(), std::size_t(1));
+    QVERIFY(client.results.back());
+    QSignalSpy activated(&client.center, &UserNotificationCenter::activated);
+    Q_EMIT portal.ActionInvoked(QStringLiteral("a"), QStringLiteral("open"), {});
+    QTRY_COMPARE(activated.size(), 1);
+}
+
 void PortalNotificationCenterTest::sandboxChoosesThePortal()
 {
     PrivateBus bus;
-    const QDBusConnection connection = bus.connect();
-    const auto sandboxed = makeUserNotificationCenter(connection, true, {}, [] {});
-    const auto open = makeUserNotificationCenter(connection, false, {}, [] {});
+    SessionBus session(bus.address());
+    const auto sandboxed = makeUserNotificationCenter(session, true, {}, [] {});
+    const auto open = makeUserNotificationCenter(session, false, {}, [] {});
     QVERIFY(qobject_cast<PortalNotificationCenter *>(sandboxed.get()));
     QVERIFY(qobject_cast<FreedesktopNotificationCenter *>(open.get()));
 }

@@ -44,7 +44,7 @@ private:
     QStringList m_signals;
 };
 
-/// A settings portal with a colour scheme.
+/// A settings portal with a color scheme.
 class FakeSettingsPortal : public QObject
 {
     Q_OBJECT

@@ -6,7 +6,9 @@
 
 #include <QDBusConnectionInterface>
 #include <QElapsedTimer>
+#include <QPointer>
 #include <QSignalSpy>
+#include <QWidget>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -45,6 +47,45 @@ QStringList logLines(const LogCapture &log)
     return log.texts(QStringLiteral("com.pelmo.tickwise.StatusItem"));
 }
 
+/// The bus name of the process's item of that number.
+QString itemName(int number)
+{
+    return QStringLiteral("org.kde.StatusNotifierItem-%1-%2").arg(QCoreApplication::applicationPid()).arg(number);
+}
+
+/// A tray that takes in what it is asked to when the test says so.
+class FakeSystemTray : public SystemTray
+{
+public:
+    bool hasOwner() const override { return m_hasOwner; }
+    PanelAppearance appearance() const override { return PanelAppearance::dark; }
+    void dock(WId docked) override
+    {
+        window = docked;
+        m_area.reset();
+        ++windows;
+    }
+    std::optional<QRect> dockedGeometry() override { return m_area; }
+
+    void takeIn(const QRect &area)
+    {
+        m_area = area;
+        Q_EMIT docked();
+    }
+    void setOwner(bool hasOwner)
+    {
+        m_hasOwner = hasOwner;
+        Q_EMIT ownerChanged();
+    }
+
+    WId window = 0;
+    int windows = 0; ///< that it was asked to dock
+
+private:
+    bool m_hasOwner = true;
+    std::optional<QRect> m_area;
+};
+
 } // namespace
 
 /// The item against a panel of the test's own, over a real bus.
@@ -58,6 +99,8 @@ private Q_SLOTS:
     void registersUnderItsOwnName();
     void aLatePanelGetsTheItemAfterOneLogLine();
     void aRestartedPanelGetsTheItemAgain();
+    void theItemStaysWhileAPanelRestarts();
+    void anotherPanelGetsAWidthOfItsOwn();
     void aPanelOfAnotherKindGetsAnotherItem();
     void isAnnouncedByNameOrConnection();
     void withoutABusItSaysSoOnceAndGoesOn();
@@ -75,19 +118,32 @@ private Q_SLOTS:
     void otherClicksDoNothing();
     void menuIsExported();
     void menuEntryRunsItsAction();
-    void menuIsAskedAnewBeforeItShows();
+    void menuChangesAreToldBeforeItOpens();
+    void menuHasItsVersionAndSignals();
     void aClickOnAnOldMenuMeansNothing();
     void menuGroupCallsTellUnknownIds();
     void labelHostsOpenThePopoverFromTheMenu();
     void appearanceFollowsThePortal();
     void appearanceIsThatOfTheHost();
+    void pixmapsArePaintedAnewForAnotherAppearance();
+    void aRefusedNameLeavesTheConnection();
+    void aTakenNameLeavesTheConnection();
+    void aBusThatReturnsGetsTheItemAgain();
+    void aBusThatReturnsIsAskedForItsColorScheme();
+    void xfceDocksAWindowAndKnowsWhereItIs();
+    void theTrayWindowGoesWithItsHost();
+    void theTrayWindowGoesWithItsTray();
+    void aTrayAloneGetsASquareWindow();
 
 private:
     std::unique_ptr<PanelStatusItem> makeItem(const QString &host);
+    FakeSystemTray *useTray();
     bool hasItems(int count) const { return m_panel && m_panel->items().size() == count; }
 
     std::unique_ptr<PrivateBus> m_bus;
     std::unique_ptr<FakeStatusPanel> m_panel;
+    std::unique_ptr<SessionBus> m_session;
+    std::function<std::unique_ptr<SystemTray>()> m_openTray;
     QString m_host;
     std::vector<std::pair<Menu, QPoint>> m_shownMenus;
 };
@@ -102,7 +158,9 @@ void PanelStatusItemTest::init()
 void PanelStatusItemTest::cleanup()
 {
     m_panel.reset();
+    m_session.reset();
     m_bus.reset();
+    m_openTray = {};
 }
 
 std::unique_ptr<PanelStatusItem> PanelStatusItemTest::makeItem(const QString &host)
@@ -111,9 +169,19 @@ std::unique_ptr<PanelStatusItem> PanelStatusItemTest::makeItem(const QString &ho
     PanelStatusItem::Environment environment;
     environment.process = [this](qint64) { return WatcherProcess{m_host, {}}; };
     environment.showMenu = [this](const Menu &menu, QPoint position) { m_shownMenus.emplace_back(menu, position); };
-    auto item = std::make_unique<PanelStatusItem>(m_bus->connect(), environment);
+    environment.openTray = m_openTray;
+    m_session = std::make_unique<SessionBus>(m_bus->address());
+    auto item = std::make_unique<PanelStatusItem>(*m_session, environment);
     item->setContent(priced(QStringLiteral("BTC 67,432")));
     return item;
+}
+
+/// The tray that the next item opens; that item owns it.
+FakeSystemTray *PanelStatusItemTest::useTray()
+{
+    auto tray = std::make_shared<std::unique_ptr<SystemTray>>(std::make_unique<FakeSystemTray>());
+    m_openTray = [tray] { return std::move(*tray); };
+    return static_cast<FakeSystemTray *>(tray->get());
 }
 
 void PanelStatusItemTest::registersUnderItsOwnName()
@@ -154,6 +222,46 @@ void PanelStatusItemTest::aRestartedPanelGetsTheItemAgain()
     QCOMPARE(m_panel->itemProperties().value(QStringLiteral("Title")).toString(), QStringLiteral("BTC 67,432"));
 }
 
+void PanelStatusItemTest::theItemStaysWhileAPanelRestarts()
+{
+    LogCapture log;
+    const auto item = makeItem(QStringLiteral("waybar"));
+    QTRY_VERIFY(hasItems(1));
+    const QString service = m_panel->items()[0];
+    const QDBusConnection observer = m_bus->connect();
+    m_panel.reset();
+    QVERIFY2(!QTest::qWaitFor([&] { return !observer.interface()->isServiceRegistered(service).value(); }, 600),
+             "the item left at once");
+    m_panel = std::make_unique<FakeStatusPanel>(*m_bus);
+    QTRY_VERIFY(hasItems(1));
+    QCOMPARE(m_panel->items()[0], service);
+    QCOMPARE(logLines(log), QStringList());
+}
+
+void PanelStatusItemTest::anotherPanelGetsAWidthOfItsOwn()
+{
+    const auto item = makeItem(QStringLiteral("mate-panel"));
+    item->setContent(priced(QStringLiteral("WWWWWW 67,432")));
+    QTRY_VERIFY(hasItems(1));
+    const auto widthAt22 = [this] {
+        for (const StatusPixmap &pixmap :
+             qdbus_cast<QList<StatusPixmap>>(m_panel->itemProperties().value(QStringLiteral("IconPixmap")))) {
+            if (pixmap.height == 22)
+                return pixmap.width;
+        }
+        return 0;
+    };
+    const int wide = widthAt22();
+    item->setContent(priced(QStringLiteral("IIIIII 67,432")));
+    QCOMPARE(widthAt22(), wide);
+    m_host = QStringLiteral("xapp-sn-watcher");
+    m_panel.reset();
+    m_panel = std::make_unique<FakeStatusPanel>(*m_bus);
+    QTRY_VERIFY(hasItems(1));
+    QVERIFY(widthAt22() < wide);
+    QVERIFY(widthAt22() > 0);
+}
+
 void PanelStatusItemTest::aPanelOfAnotherKindGetsAnotherItem()
 {
     const auto item = makeItem(QStringLiteral("mate-panel"));
@@ -184,8 +292,8 @@ void PanelStatusItemTest::isAnnouncedByNameOrConnection()
 void PanelStatusItemTest::withoutABusItSaysSoOnceAndGoesOn()
 {
     LogCapture log;
-    PanelStatusItem::Environment environment;
-    PanelStatusItem item(QDBusConnection(QStringLiteral("no such connection")), environment);
+    SessionBus session(QStringLiteral("unix:path=/nonexistent"));
+    PanelStatusItem item(session, {});
     item.setMenu([] { return Menu(); });
     item.setContent(priced(QStringLiteral("BTC 1")));
     QTRY_COMPARE(logLines(log).size(), 1);
@@ -195,13 +303,13 @@ void PanelStatusItemTest::withoutABusItSaysSoOnceAndGoesOn()
 
 void PanelStatusItemTest::aDeafBusDoesNotHoldTheProgram()
 {
-    const QDBusConnection connection = m_bus->connect();
+    SessionBus session(m_bus->address());
     m_bus->pause();
     QElapsedTimer timer;
     timer.start();
     PanelStatusItem::Environment environment;
     environment.process = [](qint64) { return WatcherProcess{QStringLiteral("waybar"), {}}; };
-    PanelStatusItem item(connection, environment);
+    PanelStatusItem item(session, environment);
     item.setContent(priced(QStringLiteral("BTC 1")));
     const qint64 taken = timer.elapsed();
     m_bus->resume();
@@ -421,20 +529,57 @@ void PanelStatusItemTest::menuEntryRunsItsAction()
     QTRY_COMPARE(quits, 1);
 }
 
-void PanelStatusItemTest::menuIsAskedAnewBeforeItShows()
+void PanelStatusItemTest::menuChangesAreToldBeforeItOpens()
 {
     QString text = QStringLiteral("one");
     const auto item = makeItem(QStringLiteral("waybar"));
     item->setMenu([&text] { return Menu{action(text)}; });
     QTRY_VERIFY(hasItems(1));
-    QCOMPARE(m_panel->callMenu(QStringLiteral("AboutToShow"), {0}).arguments()[0].toBool(), false);
+    const auto layout = [this] { return m_panel->callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()}); };
+    const uint revision = layout().arguments().value(0).toUInt();
     m_panel->takeSignals();
+    item->menuChanged();
+    layout();
+    QCOMPARE(m_panel->takeSignals(), QStringList()); // the same menu
     text = QStringLiteral("two");
-    QCOMPARE(m_panel->callMenu(QStringLiteral("AboutToShow"), {0}).arguments()[0].toBool(), true);
-    QCOMPARE(m_panel->takeSignals().filter(QStringLiteral("LayoutUpdated")).size(), 1);
-    const auto layout = qdbus_cast<DBusMenuLayout>(
-        m_panel->callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()}).arguments().value(1));
-    QCOMPARE(layout.children[0].properties.value(QStringLiteral("label")).toString(), QStringLiteral("two"));
+    item->menuChanged();
+    const QDBusMessage changed = layout();
+    QCOMPARE(m_panel->takeSignals(), QStringList{QStringLiteral("LayoutUpdated(%1,0)").arg(revision + 1)});
+    QCOMPARE(changed.arguments().value(0).toUInt(), revision + 1);
+    const auto tree = qdbus_cast<DBusMenuLayout>(changed.arguments().value(1));
+    QCOMPARE(tree.children[0].properties.value(QStringLiteral("label")).toString(), QStringLiteral("two"));
+
+    text = QStringLiteral("three"); // not announced: nothing may change under an open menu
+    QCOMPARE(m_panel->callMenu(QStringLiteral("AboutToShow"), {0}).arguments()[0].toBool(), false);
+    m_panel->callMenu(QStringLiteral("Event"), {0, QStringLiteral("opened"),
+                                                QVariant::fromValue(QDBusVariant(QString())), QVariant::fromValue(0U)});
+    QCOMPARE(layout().arguments().value(0).toUInt(), revision + 1);
+    QCOMPARE(m_panel->takeSignals(), QStringList());
+}
+
+void PanelStatusItemTest::menuHasItsVersionAndSignals()
+{
+    const auto item = makeItem(QStringLiteral("waybar"));
+    QTRY_VERIFY(hasItems(1));
+    const QString path = QStringLiteral("/MenuBar");
+    const QDBusMessage reply = m_panel->call(path, QStringLiteral("org.freedesktop.DBus.Properties"),
+                                             QStringLiteral("GetAll"), {QStringLiteral("com.canonical.dbusmenu")});
+    const auto properties = qdbus_cast<QVariantMap>(reply.arguments().value(0));
+    QCOMPARE(properties.value(QStringLiteral("Version")), QVariant(3U));
+    QCOMPARE(properties.value(QStringLiteral("Status")), QVariant(QStringLiteral("normal")));
+    QCOMPARE(properties.value(QStringLiteral("TextDirection")), QVariant(QStringLiteral("ltr")));
+    QCOMPARE(properties.value(QStringLiteral("IconThemePath")).toStringList(), QStringList());
+    const QString xml =
+        m_panel->call(path, QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"), {})
+            .arguments()
+            .value(0)
+            .toString();
+    for (const char *part : {"<property name=\"Version\" type=\"u\" access=\"read\"/>",
+                             "<signal name=\"LayoutUpdated\"><arg type=\"u\"/><arg type=\"i\"/></signal>",
+                             "<signal name=\"ItemsPropertiesUpdated\"><arg type=\"a(ia{sv})\"/><arg "
+                             "type=\"a(ias)\"/></signal>",
+                             "<signal name=\"ItemActivationRequested\"><arg type=\"i\"/><arg type=\"u\"/></signal>"})
+        QVERIFY2(xml.contains(QLatin1StringView(part)), part);
 }
 
 void PanelStatusItemTest::aClickOnAnOldMenuMeansNothing()
@@ -452,7 +597,7 @@ void PanelStatusItemTest::aClickOnAnOldMenuMeansNothing()
     const auto layout = qdbus_cast<DBusMenuLayout>(
         m_panel->callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()}).arguments().value(1));
     longer = true;
-    m_panel->callMenu(QStringLiteral("AboutToShow"), {0});
+    item->menuChanged();
     const QVariant data = QVariant::fromValue(QDBusVariant(QString()));
     m_panel->callMenu(QStringLiteral("Event"),
                       {layout.children[0].id, QStringLiteral("clicked"), data, QVariant::fromValue(0U)});
@@ -526,6 +671,141 @@ void PanelStatusItemTest::appearanceIsThatOfTheHost()
     const auto item = makeItem(QStringLiteral("gnome-shell"));
     QTRY_VERIFY(hasItems(1));
     QCOMPARE(item->appearance(), PanelAppearance::dark);
+}
+
+void PanelStatusItemTest::pixmapsArePaintedAnewForAnotherAppearance()
+{
+    FakeSettingsPortal portal(*m_bus, 1);
+    const auto item = makeItem(QStringLiteral("waybar"));
+    StatusItemContent plain = priced(QStringLiteral("BTC 67,432"));
+    plain.textColor.reset();
+    item->setContent(plain);
+    QTRY_VERIFY(hasItems(1));
+    const auto pixmaps = [this] {
+        return qdbus_cast<QList<StatusPixmap>>(m_panel->itemProperties().value(QStringLiteral("IconPixmap")));
+    };
+    QCOMPARE(item->appearance(), PanelAppearance::dark);
+    const QList<StatusPixmap> onDark = pixmaps();
+    m_panel->takeSignals();
+    portal.setScheme(2);
+    QTRY_COMPARE(item->appearance(), PanelAppearance::light);
+    QVERIFY(pixmaps() != onDark);
+    QCOMPARE(m_panel->takeSignals(), QStringList{QStringLiteral("NewIcon")});
+}
+
+void PanelStatusItemTest::aRefusedNameLeavesTheConnection()
+{
+    QStringList names;
+    for (int i = 1; i < 100; ++i)
+        names << itemName(i);
+    m_panel.reset();
+    m_bus = std::make_unique<PrivateBus>(names);
+    m_panel = std::make_unique<FakeStatusPanel>(*m_bus);
+    const auto item = makeItem(QStringLiteral("waybar"));
+    QTRY_VERIFY(hasItems(1));
+    QCOMPARE(m_panel->items()[0], m_session->connection().baseService());
+    QCOMPARE(m_panel->itemProperties().value(QStringLiteral("Title")).toString(), QStringLiteral("BTC 67,432"));
+}
+
+void PanelStatusItemTest::aTakenNameLeavesTheConnection()
+{
+    QDBusConnection other = m_bus->connect();
+    for (int i = 1; i < 100; ++i)
+        QVERIFY(other.registerService(itemName(i)));
+    const auto item = makeItem(QStringLiteral("plasmashell"));
+    QTRY_VERIFY(hasItems(1));
+    QCOMPARE(m_panel->items()[0], m_session->connection().baseService());
+}
+
+void PanelStatusItemTest::aBusThatReturnsGetsTheItemAgain()
+{
+    const auto item = makeItem(QStringLiteral("waybar"));
+    item->setMenu([] { return Menu{action(QStringLiteral("Quit"))}; });
+    QTRY_VERIFY(hasItems(1));
+    for (int i = 0; i < 2; ++i) {
+        m_panel.reset();
+        m_bus->stop();
+        m_bus->start();
+        m_panel = std::make_unique<FakeStatusPanel>(*m_bus);
+        QTRY_VERIFY_WITH_TIMEOUT(hasItems(1), 10000);
+        QCOMPARE(m_panel->itemProperties().value(QStringLiteral("Title")).toString(), QStringLiteral("BTC 67,432"));
+        const auto layout = qdbus_cast<DBusMenuLayout>(
+            m_panel->callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()}).arguments().value(1));
+        QCOMPARE(layout.children.size(), 1);
+    }
+}
+
+void PanelStatusItemTest::aBusThatReturnsIsAskedForItsColorScheme()
+{
+    auto portal = std::make_unique<FakeSettingsPortal>(*m_bus, 1);
+    const auto item = makeItem(QStringLiteral("plasmashell"));
+    QTRY_COMPARE(item->appearance(), PanelAppearance::dark);
+    portal.reset();
+    m_panel.reset();
+    m_bus->stop();
+    m_bus->start();
+    portal = std::make_unique<FakeSettingsPortal>(*m_bus, 2);
+    QTRY_COMPARE_WITH_TIMEOUT(item->appearance(), PanelAppearance::light, 10000);
+    portal->setScheme(1);
+    QTRY_COMPARE(item->appearance(), PanelAppearance::dark);
+}
+
+void PanelStatusItemTest::xfceDocksAWindowAndKnowsWhereItIs()
+{
+    FakeSystemTray *const tray = useTray();
+    const auto item = makeItem(QStringLiteral("xfce4-panel"));
+    QVERIFY(!item->geometry());
+    QTRY_COMPARE(tray->windows, 1);
+    QWidget *const window = QWidget::find(tray->window);
+    QVERIFY(window && window->isHidden()); // until the tray has taken it in
+    QVERIFY(!item->geometry());
+    tray->takeIn(QRect(1000, 2, 90, 24));
+    QVERIFY(window->isVisible());
+    QVERIFY(window->width() > 2 * window->height());
+    QCOMPARE(item->geometry(), QRect(1000, 2, 90, 24));
+    QVERIFY(m_panel->items().isEmpty());
+    Q_EMIT tray->undocked();
+    QVERIFY(window->isHidden());
+}
+
+void PanelStatusItemTest::theTrayWindowGoesWithItsHost()
+{
+    FakeSystemTray *const tray = useTray();
+    const auto item = makeItem(QStringLiteral("xfce4-panel"));
+    QTRY_COMPARE(tray->windows, 1);
+    tray->takeIn(QRect(1000, 2, 90, 24));
+    const QPointer<QWidget> window = QWidget::find(tray->window);
+    m_host = QStringLiteral("mate-panel");
+    m_panel.reset();
+    m_panel = std::make_unique<FakeStatusPanel>(*m_bus);
+    QTRY_VERIFY(hasItems(1));
+    QVERIFY(!window);
+    QVERIFY(!item->geometry());
+    QVERIFY(qdbus_cast<QList<StatusPixmap>>(m_panel->itemProperties().value(QStringLiteral("IconPixmap")))[0].width >
+            40);
+}
+
+void PanelStatusItemTest::theTrayWindowGoesWithItsTray()
+{
+    FakeSystemTray *const tray = useTray();
+    const auto item = makeItem(QStringLiteral("xfce4-panel"));
+    QTRY_COMPARE(tray->windows, 1);
+    const QPointer<QWidget> window = QWidget::find(tray->window);
+    tray->setOwner(false);
+    QVERIFY(!window);
+    QTRY_VERIFY(hasItems(1)); // a square item instead
+    tray->setOwner(true);
+    QTRY_COMPARE(tray->windows, 2);
+}
+
+void PanelStatusItemTest::aTrayAloneGetsASquareWindow()
+{
+    m_panel.reset();
+    FakeSystemTray *const tray = useTray();
+    const auto item = makeItem(QStringLiteral("none"));
+    QTRY_COMPARE(tray->windows, 1);
+    const QWidget *const window = QWidget::find(tray->window);
+    QCOMPARE(window->width(), window->height());
 }
 
 TICKWISE_WIDGET_TEST(PanelStatusItemTest)
