@@ -50,6 +50,7 @@ private Q_SLOTS:
     void colors_data();
     void colors();
     void coinWithoutChangeIsNeutral();
+    void aChangeOfZeroPointsUp();
     void pillAddsOneBlankOnEachSide();
     void toolTipTellsNameExactPriceChangeAndTime();
     void toolTipTellsWhyTheLastFetchFailed();
@@ -163,6 +164,12 @@ void StatusItemContentTest::coinWithoutChangeIsNeutral()
     QCOMPARE(*shown.textColor, QColor(Qt::white));
     QVERIFY(shown.pillColor.has_value());
     QVERIFY(*shown.pillColor != green && *shown.pillColor != red);
+}
+
+void StatusItemContentTest::aChangeOfZeroPointsUp()
+{
+    QVERIFY(content(AppSettings(), pricedCoins(0)).trend == StatusTrend::up);
+    QVERIFY(content(AppSettings(), pricedCoins(-0.01)).trend == StatusTrend::down);
 }
 
 void StatusItemContentTest::pillAddsOneBlankOnEachSide()

@@ -77,6 +77,7 @@ private Q_SLOTS:
     void textStandsInTheMiddle_data();
     void textStandsInTheMiddle();
     void aPillHasItsColorAndRoundCorners();
+    void aPillStandsInTheMiddle();
     void noPillLeavesTheBackgroundTransparent();
     void aPillIsNoHigherThanTheTextNeeds();
     void theLogoTakesItsLengthAndThePanelsColor();
@@ -138,6 +139,13 @@ void StatusItemPainterTest::aPillHasItsColorAndRoundCorners()
     }
     QCOMPARE(image.pixelColor(4, 1), green);
     QCOMPARE(image.pixelColor(0, 5), green);
+}
+
+void StatusItemPainterTest::aPillStandsInTheMiddle()
+{
+    const QRect box = inked(wide(pilled(QStringLiteral(" BTC 67,432 ")), 30));
+    QCOMPARE(box.top(), 5);
+    QCOMPARE(box.bottom(), 24);
 }
 
 void StatusItemPainterTest::noPillLeavesTheBackgroundTransparent()

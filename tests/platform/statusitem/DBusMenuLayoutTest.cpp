@@ -4,6 +4,7 @@
 #include "platform/dbus/VirtualObject.h"
 #include "platform/statusitem/LocalMenu.h"
 
+#include <QImage>
 #include <QMenu>
 
 using namespace tickwise;
@@ -55,6 +56,7 @@ class DBusMenuLayoutTest : public QObject
 private Q_SLOTS:
     void idsCountInReadingOrder();
     void propertiesSayWhatAnEntryIs();
+    void anIconIsAPngOfTheSymbol();
     void anUnderscoreIsNoMnemonic();
     void alternativesAreRadioEntries();
     void independentEntriesAreCheckmarks();
@@ -95,6 +97,16 @@ void DBusMenuLayoutTest::propertiesSayWhatAnEntryIs()
     QCOMPARE(valueOf(tree.children[2], "enabled"), QVariant(false));
     QVERIFY(!valueOf(tree.children[0], "enabled").isValid());
     QVERIFY(!valueOf(tree.children[2], "toggle-type").isValid());
+}
+
+void DBusMenuLayoutTest::anIconIsAPngOfTheSymbol()
+{
+    MenuEntry entry = action(QStringLiteral("Settings"));
+    entry.iconName = QStringLiteral("gearshape");
+    const QByteArray icon = valueOf(dbusMenuTree({entry}, 1).children.front(), "icon-data").toByteArray();
+    QCOMPARE(QImage::fromData(icon, "PNG").size(), QSize(32, 32));
+    entry.iconName = QStringLiteral("no such symbol");
+    QVERIFY(!dbusMenuTree({entry}, 1).children.front().properties.contains(QStringLiteral("icon-data")));
 }
 
 void DBusMenuLayoutTest::anUnderscoreIsNoMnemonic()

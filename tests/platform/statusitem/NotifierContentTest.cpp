@@ -44,6 +44,7 @@ private Q_SLOTS:
     void labelHostsGetTextAndBadge();
     void logoModeHasAnEmptyLabel();
     void otherPresentationsHaveNoLabel();
+    void squarePixmapsHaveTheHostsAlpha();
     void toolTipIsEscaped();
     void widthOnlyGrowsForOneNumberOfCharacters();
     void widthsOfOtherHeightsAreTheirOwn();
@@ -137,6 +138,21 @@ void NotifierContentTest::otherPresentationsHaveNoLabel()
     const StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
     QVERIFY(!notifierContent(content, style(), StatusItemPresentation::wideSni, {{22}}, 1, widths).label);
     QVERIFY(!notifierContent(content, style(), StatusItemPresentation::squareSni, {{22}}, 1, widths).label);
+}
+
+void NotifierContentTest::squarePixmapsHaveTheHostsAlpha()
+{
+    StatusItemWidth widths;
+    const auto pixmaps = [&widths](bool premultiplied) {
+        return notifierContent(priced(QStringLiteral("BTC 67,432")), style(), StatusItemPresentation::squareSni,
+                               {{22}, premultiplied}, 1, widths)
+            .pixmaps;
+    };
+    const StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
+    const QImage painted = paintCompactStatusItem(content, style(), 22);
+    QCOMPARE(pixmaps(true), QList<StatusPixmap>{statusPixmap(painted, true)});
+    QCOMPARE(pixmaps(false), QList<StatusPixmap>{statusPixmap(painted, false)});
+    QVERIFY(pixmaps(true) != pixmaps(false));
 }
 
 void NotifierContentTest::toolTipIsEscaped()

@@ -630,6 +630,9 @@ void PanelStatusItemTest::menuGroupCallsTellUnknownIds()
     const auto properties = qdbus_cast<QList<DBusMenuProperties>>(group.arguments().value(0));
     QCOMPARE(properties.size(), 1);
     QCOMPARE(properties[0].properties.value(QStringLiteral("label")).toString(), QStringLiteral("Run"));
+    const QDBusMessage all =
+        m_panel->callMenu(QStringLiteral("GetGroupProperties"), {QVariant::fromValue(QList<int>()), QStringList()});
+    QCOMPARE(qdbus_cast<QList<DBusMenuProperties>>(all.arguments().value(0)).size(), 2); // with the root
 }
 
 void PanelStatusItemTest::labelHostsOpenThePopoverFromTheMenu()

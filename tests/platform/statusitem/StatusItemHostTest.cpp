@@ -40,6 +40,8 @@ void StatusItemHostTest::theProcessNamesTheHost_data()
     row("wrapper-2.0", StatusItemHost::xfce,
         {QStringLiteral("wrapper-2.0"), QStringLiteral("/usr/lib/xfce4/panel/plugins/libsystray.so")});
     row("wrapper-3.0", StatusItemHost::unknown, {QStringLiteral("wrapper-3.0")});
+    row("file-viewer", StatusItemHost::unknown,
+        {QStringLiteral("file-viewer"), QStringLiteral("/usr/lib/xfce4/panel/plugins/libsystray.so")});
     row("gnome-shell", StatusItemHost::gnome);
     row("ayatana-indicator-application-service", StatusItemHost::ayatana);
     row("ayatana-indicat", StatusItemHost::ayatana);
