@@ -150,6 +150,7 @@ private Q_SLOTS:
     void testHostDoesNothingMore();
     void secondCopyQuitsAtOnce();
     void threeIntervalChangesRestartPollingOnce();
+    void eachReloadSettingRestartsPolling();
     void otherSettingsDoNotRestartPolling();
     void languageIsAppliedAtStartAndLive();
     void loginItemFollowsTheSetting();
@@ -239,6 +240,17 @@ void AppDelegateTest::threeIntervalChangesRestartPollingOnce()
     QTRY_COMPARE(world.polls(), 2);
     QTest::qWait(longerThanTheDebounce); // nothing may follow
     QCOMPARE(world.polls(), 2);
+}
+
+void AppDelegateTest::eachReloadSettingRestartsPolling()
+{
+    World world;
+    world.launch();
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    world.change([](AppSettings &settings) { settings.priceChangeNotificationEnabled = false; });
+    QTRY_COMPARE(world.polls(), 2);
+    world.change([](AppSettings &settings) { settings.language = AppLanguage::zhHans; });
+    QTRY_COMPARE(world.polls(), 3);
 }
 
 void AppDelegateTest::otherSettingsDoNotRestartPolling()
