@@ -15,7 +15,7 @@ namespace tickwise {
 /// QtDBus's own limit for an answer.
 inline constexpr std::chrono::milliseconds usualCallTimeout{25000};
 
-/// The answers to `RequestName` and its flag; see the D-Bus specification.
+/// The answers to `RequestName` and its flag, as D-Bus defines them.
 namespace busName {
 inline constexpr uint doNotQueue = 4;
 inline constexpr uint primaryOwner = 1;

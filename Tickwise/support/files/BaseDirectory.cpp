@@ -6,7 +6,7 @@ namespace tickwise {
 
 namespace {
 
-/// The default of the base directory specification, below the home folder.
+/// The default folder below the home folder, as the desktop standard for base directories has it.
 QString defaultBelowHome(QStandardPaths::StandardLocation location)
 {
     if (location == QStandardPaths::GenericDataLocation)
