@@ -35,19 +35,19 @@ double secondsOf(TimePoint instant)
 
 } // namespace
 
-UpdaterSettings decodeUpdaterSettings(const QByteArray &json)
+Result<UpdaterSettings> decodeUpdaterSettings(const QByteArray &json)
 {
     UpdaterSettings settings;
     const Result<JsonValue> document = parseJson(json);
     if (!document)
-        return settings;
+        return tl::unexpected(document.error());
     const JsonReader reader(*document);
     settings.automaticallyChecks = reader.valueOr(automaticallyChecksField, settings.automaticallyChecks);
     settings.lastCheck = instant(reader.ifDecodable<double>(lastCheckField));
     const auto skipped = reader.ifDecodable<QString>(skippedVersionField);
     if (skipped && isVersion(*skipped))
         settings.skippedVersion = *skipped;
-    return settings;
+    return reader.result(settings);
 }
 
 Result<QByteArray> encodeUpdaterSettings(const UpdaterSettings &settings)
@@ -63,8 +63,17 @@ Result<QByteArray> encodeUpdaterSettings(const UpdaterSettings &settings)
 
 UpdaterSettingsStore::UpdaterSettingsStore(SettingsDataStorage &storage)
     : m_storage(storage)
-    , m_settings(decodeUpdaterSettings(storage.data(storageKey()).value_or(QByteArray())))
 {
+    const std::optional<QByteArray> stored = storage.data(storageKey());
+    if (!stored)
+        return;
+    const Result<UpdaterSettings> settings = decodeUpdaterSettings(*stored);
+    if (settings) {
+        m_settings = *settings;
+        return;
+    }
+    qCWarning(lcUpdates).noquote() << "Failed to decode the updater's settings:" << description(settings.error());
+    storage.keepBeforeOverwriting(storageKey());
 }
 
 void UpdaterSettingsStore::update(const UpdaterSettings &settings)

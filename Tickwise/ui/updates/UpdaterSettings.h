@@ -18,8 +18,8 @@ struct UpdaterSettings
     bool operator==(const UpdaterSettings &) const = default;
 };
 
-/// Decodes field by field: what is missing or wrong is its default.
-UpdaterSettings decodeUpdaterSettings(const QByteArray &json);
+/// Decodes field by field: what is missing or wrong is its default. What is no JSON object is an error.
+Result<UpdaterSettings> decodeUpdaterSettings(const QByteArray &json);
 Result<QByteArray> encodeUpdaterSettings(const UpdaterSettings &settings);
 
 /// Keeps the record as one JSON document under the key "updater".

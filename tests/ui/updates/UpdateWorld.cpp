@@ -142,7 +142,7 @@ QStringList UpdateWorld::downloads() const
 
 UpdaterSettings UpdateWorld::stored() const
 {
-    return decodeUpdaterSettings(defaults.data(updaterKey()).value_or(QByteArray()));
+    return decodeUpdaterSettings(defaults.data(updaterKey()).value_or("{}")).value_or(UpdaterSettings());
 }
 
 void UpdateWorld::store(const UpdaterSettings &settings)

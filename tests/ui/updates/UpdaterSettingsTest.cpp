@@ -20,6 +20,8 @@ private Q_SLOTS:
     void roundTrip();
     void storesUnderItsKey();
     void aFailureToStoreIsLogged();
+    void aDocumentThatIsNoneIsKept_data();
+    void aDocumentThatIsNoneIsKept();
 };
 
 void UpdaterSettingsTest::decodes_data()
@@ -30,9 +32,6 @@ void UpdaterSettingsTest::decodes_data()
         QTest::newRow(name) << json << expected;
     };
     const TimePoint instant(secondsDuration(1769847300.5));
-    row("nothing", {}, {});
-    row("no JSON", "{", {});
-    row("no object", "[1]", {});
     row("empty object", "{}", {});
     row("all", R"({"automaticallyChecks":false,"lastCheck":1769847300.5,"skippedVersion":"1.2"})",
         {false, instant, QStringLiteral("1.2")});
@@ -48,15 +47,15 @@ void UpdaterSettingsTest::decodes()
 {
     QFETCH(QByteArray, json);
     QFETCH(UpdaterSettings, expected);
-    QVERIFY(decodeUpdaterSettings(json) == expected);
+    QVERIFY(decodeUpdaterSettings(json).value() == expected);
 }
 
 void UpdaterSettingsTest::roundTrip()
 {
     const TimePoint now = TestClock().now();
     const UpdaterSettings full{false, now, QStringLiteral("1.2")};
-    QVERIFY(decodeUpdaterSettings(encodeUpdaterSettings(full).value()) == full);
-    QVERIFY(decodeUpdaterSettings(encodeUpdaterSettings({}).value()) == UpdaterSettings());
+    QVERIFY(decodeUpdaterSettings(encodeUpdaterSettings(full).value()).value() == full);
+    QVERIFY(decodeUpdaterSettings(encodeUpdaterSettings({}).value()).value() == UpdaterSettings());
 }
 
 void UpdaterSettingsTest::storesUnderItsKey()
@@ -70,6 +69,26 @@ void UpdaterSettingsTest::storesUnderItsKey()
     QVERIFY(store.settings() == changed);
     QVERIFY(defaults.data(QStringLiteral("updater")).has_value());
     QVERIFY(UpdaterSettingsStore(defaults).settings() == changed);
+}
+
+void UpdaterSettingsTest::aDocumentThatIsNoneIsKept_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::newRow("nothing") << QByteArray("");
+    QTest::newRow("no JSON") << QByteArray("{");
+    QTest::newRow("no object") << QByteArray("[1]");
+}
+
+void UpdaterSettingsTest::aDocumentThatIsNoneIsKept()
+{
+    QFETCH(QByteArray, document);
+    MemoryDefaults defaults;
+    defaults.entries[QStringLiteral("updater")] = document;
+    const LogCapture log;
+    const UpdaterSettingsStore store(defaults);
+    QVERIFY(store.settings() == UpdaterSettings());
+    QCOMPARE(defaults.refusedKeys, QStringList{QStringLiteral("updater")});
+    QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.Updates")).size(), 1);
 }
 
 void UpdaterSettingsTest::aFailureToStoreIsLogged()
