@@ -39,6 +39,9 @@ public:
     double lastUsdToTargetExchangeRate() const { return m_lastUsdToTargetExchangeRate; }
     QBindable<double> bindableLastUsdToTargetExchangeRate() { return &m_lastUsdToTargetExchangeRate; }
 
+    /// The currency that the held prices were fetched in; none before the first.
+    std::optional<BaseCurrency> priceCurrency() const { return m_priceDataCurrency; }
+
     /// Why the last fetch failed; none after a success.
     std::optional<ProviderFailure> lastFetchFailure() const { return m_lastFetchFailure; }
     QBindable<std::optional<ProviderFailure>> bindableLastFetchFailure() { return &m_lastFetchFailure; }

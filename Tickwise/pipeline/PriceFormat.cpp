@@ -67,4 +67,9 @@ QString exactPrice(double value)
     return text;
 }
 
+QString changeText(double percent)
+{
+    return QString::asprintf(percent >= 0 ? "+%.2f%%" : "%.2f%%", percent);
+}
+
 } // namespace tickwise

@@ -11,4 +11,7 @@ QString formatPrice(double value);
 /// The shortest decimal text that reads back as exactly this value, grouped as in `formatPrice`; for tooltips.
 QString exactPrice(double value);
 
+/// A 24-hour change in percent: "+1.23%", "-0.50%"; zero counts as a rise.
+QString changeText(double percent);
+
 } // namespace tickwise

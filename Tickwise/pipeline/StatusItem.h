@@ -63,6 +63,9 @@ public:
 
     virtual PanelAppearance appearance() const = 0;
 
+    /// Whether a panel shows the item.
+    virtual bool isShown() const { return true; }
+
 Q_SIGNALS:
     /// A primary click. `position` is in global screen coordinates where the host tells them.
     void clicked(std::optional<QPoint> position);

@@ -44,11 +44,6 @@ StatusTrend trend(std::optional<double> change)
     return *change >= 0 ? StatusTrend::up : StatusTrend::down;
 }
 
-QString changeText(double change)
-{
-    return QString::asprintf(change >= 0 ? "+%.2f%%" : "%.2f%%", change);
-}
-
 QStringList priceLines(const StatusItemInputs &inputs, const Coin &coin)
 {
     QStringList lines{localized(QStringLiteral("tooltip.exactPrice"))

@@ -213,7 +213,8 @@ void StringTablesTest::templatesTakeTheirArguments_data()
     row("update.upToDate", 1);
     row("update.failed", 1);
     row("general.notification.service", 1);
-    row("a11y.coinRow", 3);
+    row("a11y.change.up", 1);
+    row("a11y.change.down", 1);
     row("a11y.statusItem", 0);
     row("about.version", 1);
     row("about.contact.email", 0);

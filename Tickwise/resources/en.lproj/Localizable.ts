@@ -3,9 +3,17 @@
 <TS version="2.1" language="en">
 <context>
     <name></name>
-    <message id="a11y.coinRow">
+    <message id="a11y.change.down">
         <source></source>
-        <translation>%1, price %2, 24-hour change %3</translation>
+        <translation>down %1 percent</translation>
+    </message>
+    <message id="a11y.change.up">
+        <source></source>
+        <translation>up %1 percent</translation>
+    </message>
+    <message id="a11y.separator">
+        <source></source>
+        <translation>, </translation>
     </message>
     <message id="a11y.statusItem">
         <source></source>
@@ -338,6 +346,10 @@
     <message id="popover.empty">
         <source></source>
         <translation>Your watchlist is empty</translation>
+    </message>
+    <message id="popover.loading">
+        <source></source>
+        <translation>Loading prices…</translation>
     </message>
     <message id="popover.quit.help">
         <source></source>

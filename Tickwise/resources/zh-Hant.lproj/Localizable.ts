@@ -3,9 +3,17 @@
 <TS version="2.1" language="zh_TW">
 <context>
     <name></name>
-    <message id="a11y.coinRow">
+    <message id="a11y.change.down">
         <source></source>
-        <translation>%1，價格 %2，24 小時漲跌 %3</translation>
+        <translation>下跌百分之 %1</translation>
+    </message>
+    <message id="a11y.change.up">
+        <source></source>
+        <translation>上漲百分之 %1</translation>
+    </message>
+    <message id="a11y.separator">
+        <source></source>
+        <translation>，</translation>
     </message>
     <message id="a11y.statusItem">
         <source></source>
@@ -338,6 +346,10 @@
     <message id="popover.empty">
         <source></source>
         <translation>自選清單是空的</translation>
+    </message>
+    <message id="popover.loading">
+        <source></source>
+        <translation>正在載入價格…</translation>
     </message>
     <message id="popover.quit.help">
         <source></source>
