@@ -1,0 +1,97 @@
+#include "ui/controls/Look.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPalette>
+#include <QScreen>
+
+#include <algorithm>
+#include <cmath>
+
+namespace tickwise::look {
+
+namespace {
+
+constexpr double usualDotsPerInch = 96;
+constexpr double largestScale = 4;
+constexpr float secondaryOpacity = 0.65F;
+constexpr float separatorOpacity = 0.12F;
+constexpr float hoverOpacity = 0.06F;
+constexpr float pressedOpacity = 0.10F;
+constexpr double focusWidth = 2;
+
+QColor textAt(const QPalette &palette, float opacity)
+{
+    QColor color = text(palette);
+    color.setAlphaF(opacity);
+    return color;
+}
+
+} // namespace
+
+double textScale()
+{
+    const QScreen *const screen = QGuiApplication::primaryScreen();
+    return screen ? std::clamp(screen->logicalDotsPerInchY() / usualDotsPerInch, 1.0, largestScale) : 1.0;
+}
+
+int scaled(double points)
+{
+    return int(std::lround(points * textScale()));
+}
+
+QFont font(int points, QFont::Weight weight)
+{
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(scaled(points));
+    font.setWeight(weight);
+    return font;
+}
+
+QColor text(const QPalette &palette)
+{
+    return palette.color(QPalette::WindowText);
+}
+
+QColor secondaryText(const QPalette &palette)
+{
+    return textAt(palette, secondaryOpacity);
+}
+
+QColor separator(const QPalette &palette)
+{
+    return textAt(palette, separatorOpacity);
+}
+
+QColor hover(const QPalette &palette)
+{
+    return textAt(palette, hoverOpacity);
+}
+
+QColor pressed(const QPalette &palette)
+{
+    return textAt(palette, pressedOpacity);
+}
+
+QColor accent(const QPalette &palette)
+{
+    return palette.color(QPalette::Highlight);
+}
+
+QColor accentText(const QPalette &palette)
+{
+    return palette.color(QPalette::HighlightedText);
+}
+
+void drawFocusRing(QPainter &painter, const QRectF &box, double radius, const QPalette &palette)
+{
+    constexpr double inset = focusWidth / 2;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(accent(palette), focusWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(box.adjusted(inset, inset, -inset, -inset), radius, radius);
+    painter.restore();
+}
+
+} // namespace tickwise::look
