@@ -42,6 +42,7 @@ public:
     void setContent(const StatusItemContent &content) override;
     void setMenu(std::function<Menu()> menu) override;
     PanelAppearance appearance() const override { return m_appearance; }
+    bool isShown() const override { return m_presentation != StatusItemPresentation::nothing; }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -1,0 +1,138 @@
+#include "platform/surfaces/WindowPopoverSurface.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <cstdlib>
+#include <memory>
+
+#include <xcb/xcb.h>
+
+namespace tickwise {
+
+namespace {
+
+/// Who composes the windows of the first screen owns this selection.
+constexpr char compositorSelection[] = "_NET_WM_CM_S0";
+
+struct Free
+{
+    void operator()(void *reply) const { std::free(reply); }
+};
+
+bool hasX11Compositor()
+{
+    auto *const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (!x11)
+        return false;
+    xcb_connection_t *const connection = x11->connection();
+    const auto atomCookie = xcb_intern_atom(connection, 0, sizeof compositorSelection - 1, compositorSelection);
+    const std::unique_ptr<xcb_intern_atom_reply_t, Free> atom(xcb_intern_atom_reply(connection, atomCookie, nullptr));
+    if (!atom)
+        return false;
+    const auto ownerCookie = xcb_get_selection_owner(connection, atom->atom);
+    const std::unique_ptr<xcb_get_selection_owner_reply_t, Free> owner(
+        xcb_get_selection_owner_reply(connection, ownerCookie, nullptr));
+    return owner && owner->owner != XCB_NONE;
+}
+
+std::vector<PopoverScreen> currentScreens()
+{
+    std::vector<PopoverScreen> screens;
+    for (const QScreen *const screen : QGuiApplication::screens())
+        screens.push_back({screen->geometry(), screen->availableGeometry()});
+    return screens;
+}
+
+bool isOnAScreen(const std::vector<PopoverScreen> &screens, QPoint point)
+{
+    return std::any_of(screens.begin(), screens.end(),
+                       [point](const PopoverScreen &screen) { return screen.geometry.contains(point); });
+}
+
+} // namespace
+
+WindowPopoverSurface::Environment WindowPopoverSurface::currentEnvironment()
+{
+    const bool isXWayland =
+        QGuiApplication::platformName() == QStringLiteral("xcb") && qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+    return {isXWayland, hasX11Compositor, [] { return QCursor::pos(); }, currentScreens};
+}
+
+WindowPopoverSurface::WindowPopoverSurface(Environment environment)
+    : m_environment(std::move(environment))
+{
+}
+
+bool WindowPopoverSurface::show(QWidget &window, QSize popover, int margin, const PopoverAnchor &anchor)
+{
+    if (m_environment.screens().empty())
+        return false;
+    m_window = &window;
+    m_isTranslucent = m_environment.isXWayland || m_environment.hasCompositor();
+    m_margin = m_isTranslucent ? margin : 0;
+    m_pointer = m_environment.pointer();
+    // The item stays where it was clicked: a later request without a click opens there too.
+    const PopoverAnchor last = std::exchange(m_anchor, anchor);
+    if (anchor.cause == PopoverAnchor::Cause::request && anchor.hasStatusItem && !anchor.item && !anchor.position) {
+        m_anchor.item = last.item;
+        m_anchor.position = last.position;
+    } else if (anchor.cause == PopoverAnchor::Cause::click && !m_environment.isXWayland) {
+        m_anchor.position = m_pointer;
+    }
+    prepare(window, m_isTranslucent);
+    apply(popover);
+    window.show();
+    window.raise();
+    window.activateWindow();
+    return window.isVisible();
+}
+
+void WindowPopoverSurface::prepare(QWidget &window, bool isTranslucent)
+{
+    // Clicks on Wayland's windows do not reach an X11 grab: there the window closes when it loses the focus.
+    const Qt::WindowFlags kind =
+        m_environment.isXWayland ? Qt::Tool | Qt::WindowStaysOnTopHint : Qt::WindowFlags(Qt::Popup);
+    const Qt::WindowFlags flags = kind | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+    if (window.windowFlags() == flags && window.testAttribute(Qt::WA_TranslucentBackground) == isTranslucent)
+        return;
+    window.setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
+    window.setAttribute(Qt::WA_NoSystemBackground, isTranslucent);
+    window.setParent(nullptr, flags);
+}
+
+QRect WindowPopoverSurface::place(QSize popover) const
+{
+    const std::vector<PopoverScreen> screens = m_environment.screens();
+    if (!m_anchor.hasStatusItem)
+        return popoverInMiddle(screenAt(screens, m_pointer), popover);
+    if (m_anchor.item && isOnAScreen(screens, m_anchor.item->center()))
+        return popoverBeside(screenAt(screens, m_anchor.item->center()), *m_anchor.item, popover);
+    if (m_anchor.position && isOnAScreen(screens, *m_anchor.position))
+        return popoverBeside(screenAt(screens, *m_anchor.position), QRect(*m_anchor.position, QSize(1, 1)), popover);
+    return popoverInCorner(screenAt(screens, m_pointer), popover);
+}
+
+void WindowPopoverSurface::apply(QSize popover)
+{
+    const QRect panel = place(popover);
+    m_window->setGeometry(panel.adjusted(-m_margin, -m_margin, m_margin, m_margin));
+    if (onPlaced)
+        onPlaced({QRect(QPoint(m_margin, m_margin), panel.size()), m_isTranslucent, true});
+}
+
+void WindowPopoverSurface::resize(QSize popover)
+{
+    if (m_window)
+        apply(popover);
+}
+
+void WindowPopoverSurface::hide()
+{
+    if (m_window)
+        m_window->hide();
+    m_window = nullptr;
+}
+
+} // namespace tickwise
