@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "app/LocalizationManager.h"
+#include "app/PopoverController.h"
 #include "app/StatusMenu.h"
 #include "catalog/ShippedImages.h"
 #include "settings/SettingsStream.h"
@@ -58,10 +59,13 @@ void AppDelegate::applicationDidFinishLaunching()
     if (m_environment.attachUpdater)
         m_environment.attachUpdater(m_updateController);
     createStatusItem();
+    createPopover();
     m_widgetSnapshotWriter =
         std::make_unique<WidgetSnapshotWriter>(WidgetSnapshotStore{m_environment.container}, coinListViewModel(),
                                                m_settingsViewModel, m_environment.reloadWidgets, m_environment.clock);
     followWatchlistLogos();
+    if (m_popover && std::exchange(m_opensPopoverAfterLaunch, false))
+        m_popover->openAfterLaunch(popoverAnchor(PopoverAnchor::Cause::request));
     m_notificationService.requestAuthorization();
     followLaunchAtLogin();
     followReloadSettings();
@@ -87,7 +91,37 @@ void AppDelegate::createStatusItem()
     m_statusItem = m_environment.makeStatusItem();
     m_menuBarViewModel.bind(m_statusItem.get(), coinListViewModel(), m_settingsViewModel);
     m_statusItem->setMenu([this] { return makeStatusMenu(); });
-    connect(m_statusItem.get(), &StatusItem::clicked, this, [this] { activate(); });
+    connect(m_statusItem.get(), &StatusItem::clicked, this, &AppDelegate::handleStatusItemClick);
+}
+
+void AppDelegate::createPopover()
+{
+    if (!m_environment.makePopoverSurface)
+        return;
+    const CoinPopoverContext context{coinListViewModel(), m_settingsViewModel,    m_updateController,
+                                     &logoStore(),        [this](SettingsTab) {}, [this] { Q_EMIT quitRequested(); },
+                                     m_environment.clock};
+    m_popover = std::make_unique<PopoverController>(context, m_environment.makePopoverSurface());
+    connect(this, &AppDelegate::languageApplied, m_popover.get(), &PopoverController::retranslate);
+}
+
+PopoverAnchor AppDelegate::popoverAnchor(PopoverAnchor::Cause cause) const
+{
+    PopoverAnchor anchor;
+    anchor.cause = cause;
+    anchor.hasStatusItem = m_statusItem->isShown();
+    return anchor;
+}
+
+void AppDelegate::handleStatusItemClick(std::optional<QPoint> position)
+{
+    if (!m_popover)
+        return activate();
+    PopoverAnchor anchor = popoverAnchor(PopoverAnchor::Cause::click);
+    anchor.position = position;
+    m_popover->toggle(anchor);
+    if (m_popover->isShown())
+        Q_EMIT activationRequested({});
 }
 
 CoinLogoStore &AppDelegate::logoStore()
@@ -172,6 +206,8 @@ void AppDelegate::changeCoin(const QString &coinId)
 void AppDelegate::activate(const QString &token)
 {
     Q_EMIT activationRequested(token);
+    if (m_popover)
+        m_popover->open(popoverAnchor(PopoverAnchor::Cause::request));
 }
 
 void AppDelegate::openUrls(const QList<QUrl> &urls, const QString &token)

@@ -10,6 +10,7 @@
 #include "pipeline/NotificationService.h"
 #include "pipeline/StatusItem.h"
 #include "ui/LaunchAtLoginService.h"
+#include "ui/popover/PopoverSurface.h"
 #include "ui/updates/UpdateController.h"
 #include "widget/WidgetSnapshotWriter.h"
 
@@ -26,6 +27,8 @@
 
 namespace tickwise {
 
+class PopoverController;
+
 /// What the application stands on: the desktop's services and the addresses of the market's. All of it outlives the
 /// delegate.
 struct AppEnvironment
@@ -37,6 +40,8 @@ struct AppEnvironment
     /// Attaches an updater to the controller; none: this build has no updater.
     std::function<void(UpdateController &)> attachUpdater;
     std::function<std::unique_ptr<StatusItem>()> makeStatusItem;
+    /// Where the popover is shown; none: it is not.
+    std::function<std::unique_ptr<PopoverSurface>()> makePopoverSurface;
     std::function<void()> reloadWidgets;
     std::function<bool()> isSecondCopy; ///< true when another copy runs; that one has then been asked to show itself
     std::optional<QString> container;   ///< directory shared with the widget; none when it cannot be had
@@ -79,7 +84,13 @@ public:
     /// Created on first use, which starts polling.
     CoinListViewModel &coinListViewModel();
 
-    /// Brings the application to the front: what the panel's click, a second copy and a notification's click ask for.
+    /// Has the start-up open the popover. To be set before it.
+    void setOpensPopoverAfterLaunch(bool opens) { m_opensPopoverAfterLaunch = opens; }
+    /// None before the start-up.
+    PopoverController *popover() { return m_popover.get(); }
+
+    /// Brings the application to the front and opens the popover: what a second copy and a notification's click ask
+    /// for.
     void activate(const QString &token = {});
     /// The first address of the scheme "tickwise" brings the application to the front; others are ignored.
     void openUrls(const QList<QUrl> &urls, const QString &token);
@@ -96,6 +107,9 @@ Q_SIGNALS:
 
 private:
     void createStatusItem();
+    void createPopover();
+    void handleStatusItemClick(std::optional<QPoint> position);
+    PopoverAnchor popoverAnchor(PopoverAnchor::Cause cause) const;
     void followWatchlistLogos();
     void prefetchLogos(const QStringList &coinIds);
     void followLaunchAtLogin();
@@ -118,6 +132,8 @@ private:
     std::unique_ptr<StatusItem> m_statusItem;
     std::unique_ptr<WidgetSnapshotWriter> m_widgetSnapshotWriter;
     std::unique_ptr<CoinLogoStore> m_logoStore;
+    std::unique_ptr<PopoverController> m_popover;
+    bool m_opensPopoverAfterLaunch = false;
     QTimer m_reloadTimer;
     std::vector<QPropertyNotifier> m_notifiers;
 };

@@ -7,6 +7,7 @@
 #include "platform/session/ProcessMemory.h"
 #include "platform/statusitem/PanelStatusItem.h"
 #include "platform/storage/AppGroupContainer.h"
+#include "platform/surfaces/DesktopPopoverSurface.h"
 #include "support/Localization.h"
 
 #include <QApplication>
@@ -124,6 +125,7 @@ AppEnvironment Application::makeEnvironment()
         .notificationCenter = *m_notificationCenter,
         .loginItem = *m_loginItem,
         .makeStatusItem = [] { return std::make_unique<PanelStatusItem>(QDBusConnection::sessionBus()); },
+        .makePopoverSurface = makePopoverSurface,
         .reloadWidgets = [this] { m_widgetCenter.reloadAllTimelines(); },
         .isSecondCopy = [this] { return isSecondCopy(); },
         .container = appGroupContainer(m_configuration.appGroup),

@@ -75,11 +75,16 @@ QJsonObject describe(const QWidget &window)
     for (const QAbstractButton *const button : window.findChildren<QAbstractButton *>()) {
         const QPoint middle = button->mapToGlobal(button->rect().center());
         if (button->isVisible())
-            buttons.insert(button->text(), QJsonArray{middle.x(), middle.y()});
+            buttons.insert(button->text().isEmpty() ? button->accessibleName() : button->text(),
+                           QJsonArray{middle.x(), middle.y()});
     }
+    const auto *const popover = window.findChild<QWidget *>(QStringLiteral("coinPopover"));
+    const QRect place(popover ? popover->mapToGlobal(QPoint()) : window.pos(),
+                      popover ? popover->size() : window.size());
     return {{QStringLiteral("title"), window.windowTitle()},
             {QStringLiteral("texts"), texts},
-            {QStringLiteral("buttons"), buttons}};
+            {QStringLiteral("buttons"), buttons},
+            {QStringLiteral("place"), QJsonArray{place.x(), place.y(), place.width(), place.height()}}};
 }
 
 Fault faultNamed(const QString &kind)

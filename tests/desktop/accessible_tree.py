@@ -1,0 +1,68 @@
+"""The accessibility bus of a session, read as a screen reader reads it."""
+
+import gi
+
+gi.require_version("Gio", "2.0")
+from gi.repository import Gio, GLib  # noqa: E402
+
+_LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
+_BUS = "org.a11y.Bus"
+_ACCESSIBLE = "org.a11y.atspi.Accessible"
+_REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
+
+
+class Node:
+    """An accessible object of a program."""
+
+    def __init__(self, tree, service, path):
+        self._tree = tree
+        self._service = service
+        self._path = path
+        self.name = self._property("Name")
+        self.role = self._call(_ACCESSIBLE, "GetRoleName")[0]
+
+    def children(self):
+        return [Node(self._tree, *reference) for reference in self._call(_ACCESSIBLE, "GetChildren")[0]]
+
+    def press(self):
+        """Does the first thing that can be done with it."""
+        self._call("org.a11y.atspi.Action", "DoAction", "(i)", (0,))
+
+    def _property(self, name):
+        return self._call("org.freedesktop.DBus.Properties", "Get", "(ss)", (_ACCESSIBLE, name))[0]
+
+    def _call(self, interface, method, signature="()", arguments=()):
+        return self._tree.call(self._service, self._path, interface, method, signature, arguments)
+
+
+class AccessibleTree:
+    """Starts the session's accessibility bus. Programs take part that start afterwards with `environment`."""
+
+    environment = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
+
+    def __init__(self, desktop):
+        desktop.start_process("at-spi-bus-launcher", [_LAUNCHER, "--launch-immediately"])
+        desktop.wait_for(lambda: desktop.bus.owner(_BUS), what="the accessibility bus")
+        address = desktop.bus.call(_BUS, "/org/a11y/bus", _BUS, "GetAddress")[0]
+        flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+        self._connection = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
+        self._connection.set_exit_on_close(False)
+        # The first call starts the registry, which programs announce themselves to.
+        self.call(*_REGISTRY, _ACCESSIBLE, "GetChildren", "()", ())
+
+    def nodes(self, program):
+        """Every object of the program, parents before children; empty until the program has announced itself."""
+        for application in Node(self, *_REGISTRY).children():
+            if application.name == program:
+                return list(self._below(application))
+        return []
+
+    def call(self, service, path, interface, method, signature, arguments):
+        parameters = GLib.Variant(signature, arguments)
+        return self._connection.call_sync(service, path, interface, method, parameters, None, Gio.DBusCallFlags.NONE, 5000,
+                                          None).unpack()
+
+    def _below(self, node):
+        yield node
+        for child in node.children():
+            yield from self._below(child)
