@@ -1,7 +1,7 @@
 #include "pipeline/CoinRowContent.h"
 
 #include "pipeline/PriceFormat.h"
-#include "settings/SettingsViewModel.h"
+#include "settings/PriceColors.h"
 #include "support/Localization.h"
 
 #include <QDateTime>
