@@ -215,6 +215,7 @@ void StringTablesTest::templatesTakeTheirArguments_data()
     row("general.notification.service", 1);
     row("a11y.change.up", 1);
     row("a11y.change.down", 1);
+    row("a11y.list", 2);
     row("a11y.statusItem", 0);
     row("about.version", 1);
     row("about.contact.email", 0);
