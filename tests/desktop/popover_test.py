@@ -145,6 +145,14 @@ class XfceTest(PopoverChecks, unittest.TestCase):
     def test_prices_tick_while_it_is_open(self):
         self.check_prices_tick_while_it_is_open("popover-xfce.png")
 
+    def test_quits_while_it_is_open(self):
+        with self.make_session() as desktop:
+            application = start(desktop)
+            desktop.click(*self.item(desktop))
+            x, y = wait_for_popover(desktop, application)["buttons"][ENGLISH.text("popover.quit.help")]
+            desktop.click(x, y)
+            self.assertEqual(application.process.wait(), 0)
+
     def test_without_a_panel_it_is_in_the_middle(self):
         with X11Session(None, notifications=None) as desktop:
             application = start(desktop)

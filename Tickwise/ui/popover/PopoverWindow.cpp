@@ -131,7 +131,8 @@ bool PopoverWindow::event(QEvent *event)
 
 void PopoverWindow::closeEvent(QCloseEvent *event)
 {
-    event->ignore();
+    // An ignored event would keep the application from quitting.
+    event->accept();
     Q_EMIT dismissed();
 }
 

@@ -1,6 +1,7 @@
 #include "ui/popover/PopoverWindow.h"
 #include "doubles/TestProgram.h"
 
+#include <QCloseEvent>
 #include <QHelpEvent>
 #include <QLabel>
 #include <QPushButton>
@@ -53,7 +54,8 @@ private Q_SLOTS:
     void clickOutsideDismisses_data();
     void clickOutsideDismisses();
     void escapeDismisses();
-    void closingDismissesAndLeavesTheClosingToOthers();
+    void closingDismisses();
+    void doesNotKeepTheApplicationFromQuitting();
     void paintsPanelBorderAndShadow();
     void paintsNothingBeforeItIsPlaced();
     void drawsToolTipsInsideWhereNoWindowMay();
@@ -96,11 +98,19 @@ void PopoverWindowTest::escapeDismisses()
     QCOMPARE(world.dismissals([&] { QTest::keyClick(world.button, Qt::Key_Escape); }), 1);
 }
 
-void PopoverWindowTest::closingDismissesAndLeavesTheClosingToOthers()
+void PopoverWindowTest::closingDismisses()
 {
     const World world;
     QCOMPARE(world.dismissals([&] { world.window->close(); }), 1);
-    QVERIFY(world.window->isVisible());
+    QVERIFY(!world.window->isVisible());
+}
+
+void PopoverWindowTest::doesNotKeepTheApplicationFromQuitting()
+{
+    const World world;
+    QCloseEvent event;
+    QCoreApplication::sendEvent(world.window.get(), &event);
+    QVERIFY(event.isAccepted());
 }
 
 void PopoverWindowTest::paintsPanelBorderAndShadow()
