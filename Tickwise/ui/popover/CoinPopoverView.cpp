@@ -124,7 +124,7 @@ void CoinPopoverView::refresh()
 
 void CoinPopoverView::rewind()
 {
-    m_list->setCurrentIndex({});
+    m_list->setCurrentIndex(m_model->index(0));
     m_list->scrollToTop();
     // Otherwise the first button would have it, and show it, when the window becomes active.
     setFocus(Qt::OtherFocusReason);
