@@ -70,6 +70,7 @@ class PopoverChecks:
             for _ in range(2):
                 window = self.open_again(desktop, application, item)
                 self.check_is_under_the_item(desktop, window, item)
+                time.sleep(SAME_CLICK)
                 desktop.click(*item)
                 wait_for_its_end(desktop, application)
                 # A poll is a while in which a popover that opens again would be there.
