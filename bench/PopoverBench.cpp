@@ -1,6 +1,6 @@
-// The popover against a bare list window with the same rows of text: opening it for the first time and again, one scroll
-// step, one update of all prices, with 8 and with 1000 coins. `real_time` of the popover over that of the list is the
-// figure.
+// The popover against a bare list window with the same rows of text: opening it for the first time and again, one
+// scroll step, one update of all prices, with 8 and with 1000 coins. `real_time` of the popover over that of the list
+// is the figure.
 
 #include "doubles/CoinListWorld.h"
 #include "ui/popover/CoinPopoverView.h"
@@ -65,8 +65,8 @@ class PopoverSubject
 {
 public:
     explicit PopoverSubject(CoinListWorld &world)
-        : m_view(new CoinPopoverView({*world.coinList, world.settings, m_updates, nullptr, [](SettingsTab) {}, [] {},
-                                      world.clock.clock()}))
+        : m_view(new CoinPopoverView(
+              {*world.coinList, world.settings, m_updates, nullptr, [](SettingsTab) {}, [] {}, world.clock.clock()}))
         , m_window(m_view)
     {
         m_window.setAttribute(Qt::WA_TranslucentBackground);

@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A panel tells of a click after the press of that click has closed the popover.
+// A panel tells of a click after the press of that click has closed the popover, and some tell of one click twice.
 constexpr auto sameClick = 250ms;
 constexpr auto launchRetryInterval = 200ms;
 
@@ -45,11 +45,12 @@ void PopoverController::build()
 
 void PopoverController::toggle(const PopoverAnchor &anchor)
 {
-    if (m_isShown)
-        return close();
-    if (m_closed && m_clock() - *m_closed < sameClick)
+    if (m_changed && m_clock() - *m_changed < sameClick)
         return;
-    open(anchor);
+    if (m_isShown)
+        close();
+    else
+        open(anchor);
 }
 
 void PopoverController::open(const PopoverAnchor &anchor)
@@ -63,8 +64,10 @@ void PopoverController::open(const PopoverAnchor &anchor)
     m_fittedCoins = m_context.coinList.coins().size();
     m_isShown =
         m_surface->show(*m_window, CoinPopoverView::sizeFor(m_fittedCoins), PopoverWindow::shadowMargin(), anchor);
-    if (m_isShown)
-        Q_EMIT isShownChanged(true);
+    if (!m_isShown)
+        return;
+    m_changed = m_clock();
+    Q_EMIT isShownChanged(true);
 }
 
 void PopoverController::openAfterLaunch(const PopoverAnchor &anchor, int retries)
@@ -79,7 +82,7 @@ void PopoverController::close()
 {
     if (!std::exchange(m_isShown, false))
         return;
-    m_closed = m_clock();
+    m_changed = m_clock();
     m_window->unplace();
     m_surface->hide();
     Q_EMIT isShownChanged(false);

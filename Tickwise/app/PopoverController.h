@@ -28,8 +28,8 @@ public:
 
     bool isShown() const { return m_isShown; }
 
-    /// A click on the status item: closes a shown popover, opens a closed one. The click whose press has just closed
-    /// the popover opens nothing.
+    /// A click on the status item: closes a shown popover, opens a closed one. Within 250 ms of either it is
+    /// the same click and changes nothing.
     void toggle(const PopoverAnchor &anchor);
     /// Opens the popover unless it is shown.
     void open(const PopoverAnchor &anchor);
@@ -54,7 +54,7 @@ private:
     MonotonicClock m_clock;
     CoinPopoverView *m_view = nullptr; ///< the window's
     std::unique_ptr<PopoverWindow> m_window;
-    std::optional<std::chrono::steady_clock::time_point> m_closed;
+    std::optional<std::chrono::steady_clock::time_point> m_changed; ///< when it last opened or closed
     std::size_t m_fittedCoins = 0;
     bool m_isShown = false;
 };

@@ -65,14 +65,14 @@ QString spokenChange(double change)
 
 QString accessibleText(const CoinRowInputs &inputs, std::optional<double> price, std::optional<double> change)
 {
-    QStringList parts{inputs.coin.name};
-    parts.append(price ? priceWithCurrency(formatPrice(*price), inputs.currency)
-                       : localized(QStringLiteral("tooltip.noPrice")));
+    const auto listed = [](const QString &texts, const QString &text) {
+        return localized(QStringLiteral("a11y.list")).arg(texts, text);
+    };
+    const QString text = listed(inputs.coin.name, price ? priceWithCurrency(formatPrice(*price), inputs.currency)
+                                                        : localized(QStringLiteral("tooltip.noPrice")));
     if (inputs.coin.status == CoinStatus::delisted)
-        parts.append(localized(QStringLiteral("coin.status.delisted")));
-    else if (change)
-        parts.append(spokenChange(*change));
-    return parts.join(localized(QStringLiteral("a11y.separator")));
+        return listed(text, localized(QStringLiteral("coin.status.delisted")));
+    return change ? listed(text, spokenChange(*change)) : text;
 }
 
 } // namespace

@@ -220,6 +220,7 @@ void StringTablesTest::templatesTakeTheirArguments_data()
     row("update.upToDate", 1);
     row("update.failed", 1);
     row("general.notification.service", 1);
+    row("a11y.list", 2);
     row("a11y.change.up", 1);
     row("a11y.change.down", 1);
     row("a11y.statusItem", 0);

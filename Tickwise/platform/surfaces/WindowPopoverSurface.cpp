@@ -1,5 +1,6 @@
 #include "platform/surfaces/WindowPopoverSurface.h"
 
+#include <QAccessible>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>
@@ -91,9 +92,10 @@ bool WindowPopoverSurface::show(QWidget &window, QSize popover, int margin, cons
 
 void WindowPopoverSurface::prepare(QWidget &window, bool isTranslucent)
 {
-    // Clicks on Wayland's windows do not reach an X11 grab: there the window closes when it loses the focus.
-    const Qt::WindowFlags kind =
-        m_environment.isXWayland ? Qt::Tool | Qt::WindowStaysOnTopHint : Qt::WindowFlags(Qt::Popup);
+    // Clicks on Wayland's windows do not reach an X11 grab, and Qt hides popup windows from screen readers: such a
+    // window closes when it loses the focus.
+    const bool closesByFocus = m_environment.isXWayland || QAccessible::isActive();
+    const Qt::WindowFlags kind = closesByFocus ? Qt::Tool | Qt::WindowStaysOnTopHint : Qt::WindowFlags(Qt::Popup);
     const Qt::WindowFlags flags = kind | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
     if (window.windowFlags() == flags && window.testAttribute(Qt::WA_TranslucentBackground) == isTranslucent)
         return;

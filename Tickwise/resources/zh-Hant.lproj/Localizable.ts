@@ -11,9 +11,9 @@
         <source></source>
         <translation>上漲百分之 %1</translation>
     </message>
-    <message id="a11y.separator">
+    <message id="a11y.list">
         <source></source>
-        <translation>，</translation>
+        <translation>%1，%2</translation>
     </message>
     <message id="a11y.statusItem">
         <source></source>

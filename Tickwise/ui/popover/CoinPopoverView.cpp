@@ -112,6 +112,7 @@ void CoinPopoverView::refresh()
     m_empty->refresh();
     m_delegate->applyMetrics();
     m_model->refresh();
+    setAccessibleName(localized(QStringLiteral("popover.watchlist")));
     m_list->setAccessibleName(localized(QStringLiteral("popover.watchlist")));
     m_list->verticalScrollBar()->setSingleStep(look::scaled(CoinRowDelegate::rowHeight));
     m_status->setFont(look::font(look::captionSize));
@@ -123,10 +124,10 @@ void CoinPopoverView::refresh()
 
 void CoinPopoverView::rewind()
 {
-    m_list->setCurrentIndex({});
+    m_list->setCurrentIndex(m_model->index(0));
     m_list->scrollToTop();
-    if (QWidget *const focused = focusWidget())
-        focused->clearFocus();
+    // Otherwise the first button would have it, and show it, when the window becomes active.
+    setFocus(Qt::OtherFocusReason);
 }
 
 void CoinPopoverView::showCoins()

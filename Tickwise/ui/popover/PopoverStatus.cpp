@@ -10,7 +10,7 @@ QString popoverStatus(const std::vector<Coin> &coins, const std::optional<Provid
     if (coins.empty())
         return {};
     if (failure)
-        return failureText(*failure);
+        return failureText(*failure, now);
     std::optional<TimePoint> newest;
     for (const Coin &coin : coins)
         newest = std::max(newest, coin.lastUpdated);

@@ -70,6 +70,7 @@ void PopoverWindow::place(const PopoverPlace &place)
 void PopoverWindow::unplace()
 {
     m_place = {};
+    m_isPressedOutside = false;
     m_content->hide();
     if (m_toolTip)
         m_toolTip->hide();
@@ -130,7 +131,8 @@ bool PopoverWindow::event(QEvent *event)
 
 void PopoverWindow::closeEvent(QCloseEvent *event)
 {
-    event->ignore();
+    // An ignored event would keep the application from quitting.
+    event->accept();
     Q_EMIT dismissed();
 }
 
@@ -145,7 +147,20 @@ void PopoverWindow::keyPressEvent(QKeyEvent *event)
 void PopoverWindow::mousePressEvent(QMouseEvent *event)
 {
     event->accept();
-    if (!m_place.panel.contains(event->position().toPoint()))
+    if (m_place.panel.contains(event->position().toPoint()))
+        return;
+    // A popup window ends its grab with the press. Any other has to see the release, or Qt takes the button to be down
+    // when the window comes again.
+    if (windowType() == Qt::Popup)
+        Q_EMIT dismissed();
+    else
+        m_isPressedOutside = true;
+}
+
+void PopoverWindow::mouseReleaseEvent(QMouseEvent *event)
+{
+    event->accept();
+    if (std::exchange(m_isPressedOutside, false))
         Q_EMIT dismissed();
 }
 

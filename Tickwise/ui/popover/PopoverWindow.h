@@ -28,7 +28,7 @@ public:
     const QRect &panel() const { return m_place.panel; }
 
 Q_SIGNALS:
-    /// The user wants the popover closed: Escape, a press outside the panel, the focus gone.
+    /// The user wants the popover closed: Escape, a click outside the panel, the focus gone.
     void dismissed();
 
 protected:
@@ -37,6 +37,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
@@ -47,6 +48,7 @@ private:
     QWidget *m_content;
     QLabel *m_toolTip = nullptr; ///< made when the desktop lets no window show it
     PopoverPlace m_place;
+    bool m_isPressedOutside = false;
 };
 
 } // namespace tickwise

@@ -434,8 +434,7 @@ void DesktopLoginItemTest::portalStartsTheProgramOfTheSandbox()
 {
     PrivateBus bus;
     FakePortal portal(bus.connect(), FakePortal::Behaviour::grants);
-    const std::unique_ptr<LoginItem> login =
-        makeLoginItem(applicationId(), bus.connect(), true, QStringLiteral("because"));
+    const std::unique_ptr<LoginItem> login = makeLoginItem(applicationId(), bus.connect(), true, reason);
     QCOMPARE(failureText(resultOf(*login, true)), QStringLiteral("success"));
     QCOMPARE(portal.options.value(QStringLiteral("commandline")).toStringList(),
              QStringList{QStringLiteral("tickwise")});

@@ -390,6 +390,7 @@ void CoinPopoverViewTest::tabGoesThroughEverything()
 {
     World world(3);
     world.updates.setUpdateAvailable(true);
+    world.view->rewind();
     QApplication::setActiveWindow(world.view.get());
     QStringList visited;
     for (int i = 0; i < 6; ++i) {
@@ -402,6 +403,7 @@ void CoinPopoverViewTest::tabGoesThroughEverything()
 void CoinPopoverViewTest::arrowsMoveThroughTheRows()
 {
     World world(20);
+    world.view->rewind();
     QApplication::setActiveWindow(world.view.get());
     QTest::keyClick(world.view.get(), Qt::Key_Down);
     QListView &list = world.view->list();
@@ -426,6 +428,7 @@ void CoinPopoverViewTest::returnPressesAButton()
 void CoinPopoverViewTest::focusIsVisible()
 {
     World world(3);
+    world.view->rewind();
     QApplication::setActiveWindow(world.view.get());
     const QImage before = world.picture();
     world.button("settings").setFocus(Qt::TabFocusReason);
