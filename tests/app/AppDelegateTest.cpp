@@ -1,11 +1,11 @@
 #include "app/AppDelegate.h"
-#include "doubles/Languages.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/AppDoubles.h"
+#include "doubles/Languages.h"
 #include "doubles/PipelineDoubles.h"
 #include "doubles/ScriptedHttpClient.h"
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 
 #include <QDir>
 #include <QFile>

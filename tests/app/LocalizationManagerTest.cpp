@@ -1,4 +1,5 @@
 #include "app/LocalizationManager.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "app/PopoverController.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/CoinListWorld.h"
+#include "doubles/TestProgram.h"
 #include "ui/updates/UpdateController.h"
 
 #include <QAbstractItemView>

@@ -1,7 +1,7 @@
 #include "app/StatusMenu.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/Catalogs.h"
+#include "doubles/TestProgram.h"
 #include "support/Localization.h"
 #include "support/TintedSvg.h"
 

@@ -1,4 +1,5 @@
 #include "doubles/Languages.h"
+
 #include "doubles/TestData.h"
 #include "doubles/TestProgram.h"
 

@@ -1,12 +1,12 @@
 #include "app/SystemEvents.h"
-#include "app/AppDelegate.h"
-#include "doubles/TestProgram.h"
-#include "platform/network/NetworkWatch.h"
-#include "platform/session/SleepMonitor.h"
 
+#include "app/AppDelegate.h"
 #include "doubles/AppDoubles.h"
 #include "doubles/PipelineDoubles.h"
 #include "doubles/ScriptedHttpClient.h"
+#include "doubles/TestProgram.h"
+#include "platform/network/NetworkWatch.h"
+#include "platform/session/SleepMonitor.h"
 
 using namespace tickwise;
 using namespace tickwise::test;

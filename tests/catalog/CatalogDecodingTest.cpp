@@ -1,4 +1,5 @@
 #include "catalog/CoinCatalog.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

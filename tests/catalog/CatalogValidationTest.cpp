@@ -1,7 +1,7 @@
 #include "catalog/CoinCatalog.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/Catalogs.h"
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 using namespace tickwise::test;

@@ -1,8 +1,8 @@
 #include "catalog/CoinCatalog.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/Catalogs.h"
 #include "doubles/LogCapture.h"
+#include "doubles/TestProgram.h"
 
 #include <QFile>
 #include <QSignalSpy>

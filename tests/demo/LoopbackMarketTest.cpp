@@ -1,8 +1,8 @@
 #include "demo/LoopbackMarket.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/TestClock.h"
 #include "doubles/TestData.h"
+#include "doubles/TestProgram.h"
 #include "platform/network/NetworkHttpClient.h"
 
 #include <QSignalSpy>

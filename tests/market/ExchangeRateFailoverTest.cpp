@@ -1,8 +1,8 @@
 #include "ExchangeRateFixture.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/LogCapture.h"
 #include "doubles/TestData.h"
+#include "doubles/TestProgram.h"
 #include "market/FailureReason.h"
 
 using namespace tickwise;

@@ -1,7 +1,7 @@
 #include "ExchangeRateFixture.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/TestData.h"
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 using namespace tickwise::test;

@@ -1,7 +1,7 @@
 #include "market/JsonResponse.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/TestData.h"
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 

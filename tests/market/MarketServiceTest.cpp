@@ -1,4 +1,5 @@
 #include "demo/LoopbackMarket.h"
+
 #include "doubles/TestClock.h"
 #include "doubles/TestProgram.h"
 #include "market/FailureReason.h"

@@ -1,4 +1,5 @@
 #include "PriceServiceFixture.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

@@ -1,7 +1,7 @@
 #include "market/ProviderHealth.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 

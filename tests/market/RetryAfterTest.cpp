@@ -1,4 +1,5 @@
 #include "market/RetryAfter.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

@@ -1,4 +1,5 @@
 #include "pipeline/AlertRule.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

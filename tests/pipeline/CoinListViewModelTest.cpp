@@ -1,9 +1,9 @@
 #include "pipeline/CoinListViewModel.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/Catalogs.h"
 #include "doubles/PipelineDoubles.h"
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 
 #include <QSignalSpy>
 

@@ -1,9 +1,9 @@
 #include "pipeline/CoinRowContent.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/Catalogs.h"
 #include "doubles/Languages.h"
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 
 #include <QTimeZone>
 

@@ -1,11 +1,11 @@
 #include "pipeline/MenuBarViewModel.h"
-#include "doubles/TestProgram.h"
-#include "support/Localization.h"
 
 #include "doubles/Catalogs.h"
 #include "doubles/PipelineDoubles.h"
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 #include "pipeline/TimeText.h"
+#include "support/Localization.h"
 
 using namespace tickwise;
 using namespace tickwise::test;

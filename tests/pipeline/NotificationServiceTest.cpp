@@ -1,9 +1,9 @@
 #include "pipeline/NotificationService.h"
-#include "doubles/Languages.h"
-#include "doubles/TestProgram.h"
 
+#include "doubles/Languages.h"
 #include "doubles/LogCapture.h"
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 #include "pipeline/PriceFormat.h"
 
 using namespace tickwise;

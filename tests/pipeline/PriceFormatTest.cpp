@@ -1,4 +1,5 @@
 #include "pipeline/PriceFormat.h"
+
 #include "doubles/TestProgram.h"
 
 #include <limits>

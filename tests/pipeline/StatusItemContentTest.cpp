@@ -1,10 +1,10 @@
 #include "pipeline/StatusItemContent.h"
-#include "doubles/TestProgram.h"
-#include "support/Localization.h"
 
 #include "doubles/Catalogs.h"
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 #include "pipeline/TimeText.h"
+#include "support/Localization.h"
 
 using namespace tickwise;
 using namespace tickwise::test;

@@ -1,6 +1,6 @@
 #include "pipeline/StatusItemPainter.h"
-#include "doubles/TestProgram.h"
 
+#include "doubles/TestProgram.h"
 #include "pipeline/CompactPrice.h"
 
 #include <QPainter>

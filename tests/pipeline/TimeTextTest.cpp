@@ -1,4 +1,5 @@
 #include "pipeline/TimeText.h"
+
 #include "doubles/Languages.h"
 #include "doubles/TestProgram.h"
 

@@ -1,4 +1,5 @@
 #include "settings/AppSettingsCoding.h"
+
 #include "doubles/LogCapture.h"
 #include "doubles/TestData.h"
 #include "doubles/TestProgram.h"

@@ -1,4 +1,5 @@
 #include "settings/AppSettings.h"
+
 #include "doubles/Languages.h"
 #include "doubles/TestProgram.h"
 #include "settings/SettingsViewModel.h"

@@ -1,4 +1,5 @@
 #include "settings/HexColor.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

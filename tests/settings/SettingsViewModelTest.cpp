@@ -1,8 +1,8 @@
 #include "settings/SettingsViewModel.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/LogCapture.h"
 #include "doubles/MemoryDefaults.h"
+#include "doubles/TestProgram.h"
 #include "settings/AppSettingsCoding.h"
 
 #include <QSignalSpy>

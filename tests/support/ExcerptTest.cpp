@@ -1,4 +1,5 @@
 #include "support/Excerpt.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

@@ -1,4 +1,5 @@
 #include "support/Graphemes.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

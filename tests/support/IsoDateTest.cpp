@@ -1,4 +1,5 @@
 #include "support/IsoDate.h"
+
 #include "doubles/TestProgram.h"
 
 #include <ctime>

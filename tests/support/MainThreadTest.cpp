@@ -1,4 +1,5 @@
 #include "support/MainThread.h"
+
 #include "doubles/TestProgram.h"
 
 #include <csignal>

@@ -1,4 +1,5 @@
 #include "support/Markup.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

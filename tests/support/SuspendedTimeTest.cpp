@@ -1,4 +1,5 @@
 #include "support/SuspendedTime.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

@@ -1,8 +1,8 @@
 #include "ui/LaunchAtLoginService.h"
-#include "doubles/TestProgram.h"
-#include "ui/LoginItem.h"
 
 #include "doubles/LogCapture.h"
+#include "doubles/TestProgram.h"
+#include "ui/LoginItem.h"
 
 using namespace tickwise;
 using namespace tickwise::test;

@@ -1,7 +1,7 @@
 #include "widget/WidgetEntryContent.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 using namespace tickwise::test;

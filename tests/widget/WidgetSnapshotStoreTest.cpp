@@ -1,8 +1,8 @@
 #include "widget/WidgetSnapshotStore.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/FullDisk.h"
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 
 #include <QDir>
 #include <QFile>

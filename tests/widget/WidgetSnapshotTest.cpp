@@ -1,7 +1,7 @@
 #include "widget/WidgetSnapshot.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 
 #include <cmath>
 #include <limits>

@@ -1,11 +1,11 @@
 #include "widget/WidgetSnapshotWriter.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/Catalogs.h"
 #include "doubles/FullDisk.h"
 #include "doubles/LogCapture.h"
 #include "doubles/PipelineDoubles.h"
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -53,7 +53,8 @@ int CoinRowModel::rowCount(const QModelIndex &parent) const
 CoinRowContent CoinRowModel::content(int row) const
 {
     const AppSettings &settings = m_settings.settings();
-    return coinRowContent({coin(row), settings, m_coinList.priceDataCurrency().value_or(settings.baseCurrency), m_clock()});
+    return coinRowContent(
+        {coin(row), settings, m_coinList.priceDataCurrency().value_or(settings.baseCurrency), m_clock()});
 }
 
 QVariant CoinRowModel::data(const QModelIndex &index, int role) const

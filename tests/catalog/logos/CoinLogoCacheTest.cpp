@@ -1,4 +1,5 @@
 #include "catalog/logos/CoinLogoCache.h"
+
 #include "catalog/CoinId.h"
 #include "doubles/TestProgram.h"
 

@@ -1,8 +1,8 @@
 #include "catalog/logos/CoinLogoPainting.h"
-#include "doubles/TestProgram.h"
 
 #include "catalog/CoinCatalog.h"
 #include "catalog/ShippedImages.h"
+#include "doubles/TestProgram.h"
 
 #include <QDir>
 #include <QJsonArray>

@@ -1,4 +1,5 @@
 #include "catalog/logos/CoinLogoStore.h"
+
 #include "doubles/LogCapture.h"
 #include "doubles/LogoPictures.h"
 #include "doubles/ScriptedHttpClient.h"

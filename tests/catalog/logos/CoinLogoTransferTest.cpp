@@ -1,4 +1,5 @@
 #include "catalog/logos/CoinLogoStore.h"
+
 #include "demo/LoopbackMarket.h"
 #include "doubles/LogCapture.h"
 #include "doubles/LogoPictures.h"

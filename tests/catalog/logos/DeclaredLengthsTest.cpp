@@ -1,4 +1,5 @@
 #include "catalog/logos/DeclaredLengths.h"
+
 #include "catalog/logos/LogoDecoding.h"
 #include "doubles/LogoPictures.h"
 #include "doubles/TestProgram.h"

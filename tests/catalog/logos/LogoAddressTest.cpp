@@ -1,4 +1,5 @@
 #include "catalog/logos/LogoAddress.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

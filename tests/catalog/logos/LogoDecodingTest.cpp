@@ -1,4 +1,5 @@
 #include "catalog/logos/LogoDecoding.h"
+
 #include "doubles/LogCapture.h"
 #include "doubles/LogoPictures.h"
 #include "doubles/TestProgram.h"

@@ -1,8 +1,8 @@
 #include "market/exchanges/BinanceTickerProvider.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/TestClock.h"
 #include "doubles/TestData.h"
+#include "doubles/TestProgram.h"
 #include "market/Outcome.h"
 #include "market/exchanges/BrokenBodies.h"
 

@@ -1,7 +1,7 @@
 #include "market/exchanges/BybitTickerProvider.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/TestData.h"
+#include "doubles/TestProgram.h"
 #include "market/Outcome.h"
 #include "market/exchanges/BrokenBodies.h"
 

@@ -1,7 +1,7 @@
 #include "market/exchanges/TickerResponse.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/TestData.h"
+#include "doubles/TestProgram.h"
 #include "market/FailureReason.h"
 #include "market/Outcome.h"
 

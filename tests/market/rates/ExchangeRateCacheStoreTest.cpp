@@ -1,4 +1,5 @@
 #include "market/rates/ExchangeRateCacheStore.h"
+
 #include "doubles/TestClock.h"
 #include "doubles/TestProgram.h"
 

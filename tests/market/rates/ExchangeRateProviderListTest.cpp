@@ -1,7 +1,7 @@
 #include "market/rates/ExchangeRateProviderList.h"
+
 #include "doubles/TestData.h"
 #include "doubles/TestProgram.h"
-
 #include "market/rates/CurrencyAPIRateProvider.h"
 #include "market/rates/ERAPIRateProvider.h"
 

@@ -1,6 +1,6 @@
 #include "market/rates/ExchangeRateResponse.h"
-#include "doubles/TestProgram.h"
 
+#include "doubles/TestProgram.h"
 #include "market/Outcome.h"
 
 using namespace tickwise;

@@ -1,7 +1,7 @@
 #include "platform/dbus/SessionBus.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/PrivateBus.h"
+#include "doubles/TestProgram.h"
 #include "platform/dbus/BusCall.h"
 
 #include <QSignalSpy>

@@ -1,7 +1,7 @@
 #include "platform/network/CurlSession.h"
-#include "doubles/TestProgram.h"
 
 #include "demo/LoopbackMarket.h"
+#include "doubles/TestProgram.h"
 #include "platform/network/NetworkHttpClient.h"
 #include "platform/network/ProxyEnvironment.h"
 

@@ -1,7 +1,7 @@
 #include "platform/network/GzipReader.h"
-#include "doubles/TestProgram.h"
 
 #include "demo/LoopbackHttp.h"
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 

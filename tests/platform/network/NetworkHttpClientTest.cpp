@@ -1,7 +1,7 @@
 #include "platform/network/NetworkHttpClient.h"
-#include "doubles/TestProgram.h"
 
 #include "demo/LoopbackMarket.h"
+#include "doubles/TestProgram.h"
 #include "platform/network/HttpRequestOperation.h"
 #include "platform/network/NetworkFailure.h"
 #include "platform/network/ProxyEnvironment.h"

@@ -1,4 +1,5 @@
 #include "platform/network/NetworkWatch.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QSignalSpy>

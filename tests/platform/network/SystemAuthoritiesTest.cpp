@@ -1,4 +1,5 @@
 #include "platform/network/SystemAuthorities.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QDir>

@@ -1,8 +1,8 @@
 #include "platform/notifications/FreedesktopNotificationCenter.h"
-#include "doubles/TestProgram.h"
 
 #include "FakeNotifications.h"
 #include "doubles/PrivateBus.h"
+#include "doubles/TestProgram.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusReply>

@@ -1,4 +1,5 @@
 #include "platform/notifications/NotificationText.h"
+
 #include "doubles/Languages.h"
 #include "doubles/TestProgram.h"
 

@@ -1,7 +1,7 @@
 #include "platform/notifications/PortalNotificationCenter.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/PrivateBus.h"
+#include "doubles/TestProgram.h"
 #include "platform/notifications/FreedesktopNotificationCenter.h"
 
 #include <QDBusContext>

@@ -1,7 +1,7 @@
 #include "platform/notifications/SoundPlayer.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/LogCapture.h"
+#include "doubles/TestProgram.h"
 
 #include <QElapsedTimer>
 

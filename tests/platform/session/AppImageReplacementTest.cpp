@@ -1,4 +1,5 @@
 #include "platform/session/AppImageReplacement.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QDir>

@@ -1,9 +1,9 @@
 #include "platform/session/DesktopLoginItem.h"
-#include "doubles/TestProgram.h"
-#include "ui/LaunchAtLoginService.h"
 
 #include "doubles/LogCapture.h"
 #include "doubles/PrivateBus.h"
+#include "doubles/TestProgram.h"
+#include "ui/LaunchAtLoginService.h"
 
 #include <QDBusMessage>
 #include <QDBusObjectPath>

@@ -1,4 +1,5 @@
 #include "platform/session/DesktopPackageInstaller.h"
+
 #include "doubles/TestProgram.h"
 #include "platform/session/PackageOpening.h"
 

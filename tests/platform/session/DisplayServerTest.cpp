@@ -1,4 +1,5 @@
 #include "platform/session/DisplayServer.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QElapsedTimer>

@@ -1,4 +1,5 @@
 #include "platform/session/LogHandler.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QLoggingCategory>

@@ -1,4 +1,5 @@
 #include "platform/session/ProcessMemory.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QFile>

@@ -1,4 +1,5 @@
 #include "platform/session/RunningProgram.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "platform/session/SleepMonitor.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/PrivateBus.h"
+#include "doubles/TestProgram.h"
 
 #include <QDBusError>
 #include <QDBusMessage>

@@ -1,4 +1,5 @@
 #include "platform/session/TerminationSignals.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QSignalSpy>

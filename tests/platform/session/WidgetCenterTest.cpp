@@ -1,8 +1,8 @@
 #include "platform/session/WidgetCenter.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/LogCapture.h"
 #include "doubles/PrivateBus.h"
+#include "doubles/TestProgram.h"
 #include "platform/dbus/SessionBus.h"
 
 #include <QDBusAbstractInterface>

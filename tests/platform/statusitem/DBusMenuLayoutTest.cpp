@@ -1,6 +1,6 @@
 #include "platform/statusitem/DBusMenuLayout.h"
-#include "doubles/TestProgram.h"
 
+#include "doubles/TestProgram.h"
 #include "platform/dbus/VirtualObject.h"
 #include "platform/statusitem/LocalMenu.h"
 

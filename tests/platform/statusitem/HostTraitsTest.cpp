@@ -1,6 +1,6 @@
 #include "platform/statusitem/HostTraits.h"
-#include "doubles/TestProgram.h"
 
+#include "doubles/TestProgram.h"
 #include "platform/statusitem/SystemTraySelection.h"
 
 #include <QTemporaryFile>

@@ -1,4 +1,5 @@
 #include "platform/statusitem/NotifierContent.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

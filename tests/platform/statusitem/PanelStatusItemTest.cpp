@@ -1,8 +1,8 @@
 #include "platform/statusitem/PanelStatusItem.h"
-#include "doubles/TestProgram.h"
 
 #include "FakeStatusPanel.h"
 #include "doubles/LogCapture.h"
+#include "doubles/TestProgram.h"
 
 #include <QDBusConnectionInterface>
 #include <QElapsedTimer>

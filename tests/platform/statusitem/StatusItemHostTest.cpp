@@ -1,4 +1,5 @@
 #include "platform/statusitem/StatusItemHost.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QCoreApplication>

@@ -1,4 +1,5 @@
 #include "platform/statusitem/WaybarConfig.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QDir>

@@ -1,4 +1,5 @@
 #include "platform/storage/AppGroupContainer.h"
+
 #include "doubles/TestProgram.h"
 #include "support/files/WholeFile.h"
 

@@ -1,4 +1,5 @@
 #include "platform/storage/UserDefaults.h"
+
 #include "doubles/FullDisk.h"
 #include "doubles/LogCapture.h"
 #include "doubles/TestProgram.h"

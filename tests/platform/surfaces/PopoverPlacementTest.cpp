@@ -1,4 +1,5 @@
 #include "platform/surfaces/PopoverPlacement.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

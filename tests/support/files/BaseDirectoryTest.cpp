@@ -1,4 +1,5 @@
 #include "support/files/BaseDirectory.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QDir>

@@ -1,4 +1,5 @@
 #include "support/files/WholeFile.h"
+
 #include "doubles/FullDisk.h"
 #include "doubles/TestProgram.h"
 

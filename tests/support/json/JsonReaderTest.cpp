@@ -1,4 +1,5 @@
 #include "support/json/JsonReader.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

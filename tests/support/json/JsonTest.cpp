@@ -1,4 +1,5 @@
 #include "support/json/Json.h"
+
 #include "doubles/TestProgram.h"
 #include "support/json/JsonRepair.h"
 

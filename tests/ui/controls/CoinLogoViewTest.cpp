@@ -1,9 +1,9 @@
 #include "ui/controls/CoinLogoView.h"
-#include "doubles/TestProgram.h"
 
 #include "catalog/logos/CoinLogoPainting.h"
 #include "doubles/LogoPictures.h"
 #include "doubles/ScriptedHttpClient.h"
+#include "doubles/TestProgram.h"
 
 #include <QPainter>
 #include <QTemporaryDir>

@@ -1,4 +1,5 @@
 #include "ui/controls/SymbolImage.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QDir>

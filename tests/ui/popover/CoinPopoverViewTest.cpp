@@ -1,8 +1,8 @@
 #include "ui/popover/CoinPopoverView.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/CoinListWorld.h"
 #include "doubles/Languages.h"
+#include "doubles/TestProgram.h"
 #include "ui/popover/CoinRowModel.h"
 #include "ui/updates/UpdateController.h"
 

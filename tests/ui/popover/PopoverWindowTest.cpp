@@ -1,4 +1,5 @@
 #include "ui/popover/PopoverWindow.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QCloseEvent>

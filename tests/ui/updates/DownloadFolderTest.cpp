@@ -1,4 +1,5 @@
 #include "ui/updates/DownloadFolder.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QDir>

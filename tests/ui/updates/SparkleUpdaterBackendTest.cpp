@@ -1,8 +1,8 @@
 #include "ui/updates/SparkleUpdaterBackend.h"
-#include "doubles/TestProgram.h"
 
 #include "UpdateWorld.h"
 #include "doubles/LogCapture.h"
+#include "doubles/TestProgram.h"
 
 #include <QSignalSpy>
 

@@ -1,4 +1,5 @@
 #include "ui/updates/UpdateController.h"
+
 #include "doubles/TestProgram.h"
 
 #include <QSignalSpy>

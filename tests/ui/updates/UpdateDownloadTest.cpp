@@ -1,7 +1,7 @@
 #include "ui/updates/UpdateDownload.h"
-#include "doubles/TestProgram.h"
 
 #include "UpdateWorld.h"
+#include "doubles/TestProgram.h"
 
 #include <QSignalSpy>
 

@@ -1,7 +1,7 @@
 #include "ui/updates/UpdateSchedule.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 using namespace tickwise::test;

@@ -1,8 +1,8 @@
 #include "ui/updates/UpdateSession.h"
-#include "doubles/TestProgram.h"
 
 #include "UpdateWorld.h"
 #include "doubles/LogCapture.h"
+#include "doubles/TestProgram.h"
 #include "ui/updates/appcast/AppcastParser.h"
 
 using namespace tickwise;

@@ -1,7 +1,7 @@
 #include "ui/updates/UpdateSignature.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/SigningKey.h"
+#include "doubles/TestProgram.h"
 
 #include <QFile>
 #include <QTemporaryDir>

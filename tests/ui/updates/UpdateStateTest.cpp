@@ -1,4 +1,5 @@
 #include "ui/updates/UpdateState.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

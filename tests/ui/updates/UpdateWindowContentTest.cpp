@@ -1,4 +1,5 @@
 #include "ui/updates/UpdateWindowContent.h"
+
 #include "doubles/Languages.h"
 #include "doubles/TestProgram.h"
 

@@ -1,4 +1,5 @@
 #include "ui/updates/UpdateWindow.h"
+
 #include "doubles/Languages.h"
 #include "doubles/TestProgram.h"
 

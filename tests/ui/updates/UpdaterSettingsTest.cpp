@@ -1,9 +1,9 @@
 #include "ui/updates/UpdaterSettings.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/LogCapture.h"
 #include "doubles/MemoryDefaults.h"
 #include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
 
 using namespace tickwise;
 using namespace tickwise::test;

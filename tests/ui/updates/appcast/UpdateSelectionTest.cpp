@@ -1,4 +1,5 @@
 #include "ui/updates/appcast/UpdateSelection.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;

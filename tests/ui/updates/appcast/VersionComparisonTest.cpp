@@ -1,4 +1,5 @@
 #include "ui/updates/appcast/VersionComparison.h"
+
 #include "doubles/TestProgram.h"
 
 using namespace tickwise;
