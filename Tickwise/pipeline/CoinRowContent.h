@@ -21,7 +21,7 @@ struct CoinRowContent
 {
     QString symbol;
     QString price;                    ///< "67,432"; "--" without a price
-    std::optional<QColor> priceColor; ///< none: the text's own colour
+    std::optional<QColor> priceColor; ///< none: the text's own color
     QString change;                   ///< "+1.23%", the word for a delisted coin, or nothing
     bool isDelisted = false;
     QString toolTip;        ///< name, exact price with its currency, time of the price; lines separated by "\n"

@@ -36,6 +36,16 @@ AppSettings withCoinRemoved(AppSettings settings, const QString &id)
     return settings;
 }
 
+AppSettings withWatchlistOrder(AppSettings settings, const QStringList &ids)
+{
+    const auto place = [&](const WatchlistCoin &coin) {
+        const qsizetype index = ids.indexOf(coin.coinId);
+        return index < 0 ? ids.size() : index;
+    };
+    std::ranges::stable_sort(settings.watchlistCoins, {}, place);
+    return settings;
+}
+
 AppSettings withCoinToggled(AppSettings settings, const QString &id)
 {
     return isInWatchlist(settings, id) ? withCoinRemoved(std::move(settings), id)

@@ -221,6 +221,12 @@ void StringTablesTest::templatesTakeTheirArguments_data()
     row("update.upToDate", 1);
     row("update.failed", 1);
     row("general.notification.service", 1);
+    row("a11y.alertKind", 1);
+    row("a11y.alertThreshold", 1);
+    row("a11y.coinAdded", 2);
+    row("a11y.coinNotAdded", 2);
+    row("a11y.delete", 1);
+    row("a11y.reorder", 1);
     row("a11y.list", 2);
     row("a11y.change.up", 1);
     row("a11y.change.down", 1);

@@ -36,6 +36,7 @@ class WatchlistEditingTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void ordersByIds();
     void addingAppendsWithTheUsualAlert();
     void addingAPresentCoinChangesNothing();
     void addingHasNoUpperBound();
@@ -121,6 +122,23 @@ void WatchlistEditingTest::toggles()
     QCOMPARE(with, withCoinAdded(before, solana));
     QCOMPARE(withCoinToggled(with, solana), before);
     QCOMPARE(withCoinToggled(with, bitcoin).displayedCoinId, solana);
+}
+
+void WatchlistEditingTest::ordersByIds()
+{
+    AppSettings settings;
+    settings.watchlistCoins = {{QStringLiteral("a"), CoinAlertKind::above, 5},
+                               {QStringLiteral("b")},
+                               {QStringLiteral("c")},
+                               {QStringLiteral("d"), CoinAlertKind::notSet, 1}};
+    const AppSettings ordered =
+        withWatchlistOrder(settings, {QStringLiteral("c"), QStringLiteral("unknown"), QStringLiteral("a")});
+    QCOMPARE(ordered.watchlistCoins.size(), size_t(4));
+    QVERIFY(ordered.watchlistCoins[0] == settings.watchlistCoins[2]);
+    QVERIFY(ordered.watchlistCoins[1] == settings.watchlistCoins[0]);
+    QVERIFY(ordered.watchlistCoins[2] == settings.watchlistCoins[1]);
+    QVERIFY(ordered.watchlistCoins[3] == settings.watchlistCoins[3]);
+    QVERIFY(withWatchlistOrder(settings, {}) == settings);
 }
 
 TICKWISE_TEST(WatchlistEditingTest)

@@ -3,6 +3,14 @@
 <TS version="2.1" language="en">
 <context>
     <name></name>
+    <message id="a11y.alertKind">
+        <source></source>
+        <translation>Alert of %1</translation>
+    </message>
+    <message id="a11y.alertThreshold">
+        <source></source>
+        <translation>Level of the alert of %1</translation>
+    </message>
     <message id="a11y.change.down">
         <source></source>
         <translation>down %1 percent</translation>
@@ -11,9 +19,25 @@
         <source></source>
         <translation>up %1 percent</translation>
     </message>
+    <message id="a11y.coinAdded">
+        <source></source>
+        <translation>%1, %2, in the watchlist</translation>
+    </message>
+    <message id="a11y.coinNotAdded">
+        <source></source>
+        <translation>%1, %2, not in the watchlist</translation>
+    </message>
+    <message id="a11y.delete">
+        <source></source>
+        <translation>Remove %1 from the watchlist</translation>
+    </message>
     <message id="a11y.list">
         <source></source>
         <translation>%1, %2</translation>
+    </message>
+    <message id="a11y.reorder">
+        <source></source>
+        <translation>Move %1, with Alt and the arrow keys</translation>
     </message>
     <message id="a11y.statusItem">
         <source></source>
@@ -582,7 +606,7 @@
     </message>
     <message id="window.settings.title">
         <source></source>
-        <translation>Tickwise Settings</translation>
+        <translation>Settings</translation>
     </message>
 </context>
 </TS>

@@ -3,6 +3,14 @@
 <TS version="2.1" language="zh_CN">
 <context>
     <name></name>
+    <message id="a11y.alertKind">
+        <source></source>
+        <translation>%1 的提醒</translation>
+    </message>
+    <message id="a11y.alertThreshold">
+        <source></source>
+        <translation>%1 的提醒数值</translation>
+    </message>
     <message id="a11y.change.down">
         <source></source>
         <translation>下跌百分之 %1</translation>
@@ -11,9 +19,25 @@
         <source></source>
         <translation>上涨百分之 %1</translation>
     </message>
+    <message id="a11y.coinAdded">
+        <source></source>
+        <translation>%1，%2，已在自选中</translation>
+    </message>
+    <message id="a11y.coinNotAdded">
+        <source></source>
+        <translation>%1，%2，未在自选中</translation>
+    </message>
+    <message id="a11y.delete">
+        <source></source>
+        <translation>从自选中移除 %1</translation>
+    </message>
     <message id="a11y.list">
         <source></source>
         <translation>%1，%2</translation>
+    </message>
+    <message id="a11y.reorder">
+        <source></source>
+        <translation>移动 %1，使用 Alt 和方向键</translation>
     </message>
     <message id="a11y.statusItem">
         <source></source>
@@ -582,7 +606,7 @@
     </message>
     <message id="window.settings.title">
         <source></source>
-        <translation>Tickwise 设置</translation>
+        <translation>设置</translation>
     </message>
 </context>
 </TS>

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "ui/watchlist/CoinToggleModel.h"
+
+#include <QListView>
+#include <QStyledItemDelegate>
+
+namespace tickwise {
+
+class CoinLogoStore;
+
+/// Paints a coin's row: logo, symbol over name, and the symbol that tells whether it is in the watchlist.
+class CoinToggleDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    static constexpr int rowHeight = 44; ///< points
+
+    CoinToggleDelegate(const CoinToggleModel &model, CoinLogoStore *logos, QObject *parent = nullptr);
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+
+Q_SIGNALS:
+    /// A row came into sight.
+    void coinSeen(const QString &id) const;
+
+private:
+    void paintTexts(QPainter &painter, const QRect &box, const CoinMetadata &coin, const QPalette &palette) const;
+
+    const CoinToggleModel &m_model;
+    CoinLogoStore *m_logos;
+};
+
+/// Coins as rows that toggle their place in the watchlist: by a click, or with Enter or the space bar.
+class CoinToggleList : public QListView
+{
+    Q_OBJECT
+
+public:
+    CoinToggleList(CoinToggleModel &model, CoinLogoStore *logos, QWidget *parent = nullptr);
+
+    /// Toggles the current row, if there is one.
+    void toggleCurrent();
+    /// Makes the row above or below the current one current.
+    void moveCurrent(int rows);
+
+Q_SIGNALS:
+    void toggled(const QString &coinId);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    void toggle(const QModelIndex &index);
+
+    CoinToggleModel &m_model;
+};
+
+} // namespace tickwise

@@ -1,0 +1,195 @@
+#include "ui/watchlist/WatchlistRow.h"
+
+#include "pipeline/ReorderGeometry.h"
+#include "support/Localization.h"
+#include "ui/controls/CoinLogoPixmap.h"
+#include "ui/controls/IconButton.h"
+#include "ui/controls/Look.h"
+#include "ui/watchlist/WatchlistAlertControls.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace tickwise {
+
+namespace {
+
+constexpr double dragThreshold = 2;
+constexpr int logoSide = 24;
+constexpr int spacing = 8;
+constexpr int inset = 8;
+constexpr int textLeft = inset + 28 + spacing + logoSide + spacing;
+
+} // namespace
+
+std::vector<WatchlistRowContent> watchlistRows(const AppSettings &settings, const QHash<QString, CoinMetadata> &catalog)
+{
+    std::vector<WatchlistRowContent> rows;
+    rows.reserve(settings.watchlistCoins.size());
+    for (const WatchlistCoin &entry : settings.watchlistCoins) {
+        CoinMetadata unknown;
+        unknown.id = entry.coinId;
+        unknown.name = entry.coinId;
+        rows.push_back({entry, catalog.value(entry.coinId, unknown)});
+    }
+    return rows;
+}
+
+WatchlistRow::WatchlistRow(CoinLogoStore *logos, QWidget *parent)
+    : QWidget(parent)
+    , m_logos(logos)
+    , m_handle(new IconButton(QStringLiteral("line.3.horizontal"), this))
+    , m_alert(new WatchlistAlertControls(this))
+    , m_delete(new IconButton(QStringLiteral("trash"), this))
+{
+    auto *const row = new QHBoxLayout(this);
+    row->setContentsMargins(look::scaled(inset), 0, look::scaled(inset), 0);
+    row->setSpacing(look::scaled(spacing));
+    row->addWidget(m_handle);
+    row->addStretch();
+    row->addWidget(m_alert);
+    row->addWidget(m_delete);
+    m_handle->setObjectName(QStringLiteral("watchlist.reorder"));
+    m_delete->setObjectName(QStringLiteral("watchlist.delete"));
+    m_handle->setCursor(Qt::OpenHandCursor);
+    m_handle->installEventFilter(this);
+    connect(m_delete, &QAbstractButton::clicked, this, &WatchlistRow::deleteRequested);
+    connect(m_alert, &WatchlistAlertControls::kindChosen, this, &WatchlistRow::kindChosen);
+    connect(m_alert, &WatchlistAlertControls::thresholdEdited, this, &WatchlistRow::thresholdEdited);
+}
+
+void WatchlistRow::setContent(const WatchlistRowContent &content)
+{
+    if (m_content == content)
+        return;
+    m_content = content;
+    m_alert->setAlert(content.coin.name, content.entry.alertKind, content.entry.notificationThreshold);
+    writeTexts();
+    update();
+}
+
+void WatchlistRow::setFloating(bool floating)
+{
+    if (std::exchange(m_isFloating, floating) == floating)
+        return;
+    m_handle->setCursor(floating ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
+    update();
+}
+
+void WatchlistRow::focusHandle()
+{
+    m_handle->setFocus(Qt::OtherFocusReason);
+}
+
+void WatchlistRow::writeTexts()
+{
+    const QString &name = m_content.coin.name;
+    setAccessibleName(m_content.coin.symbol.isEmpty() ? name : m_content.coin.symbol + QStringLiteral(", ") + name);
+    m_handle->setHelp(localized(QStringLiteral("watchlist.reorder")));
+    m_handle->setAccessibleName(localized(QStringLiteral("a11y.reorder")).arg(name));
+    m_delete->setHelp(localized(QStringLiteral("watchlist.delete")));
+    m_delete->setAccessibleName(localized(QStringLiteral("a11y.delete")).arg(name));
+}
+
+void WatchlistRow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        writeTexts();
+    QWidget::changeEvent(event);
+}
+
+bool WatchlistRow::eventFilter(QObject *watched, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonRelease:
+        if (handleMouse(static_cast<QMouseEvent &>(*event)))
+            return true;
+        break;
+    case QEvent::KeyPress:
+        if (handleKey(static_cast<const QKeyEvent &>(*event)))
+            return true;
+        break;
+    default:
+        break;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+/// The handle's button does not press while it is dragged; true for what belongs to a drag.
+bool WatchlistRow::handleMouse(QMouseEvent &event)
+{
+    const QPointF position = event.globalPosition();
+    if (event.type() == QEvent::MouseButtonPress && event.button() == Qt::LeftButton) {
+        m_press = position;
+        return true;
+    }
+    if (event.type() == QEvent::MouseButtonRelease && event.button() == Qt::LeftButton) {
+        if (std::exchange(m_isDragging, false))
+            Q_EMIT released();
+        return true;
+    }
+    if (event.type() != QEvent::MouseMove || !event.buttons().testFlag(Qt::LeftButton))
+        return false;
+    if (!m_isDragging && QLineF(m_press, position).length() >= dragThreshold) {
+        m_isDragging = true;
+        Q_EMIT dragStarted(m_press);
+    }
+    if (m_isDragging)
+        Q_EMIT dragged(position);
+    return true;
+}
+
+bool WatchlistRow::handleKey(const QKeyEvent &event)
+{
+    if (event.modifiers() != Qt::AltModifier || (event.key() != Qt::Key_Up && event.key() != Qt::Key_Down))
+        return false;
+    Q_EMIT moveRequested(event.key() == Qt::Key_Up ? -1 : 1);
+    return true;
+}
+
+void WatchlistRow::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (m_isFloating) {
+        const double radius = look::scaled(look::rowRadius);
+        painter.setPen(look::separator(palette()));
+        painter.setBrush(palette().color(QPalette::Window));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    }
+    const int side = look::scaled(logoSide);
+    const int left = look::scaled(inset + spacing) + m_handle->width();
+    painter.drawPixmap(left, (height() - side) / 2,
+                       coinLogoPixmap(m_content.coin, m_logos, look::accent(palette()), side, devicePixelRatioF()));
+    paintTexts(painter);
+}
+
+void WatchlistRow::paintTexts(QPainter &painter) const
+{
+    const int left = look::scaled(textLeft);
+    const QRect box(left, 0, m_alert->x() - look::scaled(spacing) - left, height());
+    const QFont symbolFont = look::font(look::bodySize, QFont::Medium);
+    const QFont nameFont = look::font(look::captionSize);
+    const QFontMetrics symbolMetrics(symbolFont);
+    const QFontMetrics nameMetrics(nameFont);
+    const bool hasSymbol = !m_content.coin.symbol.isEmpty();
+    const int total = (hasSymbol ? symbolMetrics.height() : 0) + nameMetrics.height();
+    int top = (height() - total) / 2;
+    if (hasSymbol) {
+        painter.setFont(symbolFont);
+        painter.setPen(look::text(palette()));
+        painter.drawText(QRect(box.left(), top, box.width(), symbolMetrics.height()), int(Qt::AlignLeft),
+                         symbolMetrics.elidedText(m_content.coin.symbol, Qt::ElideRight, box.width()));
+        top += symbolMetrics.height();
+    }
+    painter.setFont(nameFont);
+    painter.setPen(look::secondaryText(palette()));
+    painter.drawText(QRect(box.left(), top, box.width(), nameMetrics.height()), int(Qt::AlignLeft),
+                     nameMetrics.elidedText(m_content.coin.name, Qt::ElideRight, box.width()));
+}
+
+} // namespace tickwise

@@ -1,0 +1,274 @@
+#include "ui/watchlist/WatchlistRows.h"
+
+#include <QKeyEvent>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <cmath>
+
+namespace tickwise {
+
+namespace {
+
+constexpr int rowHeight = static_cast<int>(reorderRowHeight);
+constexpr int rowsAround = 3; ///< rows beyond each edge that are widgets too, for the keyboard's way on
+
+/// The offsets of the rows between a dragged row's place and the slot that it would take.
+std::map<int, double> roomFor(int source, int insertion)
+{
+    std::map<int, double> offsets;
+    for (int i = source + 1; i <= insertion; ++i)
+        offsets[i] = -reorderRowHeight;
+    for (int i = insertion; i < source; ++i)
+        offsets[i] = reorderRowHeight;
+    return offsets;
+}
+
+double valueAt(const std::map<int, double> &offsets, int index)
+{
+    const auto entry = offsets.find(index);
+    return entry == offsets.end() ? 0 : entry->second;
+}
+
+} // namespace
+
+WatchlistRows::WatchlistRows(WatchlistReorderSession &session, CoinLogoStore *logos, QWidget *parent)
+    : QScrollArea(parent)
+    , m_session(session)
+    , m_logos(logos)
+    , m_content(new QWidget)
+{
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    setWidget(m_content);
+    connect(&m_scrolling, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant &value) { verticalScrollBar()->setValue(value.toInt()); });
+    const double seconds = WatchlistReorderSession::makeRoomSpring.settlingTime().count();
+    m_makingRoom.setDuration(static_cast<int>(std::ceil(seconds * 1000)));
+    m_makingRoom.setStartValue(0.0);
+    m_makingRoom.setEndValue(seconds);
+    connect(&m_makingRoom, &QVariantAnimation::valueChanged, this, &WatchlistRows::layOut);
+    connect(&session, &WatchlistReorderSession::insertionIndexChanged, this, &WatchlistRows::makeRoom);
+    connect(&session, &WatchlistReorderSession::draggedIDChanged, this, &WatchlistRows::makeRoom);
+    connect(&session, &WatchlistReorderSession::floatingYChanged, this, &WatchlistRows::layOut);
+}
+
+WatchlistRows::~WatchlistRows()
+{
+    m_session.cancel();
+    m_session.disconnect(this);
+}
+
+QStringList WatchlistRows::ids() const
+{
+    QStringList ids;
+    for (const WatchlistRowContent &row : m_rows)
+        ids.append(row.entry.coinId);
+    return ids;
+}
+
+int WatchlistRows::indexOf(const QString &coinId) const
+{
+    return static_cast<int>(ids().indexOf(coinId));
+}
+
+void WatchlistRows::setRows(std::vector<WatchlistRowContent> rows)
+{
+    m_rows = std::move(rows);
+    if (m_session.draggedID() && m_session.orderIDs() != ids())
+        m_session.cancel();
+    m_content->resize(viewport()->width(), static_cast<int>(m_rows.size()) * rowHeight);
+    recycleOutside(0, static_cast<int>(m_rows.size()) - 1);
+    for (const auto &[index, row] : m_shown)
+        row->setContent(m_rows[static_cast<size_t>(index)]);
+    layOut();
+}
+
+WatchlistRow *WatchlistRows::rowAt(int index) const
+{
+    const auto shown = m_shown.find(index);
+    return shown == m_shown.end() ? nullptr : shown->second;
+}
+
+void WatchlistRows::focusRow(const QString &coinId)
+{
+    const int index = indexOf(coinId);
+    if (index < 0)
+        return;
+    ensureVisible(0, index * rowHeight + rowHeight / 2, 0, rowHeight / 2);
+    materialize(index).focusHandle();
+}
+
+void WatchlistRows::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape && m_session.draggedID())
+        m_session.cancel();
+    else
+        QScrollArea::keyPressEvent(event);
+}
+
+void WatchlistRows::resizeEvent(QResizeEvent *event)
+{
+    QScrollArea::resizeEvent(event);
+    m_content->resize(viewport()->width(), static_cast<int>(m_rows.size()) * rowHeight);
+    m_session.setViewportHeight(viewport()->height());
+    layOut();
+}
+
+void WatchlistRows::scrollContentsBy(int dx, int dy)
+{
+    QScrollArea::scrollContentsBy(dx, dy);
+    m_session.setScrollOffset(verticalScrollBar()->value());
+    layOut();
+}
+
+bool WatchlistRows::focusNextPrevChild(bool next)
+{
+    const bool moved = QScrollArea::focusNextPrevChild(next);
+    const QWidget *const focused = focusWidget();
+    if (focused && m_content->isAncestorOf(focused))
+        ensureWidgetVisible(const_cast<QWidget *>(focused), 0, rowHeight);
+    return moved;
+}
+
+void WatchlistRows::scrollTo(const QString &id, ViewportEdge edge, int milliseconds)
+{
+    const int top = indexOf(id) * rowHeight;
+    const int target = edge == ViewportEdge::top ? top : top + rowHeight - viewport()->height();
+    m_scrolling.stop();
+    m_scrolling.setStartValue(verticalScrollBar()->value());
+    m_scrolling.setEndValue(std::clamp(target, 0, verticalScrollBar()->maximum()));
+    m_scrolling.setDuration(milliseconds);
+    m_scrolling.start();
+}
+
+double WatchlistRows::viewportY(QPointF global) const
+{
+    return viewport()->mapFromGlobal(global).y();
+}
+
+void WatchlistRows::startDrag(const WatchlistRow &row, QPointF press)
+{
+    // A number that is being edited ends its editing first.
+    if (QWidget *const focused = window()->focusWidget())
+        focused->clearFocus();
+    const QString &id = row.content().entry.coinId;
+    m_session.setScrollProxy(this);
+    m_session.setScrollOffset(verticalScrollBar()->value());
+    m_session.setViewportHeight(viewport()->height());
+    m_session.begin(id, indexOf(id), viewportY(press), ids(),
+                    [this](const QStringList &order) { Q_EMIT reordered(order); });
+}
+
+void WatchlistRows::moveBy(const QString &coinId, int slots)
+{
+    const int source = indexOf(coinId);
+    const int target = std::clamp(source + slots, 0, static_cast<int>(m_rows.size()) - 1);
+    if (source < 0 || target == source || m_session.draggedID())
+        return;
+    Q_EMIT reordered(tickwise::reordered(ids(), source, target));
+    focusRow(coinId);
+}
+
+/// Moves the rows between the dragged row's place and its slot aside, from where they are now.
+void WatchlistRows::makeRoom()
+{
+    std::map<int, double> now;
+    for (const auto &[index, row] : m_shown)
+        now[index] = offsetOf(index);
+    const bool isDragging = m_session.draggedID().has_value();
+    m_makingRoom.stop();
+    m_roomFrom = isDragging ? std::move(now) : std::map<int, double>();
+    m_roomTo = isDragging ? roomFor(m_session.sourceIndex(), m_session.insertionIndex()) : std::map<int, double>();
+    if (isDragging && !m_session.reduceMotion() && m_roomFrom != m_roomTo)
+        m_makingRoom.start();
+    layOut();
+}
+
+double WatchlistRows::offsetOf(int index) const
+{
+    const double to = valueAt(m_roomTo, index);
+    if (m_makingRoom.state() != QAbstractAnimation::Running)
+        return to;
+    const std::chrono::duration<double> time(m_makingRoom.currentValue().toDouble());
+    const double from = valueAt(m_roomFrom, index);
+    return from + (to - from) * WatchlistReorderSession::makeRoomSpring.positionAt(time);
+}
+
+void WatchlistRows::layOut()
+{
+    const int offset = verticalScrollBar()->value();
+    const int last =
+        std::min(static_cast<int>(m_rows.size()) - 1, (offset + viewport()->height()) / rowHeight + rowsAround);
+    const int first = std::max(0, offset / rowHeight - rowsAround);
+    recycleOutside(first, last);
+    for (int index = first; index <= last; ++index)
+        materialize(index);
+    for (const auto &[index, row] : m_shown) {
+        const bool isDragged = m_session.draggedID() == row->content().entry.coinId;
+        const double top = isDragged ? offset + m_session.floatingY() : index * reorderRowHeight + offsetOf(index);
+        row->setGeometry(0, static_cast<int>(std::lround(top)), m_content->width(), rowHeight);
+        row->setFloating(isDragged);
+        if (isDragged)
+            row->raise();
+    }
+}
+
+WatchlistRow &WatchlistRows::materialize(int index)
+{
+    if (WatchlistRow *const shown = rowAt(index))
+        return *shown;
+    WatchlistRow *row = nullptr;
+    if (m_spare.empty()) {
+        row = new WatchlistRow(m_logos, m_content);
+        connectRow(*row);
+    } else {
+        row = m_spare.back();
+        m_spare.pop_back();
+    }
+    row->setContent(m_rows[static_cast<size_t>(index)]);
+    row->setGeometry(0, index * rowHeight, m_content->width(), rowHeight);
+    row->show();
+    // The keyboard's way follows the rows' order.
+    const auto next = m_shown.emplace(index, row).first;
+    if (next != m_shown.begin())
+        QWidget::setTabOrder(std::prev(next)->second, row);
+    if (std::next(next) != m_shown.end())
+        QWidget::setTabOrder(row, std::next(next)->second);
+    return *row;
+}
+
+/// Takes away the rows outside the range, but for the one that holds the pointer or the keyboard.
+void WatchlistRows::recycleOutside(int first, int last)
+{
+    for (auto shown = m_shown.begin(); shown != m_shown.end();) {
+        const auto [index, row] = *shown;
+        const bool exists = index < static_cast<int>(m_rows.size());
+        const bool isHeld = row->content().entry.coinId == m_session.draggedID() || row->isAncestorOf(focusWidget());
+        if ((index >= first && index <= last) || (exists && isHeld)) {
+            ++shown;
+            continue;
+        }
+        row->hide();
+        m_spare.push_back(row);
+        shown = m_shown.erase(shown);
+    }
+}
+
+void WatchlistRows::connectRow(WatchlistRow &row)
+{
+    connect(&row, &WatchlistRow::dragStarted, this, [this, &row](QPointF press) { startDrag(row, press); });
+    connect(&row, &WatchlistRow::dragged, this, [this](QPointF position) { m_session.drag(viewportY(position)); });
+    connect(&row, &WatchlistRow::released, this, [this] { m_session.end(); });
+    connect(&row, &WatchlistRow::moveRequested, this,
+            [this, &row](int slots) { moveBy(row.content().entry.coinId, slots); });
+    connect(&row, &WatchlistRow::deleteRequested, this,
+            [this, &row] { Q_EMIT deleteRequested(row.content().entry.coinId); });
+    connect(&row, &WatchlistRow::kindChosen, this,
+            [this, &row](CoinAlertKind kind) { Q_EMIT kindChosen(row.content().entry.coinId, kind); });
+    connect(&row, &WatchlistRow::thresholdEdited, this,
+            [this, &row](double threshold) { Q_EMIT thresholdEdited(row.content().entry.coinId, threshold); });
+}
+
+} // namespace tickwise

@@ -1,0 +1,179 @@
+#include "ui/watchlist/WatchlistView.h"
+
+#include "catalog/logos/CoinLogoStore.h"
+#include "pipeline/WatchlistEditing.h"
+#include "support/Localization.h"
+#include "ui/controls/Look.h"
+#include "ui/watchlist/CoinToggleList.h"
+#include "ui/watchlist/WatchlistRows.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace tickwise {
+
+namespace {
+
+constexpr int recommendedRowsInSight = 3;
+
+} // namespace
+
+WatchlistView::WatchlistView(WatchlistContext context, QWidget *parent)
+    : QWidget(parent)
+    , m_context(context)
+    , m_recommendedModel([&model = context.viewModel](const QString &id) { return model.isAdded(id); })
+    , m_add(new QPushButton)
+    , m_rows(new WatchlistRows(m_session, context.logos))
+    , m_empty(new QLabel)
+    , m_recommendedTitle(new QLabel)
+    , m_recommended(new CoinToggleList(m_recommendedModel, context.logos))
+{
+    new QVBoxLayout(this);
+    buildHeader();
+    buildRows();
+    buildRecommended();
+    connectSources();
+    writeTexts();
+    showSettings();
+}
+
+WatchlistView::~WatchlistView()
+{
+    // Both use the session, which ends before the widgets of this view would.
+    delete m_panel;
+    delete m_rows;
+}
+
+void WatchlistView::buildHeader()
+{
+    auto *const row = new QHBoxLayout;
+    row->addStretch();
+    m_add->setObjectName(QStringLiteral("watchlist.addCoin"));
+    row->addWidget(m_add);
+    static_cast<QVBoxLayout *>(layout())->addLayout(row);
+    connect(m_add, &QPushButton::clicked, this, &WatchlistView::openSearch);
+}
+
+void WatchlistView::buildRows()
+{
+    m_empty->setAlignment(Qt::AlignCenter);
+    m_empty->setForegroundRole(QPalette::PlaceholderText);
+    auto *const column = static_cast<QVBoxLayout *>(layout());
+    column->addWidget(m_rows, 1);
+    column->addWidget(m_empty, 1);
+    connect(m_rows, &WatchlistRows::reordered, this,
+            [this](const QStringList &ids) { edit(withWatchlistOrder(m_context.settings.settings(), ids)); });
+    connect(m_rows, &WatchlistRows::deleteRequested, this, [this](const QString &id) {
+        m_session.cancel();
+        edit(withCoinRemoved(m_context.settings.settings(), id));
+    });
+    connect(m_rows, &WatchlistRows::kindChosen, this, [this](const QString &id, CoinAlertKind kind) {
+        editEntry(id, [kind](WatchlistCoin &entry) { entry.alertKind = kind; });
+    });
+    connect(m_rows, &WatchlistRows::thresholdEdited, this, [this](const QString &id, double threshold) {
+        editEntry(id, [threshold](WatchlistCoin &entry) { entry.notificationThreshold = threshold; });
+    });
+}
+
+void WatchlistView::buildRecommended()
+{
+    m_recommended->setObjectName(QStringLiteral("watchlist.recommended"));
+    m_recommended->setFixedHeight(look::scaled(recommendedRowsInSight * CoinToggleDelegate::rowHeight));
+    m_recommendedTitle->setBuddy(m_recommended);
+    QFont font = m_recommendedTitle->font();
+    font.setBold(true);
+    m_recommendedTitle->setFont(font);
+    layout()->addWidget(m_recommendedTitle);
+    layout()->addWidget(m_recommended);
+    connect(m_recommended, &CoinToggleList::toggled, this,
+            [this](const QString &id) { m_context.viewModel.toggle(id, &m_session); });
+    connect(static_cast<CoinToggleDelegate *>(m_recommended->itemDelegate()), &CoinToggleDelegate::coinSeen, this,
+            &WatchlistView::ensureLogo, Qt::QueuedConnection);
+}
+
+void WatchlistView::connectSources()
+{
+    m_settingsNotifier = m_context.settings.bindableSettings().addNotifier([this] { showSettings(); });
+    connect(&m_context.viewModel, &WatchlistViewModel::coinsChanged, this, &WatchlistView::showSettings);
+    if (m_context.logos) {
+        connect(m_context.logos, &CoinLogoStore::cachedIDsChanged, this, [this] {
+            m_recommendedModel.refresh();
+            m_rows->viewport()->update();
+        });
+    }
+}
+
+void WatchlistView::openSearch()
+{
+    if (!m_panel) {
+        m_panel =
+            new WatchlistAddCoinPanel(m_context.viewModel, m_context.settings, m_session, m_context.logos, window());
+        connect(m_panel, &WatchlistAddCoinPanel::coinSeen, this, &WatchlistView::ensureLogo);
+        connect(m_panel, &WatchlistAddCoinPanel::closed, m_add, [this] { m_add->setFocus(); });
+    }
+    m_panel->open();
+}
+
+void WatchlistView::ensureLogo(const QString &id)
+{
+    const auto coin = m_context.catalog.byID().constFind(id);
+    if (m_context.logos && coin != m_context.catalog.byID().constEnd())
+        m_context.logos->ensureLogo(*coin);
+}
+
+void WatchlistView::edit(const AppSettings &settings)
+{
+    if (settings != m_context.settings.settings())
+        m_context.settings.update(settings);
+}
+
+void WatchlistView::editEntry(const QString &coinId, const std::function<void(WatchlistCoin &)> &change)
+{
+    AppSettings settings = m_context.settings.settings();
+    const auto entry = std::ranges::find(settings.watchlistCoins, coinId, &WatchlistCoin::coinId);
+    if (entry == settings.watchlistCoins.end())
+        return;
+    change(*entry);
+    edit(settings);
+}
+
+void WatchlistView::showSettings()
+{
+    m_rows->setRows(watchlistRows(m_context.settings.settings(), m_context.catalog.byID()));
+    m_rows->setVisible(!m_rows->rows().empty());
+    m_empty->setVisible(m_rows->rows().empty());
+    m_recommendedModel.setCoins(m_context.viewModel.recommendedCoins());
+    const bool hasRecommended = m_recommendedModel.rowCount() > 0;
+    m_recommendedTitle->setVisible(hasRecommended);
+    m_recommended->setVisible(hasRecommended);
+}
+
+void WatchlistView::showEvent(QShowEvent *event)
+{
+    m_session.setReduceMotion(!style()->styleHint(QStyle::SH_Widget_Animate, nullptr, this));
+    QWidget::showEvent(event);
+}
+
+void WatchlistView::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        writeTexts();
+    QWidget::changeEvent(event);
+}
+
+void WatchlistView::writeTexts()
+{
+    m_add->setText(localized(QStringLiteral("watchlist.addCoin")));
+    m_recommendedTitle->setText(localized(QStringLiteral("watchlist.recommended")));
+    m_recommended->setAccessibleName(m_recommendedTitle->text());
+    m_empty->setText(localized(QStringLiteral("popover.empty")));
+    m_rows->setAccessibleName(localized(QStringLiteral("popover.watchlist")));
+}
+
+} // namespace tickwise
