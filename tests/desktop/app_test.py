@@ -5,7 +5,8 @@ import os
 import signal
 import unittest
 
-from application import BUILD, IDENTIFIER, PROBE, Application, Texts, coin, read, settings_file, wait_for_saved
+from application import (BUILD, IDENTIFIER, PROBE, Application, Texts, coin, keep_picture, read, settings_file,
+                         wait_for_saved)
 from desktop_session import SwaySession, X11Session
 from panel_pixels import GREEN, NEAR_WHITE, RED, WHITE, box_of, coloured, middle, wait_for_box
 
@@ -149,7 +150,28 @@ class XfceTest(PanelChecks, unittest.TestCase):
                 desktop.press_key(key)
             application.wait_for_content(text="ETH 3,188")
             wait_for_box(desktop, RED, lambda box: box[2] > 30)
-            wait_for_saved(desktop, r'\"displayedCoinId\":\"ethereum\"')
+            wait_for_saved(desktop, '"displayedCoinId":"ethereum"')
+
+    def test_settings_window(self):
+        """The desktop's action opens it; its delete button takes a coin out; Escape closes it and keeps its frame."""
+        with self.make_session() as desktop:
+            application = Application(desktop, TWO_PRICES, addedCoins=TWO_COINS)
+            wait_for_box(desktop, GREEN, lambda box: box[2] > 40)
+            before = set(desktop.windows("app_probe"))
+            desktop.bus.call(IDENTIFIER, "/" + IDENTIFIER.replace(".", "/"), "org.freedesktop.Application",
+                             "ActivateAction", "(sava{sv})", ("watchlist", [], {}))
+            window = desktop.wait_for(lambda: set(desktop.windows("app_probe")) - before, what="the window").pop()
+            desktop.wait_for(lambda: desktop.window_geometry(window)[1] > 100, what="the window in the middle")
+            left, top, width, height = desktop.window_geometry(window)
+            self.assertEqual((width, height), (786, 500))
+            keep_picture(desktop, "settings-watchlist.png")
+            desktop.click(left + width - 42, top + 102)
+            application.wait_for_content(text="ETH 3,188")
+            wait_for_saved(desktop, '"displayedCoinId":"ethereum"')
+            desktop.press_key("Escape")
+            frame = os.path.join(os.path.dirname(settings_file(desktop)), "SettingsWindow.json")
+            desktop.wait_for(lambda: (read(frame) or "").endswith(",786,500]"), what="the stored frame")
+            desktop.wait_for(lambda: set(desktop.windows("app_probe")) == before, what="the window's end")
 
     def test_menu_quits(self):
         with self.make_session() as desktop:
@@ -227,7 +249,7 @@ class WaybarTest(PanelChecks, unittest.TestCase):
             application = Application(desktop, TWO_PRICES, addedCoins=watchlist)
             desktop.wait_for_item()
             change, *others = desktop.menu_layout()["children"]
-            keys = ("menu.checkForUpdates", "menu.quit")
+            keys = ("menu.setting", "menu.about", "menu.checkForUpdates", "menu.quit")
             labels = [entry["properties"].get("label") for entry in others]
             self.assertEqual([label for label in labels if label], [ENGLISH.text(key) for key in keys])
             self.assertEqual(change["properties"]["label"], ENGLISH.text("menu.change"))
@@ -236,7 +258,7 @@ class WaybarTest(PanelChecks, unittest.TestCase):
             desktop.click_menu_item(change["children"][1]["id"])
             application.wait_for_content(text="ETH 3,188")
             wait_for_box(desktop, RED, lambda box: box[2] > 30)
-            wait_for_saved(desktop, r'\"displayedCoinId\":\"ethereum\"')
+            wait_for_saved(desktop, '"displayedCoinId":"ethereum"')
             desktop.click_menu_item(desktop.menu_layout()["children"][-1]["id"])
             self.assertEqual(application.process.wait(), 0)
 

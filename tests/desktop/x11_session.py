@@ -1,6 +1,7 @@
 """A desktop on an X server without a screen."""
 
 import os
+import re
 import subprocess
 
 from desktop_base import WATCHER, DesktopSession, make_socket_directory
@@ -126,9 +127,10 @@ class X11Session(DesktopSession):
 
     def window_geometry(self, window):
         """x, y, width and height on the screen."""
-        lines = self.tool(["xdotool", "getwindowgeometry", "--shell", str(window)]).decode().splitlines()
-        values = dict(line.split("=", 1) for line in lines)
-        return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+        # xdotool counts a window manager's frame twice.
+        text = self.tool(["xwininfo", "-id", str(window)]).decode()
+        fields = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
+        return tuple(int(re.search(rf"{field}: +(-?\d+)", text).group(1)) for field in fields)
 
     def move_pointer(self, x, y):
         self.tool(["xdotool", "mousemove", str(x), str(y)])
