@@ -143,6 +143,13 @@ void AppDelegate::followMenuInputs()
     connect(this, &AppDelegate::languageApplied, m_statusItem.get(), update);
 }
 
+WatchlistViewModel &AppDelegate::watchlistViewModel()
+{
+    if (!m_watchlistViewModel)
+        m_watchlistViewModel = std::make_unique<WatchlistViewModel>(m_catalog, m_settingsViewModel);
+    return *m_watchlistViewModel;
+}
+
 CoinLogoStore &AppDelegate::logoStore()
 {
     if (!m_logoStore) {
@@ -163,6 +170,8 @@ Menu AppDelegate::makeStatusMenu()
 {
     StatusMenuActions actions;
     actions.changeCoin = [this](const QString &coinId) { changeCoin(coinId); };
+    actions.openSettings = [this] { openSettingsWindow(SettingsTab::general); };
+    actions.openAbout = [this] { openSettingsWindow(SettingsTab::about); };
     actions.checkForUpdates = [this] { m_updateController.checkForUpdates(); };
     actions.quit = [this] { Q_EMIT quitRequested(); };
     return statusMenu(m_settingsViewModel.settings(), m_catalog, m_updateController.canCheckForUpdates(), actions);
@@ -187,6 +196,8 @@ void AppDelegate::activate(const QString &token)
 void AppDelegate::openSettingsWindow(SettingsTab tab, const QString &token)
 {
     requireMainThread();
+    if (m_popover)
+        m_popover->close();
     Q_EMIT settingsWindowRequested(tab, token);
 }
 

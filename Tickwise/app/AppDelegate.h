@@ -12,6 +12,7 @@
 #include "ui/LaunchAtLoginService.h"
 #include "ui/popover/PopoverSurface.h"
 #include "ui/updates/UpdateController.h"
+#include "ui/watchlist/WatchlistViewModel.h"
 #include "widget/WidgetSnapshotWriter.h"
 
 #include <QObject>
@@ -72,6 +73,8 @@ public:
     MenuBarViewModel &menuBarViewModel() { return m_menuBarViewModel; }
     /// Created on first use.
     CoinLogoStore &logoStore();
+    /// Created on first use.
+    WatchlistViewModel &watchlistViewModel();
     UpdateController &updateController() { return m_updateController; }
     /// Created on first use, which starts polling.
     CoinListViewModel &coinListViewModel();
@@ -84,7 +87,7 @@ public:
     /// Brings the application to the front and opens the popover: what a second copy and a notification's click ask
     /// for.
     void activate(const QString &token = {});
-    /// Asks for the settings window on that tab.
+    /// Closes the popover and asks for the settings window on that tab.
     void openSettingsWindow(SettingsTab tab, const QString &token = {});
     /// The first address with the scheme "tickwise", written just so, brings the application to the front; others are
     /// ignored.
@@ -132,6 +135,7 @@ private:
     std::unique_ptr<StatusItem> m_statusItem;
     std::unique_ptr<WidgetSnapshotWriter> m_widgetSnapshotWriter;
     std::unique_ptr<CoinLogoStore> m_logoStore;
+    std::unique_ptr<WatchlistViewModel> m_watchlistViewModel;
     std::unique_ptr<PopoverController> m_popover;
     bool m_opensPopoverAfterLaunch = false;
     SettingsReactions m_settingsReactions;

@@ -102,6 +102,7 @@ Application::Application(ApplicationConfiguration configuration)
     , m_widgetCenter(m_sessionBus)
     , m_packageInstaller(runningAppImage(), &QCoreApplication::quit)
     , m_delegate(makeEnvironment())
+    , m_settingsWindow(settingsWindowContext())
 {
     QGuiApplication::setApplicationDisplayName(QString::fromLatin1(appInfo::displayName));
     QGuiApplication::setDesktopFileName(m_configuration.identifier);
@@ -123,6 +124,13 @@ void Application::connectServices()
     QObject::connect(&m_delegate, &AppDelegate::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
     QObject::connect(&m_delegate, &AppDelegate::activationRequested, qApp, bringToFront);
     QObject::connect(&m_delegate, &AppDelegate::languageApplied, &m_updateWindow, &UpdateWindowPresenter::retranslate);
+    QObject::connect(&m_delegate, &AppDelegate::languageApplied, &m_settingsWindow,
+                     &SettingsWindowController::retranslate);
+    QObject::connect(&m_delegate, &AppDelegate::settingsWindowRequested, &m_settingsWindow,
+                     [this](SettingsTab tab, const QString &token) {
+                         m_settingsWindow.open(tab);
+                         bringToFront(token);
+                     });
     QObject::connect(&m_singleInstance, &SingleInstance::activated, &m_delegate, &AppDelegate::activate);
     QObject::connect(&m_singleInstance, &SingleInstance::urlsOpened, &m_delegate, &AppDelegate::openUrls);
     QObject::connect(&m_singleInstance, &SingleInstance::actionActivated, &m_delegate, &AppDelegate::performAction);
@@ -146,6 +154,21 @@ AppEnvironment Application::makeEnvironment()
     if (!m_configuration.feedUrl.isEmpty())
         environment.attachUpdater = [this](UpdateController &controller) { attachUpdater(controller); };
     return environment;
+}
+
+SettingsWindowContext Application::settingsWindowContext()
+{
+    return {.settings = m_delegate.settingsViewModel(),
+            .storage = m_defaults,
+            .catalog = m_delegate.catalog(),
+            .updates = m_delegate.updateController(),
+            .watchlist = [this]() -> WatchlistViewModel & { return m_delegate.watchlistViewModel(); },
+            .logos = [this]() -> CoinLogoStore & { return m_delegate.logoStore(); },
+            .about = {.name = QString::fromLatin1(appInfo::displayName),
+                      .version = QString::fromLatin1(appInfo::version),
+                      .contact = QString::fromLatin1(appInfo::contact),
+                      .projectLink = QString::fromLatin1(appInfo::projectLink)},
+            .abilities = {.hasOverlay = false}};
 }
 
 bool Application::isSecondCopy()

@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppInfo.h"
+#include "app/SettingsWindowController.h"
 #include "platform/dbus/SessionBus.h"
 #include "platform/network/NetworkHttpClient.h"
 #include "platform/network/NetworkWatch.h"
@@ -46,6 +47,7 @@ public:
 
 private:
     AppEnvironment makeEnvironment();
+    SettingsWindowContext settingsWindowContext();
     bool isSecondCopy();
     void attachUpdater(UpdateController &controller);
     void connectServices();
@@ -69,6 +71,7 @@ private:
     UpdateWindowPresenter m_updateWindow;
     QPointer<SparkleUpdaterBackend> m_updater; ///< owned by the delegate's controller
     AppDelegate m_delegate;
+    SettingsWindowController m_settingsWindow;
 };
 
 } // namespace tickwise

@@ -157,6 +157,7 @@ private Q_SLOTS:
     void authorizationIsRequestedOnce();
     void menuListsTheWatchlistAndQuits();
     void menuChecksForUpdates();
+    void menuOpensTheSettings();
     void menuHasNoEntryForAnUnknownCoin();
     void menuIsBuiltAnewEachTime();
     void menuChangesAreAnnouncedAtOnce();
@@ -311,17 +312,32 @@ void AppDelegateTest::menuListsTheWatchlistAndQuits()
     World world;
     world.launch();
     const Menu menu = world.item->menu();
-    QCOMPARE(texts(menu), (QStringList{localized(QStringLiteral("menu.change")), QStringLiteral("-"),
-                                       localized(QStringLiteral("menu.checkForUpdates")), QStringLiteral("-"),
-                                       localized(QStringLiteral("menu.quit"))}));
+    QCOMPARE(texts(menu),
+             (QStringList{localized(QStringLiteral("menu.change")), QStringLiteral("-"),
+                          localized(QStringLiteral("menu.setting")), localized(QStringLiteral("menu.about")),
+                          localized(QStringLiteral("menu.checkForUpdates")), QStringLiteral("-"),
+                          localized(QStringLiteral("menu.quit"))}));
     QCOMPARE(texts(menu.front().children),
              (QStringList{QStringLiteral("BTC - Bitcoin"), QStringLiteral("ETH - Ethereum")}));
     QCOMPARE(menu.front().children[0].checked, std::optional(true));
     QCOMPARE(menu.front().children[1].checked, std::optional(false));
-    QVERIFY(!menu[2].enabled);
+    QVERIFY(!menu[4].enabled);
     QVERIFY(!menu.back().iconName.isEmpty());
     menu.back().activate();
     QCOMPARE(world.quit->count(), 1);
+}
+
+void AppDelegateTest::menuOpensTheSettings()
+{
+    World world;
+    world.launch();
+    std::vector<SettingsTab> tabs;
+    connect(world.delegate.get(), &AppDelegate::settingsWindowRequested, this,
+            [&](SettingsTab tab) { tabs.push_back(tab); });
+    const Menu menu = world.item->menu();
+    menu[2].activate();
+    menu[3].activate();
+    QVERIFY(tabs == (std::vector{SettingsTab::general, SettingsTab::about}));
 }
 
 void AppDelegateTest::menuChecksForUpdates()
@@ -331,15 +347,15 @@ void AppDelegateTest::menuChecksForUpdates()
     UpdaterBackendDouble &updater = *backend;
     world.attachUpdater = [&](UpdateController &controller) { controller.attach(std::move(backend)); };
     world.launch();
-    QVERIFY(!world.item->menu()[2].enabled);
+    QVERIFY(!world.item->menu()[4].enabled);
     updater.canCheck = true;
-    const MenuEntry entry = world.item->menu()[2];
+    const MenuEntry entry = world.item->menu()[4];
     QVERIFY(entry.enabled);
     QCOMPARE(updater.checks, 0);
     entry.activate();
     QCOMPARE(updater.checks, 1);
     updater.canCheck = false;
-    QVERIFY(!world.item->menu()[2].enabled);
+    QVERIFY(!world.item->menu()[4].enabled);
 }
 
 void AppDelegateTest::menuHasNoEntryForAnUnknownCoin()

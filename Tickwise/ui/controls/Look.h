@@ -7,7 +7,7 @@ class QPainter;
 class QPalette;
 class QRectF;
 
-/// The measures and colours of the surfaces that we paint. Colours come from the palette; lengths are points, which
+/// The measures and colors of the surfaces that we paint. Colors come from the palette; lengths are points, which
 /// `scaled` turns into logical pixels at the desktop's text scale.
 namespace tickwise::look {
 

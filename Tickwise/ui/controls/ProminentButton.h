@@ -4,7 +4,7 @@
 
 namespace tickwise {
 
-/// The one button that a surface wants to be pressed: its text on the accent colour.
+/// The one button that a surface wants to be pressed: its text on the accent color.
 class ProminentButton : public QAbstractButton
 {
     Q_OBJECT

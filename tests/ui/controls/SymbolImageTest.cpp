@@ -18,7 +18,7 @@ private Q_SLOTS:
     void hasTheSymbolsOfTheInterface();
     void isSharpOnDenseScreens_data();
     void isSharpOnDenseScreens();
-    void coloursAreKeptApart();
+    void colorsAreKeptApart();
     void unknownSymbolIsNull_data();
     void unknownSymbolIsNull();
 };
@@ -97,7 +97,7 @@ void SymbolImageTest::isSharpOnDenseScreens()
     QCOMPARE(pixmap.deviceIndependentSize(), QSizeF(16, 16));
 }
 
-void SymbolImageTest::coloursAreKeptApart()
+void SymbolImageTest::colorsAreKeptApart()
 {
     const auto power = [](const QColor &color) { return symbolPixmap(QStringLiteral("power"), color, 32, 1); };
     QCOMPARE(covered(power(Qt::red).toImage(), Qt::blue), 0);

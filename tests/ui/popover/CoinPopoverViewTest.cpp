@@ -73,7 +73,7 @@ QRect difference(const QImage &one, const QImage &other, const QRect &area)
     return box;
 }
 
-/// The first and last column of the area with a pixel of about that colour; none: an invalid rectangle.
+/// The first and last column of the area with a pixel of about that color; none: an invalid rectangle.
 QRect columnsOf(const QImage &picture, const QRect &area, QColor color)
 {
     QRect box;

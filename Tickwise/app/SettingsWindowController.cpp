@@ -1,0 +1,54 @@
+#include "app/SettingsWindowController.h"
+
+#include "support/MainThread.h"
+#include "ui/watchlist/WatchlistView.h"
+#include "ui/watchlist/WatchlistViewModel.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+namespace tickwise {
+
+SettingsWindowController::SettingsWindowController(SettingsWindowContext context, QObject *parent)
+    : QObject(parent)
+    , m_context(std::move(context))
+{
+}
+
+SettingsWindowController::~SettingsWindowController()
+{
+    delete m_window;
+}
+
+void SettingsWindowController::open(SettingsTab tab)
+{
+    requireMainThread();
+    m_context.settings.setSettingsWindowTab(tab);
+    if (!m_window)
+        build();
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+void SettingsWindowController::build()
+{
+    auto *const general = new GeneralSettingsView(m_context.settings, m_context.catalog);
+    general->setAbilities(m_context.abilities);
+    auto *const watchlist =
+        new WatchlistView({m_context.settings, m_context.catalog, m_context.watchlist(), &m_context.logos()});
+    auto *const about = new AboutView(m_context.settings, m_context.updates, m_context.about);
+    m_window = new SettingsWindow(m_context.settings, m_context.storage, {general, watchlist, about});
+    connect(m_window, &SettingsWindow::closed, m_window, &QObject::deleteLater);
+    connect(m_window, &SettingsWindow::closed, this, [this] { m_window.clear(); });
+}
+
+void SettingsWindowController::retranslate()
+{
+    if (!m_window)
+        return;
+    QEvent change(QEvent::LanguageChange);
+    QCoreApplication::sendEvent(m_window, &change);
+}
+
+} // namespace tickwise

@@ -1,0 +1,218 @@
+#include "ui/settings/GeneralSettingsView.h"
+
+#include "ui/settings/ColorPickerRow.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSlider>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+namespace tickwise {
+
+namespace {
+
+constexpr int pickerWidth = 220;
+constexpr int textSizePickerWidth = 160;
+constexpr int opacitySliderWidth = 176;
+constexpr int opacityLabelWidth = 40;
+constexpr int opacitySteps = 1000;
+
+std::function<QString()> textOf(const QString &key)
+{
+    return [key] { return localized(key); };
+}
+
+int percent(double share)
+{
+    return std::isfinite(share) ? int(std::lround(std::clamp(share, 0.0, 1.0) * 100)) : 0;
+}
+
+QString coinTitle(const QString &id, const CoinCatalog &catalog)
+{
+    const auto coin = catalog.byID().constFind(id);
+    return coin == catalog.byID().constEnd() ? id : coin->symbol + QStringLiteral(" - ") + coin->name;
+}
+
+} // namespace
+
+GeneralSettingsView::GeneralSettingsView(SettingsViewModel &settings, const CoinCatalog &catalog, QWidget *parent)
+    : SettingsForm(settings, parent)
+    , m_catalog(catalog)
+{
+    buildLaunch();
+    buildPanel();
+    buildDesktop();
+    buildPrices();
+    buildNotifications();
+    buildLanguage();
+    static_cast<QVBoxLayout *>(layout())->addStretch();
+    setAbilities({});
+}
+
+void GeneralSettingsView::setAbilities(const DesktopAbilities &abilities)
+{
+    m_abilities = abilities;
+    m_statusItemHint->setText(abilities.statusItemHintKey.isEmpty() ? QString()
+                                                                    : localized(abilities.statusItemHintKey));
+    m_statusItemHint->setVisible(!abilities.statusItemHintKey.isEmpty());
+    m_overlayUnavailable->setVisible(!abilities.hasOverlay);
+    m_adjust->setEnabled(abilities.hasOverlay && settingsViewModel().settings().desktopOverlayEnabled);
+}
+
+void GeneralSettingsView::buildLaunch()
+{
+    addToggle(addSection(QStringLiteral("general.section.launch")), QStringLiteral("general.launch.atLogin"),
+              &AppSettings::launchAtLogin);
+}
+
+void GeneralSettingsView::buildPanel()
+{
+    QFormLayout *const section = addSection(QStringLiteral("general.section.menubar"));
+    m_statusItemHint = new QLabel(this);
+    m_statusItemHint->setObjectName(QStringLiteral("statusItemHint"));
+    m_statusItemHint->setWordWrap(true);
+    section->addRow(m_statusItemHint);
+    addToggle(section, QStringLiteral("general.display.textColor"), &AppSettings::priceColorEnabled);
+    std::vector<Choice<PriceColorScheme>> schemes;
+    for (const PriceColorScheme scheme : allCases<PriceColorScheme>())
+        schemes.push_back({scheme, [scheme] { return title(scheme); }});
+    addPicker(section, QStringLiteral("general.display.colorScheme"), pickerWidth, &AppSettings::colorScheme, schemes);
+    buildColorRow(section, QStringLiteral("general.priceColor.upColor"), &AppSettings::customUpColorHex);
+    buildColorRow(section, QStringLiteral("general.priceColor.downColor"), &AppSettings::customDownColorHex);
+    addToggle(section, QStringLiteral("general.display.textBackground"), &AppSettings::showMenuBarBackground);
+    std::vector<Choice<MenuBarContent>> contents;
+    for (const MenuBarContent content : allCases<MenuBarContent>())
+        contents.push_back({content, [content] { return title(content); }});
+    addPicker(section, QStringLiteral("general.display.menubarContent"), pickerWidth, &AppSettings::menuBarContent,
+              contents);
+    buildDisplayedCoin(section);
+}
+
+void GeneralSettingsView::buildDisplayedCoin(QFormLayout *section)
+{
+    const QString key = QStringLiteral("general.display.menubarCoin");
+    auto *const picker = new QComboBox(this);
+    picker->setObjectName(key);
+    picker->setFixedWidth(pickerWidth);
+    addRow(section, key, picker);
+    follow([this, picker](const AppSettings &settings) {
+        const QSignalBlocker blocker(picker);
+        QStringList ids;
+        for (const WatchlistCoin &coin : settings.watchlistCoins)
+            ids.append(coin.coinId);
+        if (picker->property("ids") != QVariant(ids)) {
+            picker->setProperty("ids", ids);
+            picker->clear();
+            for (const QString &id : ids)
+                picker->addItem(coinTitle(id, m_catalog), id);
+        }
+        picker->setCurrentIndex(picker->findData(settings.displayedCoinId));
+        picker->setEnabled(!ids.isEmpty());
+    });
+    connect(picker, &QComboBox::activated, this, [this, picker](int index) {
+        edit([&](AppSettings &settings) { settings.displayedCoinId = picker->itemData(index).toString(); });
+    });
+    addHint(section, QStringLiteral("general.display.menubarCoin.hint"));
+}
+
+void GeneralSettingsView::buildColorRow(QFormLayout *section, const QString &key, QString AppSettings::*field)
+{
+    auto *const row = new ColorPickerRow(this);
+    row->setObjectName(key);
+    QLabel *const label = addRow(section, key, row);
+    translate([row, key] { row->setName(localized(key)); });
+    follow([row, label, field](const AppSettings &settings) {
+        row->setHexColor(settings.*field);
+        const bool isCustom = settings.colorScheme == PriceColorScheme::custom;
+        row->setVisible(isCustom);
+        label->setVisible(isCustom);
+    });
+    connect(row, &ColorPickerRow::hexColorEdited, this, [this, field](const QString &hexColor) {
+        edit([&](AppSettings &settings) { settings.*field = hexColor; });
+    });
+}
+
+void GeneralSettingsView::buildDesktop()
+{
+    QFormLayout *const section = addSection(QStringLiteral("general.section.desktop"));
+    addToggle(section, QStringLiteral("general.desktop.overlay"), &AppSettings::desktopOverlayEnabled);
+    m_overlayUnavailable = addHint(section, QStringLiteral("desktop.unavailable"));
+    std::vector<Choice<DesktopOverlayTextSize>> sizes;
+    for (const DesktopOverlayTextSize size : allCases<DesktopOverlayTextSize>())
+        sizes.push_back({size, [size] { return title(size); }});
+    addPicker(section, QStringLiteral("desktop.textSize"), textSizePickerWidth, &AppSettings::desktopOverlayTextSize,
+              sizes);
+    buildOpacity(section);
+    auto *const adjust = new QPushButton(this);
+    adjust->setObjectName(QStringLiteral("desktop.adjust.start"));
+    translate([adjust] { adjust->setText(localized(QStringLiteral("desktop.adjust.start"))); });
+    follow([this, adjust](const AppSettings &settings) {
+        adjust->setEnabled(settings.desktopOverlayEnabled && m_abilities.hasOverlay);
+    });
+    connect(adjust, &QPushButton::clicked, this, &GeneralSettingsView::adjustOverlayRequested);
+    section->addRow(QString(), adjust);
+    m_adjust = adjust;
+}
+
+void GeneralSettingsView::buildOpacity(QFormLayout *section)
+{
+    auto *const control = new QWidget(this);
+    auto *const row = new QHBoxLayout(control);
+    row->setContentsMargins(0, 0, 0, 0);
+    auto *const slider = new QSlider(Qt::Horizontal, control);
+    slider->setObjectName(QStringLiteral("desktop.opacity"));
+    slider->setRange(0, opacitySteps);
+    slider->setPageStep(opacitySteps / 10);
+    slider->setSingleStep(opacitySteps / 100);
+    slider->setFixedWidth(opacitySliderWidth);
+    auto *const label = new QLabel(control);
+    label->setObjectName(QStringLiteral("opacityLabel"));
+    label->setFixedWidth(opacityLabelWidth);
+    row->addWidget(slider);
+    row->addWidget(label);
+    control->setFocusProxy(slider);
+    addRow(section, QStringLiteral("desktop.opacity"), control);
+    translate([slider] { slider->setAccessibleName(localized(QStringLiteral("desktop.opacity"))); });
+    follow([slider, label](const AppSettings &settings) {
+        const double opacity = settings.desktopOverlayBackgroundOpacity;
+        const QSignalBlocker blocker(slider);
+        slider->setValue(std::isfinite(opacity) ? int(std::lround(std::clamp(opacity, 0.0, 1.0) * opacitySteps)) : 0);
+        label->setText(QString::number(percent(opacity)) + QLatin1Char('%'));
+    });
+    connect(slider, &QSlider::valueChanged, this, [this](int value) {
+        edit([&](AppSettings &settings) { settings.desktopOverlayBackgroundOpacity = double(value) / opacitySteps; });
+    });
+}
+
+void GeneralSettingsView::buildPrices()
+{
+    std::vector<Choice<BaseCurrency>> currencies;
+    for (const BaseCurrency currency : allCases<BaseCurrency>())
+        currencies.push_back({currency, [currency] { return rawValue(currency); }});
+    addPicker(addSection(QStringLiteral("general.section.prices")), QStringLiteral("general.display.currency"),
+              pickerWidth, &AppSettings::baseCurrency, currencies);
+}
+
+void GeneralSettingsView::buildNotifications()
+{
+    addToggle(addSection(QStringLiteral("general.section.notification")),
+              QStringLiteral("general.notification.priceAlert"), &AppSettings::priceChangeNotificationEnabled);
+}
+
+void GeneralSettingsView::buildLanguage()
+{
+    const std::vector<Choice<AppLanguage>> languages{
+        {AppLanguage::system, textOf(QStringLiteral("lang.system"))},
+        {AppLanguage::en, textOf(QStringLiteral("lang.endonym.en"))},
+        {AppLanguage::zhHans, textOf(QStringLiteral("lang.endonym.zh-Hans"))},
+        {AppLanguage::zhHant, textOf(QStringLiteral("lang.endonym.zh-Hant"))},
+    };
+    addPicker(addSection(QStringLiteral("general.section.language")), QStringLiteral("general.language.label"),
+              pickerWidth, &AppSettings::language, languages);
+}
+
+} // namespace tickwise

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "settings/SettingsDataStorage.h"
+#include "settings/SettingsViewModel.h"
+
+#include <QWidget>
+
+class QTabWidget;
+
+namespace tickwise {
+
+/// The window that edits every setting, with a tab each for the general settings, the watchlist and what the
+/// application is. It follows and sets `SettingsViewModel::settingsWindowTab`, and keeps its frame under the key
+/// "SettingsWindow".
+class SettingsWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// The contents of the tabs; the window owns them.
+    struct Pages
+    {
+        QWidget *general;
+        QWidget *watchlist;
+        QWidget *about;
+    };
+
+    SettingsWindow(SettingsViewModel &settings, SettingsDataStorage &storage, const Pages &pages);
+
+Q_SIGNALS:
+    void closed();
+
+protected:
+    void changeEvent(QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void showTab();
+    void writeTexts();
+    void restoreFrame();
+    void saveFrame();
+
+    SettingsViewModel &m_settings;
+    SettingsDataStorage &m_storage;
+    QTabWidget *m_tabs;
+    QPropertyNotifier m_tabNotifier;
+};
+
+} // namespace tickwise
