@@ -73,9 +73,17 @@ void CoinToggleDelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
     painter->setOpacity(1);
     paintTexts(*painter, box.adjusted(logo + look::scaled(spacing), 0, -side - look::scaled(spacing), 0), coin,
                option.palette);
-    if (option.state.testFlag(QStyle::State_HasFocus))
+    if (isMarked(option, index))
         look::drawFocusRing(*painter, option.rect, radius, option.palette);
     painter->restore();
+}
+
+bool CoinToggleDelegate::isMarked(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    if (option.state.testFlag(QStyle::State_HasFocus))
+        return true;
+    const auto *const list = qobject_cast<const QAbstractItemView *>(option.widget);
+    return m_alwaysMarksCurrent && list && list->currentIndex() == index;
 }
 
 void CoinToggleDelegate::paintTexts(QPainter &painter, const QRect &box, const CoinMetadata &coin,

@@ -19,6 +19,9 @@ public:
 
     CoinToggleDelegate(const CoinToggleModel &model, CoinLogoStore *logos, QObject *parent = nullptr);
 
+    /// Marks the current row also while the keyboard is elsewhere: in a field whose keys move through the rows.
+    void setAlwaysMarksCurrent(bool always) { m_alwaysMarksCurrent = always; }
+
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 
@@ -27,10 +30,12 @@ Q_SIGNALS:
     void coinSeen(const QString &id) const;
 
 private:
+    bool isMarked(const QStyleOptionViewItem &option, const QModelIndex &index) const;
     void paintTexts(QPainter &painter, const QRect &box, const CoinMetadata &coin, const QPalette &palette) const;
 
     const CoinToggleModel &m_model;
     CoinLogoStore *m_logos;
+    bool m_alwaysMarksCurrent = false;
 };
 
 /// Coins as rows that toggle their place in the watchlist: by a click, or with Enter or the space bar.

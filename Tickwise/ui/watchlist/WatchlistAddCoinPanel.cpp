@@ -111,8 +111,9 @@ void WatchlistAddCoinPanel::buildList(CoinLogoStore *logos)
     static_cast<QVBoxLayout *>(m_box->layout())->addWidget(m_list, 1);
     static_cast<QVBoxLayout *>(m_box->layout())->addWidget(m_noResults, 1);
     connect(m_list, &CoinToggleList::toggled, this, [this](const QString &id) { m_viewModel.toggle(id, &m_session); });
-    connect(static_cast<CoinToggleDelegate *>(m_list->itemDelegate()), &CoinToggleDelegate::coinSeen, this,
-            &WatchlistAddCoinPanel::coinSeen, Qt::QueuedConnection);
+    auto *const delegate = static_cast<CoinToggleDelegate *>(m_list->itemDelegate());
+    delegate->setAlwaysMarksCurrent(true);
+    connect(delegate, &CoinToggleDelegate::coinSeen, this, &WatchlistAddCoinPanel::coinSeen, Qt::QueuedConnection);
     if (logos)
         connect(logos, &CoinLogoStore::cachedIDsChanged, this, [this] { m_model.refresh(); });
 }

@@ -94,6 +94,7 @@ private Q_SLOTS:
     void emptyListSaysSo();
     void unknownCoinsAndDuplicatesAreShown();
     void searchFindsAndAdds();
+    void searchMarksTheCurrentRow();
     void searchKeepsItsText();
     void escapeClosesTheSearch();
     void escapeEndsACompositionFirst();
@@ -277,6 +278,26 @@ void WatchlistViewTest::searchFindsAndAdds()
     QVERIFY(!panel->findChild<QLabel *>(QStringLiteral("watchlist.search.noResults"))->text().isEmpty());
     panel->findChild<IconButton *>(QStringLiteral("watchlist.search.clear"))->click();
     QCOMPARE(list->model()->rowCount(), 200);
+}
+
+void WatchlistViewTest::searchMarksTheCurrentRow()
+{
+    World world(1);
+    world.view->openSearch();
+    auto *const panel = world.view->findChild<WatchlistAddCoinPanel *>();
+    auto *const field = panel->findChild<QLineEdit *>();
+    auto *const list = panel->findChild<CoinToggleList *>();
+    const auto row = [list](int number) {
+        return list->grab(list->visualRect(list->model()->index(number, 0))).toImage();
+    };
+    const QImage first = row(0);
+    const QImage second = row(1);
+    QTest::keyClick(field, Qt::Key_Down);
+    QVERIFY(field->hasFocus());
+    QVERIFY(row(0) != first);
+    QTest::keyClick(field, Qt::Key_Down);
+    QCOMPARE(row(0), first);
+    QVERIFY(row(1) != second);
 }
 
 void WatchlistViewTest::searchKeepsItsText()
