@@ -1,11 +1,9 @@
 #include "pipeline/CoinRowContent.h"
 
 #include "pipeline/PriceFormat.h"
+#include "pipeline/TimeText.h"
 #include "settings/PriceColors.h"
 #include "support/Localization.h"
-
-#include <QDateTime>
-#include <QLocale>
 
 #include <cmath>
 
@@ -18,22 +16,6 @@ const QString noPrice = QStringLiteral("--");
 std::optional<double> finite(std::optional<double> value)
 {
     return value && std::isfinite(*value) ? value : std::nullopt;
-}
-
-QDateTime localTime(TimePoint time)
-{
-    return QDateTime::fromMSecsSinceEpoch(
-        std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count());
-}
-
-/// The time alone for today, with the day before or after it.
-QString timeText(TimePoint then, TimePoint now)
-{
-    const QDateTime time = localTime(then);
-    const QString clock = time.time().toString(QStringLiteral("HH:mm:ss"));
-    if (time.date() == localTime(now).date())
-        return clock;
-    return QLocale::system().toString(time.date(), QLocale::ShortFormat) + QLatin1Char(' ') + clock;
 }
 
 QString priceWithCurrency(const QString &price, BaseCurrency currency)
@@ -53,7 +35,7 @@ QString toolTip(const CoinRowInputs &inputs, std::optional<double> price)
     }
     lines.append(priceWithCurrency(exactPrice(*price), inputs.currency));
     if (coin.lastUpdated)
-        lines.append(localized(QStringLiteral("tooltip.fetchedAt")).arg(timeText(*coin.lastUpdated, inputs.now)));
+        lines.append(localized(QStringLiteral("tooltip.fetchedAt")).arg(clockText(*coin.lastUpdated, inputs.now)));
     return lines.join(QLatin1Char('\n'));
 }
 

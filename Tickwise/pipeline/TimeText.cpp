@@ -7,10 +7,25 @@ namespace tickwise {
 
 namespace {
 
+qint64 millisecondsSinceEpoch(TimePoint moment)
+{
+    return std::chrono::floor<std::chrono::milliseconds>(moment.time_since_epoch()).count();
+}
+
 QDateTime localTime(TimePoint moment)
 {
-    const auto sinceEpoch = std::chrono::floor<std::chrono::milliseconds>(moment.time_since_epoch());
-    return QDateTime::fromMSecsSinceEpoch(sinceEpoch.count());
+    return QDateTime::fromMSecsSinceEpoch(millisecondsSinceEpoch(moment));
+}
+
+/// A format without the day periods of traditional Chinese, whose pattern letter Qt would write as it is.
+QString withoutDayPeriods(QString format)
+{
+    return format.remove(u'B');
+}
+
+QString shortTime(const QDateTime &moment, const QLocale &locale)
+{
+    return locale.toString(moment.time(), withoutDayPeriods(locale.timeFormat(QLocale::ShortFormat)));
 }
 
 } // namespace
@@ -24,11 +39,17 @@ QLocale interfaceLocale(const LocalizationBundle &bundle, const QLocale &system)
     return own.language() == system.language() && own.script() == system.script() ? system : own;
 }
 
+QString timeOfDayText(TimePoint moment, const QTimeZone &zone, const QLocale &locale)
+{
+    return shortTime(QDateTime::fromMSecsSinceEpoch(millisecondsSinceEpoch(moment), zone), locale);
+}
+
 QString clockText(TimePoint moment, TimePoint now, const QLocale &locale)
 {
     const QDateTime local = localTime(moment);
-    return local.date() == localTime(now).date() ? locale.toString(local.time(), QLocale::ShortFormat)
-                                                 : locale.toString(local, QLocale::ShortFormat);
+    if (local.date() == localTime(now).date())
+        return shortTime(local, locale);
+    return locale.toString(local, withoutDayPeriods(locale.dateTimeFormat(QLocale::ShortFormat)));
 }
 
 } // namespace tickwise

@@ -1,9 +1,9 @@
 #include "widget/WidgetListText.h"
 
 #include "pipeline/PriceFormat.h"
+#include "pipeline/TimeText.h"
 
-#include <unicode/datefmt.h>
-#include <unicode/timezone.h>
+#include <QLocale>
 
 namespace tickwise {
 
@@ -12,25 +12,9 @@ namespace {
 constexpr QChar upTriangle(0x25b2);
 constexpr QChar downTriangle(0x25bc);
 
-// ICU, because Qt writes the day periods of traditional Chinese as pattern letters.
-QString timeText(TimePoint time, const QTimeZone &zone, AppLanguage effective)
+QString changeWithTriangle(double percent)
 {
-    const icu::Locale locale(rawValue(effective).toLatin1().constData());
-    const std::unique_ptr<icu::DateFormat> format(icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, locale));
-    if (!format)
-        return {};
-    format->adoptTimeZone(icu::TimeZone::createTimeZone(icu::UnicodeString(zone.id().constData())));
-    const std::chrono::duration<double, std::milli> sinceEpoch = time.time_since_epoch();
-    icu::UnicodeString text;
-    format->format(UDate(sinceEpoch.count()), text);
-    return QString::fromUtf16(text.getBuffer(), text.length());
-}
-
-QString changeText(double percent)
-{
-    if (percent >= 0)
-        return upTriangle + QString::asprintf(" +%.2f%%", percent);
-    return downTriangle + QString::asprintf(" %.2f%%", percent);
+    return (percent >= 0 ? upTriangle : downTriangle) + QLatin1Char(' ') + changeText(percent);
 }
 
 WidgetRowText rowText(const WidgetRow &row, const WidgetEntryContent &content, const LocalizationBundle &bundle)
@@ -45,7 +29,7 @@ WidgetRowText rowText(const WidgetRow &row, const WidgetEntryContent &content, c
     if (row.price)
         text.price = formatPrice(*row.price);
     if (row.change24hPercent) {
-        text.change = changeText(*row.change24hPercent);
+        text.change = changeWithTriangle(*row.change24hPercent);
         if (content.colorByChange)
             text.changeColorHex = *row.change24hPercent >= 0 ? content.upColorHex : content.downColorHex;
     }
@@ -53,7 +37,7 @@ WidgetRowText rowText(const WidgetRow &row, const WidgetEntryContent &content, c
     if (row.price)
         text.accessibleText += QStringLiteral(", ") + text.price + QLatin1Char(' ') + rawValue(content.currency);
     if (row.change24hPercent)
-        text.accessibleText += QStringLiteral(", ") + text.change.mid(2);
+        text.accessibleText += QStringLiteral(", ") + changeText(*row.change24hPercent);
     return text;
 }
 
@@ -69,7 +53,7 @@ WidgetListText widgetListText(const WidgetEntryContent &content, TimePoint now, 
     text.title = localized(QStringLiteral("widget.list.title"), bundle);
     text.emptyText = localized(QStringLiteral("widget.empty"), bundle);
     if (content.updatedAt) {
-        text.updated = timeText(*content.updatedAt, zone, language);
+        text.updated = timeOfDayText(*content.updatedAt, zone, QLocale(rawValue(language)));
         text.isStale = now - *content.updatedAt > staleAge;
     }
     text.rows.reserve(content.rows.size());

@@ -132,7 +132,7 @@ void CoinRowContentTest::toolTipTellsTheExactPriceItsCurrencyAndTime()
     AppSettings settings;
     settings.baseCurrency = BaseCurrency::usd;
     QCOMPARE(content(coin, settings, BaseCurrency::eur).toolTip,
-             QStringLiteral("Bitcoin\n67,432.45678 EUR\nFetched at 08:15:00"));
+             QStringLiteral("Bitcoin\n67,432.45678 EUR\nFetched at 8:15 AM"));
 }
 
 void CoinRowContentTest::toolTipTellsTheDayOfAnOldPrice()
@@ -140,7 +140,7 @@ void CoinRowContentTest::toolTipTellsTheDayOfAnOldPrice()
     Coin coin = bitcoin(2);
     coin.lastUpdated = TestClock().now() - std::chrono::hours(24);
     const QString line = content(coin).toolTip.split(QLatin1Char('\n')).last();
-    QVERIFY2(line.contains(QStringLiteral("30")) && line.endsWith(QStringLiteral("08:15:00")), qPrintable(line));
+    QVERIFY2(line.contains(QStringLiteral("30")) && line.endsWith(QStringLiteral("8:15 AM")), qPrintable(line));
 }
 
 void CoinRowContentTest::toolTipOfACoinWithoutPrice()

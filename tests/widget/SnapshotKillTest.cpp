@@ -3,6 +3,7 @@
 
 #include "doubles/TestClock.h"
 
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 
 #include <csignal>
@@ -18,6 +19,7 @@ using namespace tickwise::test;
 namespace {
 
 constexpr int kills = 1000;
+constexpr int numbersPerWriter = 1000;
 
 /// A snapshot whose length differs from that of its neighbors and that tells its number.
 WidgetSnapshot numbered(int number)
@@ -30,6 +32,8 @@ WidgetSnapshot numbered(int number)
 
 [[noreturn]] void writeForEver(const WidgetSnapshotStore &store, int firstNumber)
 {
+    // Each writer takes other temporary names than the one before, as a program of its own would.
+    QRandomGenerator::global()->discard(static_cast<unsigned>(firstNumber / numbersPerWriter));
     for (int number = firstNumber;; ++number) {
         if (!store.write(numbered(number)))
             _exit(1);
@@ -69,7 +73,7 @@ void SnapshotKillTest::everyFileFoundAfterAKillDecodes()
     std::uniform_int_distribution<useconds_t> delay(200, 4000);
     std::set<QString> found;
     for (int i = 0; i < kills; ++i) {
-        QCOMPARE(killWriter(store, i * 1000, delay(random)), SIGKILL);
+        QCOMPARE(killWriter(store, i * numbersPerWriter, delay(random)), SIGKILL);
         const Result<WidgetSnapshot> snapshot = store.read();
         QVERIFY2(snapshot, snapshot ? "" : qPrintable(description(snapshot.error())));
         QCOMPARE(*snapshot, numbered(snapshot->displayedCoinId.toInt()));

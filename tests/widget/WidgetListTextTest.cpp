@@ -129,9 +129,9 @@ void WidgetListTextTest::languages_data()
     QTest::addColumn<int>("language");
     QTest::addColumn<QString>("title");
     QTest::addColumn<QString>("updated");
-    QTest::newRow("en") << int(AppLanguage::en) << QStringLiteral("Watchlist") << QStringLiteral("3:05\u202fPM");
+    QTest::newRow("en") << int(AppLanguage::en) << QStringLiteral("Watchlist") << QStringLiteral("3:05 PM");
     QTest::newRow("zh-Hans") << int(AppLanguage::zhHans) << QStringLiteral("自选") << QStringLiteral("15:05");
-    QTest::newRow("zh-Hant") << int(AppLanguage::zhHant) << QStringLiteral("自選") << QStringLiteral("下午3:05");
+    QTest::newRow("zh-Hant") << int(AppLanguage::zhHant) << QStringLiteral("自選") << QStringLiteral("15:05");
 }
 
 void WidgetListTextTest::languages()
