@@ -63,6 +63,7 @@ void AppDelegate::applicationDidFinishLaunching()
         std::make_unique<WidgetSnapshotWriter>(WidgetSnapshotStore{m_environment.container}, coinListViewModel(),
                                                m_settingsViewModel, m_environment.reloadWidgets, m_environment.clock);
     m_settingsReactions.followWatchlistLogos(m_catalog, logoStore());
+    m_settingsReactions.followWatchlist(coinListViewModel());
     if (m_popover && std::exchange(m_opensPopoverAfterLaunch, false))
         m_popover->openAfterLaunch(popoverAnchor(PopoverAnchor::Cause::request));
     m_notificationService.requestAuthorization();

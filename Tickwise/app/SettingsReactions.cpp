@@ -74,13 +74,18 @@ void SettingsReactions::followReloadSettings(CoinListViewModel &coinList)
         followSettings(m_settings, reloadSettings, [this](const ReloadSettingsSnapshot &) { m_reloadTimer.start(); }));
 }
 
+void SettingsReactions::followWatchlist(CoinListViewModel &coinList)
+{
+    m_notifiers.push_back(followSettings(m_settings, watchlistIds, [&coinList](const QStringList &) {
+        coinList.rebuildCoins();
+        coinList.restartPolling();
+    }));
+}
+
 void SettingsReactions::followStatusMenu(std::function<void()> changed)
 {
     const auto choice = [](const AppSettings &settings) {
-        QStringList ids{settings.displayedCoinId};
-        for (const WatchlistCoin &coin : settings.watchlistCoins)
-            ids.append(coin.coinId);
-        return ids;
+        return QStringList{settings.displayedCoinId} + watchlistIds(settings);
     };
     m_notifiers.push_back(followSettings(m_settings, choice, [changed](const QStringList &) { changed(); }));
 }

@@ -34,6 +34,8 @@ public:
 
     /// Prefetches the logos of the watchlist's coins, now and after each change of the list.
     void followWatchlistLogos(const CoinCatalog &catalog, CoinLogoStore &logoStore);
+    /// Rebuilds the list and restarts polling at once when the watchlist has other coins or another order.
+    void followWatchlist(CoinListViewModel &coinList);
     /// Calls `changed` when the coins or the checked coin of the status menu are others.
     void followStatusMenu(std::function<void()> changed);
     /// Applies the setting now and after each change.

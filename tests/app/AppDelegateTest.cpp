@@ -175,6 +175,7 @@ private Q_SLOTS:
     void reloadComesFiveHundredMillisecondsAfterTheLastChange();
     void currencyChangeKeepsTheLabelUntilTheReload();
     void snapshotNeverMixesTwoCurrencies();
+    void watchlistEditsShowAtOnce();
     void logosFollowTheWatchlist();
     void logosOfTheStartsWatchlist();
     void withoutACatalog_data();
@@ -599,6 +600,28 @@ void AppDelegateTest::snapshotNeverMixesTwoCurrencies()
     world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::eur; });
     QTRY_COMPARE(snapshot().value(QStringLiteral("currency")).toString(), QStringLiteral("EUR"));
     QVERIFY(!hasQuotes());
+}
+
+void AppDelegateTest::watchlistEditsShowAtOnce()
+{
+    World world;
+    world.launch();
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    const auto shownIds = [&world] {
+        QStringList ids;
+        for (const Coin &coin : world.delegate->coinListViewModel().coins())
+            ids.append(coin.id);
+        return ids;
+    };
+    const int polls = world.polls();
+    world.change([](AppSettings &settings) { settings.watchlistCoins.push_back({QStringLiteral("solana")}); });
+    QCOMPARE(shownIds().back(), QStringLiteral("solana"));
+    QVERIFY(world.delegate->coinListViewModel().isLoading());
+    QTRY_COMPARE(world.polls(), polls + 1);
+    world.change([](AppSettings &settings) { std::ranges::reverse(settings.watchlistCoins); });
+    QCOMPARE(shownIds().front(), QStringLiteral("solana"));
+    world.change([](AppSettings &settings) { settings.watchlistCoins[0].notificationThreshold = 9; });
+    QTRY_COMPARE(world.polls(), polls + 2);
 }
 
 void AppDelegateTest::logosFollowTheWatchlist()
