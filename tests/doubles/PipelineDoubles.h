@@ -5,6 +5,8 @@
 #include "pipeline/PriceAlertNotifying.h"
 #include "pipeline/StatusItem.h"
 
+#include <QCoreApplication>
+
 #include <map>
 #include <memory>
 #include <vector>

@@ -24,6 +24,9 @@ Result<void> checkSize(qsizetype size, qsizetype largest)
 
 Result<JsonValue> parse(const QByteArray &document)
 {
+    // The parser takes a NUL for the end of the document.
+    if (const qsizetype nul = document.indexOf('\0'); nul >= 0)
+        return invalid(QStringLiteral("not valid JSON"), nul + 1);
     // The parser's own texts quote the document, which may be long and private.
     try {
         return JsonValue::parse(document.cbegin(), document.cend());

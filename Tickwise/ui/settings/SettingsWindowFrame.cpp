@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace tickwise {
 
@@ -11,17 +12,16 @@ namespace {
 
 constexpr int coordinateLimit = 1 << 20; ///< no desktop is larger
 
-int squaredDistance(const QRect &a, const QRect &b)
+double distance(const QRect &a, const QRect &b)
 {
-    const QPoint between = (a.center() - b.center()) / 16;
-    return QPoint::dotProduct(between, between);
+    const QPointF between = a.center() - b.center();
+    return std::hypot(between.x(), between.y());
 }
 
 const QRect &nearestScreen(const QRect &frame, const std::vector<QRect> &screens)
 {
-    return *std::min_element(screens.begin(), screens.end(), [&](const QRect &a, const QRect &b) {
-        return squaredDistance(a, frame) < squaredDistance(b, frame);
-    });
+    return *std::min_element(screens.begin(), screens.end(),
+                             [&](const QRect &a, const QRect &b) { return distance(a, frame) < distance(b, frame); });
 }
 
 int clampedStart(int start, int length, int low, int lengthOfAll)

@@ -47,6 +47,8 @@ void JsonTest::refusesWhatIsNotJson_data()
     QTest::newRow("text") << QByteArray("nonsense") << qint64{2};
     QTest::newRow("cut off") << QByteArray(R"({"a": 1)") << qint64{8};
     QTest::newRow("two values") << QByteArray("{} {}") << qint64{4};
+    QTest::newRow("NUL after the value") << QByteArray("{}\0x", 4) << qint64{3};
+    QTest::newRow("NUL only") << QByteArray(1, '\0') << qint64{1};
     QTest::newRow("invalid UTF-8") << QByteArray("[\"\xff\"]") << qint64{3};
     QTest::newRow("invalid escape") << QByteArray(R"(["\u12g4"])") << qint64{7};
     QTest::newRow("after repairs") << QByteArray(R"([1e999, "\ud800", x])") << qint64{19};
