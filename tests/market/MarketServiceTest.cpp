@@ -150,9 +150,9 @@ void MarketServiceTest::failsOverAndRecovers_data()
     QTest::addColumn<Transport>("transport");
     QTest::addColumn<Fault>("fault");
     QTest::addColumn<bool>("isLimit"); // of the exchange, so that its other host is skipped
-    for (const auto &[name, transport] : {std::pair("plain", Transport::plain), std::pair("TLS", Transport::tls)}) {
-        const auto row = [&](const char *fault) -> QTestData & {
-            return QTest::addRow("%s, %s", fault, name) << transport;
+    for (const auto &named : {std::pair("plain", Transport::plain), std::pair("TLS", Transport::tls)}) {
+        const auto row = [&named](const char *fault) -> QTestData & {
+            return QTest::addRow("%s, %s", fault, named.first) << named.second;
         };
         row("reset") << faults::reset() << false;
         row("reset in the body") << faults::resetAfter(20) << false;

@@ -174,7 +174,7 @@ QImage readScaled(BoundedBytes &bytes, const QByteArray &decoder)
     if (isLargerThanKept(size) && reader.supportsOption(QImageIOHandler::ScaledSize))
         reader.setScaledSize(keptSize(size));
     bytes.forgetRunOut();
-    const QImage image = reader.read();
+    QImage image = reader.read();
     // The directory of an icon file may state another size than its picture has.
     if (!isAccepted(image.size()))
         return {};

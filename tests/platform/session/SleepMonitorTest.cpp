@@ -155,7 +155,7 @@ void SleepMonitorTest::hearsAServiceThatStartsLater()
     SleepMonitor monitor(bus.connect());
     QSignalSpy didWake(&monitor, &SleepMonitor::didWake);
     FakeLogin login(bus.connect());
-    QTRY_VERIFY((login.prepareForSleep(false), didWake.size() > 0));
+    QTRY_VERIFY((login.prepareForSleep(false), !didWake.isEmpty()));
 }
 
 void SleepMonitorTest::hearsNobodyElse()
