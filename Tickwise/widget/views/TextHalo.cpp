@@ -37,7 +37,7 @@ std::vector<float> gaussianKernel(double deviation)
     std::vector<float> kernel;
     float sum = 0;
     for (int i = -reach; i <= reach; ++i) {
-        kernel.push_back(float(std::exp(-i * i / (2 * deviation * deviation))));
+        kernel.push_back(static_cast<float>(std::exp(-1.0 * i * i / (2 * deviation * deviation))));
         sum += kernel.back();
     }
     for (float &weight : kernel)
@@ -54,8 +54,10 @@ QImage blurredAndTransposed(const QImage &image, const std::vector<float> &kerne
         const uchar *const line = image.constScanLine(y);
         for (int x = 0; x < image.width(); ++x) {
             float sum = 0;
-            for (int i = std::max(-reach, -x); i <= std::min(reach, image.width() - 1 - x); ++i)
-                sum += kernel[size_t(i + reach)] * line[x + i];
+            for (int i = std::max(-reach, -x); i <= std::min(reach, image.width() - 1 - x); ++i) {
+                const int weight = i + reach;
+                sum += kernel[static_cast<size_t>(weight)] * static_cast<float>(line[x + i]);
+            }
             result.scanLine(x)[y] = uchar(std::lround(sum));
         }
     }

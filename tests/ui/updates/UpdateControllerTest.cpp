@@ -54,7 +54,7 @@ private Q_SLOTS:
 
 void UpdateControllerTest::startsWithEverythingFalse()
 {
-    const UpdateController controller;
+    UpdateController controller;
     QVERIFY(!controller.updateAvailable());
     QVERIFY(!controller.isAvailable());
     QVERIFY(!controller.canCheckForUpdates());
