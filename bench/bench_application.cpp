@@ -56,7 +56,7 @@ void seedLogos(const ApplicationConfiguration &configuration, const QJsonObject 
     QBuffer buffer(&bytes);
     picture.save(&buffer, "PNG");
     const CoinLogoCache cache = CoinLogoCache::inContainer(appGroupContainer(configuration.appGroup));
-    for (const QJsonValue &id : json.value(QStringLiteral("coins")).toArray())
+    for (const QJsonValue id : json.value(QStringLiteral("coins")).toArray())
         (void)cache.write(id.toString(), bytes);
 }
 
@@ -69,7 +69,7 @@ void seed(const ApplicationConfiguration &configuration, const QJsonObject &json
     AppSettings settings;
     settings.pollingInterval = json.value(QStringLiteral("pollingInterval")).toDouble();
     settings.watchlistCoins.clear();
-    for (const QJsonValue &id : json.value(QStringLiteral("coins")).toArray())
+    for (const QJsonValue id : json.value(QStringLiteral("coins")).toArray())
         settings.watchlistCoins.push_back({id.toString(), CoinAlertKind::above, 1e9});
     store.save(settings);
     seedLogos(configuration, json);

@@ -82,7 +82,7 @@ void SettingsReactions::followWatchlist(CoinListViewModel &coinList)
     }));
 }
 
-void SettingsReactions::followStatusMenu(std::function<void()> changed)
+void SettingsReactions::followStatusMenu(const std::function<void()> &changed)
 {
     const auto choice = [](const AppSettings &settings) {
         return QStringList{settings.displayedCoinId} + watchlistIds(settings);

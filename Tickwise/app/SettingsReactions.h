@@ -37,7 +37,7 @@ public:
     /// Rebuilds the list and restarts polling at once when the watchlist has other coins or another order.
     void followWatchlist(CoinListViewModel &coinList);
     /// Calls `changed` when the coins or the checked coin of the status menu are others.
-    void followStatusMenu(std::function<void()> changed);
+    void followStatusMenu(const std::function<void()> &changed);
     /// Applies the setting now and after each change.
     void followLaunchAtLogin(LaunchAtLoginService &service);
     /// Rebuilds the list and restarts polling 500 ms after the last change of a `ReloadSettingsSnapshot`.

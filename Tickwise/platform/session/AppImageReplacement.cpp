@@ -45,7 +45,7 @@ Result<void> replaceProgram(const QString &source, const QString &target)
     const auto executable = QFile::permissions(target) | QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
     if (!to.open(QIODevice::WriteOnly) || !to.setPermissions(executable))
         return failure(FileError{target, to.errorString()});
-    if (const Result<void> copied = copyContent(from, to); !copied)
+    if (Result<void> copied = copyContent(from, to); !copied)
         return copied;
     if (!to.commit())
         return failure(FileError{target, to.errorString()});

@@ -69,8 +69,10 @@ Result<QByteArray> encodeJson(const JsonDocument &document, qsizetype largest)
 {
     if (const std::optional<QString> place = notFinitePlace(document, {}))
         return invalid(*place + QStringLiteral(": not a finite number"));
-    const QByteArray bytes = QByteArray::fromStdString(document.dump());
-    return checkSize(bytes.size(), largest).map([&] { return bytes; });
+    QByteArray bytes = QByteArray::fromStdString(document.dump());
+    if (const Result<void> size = checkSize(bytes.size(), largest); !size)
+        return tl::unexpected(size.error());
+    return bytes;
 }
 
 QString textFromUtf8(const std::string &utf8)
