@@ -12,7 +12,6 @@
 #include <vector>
 
 class QFormLayout;
-class QGroupBox;
 class QLabel;
 
 namespace tickwise {

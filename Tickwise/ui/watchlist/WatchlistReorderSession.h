@@ -3,7 +3,6 @@
 #include "pipeline/ReorderGeometry.h"
 #include "ui/controls/Spring.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QProperty>
 #include <QStringList>
