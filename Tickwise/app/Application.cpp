@@ -2,6 +2,7 @@
 
 #include "app/LocalizationManager.h"
 #include "app/SystemEvents.h"
+#include "market/JsonTables.h"
 #include "platform/notifications/PortalNotificationCenter.h"
 #include "platform/session/DesktopLoginItem.h"
 #include "platform/session/DisplayServer.h"
@@ -71,6 +72,14 @@ QString downloadDirectory(const QString &identifier)
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QLatin1Char('/') + identifier +
            QStringLiteral("/updates");
+}
+
+/// The start needs more memory than the polls that follow. The parser's tables were made between what the start has
+/// freed since: made anew, they take only the pages that they fill.
+void releaseMemoryOfStart()
+{
+    releaseJsonTables();
+    releaseUnusedMemory();
 }
 
 } // namespace
@@ -209,7 +218,7 @@ void Application::networkMayHaveChanged()
 int Application::run()
 {
     m_delegate.applicationDidFinishLaunching();
-    QTimer::singleShot(startUpDuration, qApp, releaseUnusedMemory);
+    QTimer::singleShot(startUpDuration, qApp, releaseMemoryOfStart);
     return QCoreApplication::exec();
 }
 

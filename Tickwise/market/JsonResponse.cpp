@@ -1,5 +1,6 @@
 #include "market/JsonResponse.h"
 
+#include "market/JsonTables.h"
 #include "support/DecimalText.h"
 
 #include <algorithm>
@@ -151,7 +152,12 @@ Result<simdjson::dom::element> JsonResponseParser::parse(const QByteArray &body)
 JsonResponseParser::~JsonResponseParser()
 {
     if (m_isLarge)
-        threadParser().reset();
+        releaseJsonTables();
+}
+
+void releaseJsonTables()
+{
+    threadParser().reset();
 }
 
 } // namespace tickwise

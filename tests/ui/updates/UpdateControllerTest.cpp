@@ -72,9 +72,9 @@ void UpdateControllerTest::isInertWithoutABackend()
 
 void UpdateControllerTest::attachingMakesItAvailable()
 {
+    BackendRecord record;
     UpdateController controller;
     const QSignalSpy available(&controller, &UpdateController::isAvailableChanged);
-    BackendRecord record;
     controller.attach(std::make_unique<BackendDouble>(record));
     QVERIFY(controller.isAvailable());
     QVERIFY(controller.canCheckForUpdates());
@@ -85,8 +85,8 @@ void UpdateControllerTest::attachingMakesItAvailable()
 
 void UpdateControllerTest::mirrorsTheBackend()
 {
-    UpdateController controller;
     BackendRecord record;
+    UpdateController controller;
     auto owned = std::make_unique<BackendDouble>(record);
     BackendDouble &backend = *owned;
     controller.attach(std::move(owned));
@@ -103,8 +103,8 @@ void UpdateControllerTest::mirrorsTheBackend()
 
 void UpdateControllerTest::writesBackToTheBackend()
 {
-    UpdateController controller;
     BackendRecord record;
+    UpdateController controller;
     auto owned = std::make_unique<BackendDouble>(record);
     BackendDouble &backend = *owned;
     controller.attach(std::move(owned));
@@ -117,8 +117,8 @@ void UpdateControllerTest::writesBackToTheBackend()
 
 void UpdateControllerTest::asksTheBackend()
 {
-    UpdateController controller;
     BackendRecord record;
+    UpdateController controller;
     controller.attach(std::make_unique<BackendDouble>(record));
     QCOMPARE(record.checks, 0);
     controller.checkForUpdates();
