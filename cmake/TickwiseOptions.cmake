@@ -11,6 +11,7 @@ target_compile_definitions(tickwise_options INTERFACE
     SD_JOURNAL_SUPPRESS_LOCATION)
 
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(tickwise_options INTERFACE -Wredundant-decls -Wsuggest-override)
     # These two report Qt's and the standard library's own inlined code with g++ 12.
     target_compile_options(tickwise_options INTERFACE -Wno-null-dereference -Wno-restrict)
 endif()
