@@ -4,6 +4,7 @@
 #include "doubles/TestProgram.h"
 #include "platform/dbus/BusCall.h"
 
+#include <QElapsedTimer>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QSignalSpy>
@@ -100,8 +101,11 @@ void SessionBusTest::aDeafBusIsNoneUntilItHears()
 {
     PrivateBus bus;
     bus.pause();
+    QElapsedTimer opening;
+    opening.start();
     SessionBus session(bus.address());
     QVERIFY(!session.connection().isConnected());
+    QVERIFY2(opening.durationElapsed() < 10 * SessionBus::longestSilence, "the library itself waits for 25 seconds");
     QSignalSpy connected(&session, &SessionBus::connected);
     bus.resume();
     QTRY_COMPARE(connected.size(), 1);
