@@ -106,8 +106,8 @@ Application::Application(ApplicationConfiguration configuration)
           m_sessionBus, runsInSandbox(),
           {QString::fromLatin1(appInfo::displayName), m_configuration.identifier, m_configuration.identifier},
           [this] { m_soundPlayer.play(); }))
-    , m_loginItem(makeLoginItem(m_configuration.identifier, QDBusConnection::sessionBus(), runsInSandbox(),
-                                [this] { return portalReason(); }))
+    , m_loginItem(
+          makeLoginItem(m_configuration.identifier, m_sessionBus, runsInSandbox(), [this] { return portalReason(); }))
     , m_widgetCenter(m_sessionBus)
     , m_packageInstaller(runningAppImage(), &QCoreApplication::quit)
     , m_delegate(makeEnvironment())

@@ -1,6 +1,7 @@
 #include "settings/AppSettingsCoding.h"
 
 #include "settings/RecordDecoding.h"
+#include "settings/SettingsParsing.h"
 
 namespace tickwise {
 
@@ -119,7 +120,7 @@ JsonDocument encodeObject(const AppSettings &settings)
 
 Result<AppSettings> decodeSettings(const QByteArray &document)
 {
-    const Result<JsonValue> json = parseJson(document, JsonFaults::repair);
+    const Result<JsonValue> json = parseSettings(document);
     if (!json)
         return tl::unexpected(json.error());
     const JsonReader reader(*json);

@@ -2,13 +2,13 @@
 
 namespace tickwise {
 
-QString plainTextMarkup(const QString &lines)
+QString plainTextMarkup(const QString &lines, LineBreak lineBreak)
 {
-    return QString(lines)
-        .replace(u'&', QStringLiteral("&amp;"))
+    QString markup = lines;
+    markup.replace(u'&', QStringLiteral("&amp;"))
         .replace(u'<', QStringLiteral("&lt;"))
-        .replace(u'>', QStringLiteral("&gt;"))
-        .replace(u'\n', QStringLiteral("<br/>"));
+        .replace(u'>', QStringLiteral("&gt;"));
+    return lineBreak == LineBreak::newline ? markup : markup.replace(u'\n', QStringLiteral("<br/>"));
 }
 
 QString toolTipMarkup(const QString &title, const QString &lines)

@@ -173,6 +173,7 @@ private Q_SLOTS:
     void settingsChangedOverSeveralTurnsReloadOnce();
     void editedIntervalBecomesThePeriod();
     void reloadComesFiveHundredMillisecondsAfterTheLastChange();
+    void aLaterChangePutsTheReloadOff();
     void currencyChangeKeepsTheLabelUntilTheReload();
     void snapshotNeverMixesTwoCurrencies();
     void watchlistEditsShowAtOnce();
@@ -548,6 +549,22 @@ void AppDelegateTest::editedIntervalBecomesThePeriod()
     const int polls = world.polls();
     QTest::qWait(200); // four of the old periods
     QCOMPARE(world.polls(), polls);
+}
+
+void AppDelegateTest::aLaterChangePutsTheReloadOff()
+{
+    World world;
+    world.launch();
+    QTRY_VERIFY(!world.item->contents.back().logo);
+    // Timers fire in the order of their times also when the machine is late.
+    std::optional<int> afterTheFirstTime;
+    world.change([](AppSettings &settings) { settings.pollingInterval = 3600; });
+    QTimer::singleShot(std::chrono::milliseconds(300), Qt::PreciseTimer, this,
+                       [&] { world.change([](AppSettings &settings) { settings.pollingInterval = 1800; }); });
+    QTimer::singleShot(std::chrono::milliseconds(600), Qt::PreciseTimer, this,
+                       [&] { afterTheFirstTime = world.polls(); });
+    QTRY_COMPARE(world.polls(), 2);
+    QCOMPARE(afterTheFirstTime, std::optional(1));
 }
 
 void AppDelegateTest::reloadComesFiveHundredMillisecondsAfterTheLastChange()

@@ -214,7 +214,7 @@ class WaybarTest(PanelChecks, unittest.TestCase):
 
     def check_shown_tooltip(self, desktop, content):
         item = desktop.wait_for_item()
-        shown = (content["toolTipTitle"], content["toolTipBody"].replace("\n", "<br/>"))
+        shown = (content["toolTipTitle"], content["toolTipBody"])
         desktop.wait_for(lambda: tuple(desktop.item_property("ToolTip", item)[2:]) == shown, what=f"the tooltip {shown}")
 
     def test_prices_and_colours(self):

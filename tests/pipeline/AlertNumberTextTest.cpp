@@ -63,6 +63,8 @@ void AlertNumberTextTest::shows_data()
     row("0.25", 0.25);
     row("-3", -3);
     row("1000000000000000", 1e15);
+    row("inf", std::numeric_limits<double>::infinity());
+    row("nan", std::numeric_limits<double>::quiet_NaN());
 }
 
 void AlertNumberTextTest::shows()

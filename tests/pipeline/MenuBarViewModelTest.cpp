@@ -7,6 +7,8 @@
 #include "pipeline/TimeText.h"
 #include "support/Localization.h"
 
+#include <QSignalSpy>
+
 using namespace tickwise;
 using namespace tickwise::test;
 
@@ -42,6 +44,7 @@ private Q_SLOTS:
     void followsPricesAndSettings();
     void switchingThePillOffRemovesIt();
     void followsTheAppearance();
+    void tellsOfChangesOnly();
     void publishedFieldsKeepTheirInitialValues();
     void itemThatWentIsLeftAlone();
     void failedPollShowsWhyAndWhenThePriceWasFetched();
@@ -100,6 +103,20 @@ void MenuBarViewModelTest::followsTheAppearance()
     QCOMPARE(*item.contents.back().pillColor, QColor(Qt::black));
     item.setAppearance(PanelAppearance::light);
     QCOMPARE(*item.contents.back().pillColor, QColor(Qt::white));
+}
+
+void MenuBarViewModelTest::tellsOfChangesOnly()
+{
+    World world;
+    RecordingStatusItem item;
+    world.menuBar.bind(&item, world.coins, world.settings);
+    QSignalSpy changed(&world.menuBar, &MenuBarViewModel::contentChanged);
+    world.answer(100);
+    QCOMPARE(changed.size(), 1);
+    world.menuBar.refresh();
+    QCOMPARE(changed.size(), 1);
+    world.answer(101);
+    QCOMPARE(changed.size(), 2);
 }
 
 void MenuBarViewModelTest::publishedFieldsKeepTheirInitialValues()

@@ -85,6 +85,7 @@ private Q_SLOTS:
     void everyDigitTakesTheSameWidth();
     void otherCharactersKeepTheirPlaceWhenDigitsTick();
     void compactIconHoldsSymbolAndPrice();
+    void compactIconMakesLongTextSmaller();
     void compactIconFillsItsPill();
     void badgeShowsTheTrend();
     void badgeWithoutAPillIsTheColoredArrow();
@@ -206,6 +207,20 @@ void StatusItemPainterTest::compactIconHoldsSymbolAndPrice()
     QVERIFY(opaquePixels(image, green) > 20);
 }
 
+void StatusItemPainterTest::compactIconMakesLongTextSmaller()
+{
+    const auto symbol = [](const char *text) {
+        return inked(
+            paintCompactStatusItem(priced(QLatin1String(text) + QStringLiteral(" 1")), style(), 64).copy(0, 0, 64, 32));
+    };
+    const QRect shortSymbol = symbol("HHH");
+    const QRect longSymbol = symbol("HHHHHHHHHH");
+    QVERIFY(shortSymbol.height() > 18);
+    QVERIFY(longSymbol.height() < shortSymbol.height());
+    QVERIFY(longSymbol.height() >= 8);
+    QVERIFY2(longSymbol.width() > 56, "it takes the icon's width");
+}
+
 void StatusItemPainterTest::compactIconFillsItsPill()
 {
     const QImage image = paintCompactStatusItem(pilled(QStringLiteral(" BTC 67,432 ")), style(), 32);
@@ -246,6 +261,7 @@ void StatusItemPainterTest::badgeOfANeutralCoinShowsItsInitial()
     QCOMPARE(qAlpha(image.pixel(7, 16)), 0);
     QVERIFY2(opaquePixels(image.copy(10, 8, 12, 16), panelText) > 10, "the letter");
     QVERIFY2(opaquePixels(image.copy(2, 12, 4, 8), panelText) > 4, "the ring");
+    QCOMPARE(inked(paintStatusBadge(content, style(), 64).copy(0, 31, 14, 2)), QRect(6, 0, 4, 2)); // its line
     content = pilled(QStringLiteral(" BTC 67,432 "));
     const QImage pill = paintStatusBadge(content, style(), 32);
     QCOMPARE(pill.pixelColor(5, 16), green);
@@ -294,6 +310,7 @@ void StatusItemPainterTest::compactPriceOfText_data()
     QTest::newRow("short enough") << QStringLiteral("3,188") << QStringLiteral("3,188");
     QTest::newRow("two decimals") << QStringLiteral("12.35") << QStringLiteral("12.35");
     QTest::newRow("four decimals") << QStringLiteral("0.1235") << QStringLiteral("0.123");
+    QTest::newRow("zero") << QStringLiteral("0.000000") << QStringLiteral("0.0000");
     QTest::newRow("no price") << QStringLiteral("--") << QStringLiteral("--");
     QTest::newRow("no number") << QStringLiteral("unknown") << QStringLiteral("unknown");
     QTest::newRow("negative") << QStringLiteral("-67,432") << QStringLiteral("-67,432");

@@ -37,6 +37,8 @@ private Q_SLOTS:
     void byteOrderMarkIsKept();
     void overflowingNumbers_data();
     void overflowingNumbers();
+    void coinsAmongOtherValues_data();
+    void coinsAmongOtherValues();
     void hostileDocuments_data();
     void hostileDocuments();
     void sizeLimit();
@@ -105,6 +107,8 @@ void DamagedSettingsTest::overflowingNumbers_data()
     QTest::newRow("too large, with a fraction") << QByteArray("0.1e999") << 10.0;
     QTest::newRow("too large, negative") << QByteArray("-1.5E+400") << 10.0;
     QTest::newRow("long integer") << QByteArray(400, '9') << 10.0;
+    QTest::newRow("integer beyond 64 bits") << QByteArray("100000000000000000000") << 1e20;
+    QTest::newRow("integer of 64 bits") << QByteArray("18446744073709551615") << 18446744073709551615.0;
     QTest::newRow("too small") << QByteArray("1e-999") << 0.0;
     QTest::newRow("largest") << QByteArray("1.7976931348623157e308") << 1.7976931348623157e308;
 }
@@ -123,6 +127,27 @@ void DamagedSettingsTest::overflowingNumbers()
     QCOMPARE(settings.desktopOverlayBackgroundOpacity, 0.1);
 }
 
+void DamagedSettingsTest::coinsAmongOtherValues_data()
+{
+    QTest::addColumn<QByteArray>("unread");
+    QTest::newRow("nothing") << QByteArray("null");
+    QTest::newRow("an integer beyond 64 bits") << QByteArray("100000000000000000000");
+    QTest::newRow("deep arrays") << nested("[", "]", 2000);
+}
+
+void DamagedSettingsTest::coinsAmongOtherValues()
+{
+    QFETCH(QByteArray, unread);
+    const AppSettings settings =
+        decoded(R"({"addedCoins": [1, "a", [{"coinId": "nested"}], {"coinId": ["x"]}, {"coinId": 7},
+        {"coinId": "a", "coinId": "b"}, null, {"coinId": "c", "notificationThreshold": [{}]}, {"coinId": "b"}], "a": )" +
+                unread + "}");
+    QStringList ids;
+    for (const WatchlistCoin &coin : settings.watchlistCoins)
+        ids << coin.coinId;
+    QCOMPARE(ids, QStringList({QStringLiteral("b"), QStringLiteral("c"), QStringLiteral("b")}));
+}
+
 void DamagedSettingsTest::hostileDocuments_data()
 {
     QTest::addColumn<QByteArray>("document");
@@ -134,6 +159,7 @@ void DamagedSettingsTest::hostileDocuments_data()
     QTest::newRow("deep arrays, overflow") << "{\"a\": 1e999, \"b\": " + nested("[", "]", deep) + "}" << true;
     const QByteArray overflows = QByteArray("1e999,").repeated(100000);
     QTest::newRow("many overflows") << "{\"a\": [" + overflows + "1e999]}" << true;
+    QTest::newRow("overflows for coins") << "{\"addedCoins\": [" + overflows + "1e999]}" << true;
     QTest::newRow("many keys") << "{" + QByteArray("\"launchAtLogin\":null,").repeated(100000) + "\"a\":0}" << true;
     QByteArray distinct = "{";
     for (int i = 0; i < 200000; ++i)

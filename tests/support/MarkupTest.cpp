@@ -31,6 +31,8 @@ void MarkupTest::plainText()
 {
     QFETCH(QString, text);
     QTEST(plainTextMarkup(text), "markup");
+    QFETCH(QString, markup);
+    QCOMPARE(plainTextMarkup(text, LineBreak::newline), markup.replace(QStringLiteral("<br/>"), QStringLiteral("\n")));
 }
 
 void MarkupTest::toolTips()

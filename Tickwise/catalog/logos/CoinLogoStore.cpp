@@ -31,6 +31,11 @@ HttpRequest logoRequest(const QString &address, const LogoAddressRule &isAllowed
     return request;
 }
 
+bool carriesLogo(const HttpResponse &response)
+{
+    return response.status == statusOk && !response.body.isEmpty() && response.body.size() <= largestLogo;
+}
+
 CoinLogoStore::CoinLogoStore(CoinLogoCache cache, HttpClient &client, LogoAddressRule isAllowed, QObject *parent)
     : QObject(parent)
     , m_cache(std::move(cache))
@@ -72,9 +77,8 @@ void CoinLogoStore::finish(const QString &id, const Result<HttpResponse> &result
             qCWarning(lcLogos).noquote() << "Logo download failed:" << description(result.error());
         return;
     }
-    const QByteArray &body = result->body;
-    if (result->status == statusOk && !body.isEmpty() && body.size() <= largestLogo)
-        keep(id, body);
+    if (carriesLogo(*result))
+        keep(id, result->body);
 }
 
 void CoinLogoStore::keep(const QString &id, const QByteArray &body)

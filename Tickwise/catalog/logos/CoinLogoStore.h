@@ -23,6 +23,9 @@ using LogoAddressRule = std::function<bool(const QString &address)>;
 /// The request for a logo's bytes: at most `largestLogo` of them, redirected only to where the rule allows.
 HttpRequest logoRequest(const QString &address, const LogoAddressRule &isAllowed);
 
+/// Whether the answer to such a request carries a logo's bytes.
+bool carriesLogo(const HttpResponse &response);
+
 /// Downloads missing logos once, keeps them on disk and serves them from memory. Main thread only.
 ///
 /// A download that fails is tried again by the next `ensureLogo` of that coin. Errors of transport and of writing are

@@ -1,10 +1,32 @@
 #include "platform/dbus/SessionBus.h"
 
+#include "platform/dbus/DeafBus.h"
+#include "support/DetachedWork.h"
+
+#include <QFuture>
 #include <QUuid>
 
 #include <algorithm>
 
 namespace tickwise {
+
+namespace {
+
+/// The address of the bus that the environment names; empty where only QtDBus finds it.
+QString environmentAddress()
+{
+    const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return address.isEmpty() && !runtime.isEmpty() ? QStringLiteral("unix:path=%1/bus").arg(runtime) : address;
+}
+
+/// QtDBus waits for the answer of a bus that took its connection, and blocks all its other connections meanwhile.
+bool isDeaf(const QString &address)
+{
+    return isDeafBus(address.isEmpty() ? environmentAddress() : address, SessionBus::longestSilence);
+}
+
+} // namespace
 
 std::chrono::milliseconds SessionBus::delayAfter(std::chrono::milliseconds delay)
 {
@@ -24,7 +46,8 @@ SessionBus::SessionBus(const QString &address, QObject *parent)
     m_retry.setSingleShot(true);
     m_retry.setInterval(firstRetry);
     connect(&m_retry, &QTimer::timeout, this, &SessionBus::retry);
-    open();
+    if (!isDeaf(m_address))
+        open();
     if (!m_connection.isConnected())
         m_retry.start();
 }
@@ -58,7 +81,13 @@ void SessionBus::connectionLost()
 
 void SessionBus::retry()
 {
-    open();
+    runDetached([address = m_address] { return isDeaf(address); }).then(this, [this](bool deaf) { finishRetry(deaf); });
+}
+
+void SessionBus::finishRetry(bool isDeaf)
+{
+    if (!isDeaf)
+        open();
     if (m_connection.isConnected()) {
         Q_EMIT connected();
         return;

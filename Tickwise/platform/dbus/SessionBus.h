@@ -18,11 +18,13 @@ class SessionBus : public QObject
 public:
     static constexpr std::chrono::milliseconds firstRetry{100};
     static constexpr std::chrono::seconds slowestRetry{60};
+    /// A bus that takes a connection and does not answer for so long counts as none.
+    static constexpr std::chrono::seconds longestSilence{1};
 
     /// How long to wait after a try that came `delay` after the one before.
     static std::chrono::milliseconds delayAfter(std::chrono::milliseconds delay);
 
-    /// Opens the bus that the environment names.
+    /// Opens the bus that the environment names. Blocks for `longestSilence` at most; no later try blocks.
     explicit SessionBus(QObject *parent = nullptr);
     /// Opens the bus at a D-Bus address.
     explicit SessionBus(const QString &address, QObject *parent = nullptr);
@@ -44,6 +46,7 @@ private Q_SLOTS:
 private:
     void open();
     void retry();
+    void finishRetry(bool isDeaf);
 
     QString m_address;
     QDBusConnection m_connection;

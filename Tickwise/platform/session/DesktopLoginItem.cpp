@@ -1,5 +1,6 @@
 #include "platform/session/DesktopLoginItem.h"
 
+#include "platform/dbus/SessionBus.h"
 #include "platform/session/BackgroundRequest.h"
 #include "platform/session/RunningProgram.h"
 #include "support/files/BaseDirectory.h"
@@ -125,8 +126,8 @@ QString AutostartLoginItem::path() const
     return m_directory + u'/' + m_applicationId + QStringLiteral(".desktop");
 }
 
-PortalLoginItem::PortalLoginItem(QDBusConnection sessionBus, QString program, std::function<QString()> reason)
-    : m_bus(std::move(sessionBus))
+PortalLoginItem::PortalLoginItem(const SessionBus &bus, QString program, std::function<QString()> reason)
+    : m_bus(bus)
     , m_program(std::move(program))
     , m_reason(std::move(reason))
 {
@@ -134,15 +135,16 @@ PortalLoginItem::PortalLoginItem(QDBusConnection sessionBus, QString program, st
 
 void PortalLoginItem::setRegistered(bool registered, Completion<void> done)
 {
-    auto *request = new BackgroundRequest(m_bus, registered, std::move(done), &m_requests);
+    auto *request = new BackgroundRequest(m_bus.connection(), registered, std::move(done), &m_requests);
+    QObject::connect(&m_bus, &SessionBus::disconnected, request, &BackgroundRequest::busEnded);
     request->send(m_program, m_reason());
 }
 
-std::unique_ptr<LoginItem> makeLoginItem(const QString &applicationId, const QDBusConnection &sessionBus,
-                                         bool sandboxed, std::function<QString()> reason)
+std::unique_ptr<LoginItem> makeLoginItem(const QString &applicationId, const SessionBus &bus, bool sandboxed,
+                                         std::function<QString()> reason)
 {
     if (sandboxed)
-        return std::make_unique<PortalLoginItem>(sessionBus, QStringLiteral("tickwise"), std::move(reason));
+        return std::make_unique<PortalLoginItem>(bus, QStringLiteral("tickwise"), std::move(reason));
     return std::make_unique<AutostartLoginItem>(applicationId, runningProgram(),
                                                 AutostartLoginItem::defaultDirectory());
 }

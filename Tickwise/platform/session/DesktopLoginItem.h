@@ -2,7 +2,6 @@
 
 #include "ui/LoginItem.h"
 
-#include <QDBusConnection>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -11,6 +10,8 @@
 #include <memory>
 
 namespace tickwise {
+
+class SessionBus;
 
 /// The program's path as the `Exec` value of a desktop entry: quoted and escaped so that it starts this and nothing
 /// else.
@@ -46,21 +47,22 @@ private:
 class PortalLoginItem : public LoginItem
 {
 public:
-    /// `reason` gives the text that the portal shows to the user; it is asked for at each request.
-    PortalLoginItem(QDBusConnection sessionBus, QString program, std::function<QString()> reason);
+    /// `reason` gives the text that the portal shows to the user; it is asked for at each request. `bus` has to outlive
+    /// the item.
+    PortalLoginItem(const SessionBus &bus, QString program, std::function<QString()> reason);
 
     /// Fails where the desktop has no such portal, or when it or the user refuses.
     void setRegistered(bool registered, Completion<void> done) override;
 
 private:
-    QDBusConnection m_bus;
+    const SessionBus &m_bus;
     QString m_program;
     std::function<QString()> m_reason;
     QObject m_requests;
 };
 
-/// The login item for the way this process runs; `reason` as for `PortalLoginItem`.
-std::unique_ptr<LoginItem> makeLoginItem(const QString &applicationId, const QDBusConnection &sessionBus,
-                                         bool sandboxed, std::function<QString()> reason);
+/// The login item for the way this process runs; `bus` and `reason` as for `PortalLoginItem`.
+std::unique_ptr<LoginItem> makeLoginItem(const QString &applicationId, const SessionBus &bus, bool sandboxed,
+                                         std::function<QString()> reason);
 
 } // namespace tickwise

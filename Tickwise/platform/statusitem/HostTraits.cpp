@@ -32,7 +32,7 @@ constexpr HostTraits table[] = {
     {Host::unknown, Presentation::squareSni, Presentation::squareSni, byName, false, Source::schemeThenPalette,
      usualHeights, false},
     {Host::waybar, Presentation::wideSni, Presentation::wideSni, byName, false, Source::schemeThenDark, configured,
-     false},
+     false, LineBreak::newline},
     {Host::mate, Presentation::wideSni, Presentation::wideSni, byName, false, Source::trayThenSchemeThenPalette,
      mateHeights, false},
     {Host::cinnamon, Presentation::wideSni, Presentation::wideSni, byName, false, Source::schemeThenDark,
@@ -71,12 +71,13 @@ StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray)
     return hasTray ? traits.withTray : traits.withoutTray;
 }
 
-PixmapFormat pixmapFormatFor(StatusItemHost host, const WatcherProcess &process)
+ItemFormat itemFormatFor(StatusItemHost host, const WatcherProcess &process)
 {
     const HostTraits &traits = hostTraits(host);
-    if (traits.pixmapHeights.empty())
-        return {{waybarIconSize(process)}, traits.premultiplied};
-    return {QList<int>(traits.pixmapHeights.begin(), traits.pixmapHeights.end()), traits.premultiplied};
+    const QList<int> heights = traits.pixmapHeights.empty()
+                                   ? QList<int>{waybarIconSize(process)}
+                                   : QList<int>(traits.pixmapHeights.begin(), traits.pixmapHeights.end());
+    return {heights, traits.premultiplied, traits.toolTipBreak};
 }
 
 PanelAppearance panelAppearance(StatusItemHost host, PanelAppearance trayColors, PanelAppearance colorScheme,

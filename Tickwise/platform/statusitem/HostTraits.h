@@ -2,6 +2,7 @@
 
 #include "pipeline/StatusItem.h"
 #include "platform/statusitem/StatusItemHost.h"
+#include "support/Markup.h"
 
 #include <QList>
 
@@ -48,23 +49,25 @@ struct HostTraits
     AppearanceSource appearance;
     std::span<const int> pixmapHeights; ///< points, of wide and square pixmaps alike; empty: as the host is configured
     bool premultiplied;                 ///< against the protocol, which has straight alpha
+    LineBreak toolTipBreak = LineBreak::element;
 };
 
 const HostTraits &hostTraits(StatusItemHost host);
 
-/// How a host wants its pixmaps.
-struct PixmapFormat
+/// How a host wants its pixmaps and its tooltip.
+struct ItemFormat
 {
-    QList<int> heights; ///< points
+    QList<int> heights; ///< of the pixmaps, in points
     bool premultiplied = false;
-    bool operator==(const PixmapFormat &) const = default;
+    LineBreak toolTipBreak = LineBreak::element;
+    bool operator==(const ItemFormat &) const = default;
 };
 
 /// The presentation for a host; `hasTray` tells whether an X11 system tray can dock windows.
 StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray);
 
-/// The pixmaps for a host that runs as that process.
-PixmapFormat pixmapFormatFor(StatusItemHost host, const WatcherProcess &process);
+/// The format for a host that runs as that process.
+ItemFormat itemFormatFor(StatusItemHost host, const WatcherProcess &process);
 
 /// How dark the panel is, from the tray's own colors, the desktop's color scheme and the palette of our windows.
 PanelAppearance panelAppearance(StatusItemHost host, PanelAppearance trayColors, PanelAppearance colorScheme,

@@ -7,7 +7,7 @@ namespace tickwise {
 namespace {
 
 QList<StatusPixmap> widePixmaps(const StatusItemContent &content, const StatusItemStyle &style,
-                                const PixmapFormat &format, int scale, StatusItemWidth &widths)
+                                const ItemFormat &format, int scale, StatusItemWidth &widths)
 {
     QList<StatusPixmap> pixmaps;
     for (int height : format.heights) {
@@ -24,7 +24,7 @@ QList<StatusPixmap> widePixmaps(const StatusItemContent &content, const StatusIt
 using SquarePainter = QImage (*)(const StatusItemContent &, const StatusItemStyle &, int);
 
 QList<StatusPixmap> squarePixmaps(const StatusItemContent &content, const StatusItemStyle &style,
-                                  const PixmapFormat &format, SquarePainter paint)
+                                  const ItemFormat &format, SquarePainter paint)
 {
     QList<StatusPixmap> pixmaps;
     for (int size : format.heights)
@@ -50,10 +50,11 @@ QString statusLabel(const StatusItemContent &content)
 }
 
 StatusNotifierContent notifierContent(const StatusItemContent &content, const StatusItemStyle &style,
-                                      StatusItemPresentation presentation, const PixmapFormat &format, int scale,
+                                      StatusItemPresentation presentation, const ItemFormat &format, int scale,
                                       StatusItemWidth &widths)
 {
-    StatusNotifierContent item{content.title, {content.toolTipTitle, plainTextMarkup(content.toolTipBody)}, {}, {}, {}};
+    StatusNotifierContent item{
+        content.title, {content.toolTipTitle, plainTextMarkup(content.toolTipBody, format.toolTipBreak)}, {}, {}, {}};
     if (presentation == StatusItemPresentation::wideSni) {
         item.pixmaps = widePixmaps(content, style, format, scale, widths);
     } else if (presentation == StatusItemPresentation::sniWithLabel) {

@@ -10,7 +10,7 @@ namespace tickwise {
 /// The content as a status notifier item of that presentation. `scale` is the largest screen's device pixels a point;
 /// `widths` remembers how wide the text has been.
 StatusNotifierContent notifierContent(const StatusItemContent &content, const StatusItemStyle &style,
-                                      StatusItemPresentation presentation, const PixmapFormat &format, int scale,
+                                      StatusItemPresentation presentation, const ItemFormat &format, int scale,
                                       StatusItemWidth &widths);
 
 /// The text beside the icon; empty in logo mode.

@@ -127,7 +127,7 @@ bool PanelStatusItem::eventFilter(QObject *watched, QEvent *event)
 void PanelStatusItem::hostChanged(StatusItemHost host, const WatcherProcess &process)
 {
     m_host = host;
-    m_format = pixmapFormatFor(host, process);
+    m_format = itemFormatFor(host, process);
     m_widths.clear();
     m_isNewHost = host != StatusItemHost::none;
     m_hostDelay.start(m_isNewHost ? hostStartTime : hostRestartTime);

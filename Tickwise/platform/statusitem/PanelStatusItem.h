@@ -77,7 +77,7 @@ private:
     std::function<Menu()> m_menu;
     StatusItemWidth m_widths;
     StatusItemHost m_host = StatusItemHost::none;
-    PixmapFormat m_format;
+    ItemFormat m_format;
     StatusItemPresentation m_presentation = StatusItemPresentation::nothing;
     PanelAppearance m_appearance = PanelAppearance::unknown;
     bool m_isNewHost = false; ///< the item has yet to be announced to it

@@ -43,8 +43,13 @@ Result<void> writeWholeFile(const QString &path, const QByteArray &bytes, Durabi
         return fileFailure(path, file.errorString());
     if (durability == Durability::synced && ::fdatasync(file.handle()) != 0)
         return fileFailure(path, qt_error_string(errno));
-    // The file has no name in its folder before it is asked for, so that a killed process leaves nothing behind.
-    if (std::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(target).constData()) != 0)
+    // The file gets its name here, always the same: what a process leaves that is killed before the second rename is
+    // removed by the next write.
+    const QString named = target + QStringLiteral(".new");
+    QFile::remove(named);
+    if (!file.rename(named))
+        return fileFailure(path, file.errorString());
+    if (std::rename(QFile::encodeName(named).constData(), QFile::encodeName(target).constData()) != 0)
         return fileFailure(path, qt_error_string(errno));
     file.setAutoRemove(false);
     return {};

@@ -10,7 +10,6 @@ namespace tickwise {
 namespace {
 
 constexpr int usualSide = 32; // logical pixels
-constexpr int statusOk = 200;
 
 } // namespace
 
@@ -72,7 +71,7 @@ void CoinLogoView::load()
 
 void CoinLogoView::showLoaded(const Result<HttpResponse> &result)
 {
-    if (result && result->status == statusOk)
+    if (result && carriesLogo(*result))
         setImage(decodeLogo(result->body));
 }
 

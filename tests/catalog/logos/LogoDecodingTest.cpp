@@ -23,6 +23,7 @@ private Q_SLOTS:
     void refusesWhatIsNoPicture();
     void refusesTruncatedPictures_data();
     void refusesTruncatedPictures();
+    void takesAJpegInBlocksOfAnySize();
     void sizeLimit_data();
     void sizeLimit();
     void alwaysDecodes_data();
@@ -187,6 +188,18 @@ void LogoDecodingTest::refusesTruncatedPictures()
 {
     QFETCH(QByteArray, bytes);
     QCOMPARE(decodeLogo(bytes), std::nullopt);
+}
+
+// The decoder reads 256 bytes at a time; the last block may be a single byte.
+void LogoDecodingTest::takesAJpegInBlocksOfAnySize()
+{
+    const QByteArray jpeg = encoded(noiseImage(64), "jpeg");
+    for (int length = 2; length < 258; ++length) {
+        const QByteArray comment = QByteArray("\xff\xfe") + char(length >> 8) + char(length & 255);
+        QByteArray bytes = jpeg;
+        bytes.insert(2, comment + QByteArray(length - 2, 'c'));
+        QVERIFY2(decodeLogo(bytes), qPrintable(QString::number(bytes.size() % 256)));
+    }
 }
 
 void LogoDecodingTest::sizeLimit_data()

@@ -4,6 +4,9 @@
 #include "doubles/TestProgram.h"
 #include "platform/dbus/BusCall.h"
 
+#include <QElapsedTimer>
+#include <QLocalServer>
+#include <QLocalSocket>
 #include <QSignalSpy>
 
 using namespace tickwise;
@@ -19,6 +22,8 @@ private Q_SLOTS:
     void aBusThatReturnsIsOpenedAnew();
     void aBusThatDiesTwice();
     void aBusThatStartsLater();
+    void aDeafBusIsNoneUntilItHears();
+    void laterTriesDoNotBlock();
     void triesAreFurtherAndFurtherApart();
     void closesItsConnection();
     void callsEndWhenTheBusDies();
@@ -90,6 +95,37 @@ void SessionBusTest::aBusThatStartsLater()
     bus.start();
     QTRY_COMPARE(connected.size(), 1);
     QVERIFY(session.connection().isConnected());
+}
+
+void SessionBusTest::aDeafBusIsNoneUntilItHears()
+{
+    PrivateBus bus;
+    bus.pause();
+    QElapsedTimer opening;
+    opening.start();
+    SessionBus session(bus.address());
+    QVERIFY(!session.connection().isConnected());
+    QVERIFY2(opening.durationElapsed() < 10 * SessionBus::longestSilence, "the library itself waits for 25 seconds");
+    QSignalSpy connected(&session, &SessionBus::connected);
+    bus.resume();
+    QTRY_COMPARE(connected.size(), 1);
+    QVERIFY(session.connection().isConnected());
+}
+
+// Whoever gives up a try closes its connection: it must be seen while it is still open.
+void SessionBusTest::laterTriesDoNotBlock()
+{
+    PrivateBus bus;
+    SessionBus session(bus.address());
+    bus.stop();
+    QLocalServer deaf;
+    QVERIFY(deaf.listen(bus.address().section(u'=', 1)));
+    QTRY_VERIFY(deaf.hasPendingConnections());
+    const std::unique_ptr<QLocalSocket> connection(deaf.nextPendingConnection());
+    QVERIFY(connection->bytesAvailable() > 0 || connection->waitForReadyRead());
+    connection->readAll();
+    QVERIFY(!connection->waitForReadyRead(50));
+    QCOMPARE(connection->state(), QLocalSocket::ConnectedState);
 }
 
 void SessionBusTest::triesAreFurtherAndFurtherApart()

@@ -3,6 +3,7 @@
 #include "doubles/LogCapture.h"
 #include "doubles/PrivateBus.h"
 #include "doubles/TestProgram.h"
+#include "platform/dbus/SessionBus.h"
 #include "ui/LaunchAtLoginService.h"
 
 #include <QDBusMessage>
@@ -10,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <optional>
@@ -80,7 +82,8 @@ public:
         doesNotGrant,
         refuses,
         fails,
-        ends
+        ends,
+        neverResponds
     };
 
     FakePortal(QDBusConnection bus, Behaviour behaviour)
@@ -110,7 +113,7 @@ public Q_SLOTS:
             m_bus.unregisterService(service());
         else if (m_behaviour == Behaviour::fails)
             refuseCall(message);
-        else
+        else if (m_behaviour != Behaviour::neverResponds)
             QTimer::singleShot(50, this, [this, to = message.service(), path] { respond(to, path); });
         return QDBusObjectPath(path);
     }
@@ -167,6 +170,8 @@ private Q_SLOTS:
     void portalWithoutTheMethod();
     void noPortal();
     void noSessionBus();
+    void sessionBusThatEndsMeanwhile();
+    void sessionBusThatReturned();
     void kindFollowsTheSandbox();
 
 private:
@@ -406,7 +411,8 @@ void DesktopLoginItemTest::portal()
     QFETCH(QString, outcome);
     PrivateBus bus;
     FakePortal portal(bus.connect(), static_cast<FakePortal::Behaviour>(behaviour));
-    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), reason);
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
     const std::optional<Result<void>> result = resultOf(login, true);
     const QString text = failureText(result);
     QVERIFY2(text.contains(outcome), qPrintable(text));
@@ -418,7 +424,8 @@ void DesktopLoginItemTest::portalIsTold()
     PrivateBus bus;
     FakePortal portal(bus.connect(), FakePortal::Behaviour::grants);
     QString text = QStringLiteral("because");
-    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), [&] { return text; });
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), [&] { return text; });
     QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
     QCOMPARE(portal.options.value(QStringLiteral("autostart")), QVariant(true));
     QCOMPARE(portal.options.value(QStringLiteral("reason")), QVariant(QStringLiteral("because")));
@@ -434,7 +441,8 @@ void DesktopLoginItemTest::portalStartsTheProgramOfTheSandbox()
 {
     PrivateBus bus;
     FakePortal portal(bus.connect(), FakePortal::Behaviour::grants);
-    const std::unique_ptr<LoginItem> login = makeLoginItem(applicationId(), bus.connect(), true, reason);
+    const SessionBus session(bus.address());
+    const std::unique_ptr<LoginItem> login = makeLoginItem(applicationId(), session, true, reason);
     QCOMPARE(failureText(resultOf(*login, true)), QStringLiteral("success"));
     QCOMPARE(portal.options.value(QStringLiteral("commandline")).toStringList(),
              QStringList{QStringLiteral("tickwise")});
@@ -448,7 +456,8 @@ void DesktopLoginItemTest::portalWithoutTheMethod()
     QObject nothing;
     QVERIFY(other.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &nothing));
     QVERIFY(other.registerService(FakePortal::service()));
-    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), reason);
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
     const QString text = failureText(resultOf(login, true));
     QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
 }
@@ -456,21 +465,50 @@ void DesktopLoginItemTest::portalWithoutTheMethod()
 void DesktopLoginItemTest::noPortal()
 {
     PrivateBus bus;
-    PortalLoginItem login(bus.connect(), QStringLiteral("tickwise"), reason);
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
     const QString text = failureText(resultOf(login, true));
     QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
 }
 
 void DesktopLoginItemTest::noSessionBus()
 {
-    PortalLoginItem login(QDBusConnection(QStringLiteral("not connected")), QStringLiteral("tickwise"), reason);
+    const SessionBus noBus(QStringLiteral("unix:path=/nonexistent"));
+    PortalLoginItem login(noBus, QStringLiteral("tickwise"), reason);
     const QString text = failureText(resultOf(login, true));
     QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
 }
 
+void DesktopLoginItemTest::sessionBusThatEndsMeanwhile()
+{
+    PrivateBus bus;
+    FakePortal portal(bus.connect(), FakePortal::Behaviour::neverResponds);
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
+    std::vector<Result<void>> answers;
+    login.setRegistered(true, [&](const Result<void> &result) { answers.push_back(result); });
+    QTRY_VERIFY(!portal.options.isEmpty());
+    bus.stop();
+    QTRY_COMPARE(answers.size(), 1U);
+    QVERIFY(!answers.front());
+}
+
+void DesktopLoginItemTest::sessionBusThatReturned()
+{
+    PrivateBus bus;
+    SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
+    QSignalSpy connected(&session, &SessionBus::connected);
+    bus.stop();
+    bus.start();
+    QTRY_COMPARE(connected.size(), 1);
+    FakePortal portal(bus.connect(), FakePortal::Behaviour::grants);
+    QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
+}
+
 void DesktopLoginItemTest::kindFollowsTheSandbox()
 {
-    const QDBusConnection bus(QStringLiteral("not connected"));
+    const SessionBus bus(QStringLiteral("unix:path=/nonexistent"));
     const std::unique_ptr<LoginItem> outside = makeLoginItem(applicationId(), bus, false, reason);
     const std::unique_ptr<LoginItem> inside = makeLoginItem(applicationId(), bus, true, reason);
     QVERIFY(dynamic_cast<AutostartLoginItem *>(outside.get()) != nullptr);

@@ -139,18 +139,18 @@ void HostTraitsTest::waybarGetsOnePixmapOfItsIconSize()
     file.flush();
     const WatcherProcess process{
         QStringLiteral("waybar"), {QStringLiteral("waybar"), QStringLiteral("-c"), file.fileName()}, {}};
-    QCOMPARE(pixmapFormatFor(StatusItemHost::waybar, process), (PixmapFormat{{19}, false}));
+    QCOMPARE(itemFormatFor(StatusItemHost::waybar, process), (ItemFormat{{19}, false, LineBreak::newline}));
 }
 
 void HostTraitsTest::swaybarReadsPremultipliedAlpha()
 {
-    QVERIFY(pixmapFormatFor(StatusItemHost::swaybar, {}).premultiplied);
-    QVERIFY(!pixmapFormatFor(StatusItemHost::plasma, {}).premultiplied);
+    QVERIFY(itemFormatFor(StatusItemHost::swaybar, {}).premultiplied);
+    QVERIFY(!itemFormatFor(StatusItemHost::plasma, {}).premultiplied);
 }
 
 void HostTraitsTest::matePanelsOfAllUsualHeightsGetTheirOwnPixmap()
 {
-    const QList<int> heights = pixmapFormatFor(StatusItemHost::mate, {}).heights;
+    const QList<int> heights = itemFormatFor(StatusItemHost::mate, {}).heights;
     for (int height : {16, 22, 24, 27, 32, 48})
         QVERIFY2(heights.contains(height), qPrintable(QString::number(height)));
 }
@@ -161,9 +161,9 @@ void HostTraitsTest::pixmapHeightsOfTheOthers()
     for (StatusItemHost host :
          {StatusItemHost::none, StatusItemHost::unknown, StatusItemHost::xfce, StatusItemHost::gnome,
           StatusItemHost::ayatana, StatusItemHost::plasma, StatusItemHost::lxqt})
-        QCOMPARE(pixmapFormatFor(host, {}), (PixmapFormat{usual, false}));
-    QCOMPARE(pixmapFormatFor(StatusItemHost::cinnamon, {}), (PixmapFormat{{22}, false}));
-    QCOMPARE(pixmapFormatFor(StatusItemHost::swaybar, {}).heights, (QList<int>{16, 18, 20, 22, 24, 32, 48}));
+        QCOMPARE(itemFormatFor(host, {}), (ItemFormat{usual, false}));
+    QCOMPARE(itemFormatFor(StatusItemHost::cinnamon, {}), (ItemFormat{{22}, false}));
+    QCOMPARE(itemFormatFor(StatusItemHost::swaybar, {}).heights, (QList<int>{16, 18, 20, 22, 24, 32, 48}));
 }
 
 void HostTraitsTest::devicePixelsBecomePoints()

@@ -164,6 +164,10 @@ void NotifierContentTest::toolTipIsEscaped()
     content.toolTipBody = QStringLiteral("a < b\nc & d");
     QCOMPARE(notifierContent(content, style(), StatusItemPresentation::squareSni, {{22}}, 1, widths).toolTip,
              (StatusToolTip{QStringLiteral("Bitcoin"), QStringLiteral("a &lt; b<br/>c &amp; d")}));
+    QCOMPARE(
+        notifierContent(content, style(), StatusItemPresentation::wideSni, {{22}, false, LineBreak::newline}, 1, widths)
+            .toolTip,
+        (StatusToolTip{QStringLiteral("Bitcoin"), QStringLiteral("a &lt; b\nc &amp; d")}));
 }
 
 void NotifierContentTest::widthOnlyGrowsForOneNumberOfCharacters()

@@ -349,7 +349,7 @@ void PanelStatusItemTest::getAllHasEveryProperty()
     QVERIFY(pixmaps[0].width > 2 * pixmaps[0].height);
     QCOMPARE(pixmaps[0].bytes.size(), pixmaps[0].width * pixmaps[0].height * 4);
     const auto toolTip = qdbus_cast<StatusToolTip>(properties.value(QStringLiteral("ToolTip")));
-    QCOMPARE(toolTip, (StatusToolTip{QStringLiteral("Bitcoin"), QStringLiteral("a &lt; b<br/>second")}));
+    QCOMPARE(toolTip, (StatusToolTip{QStringLiteral("Bitcoin"), QStringLiteral("a &lt; b\nsecond")}));
 }
 
 void PanelStatusItemTest::labelIsAbsentForMate()

@@ -45,6 +45,7 @@ private Q_SLOTS:
     void existingFolderStaysAsItIs();
     void followsALink();
     void readerOfTheOldFileKeepsIt();
+    void leftoverOfAKilledWriterGoes();
     void fullDiskKeepsTheOldContent();
     void cannotBeWritten_data();
     void cannotBeWritten();
@@ -145,6 +146,17 @@ void WholeFileTest::readerOfTheOldFileKeepsIt()
     QVERIFY(reader.open(QIODevice::ReadOnly));
     QVERIFY(writeWholeFile(m_path, "new").has_value());
     QCOMPARE(reader.readAll(), QByteArray("old"));
+}
+
+void WholeFileTest::leftoverOfAKilledWriterGoes()
+{
+    QFile leftover(m_path + QStringLiteral(".new"));
+    QVERIFY(leftover.open(QIODevice::WriteOnly));
+    QCOMPARE(leftover.write("half"), 4);
+    leftover.close();
+    QVERIFY(writeWholeFile(m_path, "whole").has_value());
+    QVERIFY(readWholeFile(m_path, large) == QByteArray("whole"));
+    QCOMPARE(names(), QStringList(QStringLiteral("document.json")));
 }
 
 void WholeFileTest::fullDiskKeepsTheOldContent()

@@ -63,6 +63,7 @@ private Q_SLOTS:
     void escapeAndClosing();
     void remoteTextsAreNeverMarkup();
     void notesAreReadOnly();
+    void notesHaveRoomForSomeLines();
     void progressKeepsTheFocus();
     void aButtonMayChangeTheButtons();
     void installingHasNoButtons();
@@ -197,6 +198,15 @@ void UpdateWindowTest::notesAreReadOnly()
     const QString before = notes->toPlainText();
     QTest::keyClicks(notes, QStringLiteral("typed"));
     QCOMPARE(notes->toPlainText(), before);
+}
+
+void UpdateWindowTest::notesHaveRoomForSomeLines()
+{
+    UpdateWindow window;
+    open(window, UpdatePhase::available);
+    window.resize(window.width(), 1);
+    auto *notes = window.findChild<QPlainTextEdit *>();
+    QVERIFY(notes->height() >= 12 * notes->fontMetrics().lineSpacing());
 }
 
 void UpdateWindowTest::progressKeepsTheFocus()

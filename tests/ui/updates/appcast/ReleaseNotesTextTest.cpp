@@ -39,6 +39,8 @@ void ReleaseNotesTextTest::strips_data()
     row("resolved once", u"&amp;lt;b&amp;gt;", u"&lt;b&gt;");
     row("no references", u"a & b &unknown; &#xd800; &#0; &#99999999; &",
         u"a & b &unknown; &#xd800; &#0; &#99999999; &");
+    row("last character of all", u"a&#x10ffff;b &#x110000;", u"a\U0010FFFFb &#x110000;");
+    row("less than at the end", u"1 <", u"1 <");
     row("less than is no tag", u"1 < 2 and 3 <4", u"1 < 2 and 3 <4");
     row("control characters", u"a\u0007b\u202ec", u"abc");
     row("beyond the first plane", u"\U0001F680 up", u"\U0001F680 up");
