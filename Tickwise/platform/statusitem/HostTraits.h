@@ -63,6 +63,9 @@ struct PixmapFormat
 /// The presentation for a host; `hasTray` tells whether an X11 system tray can dock windows.
 StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray);
 
+/// What a desktop that is called so (`XDG_CURRENT_DESKTOP`) lacks when no panel shows the item.
+StatusItemAvailability missingHost(const QString &currentDesktop);
+
 /// The pixmaps for a host that runs as that process.
 PixmapFormat pixmapFormatFor(StatusItemHost host, const WatcherProcess &process);
 
