@@ -47,6 +47,7 @@ public:
 
 private:
     AppEnvironment makeEnvironment();
+    std::unique_ptr<StatusItem> makeStatusItem();
     SettingsWindowContext settingsWindowContext();
     bool isSecondCopy();
     void attachUpdater(UpdateController &controller);

@@ -287,6 +287,18 @@
         <source></source>
         <translation>Prices</translation>
     </message>
+    <message id="general.statusItem.needsExtension">
+        <source></source>
+        <translation>GNOME shows no status items by itself. Install the extension “AppIndicator and KStatusNotifierItem Support” (on Debian and Ubuntu the package gnome-shell-extension-appindicator) and enable it in Extensions.</translation>
+    </message>
+    <message id="general.statusItem.needsTrayBar">
+        <source></source>
+        <translation>No bar here shows status items. Install waybar and add the module “tray” to its configuration.</translation>
+    </message>
+    <message id="general.statusItem.needsPanel">
+        <source></source>
+        <translation>No panel here shows status items. Add a panel with a tray for status items; Tickwise appears in it at once.</translation>
+    </message>
     <message id="lang.endonym.en">
         <source></source>
         <translation>English</translation>

@@ -87,9 +87,7 @@ void WatchlistAddCoinPanel::buildField()
     row->setContentsMargins(look::scaled(8 + symbolSide + 4), 2, 4, 2);
     m_field->setObjectName(QStringLiteral("searchField"));
     m_field->setFrame(false);
-    QPalette clear = m_field->palette();
-    clear.setColor(QPalette::Base, Qt::transparent);
-    m_field->setPalette(clear);
+    takeColors();
     m_field->installEventFilter(this);
     m_clear->setObjectName(QStringLiteral("watchlist.search.clear"));
     row->addWidget(m_field);
@@ -100,6 +98,16 @@ void WatchlistAddCoinPanel::buildField()
         m_viewModel.setSearchText({});
         m_field->setFocus();
     });
+}
+
+/// The field shows the ground below it, and its placeholder as secondary text.
+void WatchlistAddCoinPanel::takeColors()
+{
+    QPalette colors;
+    colors.setColor(QPalette::Base, Qt::transparent);
+    colors.setColor(QPalette::PlaceholderText, look::secondaryText(palette()));
+    if (m_field->palette().color(QPalette::PlaceholderText) != look::secondaryText(palette()))
+        m_field->setPalette(colors);
 }
 
 void WatchlistAddCoinPanel::buildList(CoinLogoStore *logos)
@@ -164,6 +172,8 @@ void WatchlistAddCoinPanel::changeEvent(QEvent *event)
     if (event->type() == QEvent::LanguageChange) {
         writeTexts();
         showCoins();
+    } else if (event->type() == QEvent::PaletteChange) {
+        takeColors();
     }
     QWidget::changeEvent(event);
 }
