@@ -1,5 +1,6 @@
 #include "SurfacesWorld.h"
 #include "doubles/Languages.h"
+#include "doubles/TestData.h"
 #include "doubles/TestProgram.h"
 #include "ui/settings/SettingsWindowFrame.h"
 #include "ui/updates/UpdateWindow.h"
@@ -8,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStyleOptionComboBox>
@@ -42,6 +44,13 @@ LocalizationBundle bundleNamed(const QString &name)
     if (name == QStringLiteral("longer"))
         return std::make_shared<const LongerTexts>();
     return openLocalizationBundle(name);
+}
+
+/// The keys that begin so.
+QStringList keysOf(const QString &group)
+{
+    const QString keys = QString::fromUtf8(readData(QStringLiteral("localization-keys.txt")));
+    return keys.split(u'\n').filter(QRegularExpression(u'^' + QRegularExpression::escape(group)));
 }
 
 int widthOf(const QWidget &widget, const QString &text)
@@ -190,6 +199,11 @@ void TextsFitTest::popover()
     setCurrentLocalizationBundle(bundleNamed(language));
     world.delegate->popover()->retranslate();
     QCOMPARE(cutTexts(*world.delegate->popover()->window()), QStringList());
+    auto *const status = world.delegate->popover()->window()->findChild<QLabel *>(QStringLiteral("status"));
+    for (const QString &key : keysOf(QStringLiteral("failure."))) {
+        status->setText(localized(key).arg(QStringLiteral("23:59:59")));
+        QVERIFY2(fits(*status), qPrintable(key));
+    }
     world.change([](AppSettings &settings) { settings.watchlistCoins.clear(); });
     QCoreApplication::processEvents();
     QCOMPARE(cutTexts(*world.delegate->popover()->window()), QStringList());

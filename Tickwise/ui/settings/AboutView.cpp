@@ -69,6 +69,7 @@ void AboutView::buildUpdates(UpdateController &updates)
     automatic->setObjectName(QStringLiteral("about.updates.automatic"));
     auto *const check = new QPushButton(this);
     check->setObjectName(QStringLiteral("about.updates.check"));
+    check->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     translate([automatic, check] {
         automatic->setText(localized(automatic->objectName()));
         check->setText(localized(check->objectName()));

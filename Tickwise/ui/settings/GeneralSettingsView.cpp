@@ -187,6 +187,7 @@ void GeneralSettingsView::buildDesktop()
     buildOpacity(section);
     auto *const adjust = new QPushButton(this);
     adjust->setObjectName(QStringLiteral("desktop.adjust.start"));
+    adjust->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     translate([adjust] { adjust->setText(localized(QStringLiteral("desktop.adjust.start"))); });
     follow([this, adjust](const AppSettings &settings) {
         adjust->setEnabled(settings.desktopOverlayEnabled && m_abilities.hasOverlay);

@@ -27,6 +27,7 @@ constexpr int fieldRadius = 6;
 constexpr int panelRadius = 10;
 constexpr int symbolSide = 14;
 constexpr float fieldOpacity = 0.1F;
+constexpr float placeholderOpacity = 0.75F; ///< more than secondary text has: the field's ground is darker
 constexpr float scrimOpacity = 0.35F;
 
 /// The ground of the search field: rounded, the text color at a tenth.
@@ -100,14 +101,17 @@ void WatchlistAddCoinPanel::buildField()
     });
 }
 
-/// The field shows the ground below it, and its placeholder as secondary text.
+/// The field shows the ground below it; its placeholder can be read on that.
 void WatchlistAddCoinPanel::takeColors()
 {
+    QColor placeholder = look::text(palette());
+    placeholder.setAlphaF(placeholderOpacity);
+    if (m_field->palette().color(QPalette::PlaceholderText) == placeholder)
+        return;
     QPalette colors;
     colors.setColor(QPalette::Base, Qt::transparent);
-    colors.setColor(QPalette::PlaceholderText, look::secondaryText(palette()));
-    if (m_field->palette().color(QPalette::PlaceholderText) != look::secondaryText(palette()))
-        m_field->setPalette(colors);
+    colors.setColor(QPalette::PlaceholderText, placeholder);
+    m_field->setPalette(colors);
 }
 
 void WatchlistAddCoinPanel::buildList(CoinLogoStore *logos)
