@@ -5,14 +5,14 @@ import time
 import unittest
 
 from accessible_tree import AccessibleTree
-from application import IDENTIFIER, Application, Texts, coin, keep_picture
+from application import Application, Texts, coin, keep_picture
 from color_schemes import use_dark_portal, use_scheme
 from contrast import ENOUGH, Area, contrast, text_contrasts
 from desktop_session import X11Session
 from panel_pixels import GREEN, middle, wait_for_box
+from settings_window import open_settings
 
 ENGLISH = Texts("en")
-OBJECT = "/" + IDENTIFIER.replace(".", "/")
 WHEEL_DOWN = 5
 SAME_CLICK = 0.3  # seconds
 
@@ -43,8 +43,7 @@ class Scene:
 
     def general(self):
         self.desktop.press_key("Escape")
-        self.desktop.bus.call(IDENTIFIER, OBJECT, "org.freedesktop.Application", "ActivateAction", "(sava{sv})",
-                              ("settings", [], {}))
+        open_settings(self.desktop)
 
     def general_below(self):
         left, top, width, height = self.node(ENGLISH.text("window.settings.title")).extents()

@@ -7,24 +7,15 @@ import os
 import subprocess
 import sys
 
-from application import IDENTIFIER, Application, coin
+from application import Application, coin
 from color_schemes import use_scheme
 from desktop_session import X11Session
+from settings_window import open_settings, wait_for_settings_on_x11
 
-OBJECT = "/" + IDENTIFIER.replace(".", "/")
 LANGUAGES = ("en", "zh-Hans", "zh-Hant")
 TABS = ("general", "watchlist", "about")
 PRICES = (("BTC", 67432.4, 1.5), ("ETH", 3188, -2.1), ("SOL", 152.6, 0.4))
 COINS = [coin("bitcoin", "above", 70000), coin("ethereum"), coin("solana", "notSet")]
-
-
-def open_window(desktop):
-    """Opens the window and returns its id."""
-    before = set(desktop.windows("app_probe"))
-    desktop.bus.call(IDENTIFIER, OBJECT, "org.freedesktop.Application", "ActivateAction", "(sava{sv})", ("settings", [], {}))
-    window = desktop.wait_for(lambda: set(desktop.windows("app_probe")) - before, what="the window").pop()
-    desktop.wait_for(lambda: b"800 by 500" in desktop.tool(["xprop", "-id", str(window), "WM_NORMAL_HINTS"]), what="its focus")
-    return window
 
 
 def settled_picture(desktop):
@@ -45,7 +36,8 @@ def pictures_of_language(scheme, language, style):
         application = Application(desktop, PRICES, env=environment, language=language, addedCoins=COINS, colorScheme="custom",
                                   desktopOverlayEnabled=True)
         application.wait_for_content(text="BTC 67,432")
-        left, top, width, height = desktop.window_geometry(open_window(desktop))
+        open_settings(desktop)
+        left, top, width, height = desktop.window_geometry(wait_for_settings_on_x11(desktop))
         pictures = []
         for _ in TABS:
             crop = ["convert", settled_picture(desktop), "-crop", f"{width}x{height}+{left}+{top}", "+repage", "png:-"]

@@ -3,23 +3,18 @@
 
 import json
 import os
-import time
 import unittest
 
 from accessible_tree import AccessibleTree
-from application import IDENTIFIER, Application, Texts, coin, read, settings_file, wait_for_saved
+from application import Application, Texts, coin, read, settings_file
 from desktop_session import SwaySession, X11Session
+from settings_window import open_settings, wait_for_settings_on_x11
 
 ENGLISH = Texts("en")
-OBJECT = "/" + IDENTIFIER.replace(".", "/")
 PRICES = (("BTC", 67432.4, 1.5), ("ETH", 3188, -2))
 COINS = [coin("bitcoin"), coin("ethereum")]
 LIMITS = ((600, 420), (800, 500))
 HINTS = {kind: ENGLISH.text(f"general.statusItem.needs{kind}") for kind in ("Extension", "TrayBar", "Panel")}
-
-
-def open_settings(desktop, action="settings"):
-    desktop.bus.call(IDENTIFIER, OBJECT, "org.freedesktop.Application", "ActivateAction", "(sava{sv})", (action, [], {}))
 
 
 def start(desktop, env=None, **settings):
@@ -37,12 +32,8 @@ class WindowTest(unittest.TestCase):
     def check_limits_on_x11(self, window_manager):
         with X11Session("xfce4-panel", window_manager, notifications=None) as desktop:
             application = start(desktop)
-            before = set(desktop.windows("app_probe"))
             open_settings(desktop)
-            window = desktop.wait_for(lambda: set(desktop.windows("app_probe")) - before, what="the window").pop()
-            # It has its limits once it is active.
-            desktop.wait_for(lambda: b"800 by 500" in desktop.tool(["xprop", "-id", str(window), "WM_NORMAL_HINTS"]),
-                             what="the limits")
+            window = wait_for_settings_on_x11(desktop)
             for asked, got in (((300, 300), LIMITS[0]), ((1200, 780), LIMITS[1]), ((700, 450), (700, 450))):
                 desktop.tool(["xdotool", "windowsize", str(window), *map(str, asked)])
                 desktop.wait_for(lambda: desktop.window_geometry(window)[2:] == got, what=f"{got} for {asked}")

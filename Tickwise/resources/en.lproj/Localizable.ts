@@ -169,7 +169,7 @@
     </message>
     <message id="failure.hostNotFound">
         <source></source>
-        <translation>The price services’ addresses could not be looked up. Check your DNS settings.</translation>
+        <translation>The price services could not be found. Check your DNS settings.</translation>
     </message>
     <message id="failure.offline">
         <source></source>

@@ -62,14 +62,14 @@ void SettingsForm::showEvent(QShowEvent *event)
     QWidget::showEvent(event);
 }
 
-/// The controls of all sections begin in one column.
+/// The controls of all sections begin in one column, and a label is as high as its control.
 void SettingsForm::alignLabels()
 {
     int width = 0;
     for (const QLabel *const label : m_labels)
         width = std::max(width, label->sizeHint().width());
     for (QLabel *const label : m_labels)
-        label->setMinimumWidth(width);
+        label->setMinimumSize(width, label->buddy()->sizeHint().height());
 }
 
 QFormLayout *SettingsForm::addSection(const QString &titleKey)
