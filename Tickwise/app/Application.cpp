@@ -153,7 +153,7 @@ AppEnvironment Application::makeEnvironment()
         .httpClient = m_httpClient,
         .notificationCenter = *m_notificationCenter,
         .loginItem = *m_loginItem,
-        .makeStatusItem = [this] { return std::make_unique<PanelStatusItem>(m_sessionBus); },
+        .makeStatusItem = [this] { return makeStatusItem(); },
         .makePopoverSurface = makePopoverSurface,
         .reloadWidgets = [this] { m_widgetCenter.reloadAllTimelines(); },
         .isSecondCopy = [this] { return isSecondCopy(); },
@@ -163,6 +163,14 @@ AppEnvironment Application::makeEnvironment()
     if (!m_configuration.feedUrl.isEmpty())
         environment.attachUpdater = [this](UpdateController &controller) { attachUpdater(controller); };
     return environment;
+}
+
+std::unique_ptr<StatusItem> Application::makeStatusItem()
+{
+    auto item = std::make_unique<PanelStatusItem>(m_sessionBus);
+    QObject::connect(item.get(), &StatusItem::availabilityChanged, &m_settingsWindow,
+                     &SettingsWindowController::setStatusItemAvailability);
+    return item;
 }
 
 SettingsWindowContext Application::settingsWindowContext()

@@ -12,6 +12,7 @@
 #include "platform/session/SleepMonitor.h"
 #include "platform/session/TerminationSignals.h"
 #include "platform/session/WidgetCenter.h"
+#include "platform/session/WindowPalette.h"
 #include "platform/storage/UserDefaults.h"
 #include "ui/LoginItem.h"
 #include "ui/updates/SparkleUpdaterBackend.h"
@@ -47,6 +48,7 @@ public:
 
 private:
     AppEnvironment makeEnvironment();
+    std::unique_ptr<StatusItem> makeStatusItem();
     SettingsWindowContext settingsWindowContext();
     bool isSecondCopy();
     void attachUpdater(UpdateController &controller);
@@ -58,6 +60,7 @@ private:
     ApplicationConfiguration m_configuration;
     TerminationSignals m_signals;
     SessionBus m_sessionBus;
+    WindowPalette m_windowPalette{m_sessionBus};
     SingleInstance m_singleInstance;
     SleepMonitor m_sleepMonitor;
     NetworkWatch m_networkWatch;

@@ -3,6 +3,8 @@
 #include "settings/AppLanguage.h"
 #include "support/Localization.h"
 
+#include <memory>
+
 namespace tickwise {
 
 /// Selects the language in which the application's texts are looked up. Main thread only.
@@ -19,11 +21,14 @@ public:
 
     const LocalizationBundle &bundle() const { return currentLocalizationBundle(); }
 
-    /// Every later lookup uses that language.
+    /// Every later lookup uses that language, and Qt's own dialogs and menus do where its translations are installed.
     void apply(AppLanguage language);
 
 private:
     LocalizationManager() = default;
+    void applyToQt(AppLanguage effective);
+
+    std::unique_ptr<QTranslator> m_qtTexts; ///< none in English, which Qt's texts are written in
 };
 
 } // namespace tickwise

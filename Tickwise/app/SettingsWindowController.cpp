@@ -33,12 +33,12 @@ void SettingsWindowController::open(SettingsTab tab)
 
 void SettingsWindowController::build()
 {
-    auto *const general = new GeneralSettingsView(m_context.settings, m_context.catalog);
-    general->setAbilities(m_context.abilities);
+    m_general = new GeneralSettingsView(m_context.settings, m_context.catalog);
+    m_general->setAbilities(m_context.abilities);
     auto *const watchlist =
         new WatchlistView({m_context.settings, m_context.catalog, m_context.watchlist(), &m_context.logos()});
     auto *const about = new AboutView(m_context.settings, m_context.updates, m_context.about);
-    m_window = new SettingsWindow(m_context.settings, m_context.storage, {general, watchlist, about});
+    m_window = new SettingsWindow(m_context.settings, m_context.storage, {m_general, watchlist, about});
     connect(m_window, &SettingsWindow::closed, m_window, &QObject::deleteLater);
     connect(m_window, &SettingsWindow::closed, this, [this] { m_window.clear(); });
 }
@@ -49,6 +49,13 @@ void SettingsWindowController::retranslate()
         return;
     QEvent change(QEvent::LanguageChange);
     QCoreApplication::sendEvent(m_window, &change);
+}
+
+void SettingsWindowController::setStatusItemAvailability(StatusItemAvailability availability)
+{
+    m_context.abilities.statusItem = availability;
+    if (m_general)
+        m_general->setAbilities(m_context.abilities);
 }
 
 } // namespace tickwise

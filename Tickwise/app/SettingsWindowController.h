@@ -47,12 +47,15 @@ public:
     SettingsWindow *window() { return m_window; }
     /// Takes the language anew.
     void retranslate();
+    /// Whether a panel shows the status item; the open window shows the change too.
+    void setStatusItemAvailability(StatusItemAvailability availability);
 
 private:
     void build();
 
     SettingsWindowContext m_context;
     QPointer<SettingsWindow> m_window;
+    QPointer<GeneralSettingsView> m_general; ///< the window's
 };
 
 } // namespace tickwise

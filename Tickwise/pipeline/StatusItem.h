@@ -21,6 +21,16 @@ enum class PanelAppearance
     dark
 };
 
+/// Whether a panel shows the status item, and what the desktop lacks where none does.
+enum class StatusItemAvailability
+{
+    unknown, ///< still being found out
+    shown,
+    needsExtension, ///< the GNOME extension that shows status items
+    needsTrayBar,   ///< a bar with a tray, on a compositor that brings none
+    needsPanel      ///< a panel with a place for status items
+};
+
 /// How the 24-hour change points; for presentations that cannot color their text.
 enum class StatusTrend
 {
@@ -70,13 +80,14 @@ public:
 
     virtual PanelAppearance appearance() const = 0;
 
-    /// Whether a panel shows the item.
-    virtual bool isShown() const { return true; }
+    virtual StatusItemAvailability availability() const { return StatusItemAvailability::shown; }
+    bool isShown() const { return availability() == StatusItemAvailability::shown; }
 
 Q_SIGNALS:
     /// A primary click. `position` is in global screen coordinates where the host tells them.
     void clicked(std::optional<QPoint> position);
     void appearanceChanged();
+    void availabilityChanged(tickwise::StatusItemAvailability availability);
 };
 
 } // namespace tickwise

@@ -38,6 +38,7 @@ private Q_SLOTS:
     void startsWithTheMainBundle();
     void textsOfTheSystemLanguage();
     void switchesWhileRunning();
+    void qtsOwnTextsFollow();
     void missingTableGivesTheMainBundle();
     void damagedTableGivesTheMainBundle();
     void missingKeyShowsTheKey_data();
@@ -144,6 +145,20 @@ void LocalizationManagerTest::switchesWhileRunning()
     QCOMPARE(localized(currency, kept), QStringLiteral("計價貨幣"));
     manager.apply(AppLanguage::en);
     QCOMPARE(localized(currency), QStringLiteral("Display currency"));
+}
+
+void LocalizationManagerTest::qtsOwnTextsFollow()
+{
+    const auto text = [] { return QCoreApplication::translate("QColorDialog", "&Pick Screen Color"); };
+    LocalizationManager &manager = LocalizationManager::shared();
+    manager.apply(AppLanguage::zhHans);
+    const QString simplified = text();
+    manager.apply(AppLanguage::zhHant);
+    const QString traditional = text();
+    manager.apply(AppLanguage::en);
+    QCOMPARE(text(), QStringLiteral("&Pick Screen Color"));
+    QVERIFY2(simplified.contains(u'屏'), qPrintable(simplified));
+    QVERIFY2(traditional != simplified && traditional != text(), qPrintable(traditional));
 }
 
 void LocalizationManagerTest::missingTableGivesTheMainBundle()

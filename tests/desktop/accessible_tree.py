@@ -8,6 +8,11 @@ from gi.repository import Gio, GLib  # noqa: E402
 _LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
 _BUS = "org.a11y.Bus"
 _ACCESSIBLE = "org.a11y.atspi.Accessible"
+_COMPONENT = "org.a11y.atspi.Component"
+_SCREEN = 0  # the kind of coordinates
+_LABELLED_BY = 2
+# Numbers of states in the protocol.
+_STATES = {"checked": 4, "focused": 12, "sensitive": 24, "showing": 25}
 _REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
 
 
@@ -18,11 +23,37 @@ class Node:
         self._tree = tree
         self._service = service
         self._path = path
+        self.key = (service, path)
         self.name = self._property("Name")
         self.role = self._call(_ACCESSIBLE, "GetRoleName")[0]
 
     def children(self):
         return [Node(self._tree, *reference) for reference in self._call(_ACCESSIBLE, "GetChildren")[0]]
+
+    def has_state(self, name):
+        """Whether it is "checked", "focused", "sensitive" or "showing"."""
+        low, high = self._call(_ACCESSIBLE, "GetState")[0]
+        return bool((low | high << 32) >> _STATES[name] & 1)
+
+    def extents(self):
+        """Left, top, width and height on the screen."""
+        return self._call(_COMPONENT, "GetExtents", "(u)", (_SCREEN,))[0]
+
+    def labels(self):
+        """The names of what labels it."""
+        relations = self._call(_ACCESSIBLE, "GetRelationSet")[0]
+        return [Node(self._tree, *target).name for kind, targets in relations if kind == _LABELLED_BY for target in targets]
+
+    def description(self):
+        return self._property("Description")
+
+    def number(self):
+        """The value of a slider."""
+        return self._call("org.freedesktop.DBus.Properties", "Get", "(ss)", ("org.a11y.atspi.Value", "CurrentValue"))[0]
+
+    def text(self):
+        """What a text field holds."""
+        return self._call("org.a11y.atspi.Text", "GetText", "(ii)", (0, -1))[0]
 
     def press(self):
         """Does the first thing that can be done with it."""
@@ -52,9 +83,13 @@ class AccessibleTree:
 
     def nodes(self, program):
         """Every object of the program, parents before children; empty until the program has announced itself."""
+        return [node for node, _ in self.nodes_with_ancestors(program)]
+
+    def nodes_with_ancestors(self, program):
+        """The same as pairs of an object and the list of those that contain it."""
         for application in Node(self, *_REGISTRY).children():
             if application.name == program:
-                return list(self._below(application))
+                return list(self._below(application, []))
         return []
 
     def call(self, service, path, interface, method, signature, arguments):
@@ -62,7 +97,7 @@ class AccessibleTree:
         return self._connection.call_sync(service, path, interface, method, parameters, None, Gio.DBusCallFlags.NONE, 5000,
                                           None).unpack()
 
-    def _below(self, node):
-        yield node
+    def _below(self, node, ancestors):
+        yield node, ancestors
         for child in node.children():
-            yield from self._below(child)
+            yield from self._below(child, [*ancestors, node])

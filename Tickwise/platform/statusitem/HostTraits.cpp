@@ -51,6 +51,12 @@ constexpr HostTraits table[] = {
      true},
 };
 
+// Compositors that come without a bar; several give the name of the library that they are built on.
+constexpr QLatin1StringView bareCompositors[] = {
+    QLatin1StringView("sway"),  QLatin1StringView("wlroots"), QLatin1StringView("Hyprland"), QLatin1StringView("river"),
+    QLatin1StringView("labwc"), QLatin1StringView("Wayfire"), QLatin1StringView("niri"),     QLatin1StringView("dwl"),
+};
+
 PanelAppearance firstKnown(std::initializer_list<PanelAppearance> sources)
 {
     const auto *const known = std::ranges::find_if(
@@ -69,6 +75,16 @@ StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray)
 {
     const HostTraits &traits = hostTraits(host);
     return hasTray ? traits.withTray : traits.withoutTray;
+}
+
+StatusItemAvailability missingHost(const QString &currentDesktop)
+{
+    const QStringList names = currentDesktop.split(u':', Qt::SkipEmptyParts);
+    if (names.contains(QLatin1StringView("GNOME"), Qt::CaseInsensitive))
+        return StatusItemAvailability::needsExtension;
+    const bool isBare = std::ranges::any_of(
+        bareCompositors, [&](QLatin1StringView name) { return names.contains(name, Qt::CaseInsensitive); });
+    return isBare ? StatusItemAvailability::needsTrayBar : StatusItemAvailability::needsPanel;
 }
 
 ItemFormat itemFormatFor(StatusItemHost host, const WatcherProcess &process)

@@ -66,6 +66,9 @@ struct ItemFormat
 /// The presentation for a host; `hasTray` tells whether an X11 system tray can dock windows.
 StatusItemPresentation presentationFor(StatusItemHost host, bool hasTray);
 
+/// What a desktop that is called so (`XDG_CURRENT_DESKTOP`) lacks when no panel shows the item.
+StatusItemAvailability missingHost(const QString &currentDesktop);
+
 /// The format for a host that runs as that process.
 ItemFormat itemFormatFor(StatusItemHost host, const WatcherProcess &process);
 

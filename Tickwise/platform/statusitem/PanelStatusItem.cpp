@@ -53,6 +53,9 @@ int largestScale()
 PanelStatusItem::Environment PanelStatusItem::currentEnvironment()
 {
     Environment environment{qEnvironmentVariable("XDG_CURRENT_DESKTOP")};
+    // Started from a console, sway does not name itself there.
+    if (environment.currentDesktop.isEmpty() && qEnvironmentVariableIsSet("SWAYSOCK"))
+        environment.currentDesktop = QStringLiteral("sway");
     if (QGuiApplication::platformName() == QLatin1StringView("xcb"))
         environment.openTray = SystemTraySelection::open;
     return environment;
@@ -151,6 +154,7 @@ void PanelStatusItem::applyHost()
         m_item->registerWithWatcher(hostTraits(m_host).announcement);
     }
     m_isNewHost = false;
+    updateAvailability();
     if (presentation == StatusItemPresentation::nothing && !std::exchange(m_hasLoggedNoHost, true))
         qCInfo(lcStatusItem) << "No panel shows status items; the item appears when one starts";
 }
@@ -211,6 +215,15 @@ void PanelStatusItem::updateAppearance()
         return;
     redraw();
     Q_EMIT appearanceChanged();
+}
+
+void PanelStatusItem::updateAvailability()
+{
+    const StatusItemAvailability availability = m_presentation == StatusItemPresentation::nothing
+                                                    ? missingHost(m_environment.currentDesktop)
+                                                    : StatusItemAvailability::shown;
+    if (std::exchange(m_availability, availability) != availability)
+        Q_EMIT availabilityChanged(availability);
 }
 
 void PanelStatusItem::redraw()

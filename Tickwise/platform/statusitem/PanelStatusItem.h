@@ -45,7 +45,7 @@ public:
     void setMenu(std::function<Menu()> menu) override;
     void menuChanged() override;
     PanelAppearance appearance() const override { return m_appearance; }
-    bool isShown() const override { return m_presentation != StatusItemPresentation::nothing; }
+    StatusItemAvailability availability() const override { return m_availability; }
     /// Known for a docked window only.
     std::optional<QRect> geometry() const override;
 
@@ -62,6 +62,7 @@ private:
     void buildNotifierItem();
     void buildTrayWindow(XEmbedStatusWindow::Shape shape);
     void updateAppearance();
+    void updateAvailability();
     void redraw();
     Menu notifierMenu();
     void showMenuAt(QPoint position) const;
@@ -80,6 +81,7 @@ private:
     ItemFormat m_format;
     StatusItemPresentation m_presentation = StatusItemPresentation::nothing;
     PanelAppearance m_appearance = PanelAppearance::unknown;
+    StatusItemAvailability m_availability = StatusItemAvailability::unknown;
     bool m_isNewHost = false; ///< the item has yet to be announced to it
     bool m_hasLoggedNoHost = false;
 

@@ -169,7 +169,7 @@
     </message>
     <message id="failure.hostNotFound">
         <source></source>
-        <translation>The price services’ addresses could not be looked up. Check your DNS settings.</translation>
+        <translation>The price services could not be found. Check your DNS settings.</translation>
     </message>
     <message id="failure.offline">
         <source></source>
@@ -286,6 +286,18 @@
     <message id="general.section.prices">
         <source></source>
         <translation>Prices</translation>
+    </message>
+    <message id="general.statusItem.needsExtension">
+        <source></source>
+        <translation>GNOME shows no status items by itself. Install the extension “AppIndicator and KStatusNotifierItem Support” (on Debian and Ubuntu the package gnome-shell-extension-appindicator) and enable it in Extensions.</translation>
+    </message>
+    <message id="general.statusItem.needsTrayBar">
+        <source></source>
+        <translation>No bar here shows status items. Install waybar and add the module “tray” to its configuration.</translation>
+    </message>
+    <message id="general.statusItem.needsPanel">
+        <source></source>
+        <translation>No panel here shows status items. Add a panel with a tray for status items; Tickwise appears in it at once.</translation>
     </message>
     <message id="lang.endonym.en">
         <source></source>

@@ -287,6 +287,18 @@
         <source></source>
         <translation>价格</translation>
     </message>
+    <message id="general.statusItem.needsExtension">
+        <source></source>
+        <translation>GNOME 本身不显示状态图标。请安装扩展“AppIndicator and KStatusNotifierItem Support”（在 Debian 和 Ubuntu 上是软件包 gnome-shell-extension-appindicator），并在“扩展”中启用。</translation>
+    </message>
+    <message id="general.statusItem.needsTrayBar">
+        <source></source>
+        <translation>此处没有能显示状态图标的面板。请安装 waybar，并在其配置中加入模块“tray”。</translation>
+    </message>
+    <message id="general.statusItem.needsPanel">
+        <source></source>
+        <translation>此处没有能显示状态图标的面板。请添加带有系统托盘的面板，Tickwise 会立即显示在其中。</translation>
+    </message>
     <message id="lang.endonym.en">
         <source></source>
         <translation>English</translation>

@@ -287,6 +287,18 @@
         <source></source>
         <translation>價格</translation>
     </message>
+    <message id="general.statusItem.needsExtension">
+        <source></source>
+        <translation>GNOME 本身不顯示狀態圖示。請安裝擴充套件「AppIndicator and KStatusNotifierItem Support」（在 Debian 和 Ubuntu 上是套件 gnome-shell-extension-appindicator），並在「擴充套件」中啟用。</translation>
+    </message>
+    <message id="general.statusItem.needsTrayBar">
+        <source></source>
+        <translation>這裡沒有能顯示狀態圖示的面板。請安裝 waybar，並在其設定中加入模組「tray」。</translation>
+    </message>
+    <message id="general.statusItem.needsPanel">
+        <source></source>
+        <translation>這裡沒有能顯示狀態圖示的面板。請加入帶有系統匣的面板，Tickwise 會立即顯示在其中。</translation>
+    </message>
     <message id="lang.endonym.en">
         <source></source>
         <translation>English</translation>

@@ -1,12 +1,12 @@
 #include "ui/settings/AboutView.h"
 
+#include "ui/controls/AppLogo.h"
+#include "ui/controls/LinkButton.h"
 #include "ui/updates/UpdateController.h"
 
 #include <QFormLayout>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
-#include <QSvgRenderer>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -15,16 +15,6 @@ namespace tickwise {
 namespace {
 
 constexpr int logoSide = 48;
-
-QPixmap appLogo(qreal scale)
-{
-    QPixmap pixmap(QSize(logoSide, logoSide) * scale);
-    pixmap.setDevicePixelRatio(scale);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    QSvgRenderer(QStringLiteral(":/app-logo.svg")).render(&painter, QRectF(0, 0, logoSide, logoSide));
-    return pixmap;
-}
 
 } // namespace
 
@@ -46,7 +36,7 @@ void AboutView::buildVersion(const AboutInformation &information)
 {
     auto *const row = new QHBoxLayout;
     auto *const logo = new QLabel(this);
-    logo->setPixmap(appLogo(devicePixelRatioF()));
+    logo->setPixmap(appLogo(logoSide, devicePixelRatioF()));
     auto *const text = new QLabel(this);
     text->setObjectName(QStringLiteral("about.version"));
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -79,6 +69,7 @@ void AboutView::buildUpdates(UpdateController &updates)
     automatic->setObjectName(QStringLiteral("about.updates.automatic"));
     auto *const check = new QPushButton(this);
     check->setObjectName(QStringLiteral("about.updates.check"));
+    check->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     translate([automatic, check] {
         automatic->setText(localized(automatic->objectName()));
         check->setText(localized(check->objectName()));
@@ -104,15 +95,11 @@ void AboutView::buildLink(const QString &sectionKey, const QString &textKey, con
 {
     if (address.isEmpty())
         return;
-    auto *const link = new QLabel(this);
+    auto *const link = new LinkButton(QUrl(address), this);
     link->setObjectName(textKey);
-    link->setOpenExternalLinks(true);
-    link->setTextInteractionFlags(Qt::TextBrowserInteraction);
-    link->setFocusPolicy(Qt::StrongFocus);
-    translate([link, textKey, address] {
-        const QString text = localized(textKey);
-        link->setText(QStringLiteral("<a href=\"%1\">%2</a>").arg(address.toHtmlEscaped(), text.toHtmlEscaped()));
-        link->setAccessibleName(text);
+    translate([link, textKey] {
+        link->setText(localized(textKey));
+        link->updateGeometry();
     });
     addSection(sectionKey)->addRow(link);
 }

@@ -1,8 +1,10 @@
 #include "ui/settings/ColorPickerRow.h"
 
 #include "settings/HexColor.h"
+#include "ui/controls/Look.h"
 
 #include <QColorDialog>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPainter>
@@ -13,6 +15,7 @@ namespace tickwise {
 namespace {
 
 constexpr QSize wellSize(28, 16);
+constexpr int fieldMargins = 24; ///< of a text field's style, both sides
 
 QIcon wellIcon(const std::optional<QColor> &color, const QPalette &palette, qreal scale)
 {
@@ -21,9 +24,7 @@ QIcon wellIcon(const std::optional<QColor> &color, const QPalette &palette, qrea
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
-    QColor border = palette.color(QPalette::WindowText);
-    border.setAlphaF(0.4F);
-    painter.setPen(border);
+    painter.setPen(look::secondaryText(palette));
     painter.setBrush(color ? QBrush(*color) : QBrush(Qt::NoBrush));
     painter.drawRoundedRect(QRectF(QPointF(0.5, 0.5), QSizeF(wellSize) - QSizeF(1, 1)), 3, 3);
     return pixmap;
@@ -42,9 +43,9 @@ ColorPickerRow::ColorPickerRow(QWidget *parent)
     row->addWidget(m_field);
     m_well->setFocusPolicy(Qt::StrongFocus);
     m_well->setIconSize(wellSize);
-    m_field->setFixedWidth(m_field->fontMetrics().horizontalAdvance(QStringLiteral("#WWWWWW")) + 24);
     connect(m_well, &QToolButton::clicked, this, &ColorPickerRow::chooseColor);
-    connect(m_field, &QLineEdit::editingFinished, this, &ColorPickerRow::endEditing);
+    connect(m_field, &QLineEdit::textEdited, this, &ColorPickerRow::takeText);
+    connect(m_field, &QLineEdit::editingFinished, this, [this] { m_field->setText(m_hexColor); });
     setFocusProxy(m_well);
 }
 
@@ -58,25 +59,49 @@ void ColorPickerRow::setName(const QString &name)
 void ColorPickerRow::setHexColor(const QString &text)
 {
     m_hexColor = text;
-    m_well->setIcon(wellIcon(colorFromHex(text), palette(), devicePixelRatioF()));
-    if (!m_field->hasFocus())
+    showColor();
+    // A text that the user is writing stays until its editing ends.
+    if (!m_field->hasFocus() || !m_field->isModified())
         m_field->setText(text);
+}
+
+void ColorPickerRow::changeEvent(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::FontChange:
+    case QEvent::PaletteChange:
+    case QEvent::StyleChange:
+        showColor();
+        break;
+    default:
+        break;
+    }
+    QWidget::changeEvent(event);
+}
+
+void ColorPickerRow::showColor()
+{
+    m_well->setIcon(wellIcon(colorFromHex(m_hexColor), palette(), devicePixelRatioF()));
+    m_well->setAccessibleDescription(m_hexColor);
+    m_field->setFixedWidth(m_field->fontMetrics().horizontalAdvance(QStringLiteral("#WWWWWW")) + fieldMargins);
 }
 
 void ColorPickerRow::chooseColor()
 {
     auto *const dialog = new QColorDialog(colorFromHex(m_hexColor).value_or(Qt::gray), window());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(accessibleName());
     connect(dialog, &QColorDialog::colorSelected, this, &ColorPickerRow::take);
     dialog->open();
 }
 
-void ColorPickerRow::endEditing()
+void ColorPickerRow::takeText(const QString &text)
 {
-    const std::optional<QColor> color = colorFromHex(m_field->text());
-    if (color && hexFromColor(*color) != m_hexColor)
-        take(*color);
-    m_field->setText(m_hexColor);
+    const std::optional<QColor> color = colorFromHex(text);
+    if (!color || hexFromColor(*color) == m_hexColor)
+        return;
+    setHexColor(hexFromColor(*color));
+    Q_EMIT hexColorEdited(m_hexColor);
 }
 
 void ColorPickerRow::take(const QColor &color)

@@ -7,8 +7,8 @@ class QToolButton;
 
 namespace tickwise {
 
-/// A color well that opens a color dialog, and the color's text "#RRGGBB". A text that is no color is put back when its
-/// editing ends.
+/// A color well that opens a color dialog, and the color's text "#RRGGBB". A text is taken as soon as it is a color;
+/// one that is none is put back when its editing ends.
 class ColorPickerRow : public QWidget
 {
     Q_OBJECT
@@ -26,9 +26,13 @@ Q_SIGNALS:
     /// The user chose a color.
     void hexColorEdited(const QString &hexColor);
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
+    void showColor();
     void chooseColor();
-    void endEditing();
+    void takeText(const QString &text);
     void take(const QColor &color);
 
     QString m_hexColor;

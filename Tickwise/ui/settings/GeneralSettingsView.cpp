@@ -19,7 +19,7 @@ constexpr int pickerWidth = 220;
 constexpr int textSizePickerWidth = 160;
 constexpr int opacitySliderWidth = 176;
 constexpr int opacityLabelWidth = 40;
-constexpr int opacitySteps = 1000;
+constexpr int opacitySteps = 100;
 
 std::function<QString()> textOf(const QString &key)
 {
@@ -37,6 +37,45 @@ QString coinTitle(const QString &id, const CoinCatalog &catalog)
     return coin == catalog.byID().constEnd() ? id : coin->symbol + QStringLiteral(" - ") + coin->name;
 }
 
+bool shows(const QComboBox &picker, const std::vector<WatchlistCoin> &coins, const CoinCatalog &catalog)
+{
+    if (picker.count() != static_cast<int>(coins.size()))
+        return false;
+    for (int i = 0; i < picker.count(); ++i) {
+        const QString &id = coins[static_cast<size_t>(i)].coinId;
+        if (picker.itemData(i) != id || picker.itemText(i) != coinTitle(id, catalog))
+            return false;
+    }
+    return true;
+}
+
+/// Leaves an equal list alone: it may be open.
+void showChoices(QComboBox &picker, const std::vector<WatchlistCoin> &coins, const CoinCatalog &catalog)
+{
+    if (shows(picker, coins, catalog))
+        return;
+    picker.clear();
+    for (const WatchlistCoin &coin : coins)
+        picker.addItem(coinTitle(coin.coinId, catalog), coin.coinId);
+}
+
+/// The key of the text that tells what to install; empty where nothing is missing.
+QString statusItemHintKey(StatusItemAvailability availability)
+{
+    switch (availability) {
+    case StatusItemAvailability::needsExtension:
+        return QStringLiteral("general.statusItem.needsExtension");
+    case StatusItemAvailability::needsTrayBar:
+        return QStringLiteral("general.statusItem.needsTrayBar");
+    case StatusItemAvailability::needsPanel:
+        return QStringLiteral("general.statusItem.needsPanel");
+    case StatusItemAvailability::unknown:
+    case StatusItemAvailability::shown:
+        break;
+    }
+    return {};
+}
+
 } // namespace
 
 GeneralSettingsView::GeneralSettingsView(SettingsViewModel &settings, const CoinCatalog &catalog, QWidget *parent)
@@ -50,17 +89,23 @@ GeneralSettingsView::GeneralSettingsView(SettingsViewModel &settings, const Coin
     buildNotifications();
     buildLanguage();
     static_cast<QVBoxLayout *>(layout())->addStretch();
-    setAbilities({});
+    translate([this] { showAbilities(); });
+    connect(&catalog, &CoinCatalog::coinsChanged, this, &GeneralSettingsView::showSettings);
 }
 
 void GeneralSettingsView::setAbilities(const DesktopAbilities &abilities)
 {
     m_abilities = abilities;
-    m_statusItemHint->setText(abilities.statusItemHintKey.isEmpty() ? QString()
-                                                                    : localized(abilities.statusItemHintKey));
-    m_statusItemHint->setVisible(!abilities.statusItemHintKey.isEmpty());
-    m_overlayUnavailable->setVisible(!abilities.hasOverlay);
-    m_adjust->setEnabled(abilities.hasOverlay && settingsViewModel().settings().desktopOverlayEnabled);
+    showAbilities();
+}
+
+void GeneralSettingsView::showAbilities()
+{
+    const QString key = statusItemHintKey(m_abilities.statusItem);
+    m_statusItemHint->setText(key.isEmpty() ? QString() : localized(key));
+    m_statusItemHint->setVisible(!key.isEmpty());
+    m_overlayUnavailable->setVisible(!m_abilities.hasOverlay);
+    m_adjust->setEnabled(m_abilities.hasOverlay && settingsViewModel().settings().desktopOverlayEnabled);
 }
 
 void GeneralSettingsView::buildLaunch()
@@ -98,20 +143,13 @@ void GeneralSettingsView::buildDisplayedCoin(QFormLayout *section)
     auto *const picker = new QComboBox(this);
     picker->setObjectName(key);
     picker->setFixedWidth(pickerWidth);
+    WheelGuard::guard(*picker);
     addRow(section, key, picker);
     follow([this, picker](const AppSettings &settings) {
         const QSignalBlocker blocker(picker);
-        QStringList ids;
-        for (const WatchlistCoin &coin : settings.watchlistCoins)
-            ids.append(coin.coinId);
-        if (picker->property("ids") != QVariant(ids)) {
-            picker->setProperty("ids", ids);
-            picker->clear();
-            for (const QString &id : ids)
-                picker->addItem(coinTitle(id, m_catalog), id);
-        }
+        showChoices(*picker, settings.watchlistCoins, m_catalog);
         picker->setCurrentIndex(picker->findData(settings.displayedCoinId));
-        picker->setEnabled(!ids.isEmpty());
+        picker->setEnabled(picker->count() > 0);
     });
     connect(picker, &QComboBox::activated, this, [this, picker](int index) {
         edit([&](AppSettings &settings) { settings.displayedCoinId = picker->itemData(index).toString(); });
@@ -149,12 +187,13 @@ void GeneralSettingsView::buildDesktop()
     buildOpacity(section);
     auto *const adjust = new QPushButton(this);
     adjust->setObjectName(QStringLiteral("desktop.adjust.start"));
+    adjust->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     translate([adjust] { adjust->setText(localized(QStringLiteral("desktop.adjust.start"))); });
     follow([this, adjust](const AppSettings &settings) {
         adjust->setEnabled(settings.desktopOverlayEnabled && m_abilities.hasOverlay);
     });
     connect(adjust, &QPushButton::clicked, this, &GeneralSettingsView::adjustOverlayRequested);
-    section->addRow(QString(), adjust);
+    section->addRow(adjust);
     m_adjust = adjust;
 }
 
@@ -167,7 +206,7 @@ void GeneralSettingsView::buildOpacity(QFormLayout *section)
     slider->setObjectName(QStringLiteral("desktop.opacity"));
     slider->setRange(0, opacitySteps);
     slider->setPageStep(opacitySteps / 10);
-    slider->setSingleStep(opacitySteps / 100);
+    WheelGuard::guard(*slider);
     slider->setFixedWidth(opacitySliderWidth);
     auto *const label = new QLabel(control);
     label->setObjectName(QStringLiteral("opacityLabel"));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "catalog/CoinCatalog.h"
+#include "pipeline/StatusItem.h"
 #include "ui/settings/SettingsForm.h"
 
 namespace tickwise {
@@ -9,7 +10,7 @@ namespace tickwise {
 struct DesktopAbilities
 {
     bool hasOverlay = true;
-    QString statusItemHintKey; ///< what to install so that a panel shows the status item; empty where one does
+    StatusItemAvailability statusItem = StatusItemAvailability::unknown;
 };
 
 /// The general tab of the settings window: everything but the watchlist.
@@ -27,6 +28,7 @@ Q_SIGNALS:
     void adjustOverlayRequested();
 
 private:
+    void showAbilities();
     void buildLaunch();
     void buildPanel();
     void buildDisplayedCoin(QFormLayout *section);

@@ -1,10 +1,14 @@
 #include "ui/settings/SettingsForm.h"
 
+#include "ui/controls/SecondaryLabel.h"
+
 #include <QEvent>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace tickwise {
 
@@ -47,8 +51,25 @@ void SettingsForm::changeEvent(QEvent *event)
         for (const auto &write : m_texts)
             write();
         showSettings();
+        alignLabels();
     }
     QWidget::changeEvent(event);
+}
+
+void SettingsForm::showEvent(QShowEvent *event)
+{
+    alignLabels();
+    QWidget::showEvent(event);
+}
+
+/// The controls of all sections begin in one column, and a label is as high as its control.
+void SettingsForm::alignLabels()
+{
+    int width = 0;
+    for (const QLabel *const label : m_labels)
+        width = std::max(width, label->sizeHint().width());
+    for (QLabel *const label : m_labels)
+        label->setMinimumSize(width, label->buddy()->sizeHint().height());
 }
 
 QFormLayout *SettingsForm::addSection(const QString &titleKey)
@@ -87,15 +108,15 @@ QLabel *SettingsForm::addRow(QFormLayout *section, const QString &key, QWidget *
         control->setAccessibleName(localized(key));
     });
     section->addRow(label, control);
+    m_labels.push_back(label);
     return label;
 }
 
 QLabel *SettingsForm::addHint(QFormLayout *section, const QString &key)
 {
-    auto *const hint = new QLabel(this);
+    auto *const hint = new SecondaryLabel(this);
     hint->setObjectName(key);
     hint->setWordWrap(true);
-    hint->setForegroundRole(QPalette::PlaceholderText);
     translate([hint, key] { hint->setText(localized(key)); });
     section->addRow(hint);
     return hint;

@@ -2,6 +2,7 @@
 
 #include "settings/SettingsViewModel.h"
 #include "support/Localization.h"
+#include "ui/controls/WheelGuard.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -35,6 +36,7 @@ protected:
     };
 
     void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
     SettingsViewModel &settingsViewModel() { return m_settings; }
     /// Publishes a copy of the settings after `edit` changed it.
@@ -55,11 +57,14 @@ protected:
     void follow(std::function<void(const AppSettings &)> show);
     /// Calls `write` now and when the language changes.
     void translate(std::function<void()> write);
-
-private:
+    /// Calls every `show`.
     void showSettings();
 
+private:
+    void alignLabels();
+
     SettingsViewModel &m_settings;
+    std::vector<QLabel *> m_labels; ///< in front of controls
     std::vector<std::function<void(const AppSettings &)>> m_shows;
     std::vector<std::function<void()>> m_texts;
     QPropertyNotifier m_notifier;
@@ -72,6 +77,7 @@ QComboBox *SettingsForm::addPicker(QFormLayout *section, const QString &key, int
     auto *const picker = new QComboBox(this);
     picker->setObjectName(key);
     picker->setFixedWidth(width);
+    WheelGuard::guard(*picker);
     for (size_t i = 0; i < choices.size(); ++i)
         picker->addItem(QString());
     translate([picker, choices] {

@@ -2,6 +2,7 @@
 
 #include "support/Localization.h"
 #include "support/LogCategories.h"
+#include "ui/controls/AppLogo.h"
 #include "ui/settings/SettingsWindowFrame.h"
 
 #include <QCloseEvent>
@@ -18,6 +19,9 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcSettings, "com.pelmo.tickwise.Settings", QtInfoMsg)
 
+constexpr int iconSide = 48;
+constexpr int topMargin = 6;
+
 QString frameKey()
 {
     return QStringLiteral("SettingsWindow");
@@ -31,7 +35,7 @@ std::vector<QRect> availableScreens()
     return screens;
 }
 
-/// A page may be higher than the window.
+/// A page may be higher than the window. Only its controls take the focus; the keys that they leave scroll the page.
 QWidget *scrolling(QWidget *page)
 {
     if (qobject_cast<QAbstractScrollArea *>(page))
@@ -39,6 +43,7 @@ QWidget *scrolling(QWidget *page)
     auto *const area = new QScrollArea;
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(page);
     return area;
 }
@@ -52,13 +57,14 @@ SettingsWindow::SettingsWindow(SettingsViewModel &settings, SettingsDataStorage 
     , m_tabs(new QTabWidget(this))
 {
     auto *const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, topMargin, 0, 0);
     column->addWidget(m_tabs);
     m_tabs->setDocumentMode(true);
     for (QWidget *const page : {pages.general, pages.watchlist, pages.about})
         m_tabs->addTab(scrolling(page), QString());
+    setWindowIcon(appLogo(iconSide, 1));
     writeTexts();
-    setMinimumSize(settingsWindowMinimum);
-    setMaximumSize(settingsWindowMaximum);
+    setSizeLimits(settingsWindowMinimum, settingsWindowMaximum);
     restoreFrame();
     connect(m_tabs, &QTabWidget::currentChanged, this,
             [this](int index) { m_settings.setSettingsWindowTab(allCases<SettingsTab>().at(size_t(index))); });
@@ -80,10 +86,27 @@ void SettingsWindow::writeTexts()
         m_tabs->setTabText(index++, localized(QStringLiteral("settings.tab.") + rawValue(tab)));
 }
 
+void SettingsWindow::setSizeLimits(QSize minimum, QSize maximum)
+{
+    setMinimumSize(minimum);
+    setMaximumSize(maximum);
+}
+
+/// A window manager that tiles would stretch the window over its limits. It lets a window float that has one size when
+/// it appears.
+void SettingsWindow::showEvent(QShowEvent *event)
+{
+    if (!isActiveWindow())
+        setSizeLimits(size(), size());
+    QWidget::showEvent(event);
+}
+
 void SettingsWindow::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange)
         writeTexts();
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        setSizeLimits(settingsWindowMinimum, settingsWindowMaximum);
     QWidget::changeEvent(event);
 }
 

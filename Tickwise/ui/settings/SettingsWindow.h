@@ -35,8 +35,10 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
+    void setSizeLimits(QSize minimum, QSize maximum);
     void showTab();
     void writeTexts();
     void restoreFrame();

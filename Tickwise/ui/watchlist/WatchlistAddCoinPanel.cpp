@@ -27,6 +27,7 @@ constexpr int fieldRadius = 6;
 constexpr int panelRadius = 10;
 constexpr int symbolSide = 14;
 constexpr float fieldOpacity = 0.1F;
+constexpr float placeholderOpacity = 0.75F; ///< more than secondary text has: the field's ground is darker
 constexpr float scrimOpacity = 0.35F;
 
 /// The ground of the search field: rounded, the text color at a tenth.
@@ -87,9 +88,7 @@ void WatchlistAddCoinPanel::buildField()
     row->setContentsMargins(look::scaled(8 + symbolSide + 4), 2, 4, 2);
     m_field->setObjectName(QStringLiteral("searchField"));
     m_field->setFrame(false);
-    QPalette clear = m_field->palette();
-    clear.setColor(QPalette::Base, Qt::transparent);
-    m_field->setPalette(clear);
+    takeColors();
     m_field->installEventFilter(this);
     m_clear->setObjectName(QStringLiteral("watchlist.search.clear"));
     row->addWidget(m_field);
@@ -100,6 +99,19 @@ void WatchlistAddCoinPanel::buildField()
         m_viewModel.setSearchText({});
         m_field->setFocus();
     });
+}
+
+/// The field shows the ground below it; its placeholder can be read on that.
+void WatchlistAddCoinPanel::takeColors()
+{
+    QColor placeholder = look::text(palette());
+    placeholder.setAlphaF(placeholderOpacity);
+    if (m_field->palette().color(QPalette::PlaceholderText) == placeholder)
+        return;
+    QPalette colors;
+    colors.setColor(QPalette::Base, Qt::transparent);
+    colors.setColor(QPalette::PlaceholderText, placeholder);
+    m_field->setPalette(colors);
 }
 
 void WatchlistAddCoinPanel::buildList(CoinLogoStore *logos)
@@ -164,6 +176,8 @@ void WatchlistAddCoinPanel::changeEvent(QEvent *event)
     if (event->type() == QEvent::LanguageChange) {
         writeTexts();
         showCoins();
+    } else if (event->type() == QEvent::PaletteChange) {
+        takeColors();
     }
     QWidget::changeEvent(event);
 }

@@ -44,6 +44,7 @@ protected:
 
 private:
     void buildField();
+    void takeColors();
     void buildList(CoinLogoStore *logos);
     bool handleKey(const QKeyEvent &event);
     void place();

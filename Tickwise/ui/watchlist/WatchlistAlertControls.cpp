@@ -1,6 +1,7 @@
 #include "ui/watchlist/WatchlistAlertControls.h"
 
 #include "support/Localization.h"
+#include "ui/controls/WheelGuard.h"
 #include "ui/watchlist/WatchlistAlertNumberField.h"
 
 #include <QComboBox>
@@ -43,6 +44,7 @@ WatchlistAlertControls::WatchlistAlertControls(QWidget *parent)
     row->addWidget(m_kind);
     row->addWidget(m_number);
     row->addWidget(m_unit);
+    WheelGuard::guard(*m_kind);
     m_number->setFixedWidth(numberWidth);
     m_unit->setFixedWidth(unitWidth);
     for (const CoinAlertKind kind : allCases<CoinAlertKind>())
@@ -79,7 +81,9 @@ void WatchlistAlertControls::writeTexts()
     int index = 0;
     for (const CoinAlertKind kind : allCases<CoinAlertKind>())
         m_kind->setItemText(index++, title(kind));
+    // The name of a picker is what it shows where the desktop is Linux's; the description says what it is for.
     m_kind->setAccessibleName(localized(QStringLiteral("a11y.alertKind")).arg(m_coinName));
+    m_kind->setAccessibleDescription(m_kind->accessibleName());
     m_number->setAccessibleName(localized(QStringLiteral("a11y.alertThreshold")).arg(m_coinName));
 }
 

@@ -4,6 +4,7 @@
 #include "pipeline/WatchlistEditing.h"
 #include "support/Localization.h"
 #include "ui/controls/Look.h"
+#include "ui/controls/SecondaryLabel.h"
 #include "ui/watchlist/CoinToggleList.h"
 #include "ui/watchlist/WatchlistRows.h"
 
@@ -30,7 +31,7 @@ WatchlistView::WatchlistView(WatchlistContext context, QWidget *parent)
     , m_recommendedModel([&model = context.viewModel](const QString &id) { return model.isAdded(id); })
     , m_add(new QPushButton)
     , m_rows(new WatchlistRows(m_session, context.logos))
-    , m_empty(new QLabel)
+    , m_empty(new SecondaryLabel)
     , m_recommendedTitle(new QLabel)
     , m_recommended(new CoinToggleList(m_recommendedModel, context.logos))
 {
@@ -63,7 +64,6 @@ void WatchlistView::buildHeader()
 void WatchlistView::buildRows()
 {
     m_empty->setAlignment(Qt::AlignCenter);
-    m_empty->setForegroundRole(QPalette::PlaceholderText);
     auto *const column = static_cast<QVBoxLayout *>(layout());
     column->addWidget(m_rows, 1);
     column->addWidget(m_empty, 1);

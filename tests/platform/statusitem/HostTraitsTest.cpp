@@ -10,6 +10,7 @@ using namespace tickwise;
 Q_DECLARE_METATYPE(tickwise::StatusItemHost)
 Q_DECLARE_METATYPE(tickwise::StatusItemPresentation)
 Q_DECLARE_METATYPE(tickwise::PanelAppearance)
+Q_DECLARE_METATYPE(tickwise::StatusItemAvailability)
 
 class HostTraitsTest : public QObject
 {
@@ -19,6 +20,8 @@ private Q_SLOTS:
     void everyHostHasARow();
     void eachHostHasItsPresentation_data();
     void eachHostHasItsPresentation();
+    void desktopsLackAHost_data();
+    void desktopsLackAHost();
     void eachHostHasItsAppearance_data();
     void eachHostHasItsAppearance();
     void trayTextColorTellsTheAppearance();
@@ -65,6 +68,30 @@ void HostTraitsTest::eachHostHasItsPresentation()
     QFETCH(StatusItemHost, host);
     QTEST(presentationFor(host, true), "withTray");
     QTEST(presentationFor(host, false), "withoutTray");
+}
+
+void HostTraitsTest::desktopsLackAHost_data()
+{
+    QTest::addColumn<QString>("desktop");
+    QTest::addColumn<StatusItemAvailability>("lacks");
+    const auto row = [](const char *desktop, StatusItemAvailability lacks) {
+        QTest::newRow(desktop) << QString::fromLatin1(desktop) << lacks;
+    };
+    row("GNOME", StatusItemAvailability::needsExtension);
+    row("ubuntu:GNOME", StatusItemAvailability::needsExtension);
+    row("gnome", StatusItemAvailability::needsExtension);
+    row("sway", StatusItemAvailability::needsTrayBar);
+    row("Hyprland", StatusItemAvailability::needsTrayBar);
+    row("labwc:wlroots", StatusItemAvailability::needsTrayBar);
+    row("XFCE", StatusItemAvailability::needsPanel);
+    row("X-GNOMEish", StatusItemAvailability::needsPanel);
+    row("", StatusItemAvailability::needsPanel);
+}
+
+void HostTraitsTest::desktopsLackAHost()
+{
+    QFETCH(QString, desktop);
+    QTEST(missingHost(desktop), "lacks");
 }
 
 void HostTraitsTest::eachHostHasItsAppearance_data()

@@ -98,6 +98,7 @@ private Q_SLOTS:
     void cleanup();
     void registersUnderItsOwnName();
     void aLatePanelGetsTheItemAfterOneLogLine();
+    void tellsWhetherAPanelShowsIt();
     void aRestartedPanelGetsTheItemAgain();
     void theItemStaysWhileAPanelRestarts();
     void anotherPanelGetsAWidthOfItsOwn();
@@ -136,7 +137,7 @@ private Q_SLOTS:
     void aTrayAloneGetsASquareWindow();
 
 private:
-    std::unique_ptr<PanelStatusItem> makeItem(const QString &host);
+    std::unique_ptr<PanelStatusItem> makeItem(const QString &host, const QString &currentDesktop = {});
     FakeSystemTray *useTray();
     bool hasItems(int count) const { return m_panel && m_panel->items().size() == count; }
 
@@ -163,10 +164,10 @@ void PanelStatusItemTest::cleanup()
     m_openTray = {};
 }
 
-std::unique_ptr<PanelStatusItem> PanelStatusItemTest::makeItem(const QString &host)
+std::unique_ptr<PanelStatusItem> PanelStatusItemTest::makeItem(const QString &host, const QString &currentDesktop)
 {
     m_host = host;
-    PanelStatusItem::Environment environment;
+    PanelStatusItem::Environment environment{currentDesktop};
     environment.process = [this](qint64) { return WatcherProcess{m_host, {}}; };
     environment.showMenu = [this](const Menu &menu, QPoint position) { m_shownMenus.emplace_back(menu, position); };
     environment.openTray = m_openTray;
@@ -208,6 +209,24 @@ void PanelStatusItemTest::aLatePanelGetsTheItemAfterOneLogLine()
         QVERIFY(!gone.wait(1300));
     }
     QCOMPARE(logLines(log).size(), 1);
+}
+
+void PanelStatusItemTest::tellsWhetherAPanelShowsIt()
+{
+    m_panel.reset();
+    const auto item = makeItem(QStringLiteral("waybar"), QStringLiteral("sway"));
+    QList<StatusItemAvailability> told;
+    connect(item.get(), &StatusItem::availabilityChanged, item.get(),
+            [&told](StatusItemAvailability availability) { told.append(availability); });
+    QCOMPARE(item->availability(), StatusItemAvailability::unknown);
+    QTRY_COMPARE(told, QList{StatusItemAvailability::needsTrayBar});
+    QVERIFY(!item->isShown());
+    m_panel = std::make_unique<FakeStatusPanel>(*m_bus);
+    QTRY_COMPARE(told.size(), 2);
+    QVERIFY(item->isShown());
+    m_panel.reset();
+    QTRY_COMPARE(told, (QList{StatusItemAvailability::needsTrayBar, StatusItemAvailability::shown,
+                              StatusItemAvailability::needsTrayBar}));
 }
 
 void PanelStatusItemTest::aRestartedPanelGetsTheItemAgain()

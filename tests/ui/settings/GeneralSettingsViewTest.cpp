@@ -2,19 +2,24 @@
 
 #include "doubles/Catalogs.h"
 #include "doubles/Languages.h"
+#include "doubles/LogCapture.h"
 #include "doubles/MemoryDefaults.h"
 #include "doubles/TestProgram.h"
 #include "settings/AppSettingsCoding.h"
 #include "ui/settings/ColorPickerRow.h"
 
 #include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
 #include <QColorDialog>
+#include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
+#include <QWheelEvent>
 
 #include <limits>
 #include <memory>
@@ -63,8 +68,11 @@ private Q_SLOTS:
     void coinPickerFollowsTheWatchlist();
     void coinPickerWithoutCoins();
     void colorRowsAreForTheCustomScheme();
-    void colorTextIsTaken();
-    void colorTextThatIsNoColorIsPutBack();
+    void colorTextIsTakenAsSoonAsItIsOne();
+    void pastedColorText_data();
+    void pastedColorText();
+    void anUntouchedColorTextGivesWayToAChange();
+    void aColorTextBeingWrittenStays();
     void storedTextThatIsNoColorShows();
     void colorDialogGivesAColor();
     void opacity_data();
@@ -72,12 +80,21 @@ private Q_SLOTS:
     void opacitySliderEdits();
     void adjustNeedsTheOverlay();
     void desktopWithoutAnOverlay();
+    void hintWithoutAStatusItemHost_data();
     void hintWithoutAStatusItemHost();
+    void theWheelScrollsThePage();
+    void coinTitlesFollowTheCatalog();
+    void anEmptyCatalogLeavesTheIds();
+    void aFullDiskIsALogLine();
+    void twoViewsAgree();
     void languageChangeWritesEveryText();
     void controlsHaveNames();
 
 private:
+    QLineEdit *upColorField();
+
     test::MemoryDefaults m_defaults;
+    int m_writesBefore = 0;
     std::unique_ptr<SettingsViewModel> m_settings;
     std::unique_ptr<test::FixedCatalog> m_catalog;
     std::unique_ptr<GeneralSettingsView> m_view;
@@ -97,6 +114,21 @@ void GeneralSettingsViewTest::cleanup()
 {
     m_view.reset();
     test::useLanguage(AppLanguage::en);
+}
+
+/// The field of the rising color with the focus, in the custom scheme.
+QLineEdit *GeneralSettingsViewTest::upColorField()
+{
+    AppSettings settings = m_settings->settings();
+    settings.colorScheme = PriceColorScheme::custom;
+    m_settings->update(settings);
+    m_writesBefore = m_defaults.writes;
+    m_view->activateWindow();
+    if (!QTest::qWaitForWindowActive(m_view.get()))
+        qFatal("the view is not active");
+    auto *const field = find<ColorPickerRow>(*m_view, "general.priceColor.upColor")->findChild<QLineEdit *>();
+    field->setFocus();
+    return field;
 }
 
 void GeneralSettingsViewTest::togglesEditTheirFields_data()
@@ -176,7 +208,7 @@ void GeneralSettingsViewTest::controlsFollowTheSettings()
     QVERIFY(find<QCheckBox>(*m_view, "general.launch.atLogin")->isChecked());
     QCOMPARE(find<QComboBox>(*m_view, "general.display.colorScheme")->currentIndex(), 2);
     QCOMPARE(find<QComboBox>(*m_view, "general.display.currency")->currentText(), QStringLiteral("JPY"));
-    QCOMPARE(find<QSlider>(*m_view, "desktop.opacity")->value(), 250);
+    QCOMPARE(find<QSlider>(*m_view, "desktop.opacity")->value(), 25);
     QCOMPARE(find<QComboBox>(*m_view, "general.display.menubarCoin")->currentText(), QStringLiteral("ETH - ETH"));
 }
 
@@ -246,23 +278,70 @@ void GeneralSettingsViewTest::colorRowsAreForTheCustomScheme()
     QCOMPARE(down->hexColor(), QStringLiteral("#F6465D"));
 }
 
-void GeneralSettingsViewTest::colorTextIsTaken()
+void GeneralSettingsViewTest::colorTextIsTakenAsSoonAsItIsOne()
 {
-    auto *const field = find<ColorPickerRow>(*m_view, "general.priceColor.upColor")->findChild<QLineEdit *>();
-    field->setText(QStringLiteral(" 0a1b2c"));
-    Q_EMIT field->editingFinished();
+    QLineEdit *const field = upColorField();
+    field->selectAll();
+    QTest::keyClicks(field, QStringLiteral("0a1b2"));
+    QCOMPARE(m_defaults.writes, m_writesBefore);
+    QTest::keyClicks(field, QStringLiteral("c"));
     QCOMPARE(m_settings->settings().customUpColorHex, QStringLiteral("#0A1B2C"));
+    QCOMPARE(field->text(), QStringLiteral("0a1b2c"));
+    QTest::keyClick(field, Qt::Key_Return);
     QCOMPARE(field->text(), QStringLiteral("#0A1B2C"));
     QCOMPARE(m_settings->settings().customDownColorHex, QStringLiteral("#F6465D"));
+    QCOMPARE(m_defaults.writes, m_writesBefore + 1);
 }
 
-void GeneralSettingsViewTest::colorTextThatIsNoColorIsPutBack()
+void GeneralSettingsViewTest::pastedColorText_data()
 {
-    auto *const field = find<ColorPickerRow>(*m_view, "general.priceColor.upColor")->findChild<QLineEdit *>();
-    field->setText(QStringLiteral("#12345"));
-    Q_EMIT field->editingFinished();
-    QCOMPARE(field->text(), QStringLiteral("#2CBD84"));
-    QCOMPARE(m_defaults.writes, 0);
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("stored");
+    const QString before = QStringLiteral("#2CBD84");
+    QTest::newRow("blanks around it") << QStringLiteral(" 0A1B2C\n") << QStringLiteral("#0A1B2C");
+    QTest::newRow("five digits") << QStringLiteral("#12345") << before;
+    QTest::newRow("a name") << QStringLiteral("reddish") << before;
+    QTest::newRow("full-width digits") << QStringLiteral("１２３４５６") << before;
+    QTest::newRow("400 digits") << QString(400, u'1') << before;
+    QTest::newRow("nothing") << QString() << before;
+}
+
+void GeneralSettingsViewTest::pastedColorText()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, stored);
+    QLineEdit *const field = upColorField();
+    field->selectAll();
+    QTest::keyClick(field, Qt::Key_Delete);
+    QGuiApplication::clipboard()->setText(text);
+    field->paste();
+    QCOMPARE(m_settings->settings().customUpColorHex, stored);
+    QTest::keyClick(field, Qt::Key_Return);
+    QCOMPARE(field->text(), stored);
+}
+
+void GeneralSettingsViewTest::anUntouchedColorTextGivesWayToAChange()
+{
+    QLineEdit *const field = upColorField();
+    AppSettings settings = m_settings->settings();
+    settings.customUpColorHex = QStringLiteral("#111111");
+    m_settings->update(settings);
+    QCOMPARE(field->text(), QStringLiteral("#111111"));
+    field->clearFocus();
+    QCOMPARE(m_settings->settings().customUpColorHex, QStringLiteral("#111111"));
+}
+
+void GeneralSettingsViewTest::aColorTextBeingWrittenStays()
+{
+    QLineEdit *const field = upColorField();
+    field->selectAll();
+    QTest::keyClicks(field, QStringLiteral("#22"));
+    AppSettings settings = m_settings->settings();
+    settings.customUpColorHex = QStringLiteral("#111111");
+    m_settings->update(settings);
+    QCOMPARE(field->text(), QStringLiteral("#22"));
+    QTest::keyClicks(field, QStringLiteral("3344"));
+    QCOMPARE(m_settings->settings().customUpColorHex, QStringLiteral("#223344"));
 }
 
 void GeneralSettingsViewTest::storedTextThatIsNoColorShows()
@@ -273,7 +352,7 @@ void GeneralSettingsViewTest::storedTextThatIsNoColorShows()
     const int writes = m_defaults.writes;
     auto *const field = find<ColorPickerRow>(*m_view, "general.priceColor.upColor")->findChild<QLineEdit *>();
     QCOMPARE(field->text(), QStringLiteral("reddish"));
-    Q_EMIT field->editingFinished();
+    QTest::keyClick(field, Qt::Key_Return);
     QCOMPARE(field->text(), QStringLiteral("reddish"));
     QCOMPARE(m_defaults.writes, writes);
 }
@@ -352,13 +431,99 @@ void GeneralSettingsViewTest::desktopWithoutAnOverlay()
     QVERIFY(find<QCheckBox>(*m_view, "general.desktop.overlay")->isEnabled());
 }
 
+void GeneralSettingsViewTest::hintWithoutAStatusItemHost_data()
+{
+    QTest::addColumn<StatusItemAvailability>("availability");
+    QTest::addColumn<QString>("part");
+    using Availability = StatusItemAvailability;
+    QTest::newRow("unknown") << Availability::unknown << QString();
+    QTest::newRow("shown") << Availability::shown << QString();
+    QTest::newRow("GNOME") << Availability::needsExtension << QStringLiteral("AppIndicator");
+    QTest::newRow("sway") << Availability::needsTrayBar << QStringLiteral("waybar");
+    QTest::newRow("others") << Availability::needsPanel << QStringLiteral("tray");
+}
+
 void GeneralSettingsViewTest::hintWithoutAStatusItemHost()
 {
+    QFETCH(StatusItemAvailability, availability);
+    QFETCH(QString, part);
     const auto *const hint = find<QLabel>(*m_view, "statusItemHint");
     QVERIFY(!hint->isVisible());
-    m_view->setAbilities({.statusItemHintKey = QStringLiteral("desktop.unavailable")});
-    QVERIFY(hint->isVisible());
-    QVERIFY(!hint->text().isEmpty());
+    m_view->setAbilities({.statusItem = availability});
+    QCOMPARE(hint->isVisible(), !part.isEmpty());
+    QVERIFY(hint->text().contains(part));
+    test::useLanguage(AppLanguage::zhHans);
+    QEvent change(QEvent::LanguageChange);
+    QCoreApplication::sendEvent(m_view.get(), &change);
+    QCOMPARE(hint->text().contains(u'。'), !part.isEmpty());
+    m_view->setAbilities({.statusItem = StatusItemAvailability::shown});
+    QVERIFY(!hint->isVisible());
+}
+
+void GeneralSettingsViewTest::theWheelScrollsThePage()
+{
+    const auto turn = [](QWidget *control) {
+        QWheelEvent wheel(control->rect().center(), control->mapToGlobal(control->rect().center()), {}, {0, -120},
+                          Qt::NoButton, {}, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(control, &wheel);
+        return wheel.isAccepted();
+    };
+    auto *const currency = find<QComboBox>(*m_view, "general.display.currency");
+    auto *const opacity = find<QSlider>(*m_view, "desktop.opacity");
+    find<QCheckBox>(*m_view, "general.launch.atLogin")->setFocus();
+    QVERIFY(!turn(currency) && !turn(opacity));
+    QVERIFY(m_settings->settings() == AppSettings());
+    QVERIFY(!currency->hasFocus());
+    m_view->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+    currency->setFocus();
+    turn(currency);
+    QCOMPARE(m_settings->settings().baseCurrency, BaseCurrency::cny);
+}
+
+void GeneralSettingsViewTest::coinTitlesFollowTheCatalog()
+{
+    const auto *const picker = find<QComboBox>(*m_view, "general.display.menubarCoin");
+    std::vector<CoinMetadata> coins = test::validCoins();
+    coins[0].name = QStringLiteral("Bitcoin");
+    m_catalog->publish(coins, test::noImages);
+    QCOMPARE(picker->currentText(), QStringLiteral("BTC - Bitcoin"));
+    QCOMPARE(m_defaults.writes, 0);
+}
+
+void GeneralSettingsViewTest::anEmptyCatalogLeavesTheIds()
+{
+    m_catalog->publish({}, test::noImages);
+    auto *const picker = find<QComboBox>(*m_view, "general.display.menubarCoin");
+    QCOMPARE(picker->itemText(1), QStringLiteral("ethereum"));
+    choose(picker, 1);
+    QCOMPARE(m_settings->settings().displayedCoinId, QStringLiteral("ethereum"));
+}
+
+void GeneralSettingsViewTest::aFullDiskIsALogLine()
+{
+    m_defaults.fails = true;
+    const test::LogCapture log;
+    auto *const toggle = find<QCheckBox>(*m_view, "general.launch.atLogin");
+    toggle->click();
+    QVERIFY(m_settings->settings().launchAtLogin);
+    QVERIFY(toggle->isChecked());
+    QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.Settings")).size(), 1);
+    QVERIFY(QApplication::activeModalWidget() == nullptr);
+}
+
+void GeneralSettingsViewTest::twoViewsAgree()
+{
+    GeneralSettingsView other(*m_settings, *m_catalog);
+    other.show();
+    find<QCheckBox>(other, "general.display.textBackground")->click();
+    QVERIFY(find<QCheckBox>(*m_view, "general.display.textBackground")->isChecked());
+    choose(find<QComboBox>(*m_view, "general.display.currency"), 4);
+    QCOMPARE(find<QComboBox>(other, "general.display.currency")->currentText(), QStringLiteral("JPY"));
+    find<QSlider>(other, "desktop.opacity")->setValue(40);
+    QCOMPARE(find<QLabel>(*m_view, "opacityLabel")->text(), QStringLiteral("40%"));
+    QVERIFY(m_settings->settings().showMenuBarBackground);
+    QCOMPARE(m_settings->settings().baseCurrency, BaseCurrency::jpy);
 }
 
 void GeneralSettingsViewTest::languageChangeWritesEveryText()

@@ -23,6 +23,7 @@ private Q_SLOTS:
 
     void opensWithItsSize();
     void keepsItsLimits();
+    void hasOneSizeUntilItIsActive();
     void keepsItsFrame();
     void aFrameThatIsNoneIsTheUsualOne();
     void followsTheTab();
@@ -71,10 +72,26 @@ void SettingsWindowTest::keepsItsLimits()
     QCOMPARE(window->size(), QSize(600, 420));
 }
 
+void SettingsWindowTest::hasOneSizeUntilItIsActive()
+{
+    const auto window = makeWindow();
+    window->show();
+    QCOMPARE(window->minimumSize(), QSize(786, 500));
+    QCOMPARE(window->maximumSize(), QSize(786, 500));
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    QCOMPARE(window->minimumSize(), QSize(600, 420));
+    QCOMPARE(window->maximumSize(), QSize(800, 500));
+    window->resize(700, 450);
+    window->hide();
+    window->show();
+    QCOMPARE(window->size(), QSize(700, 450));
+}
+
 void SettingsWindowTest::keepsItsFrame()
 {
     auto window = makeWindow();
     window->show();
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
     window->resize(650, 440);
     window->close();
     QCOMPARE(decodeWindowFrame(m_defaults.entries.at(QStringLiteral("SettingsWindow")))->size(), QSize(650, 440));
@@ -134,7 +151,7 @@ void SettingsWindowTest::aFullDiskIsALogLine()
     m_defaults.fails = true;
     window->close();
     QVERIFY(!window->isVisible());
-    QCOMPARE(log.lines().size(), 1);
+    QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.Settings")).size(), 1);
 }
 
 void SettingsWindowTest::languageChangeWritesTheTexts()

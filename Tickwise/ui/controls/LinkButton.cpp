@@ -1,0 +1,53 @@
+#include "ui/controls/LinkButton.h"
+
+#include "ui/controls/Look.h"
+
+#include <QDesktopServices>
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace tickwise {
+
+namespace {
+
+constexpr int margin = 3; ///< inside the focus ring
+
+} // namespace
+
+LinkButton::LinkButton(const QUrl &address, QWidget *parent)
+    : QAbstractButton(parent)
+    , m_address(address)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setCursor(Qt::PointingHandCursor);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setToolTip(address.toDisplayString());
+    connect(this, &QAbstractButton::clicked, this, [this] { QDesktopServices::openUrl(m_address); });
+}
+
+QSize LinkButton::sizeHint() const
+{
+    return fontMetrics().size(Qt::TextSingleLine, text()) + QSize(2 * margin, 2 * margin);
+}
+
+void LinkButton::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
+    else
+        QAbstractButton::keyPressEvent(event);
+}
+
+void LinkButton::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    QFont underlined = font();
+    underlined.setUnderline(true);
+    painter.setFont(underlined);
+    painter.setPen(look::link(palette()));
+    painter.drawText(rect(), int(Qt::AlignCenter), text());
+    if (hasFocus())
+        look::drawFocusRing(painter, rect(), margin, palette());
+}
+
+} // namespace tickwise

@@ -1,0 +1,139 @@
+#!/usr/bin/python3
+"""Every text of every window has enough contrast, in light and in dark."""
+
+import time
+import unittest
+
+from accessible_tree import AccessibleTree
+from application import Application, Texts, coin, keep_picture
+from color_schemes import use_dark_portal, use_scheme
+from contrast import ENOUGH, Area, contrast, text_contrasts
+from desktop_session import X11Session
+from panel_pixels import GREEN, middle, wait_for_box
+from settings_window import open_settings
+
+ENGLISH = Texts("en")
+WHEEL_DOWN = 5
+SAME_CLICK = 0.3  # seconds
+
+
+class Scene:
+    """The application on a desktop whose scheme `use` sets, and how each surface is shown there."""
+
+    def __init__(self, desktop, use):
+        self.desktop = desktop
+        self._tree = AccessibleTree(desktop)
+        environment = {**self._tree.environment, **use(desktop)}
+        self._application = Application(desktop, (("BTC", 67432.4, 1.5), ("ETH", 3188, -2)), env=environment,
+                                        commands=["updater"], addedCoins=[coin("bitcoin"), coin("ethereum")],
+                                        colorScheme="custom")
+        self._application.wait_for_content(text="BTC 67,432")
+        self._item = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 40))
+
+    def status_menu(self):
+        before = set(self.desktop.windows("app_probe"))
+        self.desktop.click(*self._item, button=3)
+        menu = self.desktop.wait_for(lambda: set(self.desktop.windows("app_probe")) - before, what="the menu").pop()
+        return Area("status menu", self.desktop.window_geometry(menu))
+
+    def popover(self):
+        self.desktop.press_key("Escape")
+        time.sleep(SAME_CLICK)
+        self.desktop.click(*self._item)
+
+    def general(self):
+        self.desktop.press_key("Escape")
+        open_settings(self.desktop)
+
+    def general_below(self):
+        left, top, width, height = self.node(ENGLISH.text("window.settings.title")).extents()
+        for _ in range(20):
+            self.desktop.click(left + width - 60, top + height // 2, button=WHEEL_DOWN)
+
+    def watchlist(self):
+        self.node(ENGLISH.text("settings.tab.watchlist"), "page tab").press()
+
+    def search(self):
+        self.node(ENGLISH.text("watchlist.addCoin"), "push button").press()
+
+    def about(self):
+        self.desktop.press_key("Escape")
+        self.node(ENGLISH.text("settings.tab.about"), "page tab").press()
+
+    def node(self, name, role=None):
+        """The node of that name, once it is there."""
+        def found():
+            return next((node for node, _ in self.nodes() if node.name == name and role in (None, node.role)), None)
+        return self.desktop.wait_for(found, what=name)
+
+    def nodes(self):
+        return self._tree.nodes_with_ancestors("app_probe")
+
+    def shown_nodes(self, root, text):
+        """What is below the node of the name `root`, once the text is among it and shown."""
+        def below():
+            nodes = [(node, ancestors) for node, ancestors in self.nodes() if root in {each.name for each in ancestors}]
+            return nodes if any(text in node.name and node.has_state("showing") for node, _ in nodes) else None
+        return self.desktop.wait_for(below, what=f"{text} in {root}")
+
+    def settled_picture(self):
+        """The screen once it has stopped changing."""
+        seen = []
+
+        def settled():
+            seen.append(self.desktop.picture())
+            return seen[-1] if len(seen) > 2 and seen[-1].same(seen[-2]) and seen[-2].same(seen[-3]) else None
+        return self.desktop.wait_for(settled, what="a screen that stays")
+
+
+# How a surface is shown, the node that contains it, and one of its texts; in the order in which they are shown. One that the
+# tree lacks is the area that showing it returns.
+SURFACES = (
+    (Scene.status_menu, None, None),
+    (Scene.popover, "Tickwise", "Bitcoin, 67,432"),
+    (Scene.general, ENGLISH.text("window.settings.title"), ENGLISH.text("general.launch.atLogin")),
+    (Scene.general_below, ENGLISH.text("window.settings.title"), ENGLISH.text("general.language.label")),
+    (Scene.watchlist, ENGLISH.text("window.settings.title"), ENGLISH.text("watchlist.recommended")),
+    (Scene.search, ENGLISH.text("watchlist.addCoin"), "Bitcoin, BTC"),
+    (Scene.about, ENGLISH.text("window.settings.title"), ENGLISH.text("about.section.updates")),
+)
+
+
+def is_dark(picture, node):
+    """Whether most of the node is."""
+    counts = picture.colours(*node.extents())
+    return sum(max(counts, key=counts.get)) < 3 * 128
+
+
+class ContrastTest(unittest.TestCase):
+    def check(self, scheme, use):
+        with X11Session("xfce4-panel", notifications=None) as desktop:
+            scene = Scene(desktop, use)
+            for show, root, text in SURFACES:
+                area = show(scene)
+                nodes = [(area, [])] if area else scene.shown_nodes(root, text)
+                picture = scene.settled_picture()
+                keep_picture(desktop, f"contrast-{scheme}-{show.__name__}.png")
+                measured = text_contrasts(picture, nodes)
+                with self.subTest(surface=show.__name__):
+                    self.assertEqual(is_dark(picture, nodes[0][0]), scheme != "light")
+                    self.assertGreater(len(measured), 2, "there is hardly a text")
+                    poor = sorted({(round(value, 2), name, role) for value, name, role in measured if value < ENOUGH})
+                    self.assertEqual(poor, [])
+
+    def test_light(self):
+        self.check("light", lambda desktop: use_scheme(desktop, "light"))
+
+    def test_dark(self):
+        self.check("dark", lambda desktop: use_scheme(desktop, "dark"))
+
+    def test_dark_by_the_portal(self):
+        self.check("dark-portal", use_dark_portal)
+
+    def test_measure(self):
+        self.assertAlmostEqual(contrast((255, 255, 255), (0, 0, 0)), 21)
+        self.assertAlmostEqual(contrast((119, 119, 119), (255, 255, 255)), 4.48, places=2)
+
+
+if __name__ == "__main__":
+    unittest.main()
