@@ -57,9 +57,10 @@ void PopoverController::open(const PopoverAnchor &anchor)
 {
     if (m_isShown)
         return;
-    if (!m_window)
+    if (m_window)
+        m_view->refresh();
+    else
         build();
-    m_view->refresh();
     m_view->rewind();
     m_fittedCoins = m_context.coinList.coins().size();
     m_isShown =

@@ -34,14 +34,12 @@ std::array<Stretch, 3> stretches(int corner, int start, int length)
              {corner + 1, corner, start + corner + middle, corner}}};
 }
 
-/// How far the point lies outside a box with round corners; negative inside.
-double distance(QPointF point, const QRectF &box, double radius)
+/// How far a point lies outside a shape whose corners are round by `radius`; negative inside. `x` and `y` tell how far
+/// it is beyond the centers of the corners' circles.
+double distance(double x, double y, double radius)
 {
-    const QPointF from = point - box.center();
-    const double x = std::abs(from.x()) - box.width() / 2 + radius;
-    const double y = std::abs(from.y()) - box.height() / 2 + radius;
-    const double corner = std::hypot(std::max(x, 0.0), std::max(y, 0.0));
-    return corner + std::min(std::max(x, y), 0.0) - radius;
+    const bool isAtCorner = x > 0 && y > 0;
+    return (isAtCorner ? std::sqrt(x * x + y * y) : std::max(x, y)) - radius;
 }
 
 /// Of a pixel whose middle has that distance, in pixels, from the edge of a shape: how much of it the shape covers.
@@ -61,9 +59,7 @@ double shadowAt(double distance, double reach)
 QRgb over(QRgb below, const QColor &color, double opacity)
 {
     const double alpha = double(color.alphaF()) * opacity;
-    const auto mixed = [alpha](double above, int under) {
-        return int(std::lround(above * alpha + under * (1 - alpha)));
-    };
+    const auto mixed = [alpha](int above, int under) { return int(above * alpha + under * (1 - alpha) + 0.5); };
     return qRgba(mixed(color.red(), qRed(below)), mixed(color.green(), qGreen(below)),
                  mixed(color.blue(), qBlue(below)), mixed(255, qAlpha(below)));
 }
@@ -89,32 +85,35 @@ void PopoverFrame::draw(const Style &style)
     m_margin = style.hasShadow ? int(std::ceil((shadowReach + shadowDrop) * unit)) : 0;
     m_corner = m_margin + int(std::ceil((look::popoverRadius + shadowDrop) * unit));
     const int side = 2 * m_corner + 1;
+    const double middle = side / 2.0;
+    const double radius = look::popoverRadius * unit;
+    const double straight = middle - m_margin - radius; // from the middle to the centers of the corners
     QImage picture(side, side, QImage::Format_ARGB32_Premultiplied);
-    for (int y = 0; y < side; ++y) {
-        auto *const line = reinterpret_cast<QRgb *>(picture.scanLine(y));
-        for (int x = 0; x <= m_corner; ++x)
-            line[x] = line[side - 1 - x] = pixel({x + 0.5, y + 0.5});
+    for (int row = 0; row < side; ++row) {
+        auto *const line = reinterpret_cast<QRgb *>(picture.scanLine(row));
+        const double fromMiddle = row + 0.5 - middle;
+        const double y = std::abs(fromMiddle) - straight;
+        const double shadowY = std::abs(fromMiddle - shadowDrop * unit) - straight;
+        for (int column = 0; column <= m_corner; ++column) {
+            const double x = middle - column - 0.5 - straight;
+            line[column] = line[side - 1 - column] = pixel(distance(x, y, radius), distance(x, shadowY, radius));
+        }
     }
     m_picture = QPixmap::fromImage(std::move(picture));
 }
 
-/// The picture's color at that point, premultiplied.
-QRgb PopoverFrame::pixel(QPointF point) const
+/// The premultiplied color at those distances from the panel and from what casts the shadow.
+QRgb PopoverFrame::pixel(double fromPanel, double fromShadow) const
 {
-    const double unit = m_style.scale * m_style.devicePixelRatio;
-    const double length = 2 * (m_corner - m_margin) + 1;
-    const QRectF panel(m_margin, m_margin, length, length);
-    const double radius = look::popoverRadius * unit;
-    const double fromEdge = distance(point, panel, radius);
-    const double inside = coverage(fromEdge);
-    const double insideBorder = coverage(fromEdge + m_style.devicePixelRatio);
-    QRgb color = 0;
-    if (m_style.hasShadow && inside < 1)
-        color = over(color, Qt::black,
-                     shadowAt(distance(point, panel.translated(0, shadowDrop * unit), radius), shadowReach * unit));
-    if (inside > 0)
-        color = over(color, m_style.ground, inside);
-    return insideBorder < inside ? over(color, m_style.border, inside - insideBorder) : color;
+    const double inside = coverage(fromPanel);
+    const double insideBorder = coverage(fromPanel + m_style.devicePixelRatio);
+    if (insideBorder >= 1)
+        return m_style.ground.rgb();
+    const double reach = shadowReach * m_style.scale * m_style.devicePixelRatio;
+    const QRgb shadow = m_style.hasShadow ? qRgba(0, 0, 0, int(255 * shadowAt(fromShadow, reach))) : 0;
+    if (inside <= 0)
+        return shadow;
+    return over(over(shadow, m_style.ground, inside), m_style.border, inside - insideBorder);
 }
 
 void PopoverFrame::paint(QPainter &painter, const QRect &panel, const QRect &exposed, const Style &style)

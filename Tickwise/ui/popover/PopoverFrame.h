@@ -32,7 +32,7 @@ public:
 
 private:
     void draw(const Style &style);
-    QRgb pixel(QPointF point) const;
+    QRgb pixel(double fromPanel, double fromShadow) const;
 
     Style m_style;
     QPixmap m_picture; ///< a panel with a middle of one pixel, in device pixels
