@@ -153,6 +153,7 @@ void WatchlistRows::startDrag(const WatchlistRow &row, QPointF press)
     // A number that is being edited ends its editing first.
     if (QWidget *const focused = window()->focusWidget())
         focused->clearFocus();
+    Q_EMIT dragAboutToStart();
     const QString &id = row.content().entry.coinId;
     m_session.setScrollProxy(this);
     m_session.setScrollOffset(verticalScrollBar()->value());
