@@ -158,7 +158,8 @@ void WatchlistRows::startDrag(const WatchlistRow &row, QPointF press)
     m_session.setScrollProxy(this);
     m_session.setScrollOffset(verticalScrollBar()->value());
     m_session.setViewportHeight(viewport()->height());
-    m_session.begin(id, indexOf(id), viewportY(press), ids(),
+    const auto shown = std::ranges::find(m_shown, &row, &std::pair<const int, WatchlistRow *>::second);
+    m_session.begin(id, shown->first, viewportY(press), ids(),
                     [this](const QStringList &order) { Q_EMIT reordered(order); });
 }
 
@@ -206,8 +207,9 @@ void WatchlistRows::layOut()
     recycleOutside(first, last);
     for (int index = first; index <= last; ++index)
         materialize(index);
+    const bool isDragging = m_session.draggedID().has_value();
     for (const auto &[index, row] : m_shown) {
-        const bool isDragged = m_session.draggedID() == row->content().entry.coinId;
+        const bool isDragged = isDragging && index == m_session.sourceIndex(); // its coin may have another row
         const double top = isDragged ? offset + m_session.floatingY() : index * reorderRowHeight + offsetOf(index);
         row->setGeometry(0, static_cast<int>(std::lround(top)), m_content->width(), rowHeight);
         row->setFloating(isDragged);
