@@ -5,7 +5,7 @@ import time
 import unittest
 
 from accessible_tree import AccessibleTree
-from application import IDENTIFIER, Application, Texts, coin, keep_picture
+from application import IDENTIFIER, Application, Texts, coin, keep_picture, read, settings_file
 from desktop_session import SwaySession, X11Session
 from panel_pixels import GREEN, coloured, middle, wait_for_box
 
@@ -130,6 +130,31 @@ class PopoverChecks:
             desktop.wait_for(shows_red, what="the new price")
 
 
+    def check_panel_that_goes(self):
+        with self.make_session() as desktop:
+            application = start(desktop)
+            desktop.click(*self.item(desktop))
+            wait_for_popover(desktop, application)
+            desktop.stop_panel()
+            application.set_price("BTC", 70000.5, 1)
+            if popover(application):
+                desktop.press_key("Escape")
+            wait_for_its_end(desktop, application)
+            desktop.start_panel()
+            self.open_again(desktop, application, self.item(desktop))
+
+    def check_desktop_that_goes(self, display):
+        """The display server ends with the popover open: the application ends too, and keeps its settings."""
+        with self.make_session() as desktop:
+            application = start(desktop)
+            desktop.click(*self.item(desktop))
+            wait_for_popover(desktop, application)
+            stored = read(settings_file(desktop))
+            desktop.stop_process(display(desktop))
+            self.assertNotEqual(application.process.wait(), 0)
+            self.assertEqual(read(settings_file(desktop)), stored)
+
+
 class XfceTest(PopoverChecks, unittest.TestCase):
     def make_session(self):
         return X11Session("xfce4-panel", notifications=None)
@@ -145,6 +170,12 @@ class XfceTest(PopoverChecks, unittest.TestCase):
 
     def test_prices_tick_while_it_is_open(self):
         self.check_prices_tick_while_it_is_open("popover-xfce.png")
+
+    def test_panel_goes_while_it_is_open(self):
+        self.check_panel_that_goes()
+
+    def test_x_server_goes_while_it_is_open(self):
+        self.check_desktop_that_goes(lambda desktop: desktop.server)
 
     def test_quits_while_it_is_open(self):
         with self.make_session() as desktop:
@@ -178,6 +209,12 @@ class WaybarTest(PopoverChecks, unittest.TestCase):
 
     def test_prices_tick_while_it_is_open(self):
         self.check_prices_tick_while_it_is_open("popover-waybar.png")
+
+    def test_panel_goes_while_it_is_open(self):
+        self.check_panel_that_goes()
+
+    def test_compositor_goes_while_it_is_open(self):
+        self.check_desktop_that_goes(lambda desktop: desktop.compositor)
 
 
 class AccessibilityTest(unittest.TestCase):

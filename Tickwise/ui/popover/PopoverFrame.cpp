@@ -78,6 +78,19 @@ int PopoverFrame::shadowMargin()
     return look::scaled(shadowReach + shadowDrop);
 }
 
+QRegion PopoverFrame::shape(const QRect &panel)
+{
+    const int radius = look::scaled(look::popoverRadius);
+    QRegion region(panel.adjusted(0, radius, 0, -radius));
+    for (int row = 0; row < radius; ++row) {
+        const double y = radius - row - 0.5; // from the line of the circles' centers
+        const int inset = int(std::lround(radius - std::sqrt(radius * radius - y * y)));
+        region += QRect(panel.left() + inset, panel.top() + row, panel.width() - 2 * inset, 1);
+        region += QRect(panel.left() + inset, panel.bottom() - row, panel.width() - 2 * inset, 1);
+    }
+    return region;
+}
+
 void PopoverFrame::draw(const Style &style)
 {
     m_style = style;

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QPixmap>
 #include <QRect>
+#include <QRegion>
 
 class QPainter;
 
@@ -26,6 +27,9 @@ public:
 
     /// How far the shadow reaches beyond the panel on each side, in logical pixels.
     static int shadowMargin();
+
+    /// The pixels of a panel there, its round corners cut off.
+    static QRegion shape(const QRect &panel);
 
     /// Paints what `exposed` shows of the panel and its shadow; both in logical pixels.
     void paint(QPainter &painter, const QRect &panel, const QRect &exposed, const Style &style);

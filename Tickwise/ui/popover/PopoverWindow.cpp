@@ -9,7 +9,6 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <QToolTip>
 
 namespace tickwise {
@@ -54,10 +53,7 @@ void PopoverWindow::place(const PopoverPlace &place)
     if (place.isTranslucent) {
         clearMask();
     } else {
-        QPainterPath path;
-        const int radius = look::scaled(look::popoverRadius);
-        path.addRoundedRect(place.panel, radius, radius);
-        setMask(QRegion(path.toFillPolygon().toPolygon()));
+        setMask(PopoverFrame::shape(place.panel));
     }
     if (!place.hasChildWindows)
         followToolTips();

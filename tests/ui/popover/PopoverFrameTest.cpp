@@ -50,6 +50,7 @@ private Q_SLOTS:
     void shadowFadesOut();
     void withoutShadowNothingIsOutside();
     void followsItsStyle();
+    void shapeIsThePanelWithoutItsCorners();
 };
 
 void PopoverFrameTest::edgesHaveNoSeams_data()
@@ -124,6 +125,20 @@ void PopoverFrameTest::followsItsStyle()
     frame.paint(painter, panel, picture.rect(), look);
     painter.end();
     QCOMPARE(picture.pixelColor(panel.left() + 3, panel.center().y()), QColor(Qt::white));
+}
+
+void PopoverFrameTest::shapeIsThePanelWithoutItsCorners()
+{
+    const QRegion shape = PopoverFrame::shape(panel);
+    QCOMPARE(shape.boundingRect(), panel);
+    const QImage picture = whole(style(1, false));
+    for (int y = panel.top(); y <= panel.bottom(); ++y) {
+        for (int x = panel.left(); x <= panel.right(); ++x) {
+            const int covered = qAlpha(picture.pixel(x, y));
+            if (covered < 64 || covered > 192)
+                QCOMPARE(shape.contains(QPoint(x, y)), covered > 192);
+        }
+    }
 }
 
 TICKWISE_WIDGET_TEST(PopoverFrameTest)
