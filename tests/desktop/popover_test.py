@@ -213,6 +213,22 @@ class WaybarTest(PopoverChecks, unittest.TestCase):
     def test_panel_goes_while_it_is_open(self):
         self.check_panel_that_goes()
 
+    def test_on_an_output_of_double_scale(self):
+        """A point is two pixels of the screen there; the windows tell points, the picture shows pixels."""
+        with self.make_session() as desktop:
+            desktop.message("output", "HEADLESS-1", "scale", "2")
+            application = start(desktop)
+            item = self.item(desktop)
+            desktop.click(*item)
+            window = desktop.wait_for(lambda: popover(application), what="the popover")
+            left, top, width, height = window["place"]
+            self.assertEqual((width, height), (320, 298))
+            self.assertTrue(30 <= top and top + height <= desktop.height // 2)
+            self.assertTrue(left <= item[0] // 2 <= left + width <= desktop.width // 2)
+            prices = (2 * left + width, 2 * (top + 52), width, 2 * 52)
+            green = coloured(GREEN)
+            desktop.wait_for(lambda: any(map(green, desktop.picture().colours(*prices))), what="the price at its place")
+
     def test_compositor_goes_while_it_is_open(self):
         self.check_desktop_that_goes(lambda desktop: desktop.compositor)
 
