@@ -47,6 +47,7 @@ public:
         m_list.setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
         m_model.setStringList(rowTexts(*world.coinList));
         m_list.setModel(&m_model);
+        m_list.setAttribute(Qt::WA_TranslucentBackground); // the same kind of backing store
         m_list.resize(windowSize);
     }
 
@@ -75,7 +76,8 @@ public:
     void open()
     {
         const int margin = PopoverWindow::shadowMargin();
-        m_view->refresh();
+        if (std::exchange(m_isOpened, true))
+            m_view->refresh();
         m_view->rewind();
         m_window.resize(windowSize + QSize(2 * margin, 2 * margin));
         m_window.place({QRect(QPoint(margin, margin), windowSize), true, true});
@@ -89,6 +91,7 @@ private:
     UpdateController m_updates;
     CoinPopoverView *m_view; ///< the window's
     PopoverWindow m_window;
+    bool m_isOpened = false;
 };
 
 template<class Subject>

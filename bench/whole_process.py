@@ -20,6 +20,7 @@ OKX_LIST = os.path.join(ROOT, "tests", "data", "exchange", "generated", "okx_tic
 CATALOG = os.path.join(ROOT, "Tickwise", "resources", "coins.json")
 AUTHORITY = os.path.join(ROOT, "demo", "tls", "loopback-only-authority.pem")
 WATCHLIST_LENGTH = 25
+IDENTIFIER = "com.pelmo.tickwise.bench"
 NO_POLLS = 3600  # seconds between polls: none but those that are asked for
 STARTS = 15
 POLLS = 200
@@ -204,6 +205,31 @@ def measure_idle(desktop, programs):
     return count, memory
 
 
+def call_application(desktop, method, signature, arguments):
+    path = "/" + IDENTIFIER.replace(".", "/")
+    desktop.bus.call(IDENTIFIER, path, "org.freedesktop.Application", method, signature, arguments)
+
+
+def measure_popover(desktop, programs):
+    """Memory before the popover was opened for the first time, while it is open, and after it was closed."""
+    market = Market(desktop, programs, OKX_LIST)
+    process, _ = start_application(desktop, programs, market.endpoints)
+    wait_for_line(desktop, process, "content")
+    time.sleep(SETTLE_SECONDS)
+    run_polls(desktop, process, 10)
+    market.stop()
+    time.sleep(1)
+    memories = [Memory(process.pid)]
+    call_application(desktop, "Activate", "(a{sv})", ({},))
+    time.sleep(2)
+    memories.append(Memory(process.pid))
+    desktop.press_key("Escape")
+    time.sleep(SETTLE_SECONDS)
+    memories.append(Memory(process.pid))
+    desktop.stop_process(process)
+    return memories
+
+
 def measure_empty(desktop, programs):
     process, _ = start_empty(desktop, programs)
     wait_for_line(desktop, process, "ready")
@@ -225,6 +251,11 @@ def print_memory(memory, floor):
         print(f"  {name:32}{kilobytes / 1024:10.2f}{floor.pss_of_files.get(name, 0) / 1024:10.2f}")
 
 
+def print_popover(memories):
+    for moment, memory in zip(("never opened", "open", "closed"), memories):
+        print(f"{f'popover {moment}: anonymous, PSS, MB':44}{memory.anonymous / 1024:10.2f}{memory.pss / 1024:10.2f}", flush=True)
+
+
 def measure(desktop, programs):
     print(f"{'':34}{'measured':>10}{'floor':>10}{'ratio':>8}{'budget':>8}  floor's parts")
     for name, form in (("CPU of a poll, ms", ()), ("CPU of a poll, compressed, ms", ("gzip",))):
@@ -235,6 +266,7 @@ def measure(desktop, programs):
               f"empty program {ready * 1000:.1f}, first round trip {trip * 1000:.1f}")
     count, memory = measure_idle(desktop, programs)
     print_memory(memory, measure_empty(desktop, programs))
+    print_popover(measure_popover(desktop, programs))
     print(f"{f'wake-ups in {IDLE_SECONDS} idle seconds':34}{count:10}{0:10}")
 
 

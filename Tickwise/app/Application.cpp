@@ -181,11 +181,20 @@ SettingsWindowContext Application::settingsWindowContext()
             .updates = m_delegate.updateController(),
             .watchlist = [this]() -> WatchlistViewModel & { return m_delegate.watchlistViewModel(); },
             .logos = [this]() -> CoinLogoStore & { return m_delegate.logoStore(); },
+            .motion = [this]() -> const MotionPreference & { return motion(); },
             .about = {.name = QString::fromLatin1(appInfo::displayName),
                       .version = QString::fromLatin1(appInfo::version),
                       .contact = QString::fromLatin1(appInfo::contact),
                       .projectLink = QString::fromLatin1(appInfo::projectLink)},
             .abilities = {.hasOverlay = false}};
+}
+
+/// Asks the desktop when something is shown that moves.
+const MotionPreference &Application::motion()
+{
+    if (!m_motion)
+        m_motion = std::make_unique<DesktopMotion>(m_sessionBus);
+    return *m_motion;
 }
 
 bool Application::isSecondCopy()

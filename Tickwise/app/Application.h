@@ -7,6 +7,7 @@
 #include "platform/network/NetworkHttpClient.h"
 #include "platform/network/NetworkWatch.h"
 #include "platform/notifications/SoundPlayer.h"
+#include "platform/session/DesktopMotion.h"
 #include "platform/session/DesktopPackageInstaller.h"
 #include "platform/session/SingleInstance.h"
 #include "platform/session/SleepMonitor.h"
@@ -56,6 +57,7 @@ private:
     /// Forgets connections of the old route and lets the updater look at its schedule.
     void networkMayHaveChanged();
     QString portalReason();
+    const MotionPreference &motion();
 
     ApplicationConfiguration m_configuration;
     TerminationSignals m_signals;
@@ -70,6 +72,7 @@ private:
     std::unique_ptr<UserNotificationCenter> m_notificationCenter;
     std::unique_ptr<LoginItem> m_loginItem;
     WidgetCenter m_widgetCenter;
+    std::unique_ptr<DesktopMotion> m_motion;
     DesktopPackageInstaller m_packageInstaller;
     UpdateWindowPresenter m_updateWindow;
     QPointer<SparkleUpdaterBackend> m_updater; ///< owned by the delegate's controller

@@ -8,7 +8,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A panel tells of a click after the press of that click has closed the popover, and some tell of one click twice.
+// A panel tells of a click after the press of that click has closed the popover. Waybar tells twice of the second of
+// two quick clicks: GTK reports it as a press and as a double press.
 constexpr auto sameClick = 250ms;
 constexpr auto launchRetryInterval = 200ms;
 
@@ -57,9 +58,10 @@ void PopoverController::open(const PopoverAnchor &anchor)
 {
     if (m_isShown)
         return;
-    if (!m_window)
+    if (m_window)
+        m_view->refresh();
+    else
         build();
-    m_view->refresh();
     m_view->rewind();
     m_fittedCoins = m_context.coinList.coins().size();
     m_isShown =

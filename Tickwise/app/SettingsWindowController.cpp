@@ -35,8 +35,8 @@ void SettingsWindowController::build()
 {
     m_general = new GeneralSettingsView(m_context.settings, m_context.catalog);
     m_general->setAbilities(m_context.abilities);
-    auto *const watchlist =
-        new WatchlistView({m_context.settings, m_context.catalog, m_context.watchlist(), &m_context.logos()});
+    auto *const watchlist = new WatchlistView(
+        {m_context.settings, m_context.catalog, m_context.watchlist(), &m_context.logos(), &m_context.motion()});
     auto *const about = new AboutView(m_context.settings, m_context.updates, m_context.about);
     m_window = new SettingsWindow(m_context.settings, m_context.storage, {m_general, watchlist, about});
     connect(m_window, &SettingsWindow::closed, m_window, &QObject::deleteLater);

@@ -15,6 +15,7 @@
 namespace tickwise {
 
 class CoinLogoStore;
+class MotionPreference;
 class UpdateController;
 class WatchlistViewModel;
 
@@ -28,6 +29,7 @@ struct SettingsWindowContext
     /// Asked for when a window is built.
     std::function<WatchlistViewModel &()> watchlist;
     std::function<CoinLogoStore &()> logos;
+    std::function<const MotionPreference &()> motion;
     AboutInformation about;
     DesktopAbilities abilities;
 };

@@ -23,38 +23,10 @@ QString priceWithCurrency(const QString &price, BaseCurrency currency)
     return localized(QStringLiteral("tooltip.exactPrice")).arg(price, rawValue(currency));
 }
 
-QString toolTip(const CoinRowInputs &inputs, std::optional<double> price)
-{
-    const Coin &coin = inputs.coin;
-    QStringList lines{coin.name};
-    if (coin.status == CoinStatus::delisted)
-        lines.append(localized(QStringLiteral("coin.status.delisted")));
-    if (!price) {
-        lines.append(localized(QStringLiteral("tooltip.noPrice")));
-        return lines.join(QLatin1Char('\n'));
-    }
-    lines.append(priceWithCurrency(exactPrice(*price), inputs.currency));
-    if (coin.lastUpdated)
-        lines.append(localized(QStringLiteral("tooltip.fetchedAt")).arg(clockText(*coin.lastUpdated, inputs.now)));
-    return lines.join(QLatin1Char('\n'));
-}
-
 QString spokenChange(double change)
 {
     const QString key = change >= 0 ? QStringLiteral("a11y.change.up") : QStringLiteral("a11y.change.down");
     return localized(key).arg(QString::asprintf("%.2f", std::abs(change)));
-}
-
-QString accessibleText(const CoinRowInputs &inputs, std::optional<double> price, std::optional<double> change)
-{
-    const auto listed = [](const QString &texts, const QString &text) {
-        return localized(QStringLiteral("a11y.list")).arg(texts, text);
-    };
-    const QString text = listed(inputs.coin.name, price ? priceWithCurrency(formatPrice(*price), inputs.currency)
-                                                        : localized(QStringLiteral("tooltip.noPrice")));
-    if (inputs.coin.status == CoinStatus::delisted)
-        return listed(text, localized(QStringLiteral("coin.status.delisted")));
-    return change ? listed(text, spokenChange(*change)) : text;
 }
 
 } // namespace
@@ -74,9 +46,38 @@ CoinRowContent coinRowContent(const CoinRowInputs &inputs)
         content.change = localized(QStringLiteral("coin.status.delisted"));
     else if (change)
         content.change = changeText(*change);
-    content.toolTip = toolTip(inputs, price);
-    content.accessibleText = accessibleText(inputs, price, change);
     return content;
+}
+
+QString coinRowToolTip(const CoinRowInputs &inputs)
+{
+    const std::optional<double> price = finite(inputs.coin.currentPrice);
+    const Coin &coin = inputs.coin;
+    QStringList lines{coin.name};
+    if (coin.status == CoinStatus::delisted)
+        lines.append(localized(QStringLiteral("coin.status.delisted")));
+    if (!price) {
+        lines.append(localized(QStringLiteral("tooltip.noPrice")));
+        return lines.join(QLatin1Char('\n'));
+    }
+    lines.append(priceWithCurrency(exactPrice(*price), inputs.currency));
+    if (coin.lastUpdated)
+        lines.append(localized(QStringLiteral("tooltip.fetchedAt")).arg(clockText(*coin.lastUpdated, inputs.now)));
+    return lines.join(QLatin1Char('\n'));
+}
+
+QString coinRowSpokenText(const CoinRowInputs &inputs)
+{
+    const std::optional<double> price = finite(inputs.coin.currentPrice);
+    const std::optional<double> change = finite(inputs.coin.priceChange24hPercent);
+    const auto listed = [](const QString &texts, const QString &text) {
+        return localized(QStringLiteral("a11y.list")).arg(texts, text);
+    };
+    const QString text = listed(inputs.coin.name, price ? priceWithCurrency(formatPrice(*price), inputs.currency)
+                                                        : localized(QStringLiteral("tooltip.noPrice")));
+    if (inputs.coin.status == CoinStatus::delisted)
+        return listed(text, localized(QStringLiteral("coin.status.delisted")));
+    return change ? listed(text, spokenChange(*change)) : text;
 }
 
 } // namespace tickwise

@@ -24,12 +24,16 @@ struct CoinRowContent
     std::optional<QColor> priceColor; ///< none: the text's own color
     QString change;                   ///< "+1.23%", the word for a delisted coin, or nothing
     bool isDelisted = false;
-    QString toolTip;        ///< name, exact price with its currency, time of the price; lines separated by "\n"
-    QString accessibleText; ///< "Bitcoin, 67,432 USD, up 1.23 percent"
     bool operator==(const CoinRowContent &) const = default;
 };
 
 /// A value that is not finite counts as none.
 CoinRowContent coinRowContent(const CoinRowInputs &inputs);
+
+/// Name, exact price with its currency, time of the price; lines separated by "\n".
+QString coinRowToolTip(const CoinRowInputs &inputs);
+
+/// What a screen reader says: "Bitcoin, 67,432 USD, up 1.23 percent".
+QString coinRowSpokenText(const CoinRowInputs &inputs);
 
 } // namespace tickwise

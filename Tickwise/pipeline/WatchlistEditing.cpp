@@ -1,5 +1,7 @@
 #include "pipeline/WatchlistEditing.h"
 
+#include <QHash>
+
 #include <algorithm>
 
 namespace tickwise {
@@ -38,11 +40,18 @@ AppSettings withCoinRemoved(AppSettings settings, const QString &id)
 
 AppSettings withWatchlistOrder(AppSettings settings, const QStringList &ids)
 {
-    const auto place = [&](const WatchlistCoin &coin) {
-        const qsizetype index = ids.indexOf(coin.coinId);
-        return index < 0 ? ids.size() : index;
-    };
-    std::ranges::stable_sort(settings.watchlistCoins, {}, place);
+    // An id can stand in the list more than once; its entries keep their order among themselves.
+    QHash<QString, QList<qsizetype>> places;
+    for (qsizetype place = ids.size() - 1; place >= 0; --place)
+        places[ids[place]].append(place);
+    std::vector<std::pair<qsizetype, WatchlistCoin>> placed;
+    for (WatchlistCoin &coin : settings.watchlistCoins) {
+        QList<qsizetype> &free = places[coin.coinId];
+        const qsizetype place = free.isEmpty() ? ids.size() : free.takeLast();
+        placed.emplace_back(place, std::move(coin));
+    }
+    std::ranges::stable_sort(placed, {}, &std::pair<qsizetype, WatchlistCoin>::first);
+    std::ranges::transform(placed, settings.watchlistCoins.begin(), &std::pair<qsizetype, WatchlistCoin>::second);
     return settings;
 }
 

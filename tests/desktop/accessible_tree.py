@@ -59,6 +59,11 @@ class Node:
         """Does the first thing that can be done with it."""
         self._call("org.a11y.atspi.Action", "DoAction", "(i)", (0,))
 
+    def middle(self):
+        """The point on the screen in its middle."""
+        left, top, width, height = self._call("org.a11y.atspi.Component", "GetExtents", "(u)", (0,))[0]
+        return left + width // 2, top + height // 2
+
     def _property(self, name):
         return self._call("org.freedesktop.DBus.Properties", "Get", "(ss)", (_ACCESSIBLE, name))[0]
 
@@ -72,6 +77,7 @@ class AccessibleTree:
     environment = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
 
     def __init__(self, desktop):
+        self._desktop = desktop
         desktop.start_process("at-spi-bus-launcher", [_LAUNCHER, "--launch-immediately"])
         desktop.wait_for(lambda: desktop.bus.owner(_BUS), what="the accessibility bus")
         address = desktop.bus.call(_BUS, "/org/a11y/bus", _BUS, "GetAddress")[0]
@@ -91,6 +97,15 @@ class AccessibleTree:
             if application.name == program:
                 return list(self._below(application, []))
         return []
+
+    def wait_for(self, program, name, role=None):
+        """The program's object with that name (and role), once it is there."""
+        def found():
+            try:
+                return next((node for node in self.nodes(program) if node.name == name and role in (None, node.role)), None)
+            except GLib.Error:  # an object went while the tree was read
+                return None
+        return self._desktop.wait_for(found, what=f"{name!r} in the accessible tree")
 
     def call(self, service, path, interface, method, signature, arguments):
         parameters = GLib.Variant(signature, arguments)

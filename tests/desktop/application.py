@@ -78,11 +78,15 @@ class Application:
             return content if {**content, **fields} == content else None
         return self.desktop.wait_for(matches, what=f"{fields} in the status item")
 
-    def windows(self):
-        """The open windows that say something: dictionaries with title, texts, and the buttons' places on the screen by text."""
+    def all_windows(self):
+        """The open windows: dictionaries with title, texts, and the buttons' places on the screen by text."""
         before = len(self.events("windows"))
         self.tell("windows")
-        return [window for window in json.loads(self.wait_for_event("windows", before + 1)) if window["texts"]]
+        return json.loads(self.wait_for_event("windows", before + 1))
+
+    def windows(self):
+        """The open windows that say something."""
+        return [window for window in self.all_windows() if window["texts"]]
 
     def wait_for_window_text(self, text):
         """The window that shows the text."""

@@ -197,6 +197,16 @@ class DesktopSession:
             file.write(self._capture("png"))
         return whole
 
+    def settled_screenshot(self, path):
+        """A screenshot of a screen that has stopped changing."""
+        pictures = []
+
+        def settled():
+            pictures.append(self._capture("png"))
+            return pictures[-2:-1] == pictures[-1:]
+        self.wait_for(settled, 30, "a picture that stays")
+        return self.screenshot(path)
+
     def picture(self):
         """The whole screen as a Picture."""
         return Picture(self._capture("ppm"))

@@ -1,15 +1,17 @@
 #!/usr/bin/python3
 """Makes the pictures of docs/pictures: the application on private desktops, with prices that are always the same.
 
-Usage: make_pictures.py FOLDER [HOST...]   (hosts: those of HOSTS below; none: XFCE, waybar and the alert)"""
+Usage: make_pictures.py FOLDER [PICTURE...]   (a host of HOSTS below, "alert", or a desktop of POPOVERS as "popover-xfce")"""
 
 import os
 import subprocess
 import sys
 
-from application import Application, coin
+from application import IDENTIFIER, Application, Texts, coin
 from desktop_session import SwaySession, X11Session
+from furnished_session import FurnishedSession
 from gnome_session import GnomeSession
+from panel_pixels import GREEN, wait_for_box
 
 STRIP_WIDTH = 360
 PRICES = (("BTC", 67432.4, 1.5), ("ETH", 3188, -2.1))
@@ -38,7 +40,14 @@ HOSTS = {
     "gnome": (GnomeSession, 0, 32),
     "plasma": (x11("plasma", "kwin_x11"), -50, 50),
 }
-USUAL = ("xfce", "waybar", "alert")
+# Desktops with the popover open, and the part of the screen that is kept.
+POPOVERS = {
+    "popover-xfce": (FurnishedSession, (560, 0, 720, 460)),
+    "popover-waybar": (lambda: SwaySession("waybar", notifications=None), (800, 0, 480, 460)),
+}
+POPOVER_PRICES = (*PRICES, ("SOL", 150.25, 0.4), ("DOGE", 0.1234, -0.5), ("XRP", 0.52, 0), ("ADA", 0.4512, 3.2))
+POPOVER_COINS = [coin(name) for name in ("bitcoin", "ethereum", "solana", "dogecoin", "ripple", "cardano")]
+USUAL = ("xfce", "waybar", "alert", *POPOVERS)
 
 
 def convert(*arguments, data=None):
@@ -96,12 +105,29 @@ def picture_of_alert(path):
             file.write(settled_crop(desktop, area, unlike))
 
 
+def picture_of_popover(path, name):
+    make_session, area = POPOVERS[name]
+    with make_session() as desktop:
+        application = Application(desktop, POPOVER_PRICES, addedCoins=POPOVER_COINS)
+        wait_for_box(desktop, GREEN)
+        unlike = []
+        settled_crop(desktop, area, unlike)
+        desktop.bus.call(IDENTIFIER, "/" + IDENTIFIER.replace(".", "/"), "org.freedesktop.Application", "Activate",
+                         "(a{sv})", ({},))
+        application.wait_for_window_text(Texts("en").text("popover.watchlist"))
+        with open(path, "wb") as file:
+            file.write(convert("png:-", "-colors", "255", "PNG8:-", data=settled_crop(desktop, area, unlike)))
+
+
 def main():
     folder, *names = sys.argv[1:]
     for name in names or USUAL:
         if name == "alert":
             path = os.path.join(folder, "alert.png")
             picture_of_alert(path)
+        elif name in POPOVERS:
+            path = os.path.join(folder, f"{name}.png")
+            picture_of_popover(path, name)
         else:
             path = os.path.join(folder, f"panel-{name}.png")
             picture_of_panel(path, name)

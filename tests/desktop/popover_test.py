@@ -5,7 +5,7 @@ import time
 import unittest
 
 from accessible_tree import AccessibleTree
-from application import IDENTIFIER, Application, Texts, coin, keep_picture
+from application import IDENTIFIER, Application, Texts, coin, keep_picture, read, settings_file
 from desktop_session import SwaySession, X11Session
 from panel_pixels import GREEN, coloured, middle, wait_for_box
 
@@ -130,6 +130,31 @@ class PopoverChecks:
             desktop.wait_for(shows_red, what="the new price")
 
 
+    def check_panel_that_goes(self):
+        with self.make_session() as desktop:
+            application = start(desktop)
+            desktop.click(*self.item(desktop))
+            wait_for_popover(desktop, application)
+            desktop.stop_panel()
+            application.set_price("BTC", 70000.5, 1)
+            if popover(application):
+                desktop.press_key("Escape")
+            wait_for_its_end(desktop, application)
+            desktop.start_panel()
+            self.open_again(desktop, application, self.item(desktop))
+
+    def check_desktop_that_goes(self, display):
+        """The display server ends with the popover open: the application ends too, and keeps its settings."""
+        with self.make_session() as desktop:
+            application = start(desktop)
+            desktop.click(*self.item(desktop))
+            wait_for_popover(desktop, application)
+            stored = read(settings_file(desktop))
+            desktop.stop_process(display(desktop))
+            self.assertNotEqual(application.process.wait(), 0)
+            self.assertEqual(read(settings_file(desktop)), stored)
+
+
 class XfceTest(PopoverChecks, unittest.TestCase):
     def make_session(self):
         return X11Session("xfce4-panel", notifications=None)
@@ -145,6 +170,12 @@ class XfceTest(PopoverChecks, unittest.TestCase):
 
     def test_prices_tick_while_it_is_open(self):
         self.check_prices_tick_while_it_is_open("popover-xfce.png")
+
+    def test_panel_goes_while_it_is_open(self):
+        self.check_panel_that_goes()
+
+    def test_x_server_goes_while_it_is_open(self):
+        self.check_desktop_that_goes(lambda desktop: desktop.server)
 
     def test_quits_while_it_is_open(self):
         with self.make_session() as desktop:
@@ -178,6 +209,28 @@ class WaybarTest(PopoverChecks, unittest.TestCase):
 
     def test_prices_tick_while_it_is_open(self):
         self.check_prices_tick_while_it_is_open("popover-waybar.png")
+
+    def test_panel_goes_while_it_is_open(self):
+        self.check_panel_that_goes()
+
+    def test_on_an_output_of_double_scale(self):
+        """A point is two pixels of the screen there; the windows tell points, the picture shows pixels."""
+        with self.make_session() as desktop:
+            desktop.message("output", "HEADLESS-1", "scale", "2")
+            application = start(desktop)
+            item = self.item(desktop)
+            desktop.click(*item)
+            window = desktop.wait_for(lambda: popover(application), what="the popover")
+            left, top, width, height = window["place"]
+            self.assertEqual((width, height), (320, 298))
+            self.assertTrue(30 <= top and top + height <= desktop.height // 2)
+            self.assertTrue(left <= item[0] // 2 <= left + width <= desktop.width // 2)
+            prices = (2 * left + width, 2 * (top + 52), width, 2 * 52)
+            green = coloured(GREEN)
+            desktop.wait_for(lambda: any(map(green, desktop.picture().colours(*prices))), what="the price at its place")
+
+    def test_compositor_goes_while_it_is_open(self):
+        self.check_desktop_that_goes(lambda desktop: desktop.compositor)
 
 
 class AccessibilityTest(unittest.TestCase):

@@ -24,24 +24,20 @@ _XFCE_PANEL = """<?xml version="1.0" encoding="UTF-8"?>
       <property name="position-locked" type="bool" value="true"/>
       <property name="size" type="uint" value="30"/>
       <property name="plugin-ids" type="array">
-        <value type="int" value="1"/>
-        <value type="int" value="2"/>
-        <value type="int" value="3"/>
+{numbers}
       </property>
     </property>
   </property>
   <property name="plugins" type="empty">
-    <property name="plugin-1" type="string" value="tasklist"/>
-    <property name="plugin-2" type="string" value="separator">
-      <property name="expand" type="bool" value="true"/>
-      <property name="style" type="uint" value="0"/>
-    </property>
-    <property name="plugin-3" type="string" value="systray">
-      <property name="square-icons" type="bool" value="false"/>
-    </property>
+{plugins}
   </property>
 </channel>
 """
+
+_XFCE_PLUGIN_SETTINGS = {
+    "separator": """<property name="expand" type="bool" value="true"/><property name="style" type="uint" value="0"/>""",
+    "systray": """<property name="square-icons" type="bool" value="false"/>""",
+}
 
 _LXQT_PANEL = """[General]
 __userfile__=true
@@ -82,6 +78,8 @@ class X11Session(DesktopSession):
     with_panel: False leaves the panel to `start_panel`.
     dark_panel: whether XFCE's panel is dark.
     """
+
+    panel_plugins = ("tasklist", "separator", "systray")  # of XFCE's panel, in their order
 
     def __init__(self, panel="xfce4-panel", window_manager="openbox", notifications="dunst", width=1280, height=800,
                  with_panel=True, dark_panel=True):
@@ -137,6 +135,15 @@ class X11Session(DesktopSession):
 
     def click(self, x, y, button=1):
         self.tool(["xdotool", "mousemove", str(x), str(y), "click", str(button)])
+
+    def drag(self, x, y, way):
+        """Presses the pointer at a point and moves it through others; `drop` ends it."""
+        self.tool(["xdotool", "mousemove", str(x), str(y), "mousedown", "1"])
+        for step in way:
+            self.move_pointer(*step)
+
+    def drop(self):
+        self.tool(["xdotool", "mouseup", "1"])
 
     def type_text(self, text):
         self.tool(["xdotool", "type", "--delay", "5", text])
@@ -198,7 +205,7 @@ class X11Session(DesktopSession):
         self.bus.allow_activation("org.xfce.Xfconf", self.environment)
         self.environment["XDG_CURRENT_DESKTOP"] = "XFCE"
         self.write_file(os.path.join(self.environment["XDG_CONFIG_HOME"], "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"),
-                        _XFCE_PANEL.format(dark=str(self._dark_panel).lower()))
+                        _xfce_panel(self.panel_plugins, self._dark_panel))
 
     def _configure_mate(self):
         for service in ("ca.desrt.dconf", *(f"org.mate.panel.applet.{name}Factory" for name in _MATE_APPLETS)):
@@ -208,3 +215,11 @@ class X11Session(DesktopSession):
     def _configure_lxqt(self):
         self.environment["XDG_CURRENT_DESKTOP"] = "LXQt"
         self.write_file(os.path.join(self.environment["XDG_CONFIG_HOME"], "lxqt/panel.conf"), _LXQT_PANEL)
+
+
+def _xfce_panel(plugins, dark):
+    numbered = list(enumerate(plugins, start=1))
+    settings = [f'<property name="plugin-{number}" type="string" value="{name}">{_XFCE_PLUGIN_SETTINGS.get(name, "")}</property>'
+                for number, name in numbered]
+    return _XFCE_PANEL.format(dark=str(dark).lower(), plugins="\n".join(settings),
+                              numbers="\n".join(f'<value type="int" value="{number}"/>' for number, _ in numbered))

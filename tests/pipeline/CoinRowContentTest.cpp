@@ -34,6 +34,17 @@ CoinRowContent content(const Coin &coin, const AppSettings &settings = {}, BaseC
     return coinRowContent({coin, settings, currency, TestClock().now()});
 }
 
+QString toolTip(const Coin &coin, const AppSettings &settings = {}, BaseCurrency currency = BaseCurrency::usd)
+{
+    return coinRowToolTip({coin, settings, currency, TestClock().now()});
+}
+
+QString spoken(const Coin &coin)
+{
+    const AppSettings settings;
+    return coinRowSpokenText({coin, settings, BaseCurrency::usd, TestClock().now()});
+}
+
 } // namespace
 
 class CoinRowContentTest : public QObject
@@ -121,8 +132,8 @@ void CoinRowContentTest::delistedCoinSaysSoInsteadOfItsChange()
     const CoinRowContent row = content(coin);
     QVERIFY(row.isDelisted);
     QCOMPARE(row.change, QStringLiteral("Delisted"));
-    QCOMPARE(row.accessibleText, QStringLiteral("Bitcoin, 5 USD, Delisted"));
-    QVERIFY(row.toolTip.contains(QStringLiteral("Delisted")));
+    QCOMPARE(spoken(coin), QStringLiteral("Bitcoin, 5 USD, Delisted"));
+    QVERIFY(toolTip(coin).contains(QStringLiteral("Delisted")));
 }
 
 void CoinRowContentTest::toolTipTellsTheExactPriceItsCurrencyAndTime()
@@ -131,7 +142,7 @@ void CoinRowContentTest::toolTipTellsTheExactPriceItsCurrencyAndTime()
     coin.lastUpdated = TestClock().now();
     AppSettings settings;
     settings.baseCurrency = BaseCurrency::usd;
-    QCOMPARE(content(coin, settings, BaseCurrency::eur).toolTip,
+    QCOMPARE(toolTip(coin, settings, BaseCurrency::eur),
              QStringLiteral("Bitcoin\n67,432.45678 EUR\nFetched at 8:15 AM"));
 }
 
@@ -139,13 +150,13 @@ void CoinRowContentTest::toolTipTellsTheDayOfAnOldPrice()
 {
     Coin coin = bitcoin(2);
     coin.lastUpdated = TestClock().now() - std::chrono::hours(24);
-    const QString line = content(coin).toolTip.split(QLatin1Char('\n')).last();
+    const QString line = toolTip(coin).split(QLatin1Char('\n')).last();
     QVERIFY2(line.contains(QStringLiteral("30")) && line.endsWith(QStringLiteral("8:15 AM")), qPrintable(line));
 }
 
 void CoinRowContentTest::toolTipOfACoinWithoutPrice()
 {
-    QCOMPARE(content(bitcoin(notANumber)).toolTip, QStringLiteral("Bitcoin\nNo price yet"));
+    QCOMPARE(toolTip(bitcoin(notANumber)), QStringLiteral("Bitcoin\nNo price yet"));
 }
 
 void CoinRowContentTest::spokenText_data()
@@ -163,23 +174,23 @@ void CoinRowContentTest::spokenText()
 {
     QFETCH(Number, price);
     QFETCH(Number, change);
-    QTEST(content(bitcoin(price, change)).accessibleText, "text");
+    QTEST(spoken(bitcoin(price, change)), "text");
 }
 
 void CoinRowContentTest::spokenTextFollowsTheLanguage()
 {
     useLanguage(AppLanguage::zhHans);
-    QCOMPARE(content(bitcoin(9.5, -4.0)).accessibleText, QStringLiteral("Bitcoin，9.5 USD，下跌百分之 4.00"));
+    QCOMPARE(spoken(bitcoin(9.5, -4.0)), QStringLiteral("Bitcoin，9.5 USD，下跌百分之 4.00"));
     useLanguage(AppLanguage::zhHant);
-    QCOMPARE(content(bitcoin(9.5, 4.0)).accessibleText, QStringLiteral("Bitcoin，9.5 USD，上漲百分之 4.00"));
+    QCOMPARE(spoken(bitcoin(9.5, 4.0)), QStringLiteral("Bitcoin，9.5 USD，上漲百分之 4.00"));
 }
 
 void CoinRowContentTest::oddNamesStayWhole()
 {
     Coin coin = bitcoin(1, 2.0);
     coin.name = QStringLiteral("%1 100%% <b>\u05d1\u05d9\u05d8 e\u0301</b>");
-    QVERIFY(content(coin).accessibleText.startsWith(coin.name + QStringLiteral(", 1 USD, ")));
-    QVERIFY(content(coin).toolTip.startsWith(coin.name + QLatin1Char('\n')));
+    QVERIFY(spoken(coin).startsWith(coin.name + QStringLiteral(", 1 USD, ")));
+    QVERIFY(toolTip(coin).startsWith(coin.name + QLatin1Char('\n')));
 }
 
 TICKWISE_TEST(CoinRowContentTest)

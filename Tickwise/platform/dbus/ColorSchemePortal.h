@@ -1,10 +1,7 @@
 #pragma once
 
 #include "pipeline/StatusItem.h"
-#include "platform/dbus/SessionBus.h"
-
-#include <QDBusMessage>
-#include <QObject>
+#include "platform/dbus/PortalSetting.h"
 
 namespace tickwise {
 
@@ -22,15 +19,10 @@ public:
 Q_SIGNALS:
     void schemeChanged();
 
-private Q_SLOTS:
-    void settingChanged(const QDBusMessage &message);
-
 private:
-    void listen();
-    void read();
-    void setScheme(const QVariant &value);
+    void readScheme();
 
-    SessionBus &m_bus;
+    PortalSetting m_setting;
     PanelAppearance m_scheme = PanelAppearance::unknown;
 };
 

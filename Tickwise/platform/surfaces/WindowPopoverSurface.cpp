@@ -119,9 +119,13 @@ QRect WindowPopoverSurface::place(QSize popover) const
 void WindowPopoverSurface::apply(QSize popover)
 {
     const QRect panel = place(popover);
-    m_window->setGeometry(panel.adjusted(-m_margin, -m_margin, m_margin, m_margin));
+    QRect frame = panel.adjusted(-m_margin, -m_margin, m_margin, m_margin);
+    // Window managers move a window that reaches over their panels, and the popover with it.
+    if (m_window->windowType() != Qt::Popup)
+        frame &= screenAt(m_environment.screens(), panel.center()).available;
+    m_window->setGeometry(frame);
     if (onPlaced)
-        onPlaced({QRect(QPoint(m_margin, m_margin), panel.size()), m_isTranslucent, true});
+        onPlaced({panel.translated(-frame.topLeft()), m_isTranslucent, true});
 }
 
 void WindowPopoverSurface::resize(QSize popover)

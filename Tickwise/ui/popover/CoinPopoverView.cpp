@@ -37,7 +37,6 @@ CoinPopoverView::CoinPopoverView(CoinPopoverContext context, QWidget *parent)
     : QWidget(parent)
     , m_context(std::move(context))
     , m_header(new PopoverHeader(this))
-    , m_empty(new EmptyWatchlistView(this))
     , m_model(new CoinRowModel(m_context.coinList, m_context.settings, m_context.clock, this))
     , m_delegate(new CoinRowDelegate(*m_model, m_context.logos, this))
     , m_list(new QListView(this))
@@ -53,7 +52,6 @@ CoinPopoverView::CoinPopoverView(CoinPopoverContext context, QWidget *parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(m_header);
-    layout->addWidget(m_empty, 1);
     layout->addSpacing(listTop);
     layout->addWidget(m_list, 1);
     layout->addWidget(m_status);
@@ -87,14 +85,21 @@ void CoinPopoverView::buildList()
     m_list->setModel(m_model);
 }
 
+void CoinPopoverView::buildEmpty()
+{
+    m_empty = new EmptyWatchlistView(this);
+    connect(m_empty, &EmptyWatchlistView::addCoinsRequested, this,
+            [this] { m_context.navigate(SettingsTab::watchlist); });
+    m_empty->refresh();
+    static_cast<QVBoxLayout *>(layout())->insertWidget(1, m_empty, 1);
+}
+
 void CoinPopoverView::connectSources()
 {
     connect(m_header, &PopoverHeader::updateRequested, this, [this] { m_context.updates.checkForUpdates(); });
     connect(m_header, &PopoverHeader::watchlistRequested, this, [this] { m_context.navigate(SettingsTab::watchlist); });
     connect(m_header, &PopoverHeader::settingsRequested, this, [this] { m_context.navigate(SettingsTab::general); });
     connect(m_header, &PopoverHeader::quitRequested, this, [this] { m_context.quit(); });
-    connect(m_empty, &EmptyWatchlistView::addCoinsRequested, this,
-            [this] { m_context.navigate(SettingsTab::watchlist); });
     connect(&m_context.updates, &UpdateController::updateAvailableChanged, m_header,
             [this] { m_header->setUpdateAvailable(m_context.updates.updateAvailable()); });
     m_header->setUpdateAvailable(m_context.updates.updateAvailable());
@@ -109,7 +114,8 @@ void CoinPopoverView::connectSources()
 void CoinPopoverView::refresh()
 {
     m_header->refresh();
-    m_empty->refresh();
+    if (m_empty)
+        m_empty->refresh();
     m_delegate->applyMetrics();
     m_model->refresh();
     setAccessibleName(localized(QStringLiteral("popover.watchlist")));
@@ -133,7 +139,10 @@ void CoinPopoverView::rewind()
 void CoinPopoverView::showCoins()
 {
     const bool isEmpty = m_context.coinList.coins().empty();
-    m_empty->setVisible(isEmpty);
+    if (isEmpty && !m_empty)
+        buildEmpty();
+    if (m_empty)
+        m_empty->setVisible(isEmpty);
     m_list->setVisible(!isEmpty);
     m_status->setVisible(!isEmpty);
     showStatus();

@@ -60,13 +60,14 @@ protected:
 
 private:
     void buildList();
+    void buildEmpty();
     void connectSources();
     void showCoins();
     void showStatus();
 
     CoinPopoverContext m_context;
     PopoverHeader *m_header;
-    EmptyWatchlistView *m_empty;
+    EmptyWatchlistView *m_empty = nullptr; ///< made for the first empty watchlist
     CoinRowModel *m_model;
     CoinRowDelegate *m_delegate;
     QListView *m_list;

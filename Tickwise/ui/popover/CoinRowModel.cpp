@@ -50,11 +50,15 @@ int CoinRowModel::rowCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : int(m_coins.size());
 }
 
-CoinRowContent CoinRowModel::content(int row) const
+CoinRowInputs CoinRowModel::inputs(int row) const
 {
     const AppSettings &settings = m_settings.settings();
-    return coinRowContent(
-        {coin(row), settings, m_coinList.priceDataCurrency().value_or(settings.baseCurrency), m_clock()});
+    return {coin(row), settings, m_coinList.priceDataCurrency().value_or(settings.baseCurrency), m_clock()};
+}
+
+CoinRowContent CoinRowModel::content(int row) const
+{
+    return coinRowContent(inputs(row));
 }
 
 QVariant CoinRowModel::data(const QModelIndex &index, int role) const
@@ -65,9 +69,9 @@ QVariant CoinRowModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return coin(index.row()).symbol;
     case Qt::ToolTipRole:
-        return content(index.row()).toolTip;
+        return coinRowToolTip(inputs(index.row()));
     case Qt::AccessibleTextRole:
-        return content(index.row()).accessibleText;
+        return coinRowSpokenText(inputs(index.row()));
     default:
         return {};
     }

@@ -30,6 +30,7 @@ public:
     void refresh();
 
 private:
+    CoinRowInputs inputs(int row) const;
     void takeCoins();
 
     CoinListViewModel &m_coinList;

@@ -35,7 +35,6 @@ EmptyWatchlistView::EmptyWatchlistView(QWidget *parent)
     layout->addWidget(m_text);
     layout->addWidget(m_button, 0, Qt::AlignHCenter);
     layout->addStretch();
-    refresh();
 }
 
 void EmptyWatchlistView::refresh()

@@ -14,6 +14,7 @@ class EmptyWatchlistView : public QWidget
     Q_OBJECT
 
 public:
+    /// Has no texts before the first `refresh`.
     explicit EmptyWatchlistView(QWidget *parent = nullptr);
 
     /// Takes language, font and text scale anew.

@@ -34,7 +34,6 @@ PopoverHeader::PopoverHeader(QWidget *parent)
     connect(m_settings, &IconButton::clicked, this, &PopoverHeader::settingsRequested);
     connect(m_quit, &IconButton::clicked, this, &PopoverHeader::quitRequested);
     m_update->hide();
-    refresh();
 }
 
 IconButton *PopoverHeader::addButton(const QString &name, const QString &symbol)

@@ -16,6 +16,7 @@ class PopoverHeader : public QWidget
 public:
     static constexpr int headerHeight = 52; ///< points
 
+    /// Has no texts before the first `refresh`.
     explicit PopoverHeader(QWidget *parent = nullptr);
 
     void setUpdateAvailable(bool available);

@@ -9,16 +9,12 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <QToolTip>
 
 namespace tickwise {
 
 namespace {
 
-constexpr int shadowReach = 24;
-constexpr int shadowDrop = 6;
-constexpr double shadowOpacity = 0.022; // of each of the rings that lie on one another
 constexpr int toolTipOffset = 20;
 constexpr int toolTipPadding = 6;
 
@@ -34,7 +30,7 @@ QString toolTipAt(const QWidget &widget, QPoint position)
 
 int PopoverWindow::shadowMargin()
 {
-    return look::scaled(shadowReach + shadowDrop);
+    return PopoverFrame::shadowMargin();
 }
 
 PopoverWindow::PopoverWindow(QWidget *content)
@@ -57,10 +53,7 @@ void PopoverWindow::place(const PopoverPlace &place)
     if (place.isTranslucent) {
         clearMask();
     } else {
-        QPainterPath path;
-        const int radius = look::scaled(look::popoverRadius);
-        path.addRoundedRect(place.panel, radius, radius);
-        setMask(QRegion(path.toFillPolygon().toPolygon()));
+        setMask(PopoverFrame::shape(place.panel));
     }
     if (!place.hasChildWindows)
         followToolTips();
@@ -169,30 +162,12 @@ void PopoverWindow::paintEvent(QPaintEvent *event)
     if (m_place.panel.isEmpty())
         return;
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const int radius = look::scaled(look::popoverRadius);
-    if (m_place.isTranslucent && !m_place.panel.contains(event->rect()))
-        paintShadow(painter);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(palette().color(QPalette::Window));
-    painter.drawRoundedRect(m_place.panel, radius, radius);
-    painter.setPen(look::separator(palette()));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(m_place.panel).adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
-}
-
-void PopoverWindow::paintShadow(QPainter &painter) const
-{
-    const int reach = look::scaled(shadowReach);
-    const int radius = look::scaled(look::popoverRadius);
-    const QRectF box = QRectF(m_place.panel).translated(0, look::scaled(shadowDrop));
-    painter.setPen(Qt::NoPen);
-    // Each ring is fainter than the one inside it, as light around an edge is.
-    for (int ring = reach; ring > 0; ring -= 2) {
-        const double nearness = 1.0 - double(ring) / reach;
-        painter.setBrush(QColor::fromRgbF(0, 0, 0, float(shadowOpacity * (nearness + 0.2))));
-        painter.drawRoundedRect(box.adjusted(-ring, -ring, ring, ring), radius + ring, radius + ring);
-    }
+    m_frame.paint(painter, m_place.panel, event->rect(),
+                  {.ground = palette().color(QPalette::Window),
+                   .border = look::separator(palette()),
+                   .hasShadow = m_place.isTranslucent,
+                   .scale = look::textScale(),
+                   .devicePixelRatio = painter.device()->devicePixelRatioF()});
 }
 
 } // namespace tickwise

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/popover/PopoverFrame.h"
 #include "ui/popover/PopoverSurface.h"
 
 #include <QWidget>
@@ -41,13 +42,13 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void paintShadow(QPainter &painter) const;
     void showToolTip(const QString &text, QPoint position);
     void followToolTips();
 
     QWidget *m_content;
     QLabel *m_toolTip = nullptr; ///< made when the desktop lets no window show it
     PopoverPlace m_place;
+    PopoverFrame m_frame;
     bool m_isPressedOutside = false;
 };
 

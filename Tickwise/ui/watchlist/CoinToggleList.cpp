@@ -112,12 +112,25 @@ CoinToggleList::CoinToggleList(CoinToggleModel &model, CoinLogoStore *logos, QWi
     auto *const delegate = new CoinToggleDelegate(model, logos, this);
     setItemDelegate(delegate);
     setUniformItemSizes(true);
-    setSelectionMode(QAbstractItemView::NoSelection);
+    setSelectionMode(QAbstractItemView::SingleSelection);
     setMouseTracking(true);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     connect(this, &QListView::clicked, this, &CoinToggleList::toggle);
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this](const QItemSelection &selected) {
+        if (selected.isEmpty())
+            return;
+        const QModelIndex index = selected.indexes().front();
+        clearSelection();
+        toggle(index);
+    });
+}
+
+/// Pointer and keys select nothing. Assistive programs do: it is the action that Qt offers them for a row.
+QItemSelectionModel::SelectionFlags CoinToggleList::selectionCommand(const QModelIndex &, const QEvent *) const
+{
+    return QItemSelectionModel::NoUpdate;
 }
 
 void CoinToggleList::toggle(const QModelIndex &index)

@@ -38,7 +38,8 @@ private:
     bool m_alwaysMarksCurrent = false;
 };
 
-/// Coins as rows that toggle their place in the watchlist: by a click, or with Enter or the space bar.
+/// Coins as rows that toggle their place in the watchlist: by a click, with Enter or the space bar, or by the row's
+/// action of assistive programs.
 class CoinToggleList : public QListView
 {
     Q_OBJECT
@@ -57,6 +58,7 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index, const QEvent *event) const override;
 
 private:
     void toggle(const QModelIndex &index);

@@ -251,9 +251,12 @@ void WatchlistAddCoinPanel::mousePressEvent(QMouseEvent *event)
         hide();
 }
 
-void WatchlistAddCoinPanel::paintEvent(QPaintEvent *)
+void WatchlistAddCoinPanel::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
+    const int corner = look::scaled(panelRadius);
+    if (m_box->geometry().adjusted(corner, corner, -corner, -corner).contains(event->rect()))
+        return painter.fillRect(event->rect(), palette().color(QPalette::Window)); // as when the results change
     painter.setRenderHint(QPainter::Antialiasing);
     QColor scrim(Qt::black);
     scrim.setAlphaF(scrimOpacity);

@@ -7,6 +7,7 @@
 #include "ui/controls/Look.h"
 #include "ui/watchlist/WatchlistAlertControls.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QMouseEvent>
@@ -75,7 +76,19 @@ void WatchlistRow::setFloating(bool floating)
     if (std::exchange(m_isFloating, floating) == floating)
         return;
     m_handle->setCursor(floating ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
+    if (!floating)
+        leavePointer();
     update();
+}
+
+/// A row that returns to its slot moves away from under the pointer, which Qt tells only with the pointer's next move.
+void WatchlistRow::leavePointer()
+{
+    const QPoint pointer = m_handle->mapFromGlobal(m_pointer).toPoint();
+    if (!m_handle->underMouse() || m_handle->rect().contains(pointer))
+        return;
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(m_handle, &leave);
 }
 
 void WatchlistRow::focusHandle()
@@ -123,6 +136,7 @@ bool WatchlistRow::eventFilter(QObject *watched, QEvent *event)
 bool WatchlistRow::handleMouse(QMouseEvent &event)
 {
     const QPointF position = event.globalPosition();
+    m_pointer = position;
     if (event.type() == QEvent::MouseButtonPress && event.button() == Qt::LeftButton) {
         m_press = position;
         return true;

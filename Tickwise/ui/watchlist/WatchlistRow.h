@@ -58,6 +58,7 @@ protected:
 private:
     bool handleMouse(QMouseEvent &event);
     bool handleKey(const QKeyEvent &event);
+    void leavePointer();
     void writeTexts();
     void paintTexts(QPainter &painter) const;
 
@@ -69,6 +70,7 @@ private:
     bool m_isFloating = false;
     bool m_isDragging = false;
     QPointF m_press;
+    QPointF m_pointer; ///< the last that the handle has seen; global
 };
 
 } // namespace tickwise

@@ -153,11 +153,13 @@ void WatchlistRows::startDrag(const WatchlistRow &row, QPointF press)
     // A number that is being edited ends its editing first.
     if (QWidget *const focused = window()->focusWidget())
         focused->clearFocus();
+    Q_EMIT dragAboutToStart();
     const QString &id = row.content().entry.coinId;
     m_session.setScrollProxy(this);
     m_session.setScrollOffset(verticalScrollBar()->value());
     m_session.setViewportHeight(viewport()->height());
-    m_session.begin(id, indexOf(id), viewportY(press), ids(),
+    const auto shown = std::ranges::find(m_shown, &row, &std::pair<const int, WatchlistRow *>::second);
+    m_session.begin(id, shown->first, viewportY(press), ids(),
                     [this](const QStringList &order) { Q_EMIT reordered(order); });
 }
 
@@ -205,8 +207,9 @@ void WatchlistRows::layOut()
     recycleOutside(first, last);
     for (int index = first; index <= last; ++index)
         materialize(index);
+    const bool isDragging = m_session.draggedID().has_value();
     for (const auto &[index, row] : m_shown) {
-        const bool isDragged = m_session.draggedID() == row->content().entry.coinId;
+        const bool isDragged = isDragging && index == m_session.sourceIndex(); // its coin may have another row
         const double top = isDragged ? offset + m_session.floatingY() : index * reorderRowHeight + offsetOf(index);
         row->setGeometry(0, static_cast<int>(std::lround(top)), m_content->width(), rowHeight);
         row->setFloating(isDragged);

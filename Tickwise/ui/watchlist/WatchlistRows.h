@@ -31,6 +31,7 @@ public:
     void focusRow(const QString &coinId);
 
 Q_SIGNALS:
+    void dragAboutToStart();
     /// The user gave the rows a new order.
     void reordered(const QStringList &coinIds);
     void deleteRequested(const QString &coinId);

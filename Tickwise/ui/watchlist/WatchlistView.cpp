@@ -3,6 +3,7 @@
 #include "catalog/logos/CoinLogoStore.h"
 #include "pipeline/WatchlistEditing.h"
 #include "support/Localization.h"
+#include "ui/MotionPreference.h"
 #include "ui/controls/Look.h"
 #include "ui/controls/SecondaryLabel.h"
 #include "ui/watchlist/CoinToggleList.h"
@@ -101,6 +102,7 @@ void WatchlistView::connectSources()
 {
     m_settingsNotifier = m_context.settings.bindableSettings().addNotifier([this] { showSettings(); });
     connect(&m_context.viewModel, &WatchlistViewModel::coinsChanged, this, &WatchlistView::showSettings);
+    connect(m_rows, &WatchlistRows::dragAboutToStart, this, &WatchlistView::followMotion);
     if (m_context.logos) {
         connect(m_context.logos, &CoinLogoStore::cachedIDsChanged, this, [this] {
             m_recommendedModel.refresh();
@@ -156,8 +158,14 @@ void WatchlistView::showSettings()
 
 void WatchlistView::showEvent(QShowEvent *event)
 {
-    m_session.setReduceMotion(!style()->styleHint(QStyle::SH_Widget_Animate, nullptr, this));
+    followMotion();
     QWidget::showEvent(event);
+}
+
+void WatchlistView::followMotion()
+{
+    const bool styleMoves = style()->styleHint(QStyle::SH_Widget_Animate, nullptr, this) != 0;
+    m_session.setReduceMotion(!styleMoves || (m_context.motion && m_context.motion->isReduced()));
 }
 
 void WatchlistView::changeEvent(QEvent *event)

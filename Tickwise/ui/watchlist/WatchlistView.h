@@ -15,6 +15,7 @@ namespace tickwise {
 
 class CoinLogoStore;
 class CoinToggleList;
+class MotionPreference;
 class WatchlistRows;
 
 /// What the watchlist tab works on; all of it outlives the view.
@@ -24,6 +25,7 @@ struct WatchlistContext
     CoinCatalog &catalog;
     WatchlistViewModel &viewModel;
     CoinLogoStore *logos = nullptr;
+    const MotionPreference *motion = nullptr; ///< none: only the style decides
 };
 
 /// The watchlist in its user's hands: adding, removing, reordering, alerts, recommended coins. Any window can host it.
@@ -52,6 +54,7 @@ private:
     void edit(const AppSettings &settings);
     void editEntry(const QString &coinId, const std::function<void(WatchlistCoin &)> &change);
     void showSettings();
+    void followMotion();
     void writeTexts();
     void ensureLogo(const QString &id);
 

@@ -1,6 +1,7 @@
 #include "ui/watchlist/WatchlistView.h"
 
 #include "doubles/Catalogs.h"
+#include "doubles/FakeMotion.h"
 #include "doubles/Languages.h"
 #include "doubles/MemoryDefaults.h"
 #include "doubles/TestProgram.h"
@@ -31,11 +32,9 @@ struct World
         for (int i = 0; i < watched; ++i)
             chosen.watchlistCoins.push_back({catalog.coins()[static_cast<size_t>(i)].id});
         settings.update(chosen);
-        view = std::make_unique<WatchlistView>(WatchlistContext{settings, catalog, viewModel});
-        view->session().setReduceMotion(true);
+        view = std::make_unique<WatchlistView>(WatchlistContext{settings, catalog, viewModel, nullptr, &motion});
         view->resize(600, 480);
         view->show();
-        view->session().setReduceMotion(true);
         QCoreApplication::processEvents();
     }
 
@@ -58,6 +57,7 @@ struct World
     SettingsViewModel settings{UserDefaultsSettingsStore(defaults)};
     FixedCatalog catalog{validCoins()};
     WatchlistViewModel viewModel{catalog, settings};
+    FakeMotion motion;
     std::unique_ptr<WatchlistView> view;
 };
 
