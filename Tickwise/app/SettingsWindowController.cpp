@@ -34,7 +34,10 @@ void SettingsWindowController::open(SettingsTab tab)
 void SettingsWindowController::build()
 {
     auto *const general = new GeneralSettingsView(m_context.settings, m_context.catalog);
-    general->setAbilities(m_context.abilities);
+    DesktopAbilities abilities = m_context.abilities;
+    abilities.hasOverlay = m_context.hasOverlay();
+    general->setAbilities(abilities);
+    connect(general, &GeneralSettingsView::adjustOverlayRequested, this, m_context.adjustOverlay);
     auto *const watchlist =
         new WatchlistView({m_context.settings, m_context.catalog, m_context.watchlist(), &m_context.logos()});
     auto *const about = new AboutView(m_context.settings, m_context.updates, m_context.about);

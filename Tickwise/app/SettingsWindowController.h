@@ -30,6 +30,10 @@ struct SettingsWindowContext
     std::function<CoinLogoStore &()> logos;
     AboutInformation about;
     DesktopAbilities abilities;
+    /// Asked for when a window is built.
+    std::function<bool()> hasOverlay;
+    /// Lets the user move the overlay.
+    std::function<void()> adjustOverlay;
 };
 
 /// Opens the settings window: a new one at each opening, the open one brought to the front. Main thread only.

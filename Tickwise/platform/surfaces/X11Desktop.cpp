@@ -85,6 +85,7 @@ bool X11Desktop::hasCompositor() const
 void X11Desktop::writeStates(uint32_t window, const std::vector<State> &states) const
 {
     std::vector<uint32_t> atoms;
+    atoms.reserve(states.size());
     for (const State state : states)
         atoms.push_back(m_states[state]);
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, m_state, XCB_ATOM_ATOM, 32, uint32_t(atoms.size()),
