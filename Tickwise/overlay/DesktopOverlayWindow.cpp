@@ -90,10 +90,12 @@ void DesktopOverlayWindow::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
 }
 
-/// Window managers offer to close a window that has the focus.
+/// Window managers offer to close a window that has the focus. The application's own end closes it, too.
 void DesktopOverlayWindow::closeEvent(QCloseEvent *event)
 {
-    event->ignore();
+    event->setAccepted(!event->spontaneous());
+    if (event->isAccepted())
+        return;
     if (m_allowsKey)
         Q_EMIT canceled();
 }

@@ -128,13 +128,18 @@ class SurfaceChecks:
                 desktop.wait_for(lambda: desktop.picture().at(555, 315) != COLOR, what="its end")
 
 
+def drag_on_x11(desktop, start, end):
+    """With the left button from one place to the other."""
+    middle = [(a + b) // 2 for a, b in zip(start, end)]
+    desktop.tool(["xdotool", "mousemove", *map(str, start), "mousedown", "1", "mousemove", *map(str, middle),
+                  "mousemove", *map(str, end), "mouseup", "1"])
+
+
 class X11Checks(SurfaceChecks):
     """What holds under every window manager."""
 
     def drag(self, desktop, start, end):
-        middle = [(a + b) // 2 for a, b in zip(start, end)]
-        desktop.tool(["xdotool", "mousemove", *map(str, start), "mousedown", "1", "mousemove", *map(str, middle),
-                      "mousemove", *map(str, end), "mouseup", "1"])
+        drag_on_x11(desktop, start, end)
 
     def properties(self, desktop):
         """The states and the workspace of the probe's window, and its place among the windows from below."""

@@ -106,6 +106,7 @@ private Q_SLOTS:
     void keysStayOnTheScreen();
     void escapePutsItBack();
     void closingPutsItBack();
+    void letsTheApplicationQuit();
     void doneButtonSaves();
     void disablingLeavesWithoutSaving();
     void pricesDoNotMoveItWhileAdjusting();
@@ -290,10 +291,21 @@ void DesktopOverlayControllerTest::closingPutsItBack()
 {
     World world;
     world.controller->beginAdjusting();
-    QVERIFY(!world.controller->window()->close());
+    QCloseEvent event;
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(world.controller->window(), &event);
+    QVERIFY(!event.isAccepted());
     QVERIFY(!world.controller->model().isAdjusting());
     QVERIFY(world.controller->window()->isVisible());
     QVERIFY(!world.saved());
+}
+
+/// An application whose windows do not let themselves be closed cannot quit.
+void DesktopOverlayControllerTest::letsTheApplicationQuit()
+{
+    World world;
+    world.controller->beginAdjusting();
+    QVERIFY(world.controller->window()->close());
 }
 
 void DesktopOverlayControllerTest::doneButtonSaves()

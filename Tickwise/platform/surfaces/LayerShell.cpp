@@ -211,8 +211,8 @@ void LayerSurface::setTakesPointer(bool takes)
 void LayerSurface::commit(std::function<void()> applied)
 {
     wl_surface_commit(reinterpret_cast<wl_surface *>(m_surface));
-    awaitNothing();
     if (applied) {
+        awaitNothing();
         static constexpr wl_callback_listener listener = {&LayerSurface::committed};
         m_applied = std::move(applied);
         m_commit = wl_display_sync(display());

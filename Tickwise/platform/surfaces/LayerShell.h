@@ -59,7 +59,8 @@ public:
     void setTakesKeyboard(bool takes);
     /// Whether clicks on the window are the window's. The toolkit resets it when it shows the window.
     void setTakesPointer(bool takes);
-    /// Applies what was set. Calls `applied`, if it is not empty, when the compositor has done so.
+    /// Applies what was set. Calls `applied`, if it is not empty, when the compositor has done so, in the place of an
+    /// earlier one that still waits.
     void commit(std::function<void()> applied = {});
 
     /// What the compositor last gave.
@@ -77,7 +78,7 @@ private:
 
     wl_proxy *m_surface = nullptr; ///< Qt's wl_surface
     wl_proxy *m_proxy = nullptr;
-    wl_callback *m_commit = nullptr; ///< the newest commit, until the compositor has applied it
+    wl_callback *m_commit = nullptr; ///< the newest awaited commit, until the compositor has applied it
     std::function<void()> m_applied;
     QSize m_size;
     bool m_isClosed = false;
