@@ -62,8 +62,13 @@ void AppDelegate::applicationDidFinishLaunching()
     m_widgetSnapshotWriter =
         std::make_unique<WidgetSnapshotWriter>(WidgetSnapshotStore{m_environment.container}, coinListViewModel(),
                                                m_settingsViewModel, m_environment.reloadWidgets, m_environment.clock);
+    desktopOverlay();
     m_settingsReactions.followWatchlistLogos(m_catalog, logoStore());
     m_settingsReactions.followWatchlist(coinListViewModel());
+    connect(&m_notificationCenter, &NotificationCenter::posted, this, [this](const QString &name) {
+        if (name == NotificationCenter::adjustDesktopOverlay)
+            desktopOverlay().beginAdjusting();
+    });
     if (m_popover && std::exchange(m_opensPopoverAfterLaunch, false))
         m_popover->openAfterLaunch(popoverAnchor(PopoverAnchor::Cause::request));
     m_notificationService.requestAuthorization();
@@ -160,6 +165,17 @@ CoinLogoStore &AppDelegate::logoStore()
     return *m_logoStore;
 }
 
+DesktopOverlayController &AppDelegate::desktopOverlay()
+{
+    if (!m_desktopOverlay) {
+        m_desktopOverlay = std::make_unique<DesktopOverlayController>(
+            DesktopOverlayContext{m_settingsViewModel, coinListViewModel(), m_catalog, logoStore(),
+                                  m_environment.makeDesktopSurface, m_environment.clock});
+        connect(this, &AppDelegate::languageApplied, m_desktopOverlay.get(), &DesktopOverlayController::retranslate);
+    }
+    return *m_desktopOverlay;
+}
+
 void AppDelegate::applyLanguage(AppLanguage language)
 {
     LocalizationManager::shared().apply(language);
@@ -238,6 +254,8 @@ void AppDelegate::machineDidWake()
 {
     if (m_coinListViewModel)
         m_coinListViewModel->resumePolling();
+    if (m_desktopOverlay)
+        m_desktopOverlay->reposition();
 }
 
 void AppDelegate::networkReturned()

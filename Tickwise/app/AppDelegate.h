@@ -5,6 +5,7 @@
 #include "market/ExchangeRateService.h"
 #include "market/HttpClient.h"
 #include "market/PriceService.h"
+#include "overlay/DesktopOverlayController.h"
 #include "pipeline/MenuBarViewModel.h"
 #include "pipeline/NotificationService.h"
 #include "pipeline/StatusItem.h"
@@ -40,6 +41,8 @@ struct AppEnvironment
     std::function<std::unique_ptr<StatusItem>()> makeStatusItem;
     /// Where the popover is shown; none: it is not.
     std::function<std::unique_ptr<PopoverSurface>()> makePopoverSurface;
+    /// Where the desktop overlay is shown; none, or a result of none: this desktop has no place for it.
+    std::function<std::unique_ptr<DesktopSurface>()> makeDesktopSurface;
     std::function<void()> reloadWidgets;
     std::function<bool()> isSecondCopy; ///< true when another copy runs; that one has then been asked to show itself
     std::optional<QString> container;   ///< directory shared with the widget; none when it cannot be had
@@ -75,6 +78,8 @@ public:
     CoinLogoStore &logoStore();
     /// Created on first use.
     WatchlistViewModel &watchlistViewModel();
+    /// Created on first use.
+    DesktopOverlayController &desktopOverlay();
     UpdateController &updateController() { return m_updateController; }
     /// Created on first use, which starts polling.
     CoinListViewModel &coinListViewModel();
@@ -97,7 +102,7 @@ public:
     void performAction(const QString &action, const QString &token);
     /// Stops polling and drops quotes that are under way. Nothing is fetched until `machineDidWake`.
     void machineWillSleep();
-    /// Polls anew at once.
+    /// Polls anew at once, and looks where the overlay belongs now.
     void machineDidWake();
     /// Polls anew at once, unless the machine is about to sleep: requests on the old route may never end.
     void networkReturned();
@@ -135,6 +140,7 @@ private:
     std::unique_ptr<StatusItem> m_statusItem;
     std::unique_ptr<WidgetSnapshotWriter> m_widgetSnapshotWriter;
     std::unique_ptr<CoinLogoStore> m_logoStore;
+    std::unique_ptr<DesktopOverlayController> m_desktopOverlay;
     std::unique_ptr<WatchlistViewModel> m_watchlistViewModel;
     std::unique_ptr<PopoverController> m_popover;
     bool m_opensPopoverAfterLaunch = false;

@@ -12,6 +12,7 @@
 #include "platform/statusitem/PanelStatusItem.h"
 #include "platform/storage/AppGroupContainer.h"
 #include "platform/surfaces/DesktopPopoverSurface.h"
+#include "platform/surfaces/DesktopSurfaceFactory.h"
 #include "support/Localization.h"
 #include "support/LogCategories.h"
 
@@ -26,6 +27,9 @@
 namespace tickwise {
 
 namespace {
+
+/// A name by which compositors leave the overlay on the screen when they show the desktop.
+constexpr char overlaySurfaceName[] = "desktop";
 
 Q_LOGGING_CATEGORY(lcApplication, "com.pelmo.tickwise.Application")
 
@@ -155,6 +159,7 @@ AppEnvironment Application::makeEnvironment()
         .loginItem = *m_loginItem,
         .makeStatusItem = [this] { return makeStatusItem(); },
         .makePopoverSurface = makePopoverSurface,
+        .makeDesktopSurface = [] { return makeDesktopSurface({.name = overlaySurfaceName}); },
         .reloadWidgets = [this] { m_widgetCenter.reloadAllTimelines(); },
         .isSecondCopy = [this] { return isSecondCopy(); },
         .container = appGroupContainer(m_configuration.appGroup),
@@ -175,18 +180,20 @@ std::unique_ptr<StatusItem> Application::makeStatusItem()
 
 SettingsWindowContext Application::settingsWindowContext()
 {
-    return {.settings = m_delegate.settingsViewModel(),
-            .storage = m_defaults,
-            .catalog = m_delegate.catalog(),
-            .updates = m_delegate.updateController(),
-            .watchlist = [this]() -> WatchlistViewModel & { return m_delegate.watchlistViewModel(); },
-            .logos = [this]() -> CoinLogoStore & { return m_delegate.logoStore(); },
-            .motion = [this]() -> const MotionPreference & { return motion(); },
-            .about = {.name = QString::fromLatin1(appInfo::displayName),
-                      .version = QString::fromLatin1(appInfo::version),
-                      .contact = QString::fromLatin1(appInfo::contact),
-                      .projectLink = QString::fromLatin1(appInfo::projectLink)},
-            .abilities = {.hasOverlay = false}};
+    return {
+        .settings = m_delegate.settingsViewModel(),
+        .storage = m_defaults,
+        .catalog = m_delegate.catalog(),
+        .updates = m_delegate.updateController(),
+        .watchlist = [this]() -> WatchlistViewModel & { return m_delegate.watchlistViewModel(); },
+        .logos = [this]() -> CoinLogoStore & { return m_delegate.logoStore(); },
+        .motion = [this]() -> const MotionPreference & { return motion(); },
+        .about = {.name = QString::fromLatin1(appInfo::displayName),
+                  .version = QString::fromLatin1(appInfo::version),
+                  .contact = QString::fromLatin1(appInfo::contact),
+                  .projectLink = QString::fromLatin1(appInfo::projectLink)},
+        .hasOverlay = [this] { return m_delegate.desktopOverlay().isAvailable(); },
+        .adjustOverlay = [this] { m_delegate.notificationCenter().post(NotificationCenter::adjustDesktopOverlay); }};
 }
 
 /// Asks the desktop when something is shown that moves.

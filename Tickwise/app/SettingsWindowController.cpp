@@ -34,7 +34,8 @@ void SettingsWindowController::open(SettingsTab tab)
 void SettingsWindowController::build()
 {
     m_general = new GeneralSettingsView(m_context.settings, m_context.catalog);
-    m_general->setAbilities(m_context.abilities);
+    m_general->setAbilities(abilities());
+    connect(m_general, &GeneralSettingsView::adjustOverlayRequested, this, m_context.adjustOverlay);
     auto *const watchlist = new WatchlistView(
         {m_context.settings, m_context.catalog, m_context.watchlist(), &m_context.logos(), &m_context.motion()});
     auto *const about = new AboutView(m_context.settings, m_context.updates, m_context.about);
@@ -53,9 +54,14 @@ void SettingsWindowController::retranslate()
 
 void SettingsWindowController::setStatusItemAvailability(StatusItemAvailability availability)
 {
-    m_context.abilities.statusItem = availability;
+    m_statusItem = availability;
     if (m_general)
-        m_general->setAbilities(m_context.abilities);
+        m_general->setAbilities(abilities());
+}
+
+DesktopAbilities SettingsWindowController::abilities() const
+{
+    return {.hasOverlay = m_context.hasOverlay(), .statusItem = m_statusItem};
 }
 
 } // namespace tickwise

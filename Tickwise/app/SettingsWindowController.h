@@ -31,7 +31,10 @@ struct SettingsWindowContext
     std::function<CoinLogoStore &()> logos;
     std::function<const MotionPreference &()> motion;
     AboutInformation about;
-    DesktopAbilities abilities;
+    /// Whether this desktop shows the overlay; asked while a window is open.
+    std::function<bool()> hasOverlay;
+    /// Lets the user move the overlay.
+    std::function<void()> adjustOverlay;
 };
 
 /// Opens the settings window: a new one at each opening, the open one brought to the front. Main thread only.
@@ -54,10 +57,12 @@ public:
 
 private:
     void build();
+    DesktopAbilities abilities() const;
 
     SettingsWindowContext m_context;
     QPointer<SettingsWindow> m_window;
     QPointer<GeneralSettingsView> m_general; ///< the window's
+    StatusItemAvailability m_statusItem = StatusItemAvailability::unknown;
 };
 
 } // namespace tickwise

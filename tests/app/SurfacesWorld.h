@@ -118,7 +118,8 @@ public:
                 .logos = [this]() -> CoinLogoStore & { return delegate->logoStore(); },
                 .about = {QStringLiteral("Tickwise"), QStringLiteral("1"), QStringLiteral("a@example.org"),
                           QStringLiteral("https://example.org")},
-                .abilities = {}};
+                .hasOverlay = [] { return true; },
+                .adjustOverlay = [] {}};
     }
 
     TestClock clock;

@@ -320,6 +320,8 @@ void Probe::execute(const QString &line)
         m_application->delegate().coinListViewModel().fetchPrices();
     } else if (command == u"checkForUpdates") {
         m_application->delegate().updateController().checkForUpdates();
+    } else if (command == u"adjustOverlay") {
+        m_application->delegate().notificationCenter().post(NotificationCenter::adjustDesktopOverlay);
     } else if (command == u"windows") {
         printWindows();
     } else if (command == u"quit") {

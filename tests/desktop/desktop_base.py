@@ -107,6 +107,10 @@ class DesktopSession:
                 self._processes.remove(process)
         return code
 
+    def processes(self, name):
+        """The programs of that name that run."""
+        return [process for process in self._processes if process.name == name and process.is_running()]
+
     def wait_for(self, predicate, timeout=10, what="the condition"):
         """The first true value of `predicate`. Raises SessionError with the logs after `timeout` seconds, or as soon as a part
         of the desktop has died."""

@@ -39,6 +39,24 @@ _XFCE_PLUGIN_SETTINGS = {
     "systray": """<property name="square-icons" type="bool" value="false"/>""",
 }
 
+_XFCE_DESKTOP = """<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-desktop" version="1.0">
+  <property name="desktop-icons" type="empty">
+    <property name="style" type="int" value="0"/>
+  </property>
+  <property name="backdrop" type="empty">
+    <property name="screen0" type="empty">
+      <property name="monitorscreen" type="empty">
+        <property name="workspace0" type="empty">
+          <property name="image-style" type="int" value="5"/>
+          <property name="last-image" type="string" value="{picture}"/>
+        </property>
+      </property>
+    </property>
+  </property>
+</channel>
+"""
+
 _LXQT_PANEL = """[General]
 __userfile__=true
 panels=panel1
@@ -77,18 +95,20 @@ class X11Session(DesktopSession):
     notifications: "dunst", "recording" or None.
     with_panel: False leaves the panel to `start_panel`.
     dark_panel: whether XFCE's panel is dark.
+    wallpaper: whether XFCE's desktop window is there; a path names its picture.
     """
 
     panel_plugins = ("tasklist", "separator", "systray")  # of XFCE's panel, in their order
 
     def __init__(self, panel="xfce4-panel", window_manager="openbox", notifications="dunst", width=1280, height=800,
-                 with_panel=True, dark_panel=True):
+                 with_panel=True, dark_panel=True, wallpaper=False):
         super().__init__(notifications)
         self.width = width
         self.height = height
         self._panel_kind = panel
         self._with_panel = with_panel
         self._dark_panel = dark_panel
+        self._wallpaper = wallpaper
         self._window_manager_kind = window_manager
         self.server = None
         self.window_manager = None
@@ -158,6 +178,8 @@ class X11Session(DesktopSession):
         self._start_server()
         if self._window_manager_kind is not None:
             self._start_window_manager()
+        if self._wallpaper:
+            self._start_wallpaper()
         self._start_notifications()
         if self._panel_kind is not None and self._with_panel:
             self.start_panel()
@@ -200,6 +222,14 @@ class X11Session(DesktopSession):
             raise SessionError(f"the window manager ended\n{self.window_manager.log()}")
         properties = self.tool(["xprop", "-root", "-notype", "_NET_SUPPORTING_WM_CHECK"])
         return b"window id" in properties
+
+    def _start_wallpaper(self):
+        self.bus.allow_activation("org.xfce.Xfconf", self.environment)
+        picture = os.path.abspath(self._wallpaper) if isinstance(self._wallpaper, str) else ""
+        folder = os.path.join(self.environment["XDG_CONFIG_HOME"], "xfce4/xfconf/xfce-perchannel-xml")
+        self.write_file(os.path.join(folder, "xfce4-desktop.xml"), _XFCE_DESKTOP.format(picture=picture))
+        self.start_process("xfdesktop", ["xfdesktop", "--disable-wm-check"])
+        self.wait_for(lambda: self.windows("xfdesktop"), what="the wallpaper's window")
 
     def _configure_xfce(self):
         self.bus.allow_activation("org.xfce.Xfconf", self.environment)

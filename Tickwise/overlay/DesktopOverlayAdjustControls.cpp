@@ -1,0 +1,128 @@
+#include "overlay/DesktopOverlayAdjustControls.h"
+
+#include "overlay/ContinuousRect.h"
+#include "support/Localization.h"
+
+#include <QAbstractButton>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace tickwise {
+
+namespace {
+
+constexpr int spacing = 8;
+constexpr int padding = 12;
+constexpr double panelRadius = 10;
+constexpr int hintSize = 12;
+constexpr int buttonTextSize = 13;
+constexpr QSize buttonPadding(16, 5);
+constexpr double buttonRadius = 6;
+constexpr float borderOpacity = 0.12F;
+constexpr int pressedDarkness = 112; // percent
+constexpr int hoverLightness = 108;  // percent
+constexpr double focusGap = 2.5;     // between the button's edge and the line around it
+
+QFont fontOf(const QWidget &widget, int pixels, QFont::Weight weight)
+{
+    QFont font = widget.font();
+    font.setPixelSize(pixels);
+    font.setWeight(weight);
+    return font;
+}
+
+/// A button on the accent color. Arrow keys are the window's.
+class DoneButton : public QAbstractButton
+{
+public:
+    explicit DoneButton(QWidget *parent)
+        : QAbstractButton(parent)
+    {
+        setObjectName(QStringLiteral("desktop.adjust.done"));
+        setFocusPolicy(Qt::StrongFocus);
+        setAttribute(Qt::WA_Hover);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+        setFont(fontOf(*this, buttonTextSize, QFont::DemiBold));
+    }
+
+    QSize sizeHint() const override { return fontMetrics().size(Qt::TextSingleLine, text()) + 2 * buttonPadding; }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Space)
+            QAbstractButton::keyPressEvent(event);
+        else
+            event->ignore();
+    }
+
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QColor accent = palette().color(QPalette::Highlight);
+        const QColor ground = isDown()       ? accent.darker(pressedDarkness)
+                              : underMouse() ? accent.lighter(hoverLightness)
+                                             : accent;
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(ground);
+        painter.drawRoundedRect(rect(), buttonRadius, buttonRadius);
+        painter.setPen(palette().color(QPalette::HighlightedText));
+        painter.drawText(rect(), int(Qt::AlignCenter), text());
+        if (!hasFocus())
+            return;
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(focusGap, focusGap, -focusGap, -focusGap),
+                                buttonRadius - focusGap, buttonRadius - focusGap);
+    }
+};
+
+} // namespace
+
+DesktopOverlayAdjustControls::DesktopOverlayAdjustControls(QWidget *parent)
+    : QWidget(parent)
+    , m_hint(new QLabel(this))
+    , m_done(new DoneButton(this))
+{
+    m_hint->setTextFormat(Qt::PlainText);
+    m_hint->setWordWrap(true);
+    m_hint->setAlignment(Qt::AlignCenter);
+    m_hint->setFont(fontOf(*this, hintSize, QFont::Normal));
+    auto *const stack = new QVBoxLayout(this);
+    stack->setContentsMargins(padding, padding, padding, padding);
+    stack->setSpacing(spacing);
+    stack->addWidget(m_hint);
+    stack->addWidget(m_done, 0, Qt::AlignHCenter);
+    connect(m_done, &QAbstractButton::clicked, this, &DesktopOverlayAdjustControls::done);
+    retranslate();
+}
+
+void DesktopOverlayAdjustControls::retranslate()
+{
+    m_hint->setText(localized(QStringLiteral("desktop.adjust.hint")));
+    m_done->setText(localized(QStringLiteral("desktop.adjust.done")));
+    m_done->updateGeometry();
+}
+
+QSize DesktopOverlayAdjustControls::sizeWithin(int width) const
+{
+    const QFontMetrics metrics = m_hint->fontMetrics();
+    const int wanted = std::max(metrics.horizontalAdvance(m_hint->text()) + 1, m_done->sizeHint().width());
+    const int whole = std::min(wanted + 2 * padding, width);
+    return {whole, layout()->heightForWidth(whole)};
+}
+
+void DesktopOverlayAdjustControls::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor border = palette().color(QPalette::WindowText);
+    border.setAlphaF(borderOpacity);
+    painter.fillPath(continuousRect(rect(), panelRadius), palette().color(QPalette::Base));
+    painter.strokePath(continuousRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), panelRadius - 0.5),
+                       QPen(border, 1));
+}
+
+} // namespace tickwise

@@ -1,0 +1,42 @@
+#include "overlay/DesktopOverlayBackdrop.h"
+
+#include "overlay/ContinuousRect.h"
+
+#include <QPainter>
+
+#include <utility>
+
+namespace tickwise {
+
+namespace {
+
+constexpr float borderOpacity = 0.12F;
+
+} // namespace
+
+DesktopOverlayBackdrop::DesktopOverlayBackdrop(QWidget *parent)
+    : QWidget(parent)
+{
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void DesktopOverlayBackdrop::setOpacity(double opacity)
+{
+    if (std::exchange(m_opacity, opacity) != opacity)
+        update();
+}
+
+void DesktopOverlayBackdrop::paintEvent(QPaintEvent *)
+{
+    if (m_opacity <= 0)
+        return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setOpacity(m_opacity);
+    QColor border = palette().color(QPalette::WindowText);
+    border.setAlphaF(borderOpacity);
+    painter.fillPath(continuousRect(rect(), radius), palette().color(QPalette::Window));
+    painter.strokePath(continuousRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5), QPen(border, 1));
+}
+
+} // namespace tickwise

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QWidget>
+
+namespace tickwise {
+
+/// The ground of the desktop overlay: a sheet with round corners in the window color.
+class DesktopOverlayBackdrop : public QWidget
+{
+    Q_OBJECT
+
+public:
+    static constexpr double radius = 22;
+
+    explicit DesktopOverlayBackdrop(QWidget *parent = nullptr);
+
+    double opacity() const { return m_opacity; }
+    void setOpacity(double opacity);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    double m_opacity = 1;
+};
+
+} // namespace tickwise

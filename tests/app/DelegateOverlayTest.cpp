@@ -1,0 +1,129 @@
+#include "app/AppDelegate.h"
+
+#include "doubles/AppDoubles.h"
+#include "doubles/PipelineDoubles.h"
+#include "doubles/RecordingDesktopSurface.h"
+#include "doubles/ScriptedHttpClient.h"
+#include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
+#include "support/Localization.h"
+
+#include <QAbstractButton>
+#include <QTemporaryDir>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+namespace {
+
+/// A started delegate whose overlay has a place among doubles.
+struct World
+{
+    explicit World(bool enabled = true)
+    {
+        http.hold(Endpoints().binanceMain);
+        delegate = std::make_unique<AppDelegate>(
+            AppEnvironment{.defaults = storage,
+                           .httpClient = http,
+                           .notificationCenter = notifications,
+                           .loginItem = loginItem,
+                           .makeStatusItem = [] { return std::make_unique<RecordingStatusItem>(); },
+                           .makeDesktopSurface =
+                               [this] {
+                                   auto made = std::make_unique<RecordingDesktopSurface>(calls);
+                                   surface = made.get();
+                                   return made;
+                               },
+                           .reloadWidgets = [] {},
+                           .isSecondCopy = [] { return false; },
+                           .container = container.path(),
+                           .clock = clock.clock()});
+        change([enabled](AppSettings &settings) { settings.desktopOverlayEnabled = enabled; });
+        delegate->applicationDidFinishLaunching();
+    }
+
+    void change(const std::function<void(AppSettings &)> &edit)
+    {
+        AppSettings settings = delegate->settingsViewModel().settings();
+        edit(settings);
+        delegate->settingsViewModel().update(settings);
+    }
+    void post() { delegate->notificationCenter().post(NotificationCenter::adjustDesktopOverlay); }
+    bool isAdjusting() { return delegate->desktopOverlay().model().isAdjusting(); }
+
+    TestClock clock;
+    QTemporaryDir container;
+    MemoryDefaults storage;
+    ScriptedHttpClient http;
+    RecordingNotificationCenter notifications;
+    RecordingLoginItem loginItem;
+    QStringList calls;
+    RecordingDesktopSurface *surface = nullptr;
+    std::unique_ptr<AppDelegate> delegate;
+};
+
+} // namespace
+
+class DelegateOverlayTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startUpShowsIt();
+    void startUpLeavesADisabledOneAlone();
+    void notificationStartsAdjusting();
+    void otherNotificationsDoNot();
+    void wakePutsItInPlace();
+    void languageReachesIt();
+};
+
+void DelegateOverlayTest::startUpShowsIt()
+{
+    World world;
+    QCOMPARE(world.calls, QStringList{QStringLiteral("show 892,54 364x127")});
+}
+
+void DelegateOverlayTest::startUpLeavesADisabledOneAlone()
+{
+    World world(false);
+    QVERIFY(!world.surface);
+    world.post();
+    QVERIFY(!world.isAdjusting());
+}
+
+void DelegateOverlayTest::notificationStartsAdjusting()
+{
+    World world;
+    world.post();
+    QVERIFY(world.isAdjusting());
+    world.delegate->desktopOverlay().finishAdjusting();
+    QCOMPARE(world.delegate->settingsViewModel().settings().desktopOverlayTopLeft, (DesktopOverlayOrigin{892, 746}));
+}
+
+void DelegateOverlayTest::otherNotificationsDoNot()
+{
+    World world;
+    world.delegate->notificationCenter().post(NotificationCenter::navigate);
+    QVERIFY(!world.isAdjusting());
+}
+
+void DelegateOverlayTest::wakePutsItInPlace()
+{
+    World world;
+    world.surface->now = {{QRect(0, 0, 1000, 700)}, 700};
+    world.delegate->machineWillSleep();
+    world.delegate->machineDidWake();
+    QCOMPARE(world.calls.back(), QStringLiteral("place 612,24 364x127"));
+}
+
+void DelegateOverlayTest::languageReachesIt()
+{
+    World world;
+    world.change([](AppSettings &settings) { settings.language = AppLanguage::zhHans; });
+    QCOMPARE(world.delegate->desktopOverlay().model().content().language, AppLanguage::zhHans);
+    QCOMPARE(world.delegate->desktopOverlay().window()->view().adjustControls().doneButton().text(),
+             localized(QStringLiteral("desktop.adjust.done")));
+}
+
+TICKWISE_WIDGET_TEST(DelegateOverlayTest)
+#include "DelegateOverlayTest.moc"

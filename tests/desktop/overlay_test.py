@@ -1,0 +1,284 @@
+#!/usr/bin/python3
+"""The desktop overlay of the whole application: where it lies, what passes through it, and how the user moves it."""
+
+import json
+import unittest
+
+from application import Application, Texts, coin, keep_picture, read, settings_file
+from desktop_session import SwaySession, X11Session
+from surface_test import Probe, drag_on_x11
+
+ENGLISH = Texts("en")
+PRICES = (("BTC", 67432.4, 1.5), ("ETH", 3188, -2), ("SOL", 150.25, 0.4))
+COINS = [coin("bitcoin"), coin("ethereum"), coin("solana")]
+WIDTH, HEIGHT = 364, 166
+GROUND = (239, 239, 239)  # the window color of the style that runs without a desktop's settings
+
+
+class Overlay:
+    """The application with its overlay. Places are the screen's, y growing downwards."""
+
+    def __init__(self, desktop, **settings):
+        self.desktop = desktop
+        self.application = Application(desktop, PRICES, addedCoins=COINS, desktopOverlayEnabled=True, **settings)
+        self.application.wait_for_content(text="BTC 67,432")
+
+    def is_at(self, left, top, ground=GROUND):
+        """Whether all edges are there, by the color just inside and outside of them."""
+        picture = self.desktop.picture()
+        right, bottom = left + WIDTH - 1, top + HEIGHT - 1
+        inside = ((left + 60, top + 4), (left + 4, top + 60), (right - 4, top + 60), (left + 60, bottom - 4))
+        outside = ((left + 60, top - 3), (left - 3, top + 60), (right + 3, top + 60), (left + 60, bottom + 3))
+
+        def has_ground(x, y):
+            inside_screen = 0 <= x < picture.width and 0 <= y < picture.height
+            return inside_screen and all(abs(a - b) < 4 for a, b in zip(picture.at(x, y), ground))
+        return all(has_ground(*point) for point in inside) and not any(has_ground(*point) for point in outside)
+
+    def wait_until_at(self, left, top, ground=GROUND):
+        self.desktop.wait_for(lambda: self.is_at(left, top, ground), what=f"the overlay at {left}, {top}")
+
+    def saved(self):
+        """The place in the settings file, or None."""
+        corner = json.loads(read(settings_file(self.desktop)) or "{}").get("desktopOverlayTopLeft")
+        return corner and (corner["x"], corner["y"])
+
+    def wait_until_saved(self, x, y):
+        self.desktop.wait_for(lambda: self.saved() == (x, y), what=f"{x}, {y} in the settings file, not {self.saved()}")
+
+    def begin_adjusting(self):
+        """Returns where the button is that ends it."""
+        self.application.tell("adjustOverlay")
+        return self.application.wait_for_window_text(ENGLISH.text("desktop.adjust.hint"))["buttons"]
+
+    def is_adjusting(self):
+        return any(ENGLISH.text("desktop.adjust.hint") in window["texts"] for window in self.application.windows())
+
+    def wait_until_left(self):
+        self.desktop.wait_for(lambda: not self.is_adjusting(), what="the end of adjusting")
+
+
+class OverlayChecks:
+    """What holds on every desktop. The overlay starts 24 points from the free part's right upper corner."""
+
+    top = 24
+    left = 1280 - WIDTH - 24
+
+    def make_session(self):
+        raise NotImplementedError
+
+    def drag(self, desktop, start, end):
+        raise NotImplementedError
+
+    def check_lies_on_the_desktop(self):
+        with self.make_session() as desktop:
+            below = Probe(desktop, "takes-input")
+            below.show(self.left + 10, self.top + 10, WIDTH - 20, HEIGHT - 20)
+            overlay = Overlay(desktop)
+            overlay.wait_until_at(self.left, self.top)
+            self.check_is_in_no_list(desktop)
+            below.click_until(self.left + 60, self.top + 60, "pressed 50 50")
+            ordinary = Probe(desktop, "ordinary")
+            ordinary.tell("show", self.left - 50, 100, 300, 300)
+            desktop.wait_for(lambda: not overlay.is_at(self.left, self.top), what="a window above the overlay")
+            self.assertEqual(overlay.application.stop(), 0)
+
+    def check_is_in_no_list(self, desktop):
+        raise NotImplementedError
+
+    def check_is_moved_by_the_pointer(self, picture=None):
+        with self.make_session() as desktop:
+            overlay = Overlay(desktop)
+            overlay.wait_until_at(self.left, self.top)
+            overlay.begin_adjusting()
+            start = (self.left + 30, self.top + 12)
+            self.drag_until_at(desktop, overlay, start, (self.left - 400, self.top + 300))
+            if picture:
+                keep_picture(desktop, picture)
+            self.assertIsNone(overlay.saved())
+            self.press_done(desktop, overlay, (self.left - 400, self.top + 300))
+            overlay.wait_until_left()
+            overlay.wait_until_saved(self.left - 400, 800 - self.top - 300)
+            overlay.wait_until_at(self.left - 400, self.top + 300)
+            self.assertEqual(overlay.application.stop(), 0)
+            again = Overlay(desktop, desktopOverlayTopLeft={"x": self.left - 400, "y": 800 - self.top - 300})
+            again.wait_until_at(self.left - 400, self.top + 300)
+
+    def drag_until_at(self, desktop, overlay, start, end):
+        """A new window may need a moment until it takes the pointer; a drag that it did not see changes nothing."""
+        offset = (end[0] - self.left, end[1] - self.top)
+
+        def dragged():
+            self.drag(desktop, start, (start[0] + offset[0], start[1] + offset[1]))
+            return overlay.is_at(*end) or not overlay.is_at(self.left, self.top)
+        desktop.wait_for(dragged, what="the overlay to be dragged")
+        overlay.wait_until_at(*end)
+
+    def press_done(self, desktop, overlay, corner):
+        """The button is in the middle, below the hint."""
+        def pressed():
+            desktop.click(corner[0] + WIDTH // 2, corner[1] + HEIGHT // 2 + 16)
+            return not overlay.is_adjusting()
+        desktop.wait_for(pressed, what="the button to be pressed")
+
+    def check_is_moved_by_keys(self):
+        with self.make_session() as desktop:
+            overlay = Overlay(desktop, desktopOverlayTopLeft={"x": 200, "y": 500})
+            overlay.wait_until_at(200, 300)
+            overlay.begin_adjusting()
+            self.press_until_at(desktop, overlay, "Left", (199, 300))
+            for key, place in (("shift+Down", (199, 324)), ("Up", (199, 323)), ("shift+Right", (223, 323))):
+                self.press_key(desktop, key)
+                overlay.wait_until_at(*place)
+            self.press_key(desktop, "Escape")
+            overlay.wait_until_left()
+            overlay.wait_until_at(200, 300)
+            self.assertEqual(overlay.saved(), (200, 500))
+            overlay.begin_adjusting()
+            self.press_until_at(desktop, overlay, "Right", (201, 300))
+            self.press_key(desktop, "Return")
+            overlay.wait_until_saved(201, 500)
+            overlay.wait_until_left()
+
+    def press_until_at(self, desktop, overlay, key, place):
+        """The window may not have the keyboard yet: then nothing moves."""
+        before = (200, 300)
+
+        def moved():
+            if overlay.is_at(*before):
+                self.press_key(desktop, key)
+            return overlay.is_at(*place)
+        desktop.wait_for(moved, what=f"the overlay at {place}")
+
+    def press_key(self, desktop, key):
+        raise NotImplementedError
+
+
+class X11Checks(OverlayChecks):
+    def drag(self, desktop, start, end):
+        drag_on_x11(desktop, start, end)
+
+    def press_key(self, desktop, key):
+        desktop.press_key(key)
+
+    def check_is_in_no_list(self, desktop):
+        """The window manager has it on every workspace, below, and in no list."""
+        pid = next(process.pid for process in desktop.processes("app_probe"))
+        windows = desktop.tool(["xdotool", "search", "--onlyvisible", "--pid", str(pid), "--name", "Tickwise"]).split()
+        self.assertEqual(len(windows), 1)
+        text = desktop.tool(["xprop", "-id", windows[0].decode(), "_NET_WM_STATE", "_NET_WM_DESKTOP"]).decode()
+        for word in ("_BELOW", "_SKIP_TASKBAR", "_SKIP_PAGER", "4294967295"):
+            self.assertIn(word, text)
+
+
+class XfceTest(X11Checks, unittest.TestCase):
+    """xfwm4, which composes, and xfdesktop, which draws the wallpaper in a window of its own."""
+
+    def make_session(self):
+        return X11Session(None, "xfwm4", notifications=None, wallpaper=True)
+
+    def test_lies_on_the_desktop(self):
+        self.check_lies_on_the_desktop()
+
+    def test_is_moved_by_the_pointer(self):
+        self.check_is_moved_by_the_pointer("overlay-xfce-adjusting.png")
+
+    def test_is_moved_by_keys(self):
+        self.check_is_moved_by_keys()
+
+    def test_stays_above_a_clicked_wallpaper(self):
+        with self.make_session() as desktop:
+            overlay = Overlay(desktop)
+            overlay.wait_until_at(self.left, self.top)
+            desktop.click(300, 600)
+            desktop.click(self.left + 100, self.top + 100)
+            overlay.application.poll()
+            self.assertTrue(overlay.is_at(self.left, self.top))
+
+    def test_wallpaper_menu_opens_through_it(self):
+        with self.make_session() as desktop:
+            overlay = Overlay(desktop)
+            overlay.wait_until_at(self.left, self.top)
+            before = len(desktop.windows("xfdesktop"))
+
+            def opened():
+                desktop.click(self.left + 100, self.top + 100, button=3)
+                return len(desktop.windows("xfdesktop")) > before
+            desktop.wait_for(opened, what="the wallpaper's menu")
+
+
+class OpenboxTest(X11Checks, unittest.TestCase):
+    """openbox without a compositor."""
+
+    def make_session(self):
+        return X11Session(None, "openbox", notifications=None)
+
+    def test_lies_on_the_desktop(self):
+        self.check_lies_on_the_desktop()
+
+    def test_is_moved_by_the_pointer(self):
+        self.check_is_moved_by_the_pointer()
+
+    def test_is_moved_by_keys(self):
+        self.check_is_moved_by_keys()
+
+    def test_is_opaque_and_round_without_a_compositor(self):
+        with self.make_session() as desktop:
+            overlay = Overlay(desktop, desktopOverlayBackgroundOpacity=0.1)
+            overlay.wait_until_at(self.left, self.top)
+            picture = desktop.picture()
+            wallpaper = picture.at(300, 600)
+            self.assertEqual(picture.at(self.left + 2, self.top + 2), wallpaper)
+            self.assertEqual(picture.at(self.left + WIDTH - 3, self.top + HEIGHT - 3), wallpaper)
+
+    def test_keeps_out_of_the_panel(self):
+        with X11Session("xfce4-panel", "openbox", notifications=None) as desktop:
+            overlay = Overlay(desktop)
+            overlay.wait_until_at(self.left, self.top + 30)
+            desktop.stop_panel()
+            overlay.wait_until_at(self.left, self.top)
+
+
+class SwayTest(OverlayChecks, unittest.TestCase):
+    top = 30 + 24
+
+    def make_session(self):
+        return SwaySession("waybar", notifications=None)
+
+    def drag(self, desktop, start, end):
+        desktop.drag(start, end)
+
+    def press_key(self, desktop, key):
+        *modifiers, name = key.split("+")
+        desktop.tool(["wtype", *sum((["-M", modifier] for modifier in modifiers), []), "-k", name])
+
+    def check_is_in_no_list(self, desktop):
+        self.assertEqual(desktop.windows("Tickwise"), [])
+
+    def test_lies_on_the_desktop(self):
+        self.check_lies_on_the_desktop()
+
+    def test_is_moved_by_the_pointer(self):
+        self.check_is_moved_by_the_pointer("overlay-sway-adjusting.png")
+
+    def test_is_moved_by_keys(self):
+        self.check_is_moved_by_keys()
+
+    def test_is_seen_through(self):
+        with self.make_session() as desktop:
+            wallpaper = desktop.picture().at(600, 600)
+            overlay = Overlay(desktop, desktopOverlayBackgroundOpacity=0.5)
+            overlay.wait_until_at(self.left, self.top, tuple((a + b) // 2 for a, b in zip(wallpaper, GROUND)))
+
+    def test_follows_the_bar(self):
+        with self.make_session() as desktop:
+            overlay = Overlay(desktop)
+            overlay.wait_until_at(self.left, self.top)
+            desktop.stop_panel()
+            overlay.wait_until_at(self.left, self.top - 30)
+            desktop.start_panel()
+            overlay.wait_until_at(self.left, self.top)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,204 @@
+#include "overlay/DesktopOverlayView.h"
+
+#include "doubles/Languages.h"
+#include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
+#include "overlay/DesktopOverlayPlacement.h"
+
+#include <QAbstractButton>
+#include <QLabel>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+namespace {
+
+struct World
+{
+    World()
+    {
+        useLanguage(AppLanguage::en);
+        QPalette palette;
+        palette.setColor(QPalette::Window, Qt::white);
+        palette.setColor(QPalette::Base, QColor(240, 250, 255));
+        view.setPalette(palette);
+        setRows(3);
+        view.show();
+    }
+
+    void setRows(int rows)
+    {
+        WidgetEntryContent content;
+        content.language = AppLanguage::en;
+        for (int i = 0; i < rows; ++i)
+            content.rows.push_back({.id = QString::number(i), .symbol = QStringLiteral("C%1").arg(i)});
+        model.setContent(content);
+        view.resize(desktopOverlaySize(model.textSize(), rows).toSize());
+    }
+    /// The view as it stands on nothing.
+    QImage painted()
+    {
+        QImage image(view.size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        view.render(&image, {}, {}, QWidget::DrawChildren);
+        return image;
+    }
+
+    TestClock clock;
+    DesktopOverlayModel model;
+    DesktopOverlayView view{model, {}, clock.clock()};
+};
+
+} // namespace
+
+class DesktopOverlayViewTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup();
+    void listFillsTheWindow_data();
+    void listFillsTheWindow();
+    void backdropHasTheOpacity();
+    void cornersAreRound();
+    void adjusting();
+    void controlsFit_data();
+    void controlsFit();
+    void buttonCallsTheModel();
+    void legibility();
+    void retranslates();
+};
+
+void DesktopOverlayViewTest::cleanup()
+{
+    useLanguage(AppLanguage::en);
+}
+
+void DesktopOverlayViewTest::listFillsTheWindow_data()
+{
+    QTest::addColumn<DesktopOverlayTextSize>("textSize");
+    QTest::newRow("normal") << DesktopOverlayTextSize::normal;
+    QTest::newRow("large") << DesktopOverlayTextSize::large;
+}
+
+void DesktopOverlayViewTest::listFillsTheWindow()
+{
+    QFETCH(DesktopOverlayTextSize, textSize);
+    World world;
+    world.model.setTextSize(textSize);
+    world.setRows(4);
+    QCOMPARE(world.view.list().geometry(), world.view.rect().adjusted(14, 14, -14, -14));
+    QCOMPARE(double(world.view.list().height()), WidgetListView::heightOf(textSize, 4));
+}
+
+void DesktopOverlayViewTest::backdropHasTheOpacity()
+{
+    World world;
+    const QPoint besideTheList(7, world.view.height() / 2);
+    QCOMPARE(world.painted().pixelColor(besideTheList), QColor(Qt::white));
+    world.model.setBackgroundOpacity(0.4);
+    QCOMPARE(world.painted().pixelColor(besideTheList).alpha(), 102);
+    world.model.setBackgroundOpacity(0);
+    QCOMPARE(world.painted().pixelColor(besideTheList).alpha(), 0);
+    world.view.setTranslucent(false);
+    QCOMPARE(world.painted().pixelColor(besideTheList), QColor(Qt::white));
+}
+
+void DesktopOverlayViewTest::cornersAreRound()
+{
+    World world;
+    const QImage image = world.painted();
+    const int right = image.width() - 1;
+    const int bottom = image.height() - 1;
+    for (const QPoint corner : {QPoint(0, 0), QPoint(right, 0), QPoint(0, bottom), QPoint(right, bottom)}) {
+        QCOMPARE(image.pixelColor(corner).alpha(), 0);
+        const QPoint inwards(corner.x() == 0 ? 1 : -1, corner.y() == 0 ? 1 : -1);
+        QCOMPARE(image.pixelColor(corner + 5 * inwards).alpha(), 0);
+        QCOMPARE(image.pixelColor(corner + 8 * inwards).alpha(), 255);
+    }
+}
+
+void DesktopOverlayViewTest::adjusting()
+{
+    World world;
+    DesktopOverlayAdjustControls &controls = world.view.adjustControls();
+    QVERIFY(!controls.isVisible());
+    world.model.setBackgroundOpacity(0.1);
+    world.model.setAdjusting(true);
+    QVERIFY(controls.isVisible());
+    QCOMPARE(world.view.backdrop().opacity(), 0.6);
+    QCOMPARE(controls.geometry().center(), world.view.rect().center());
+    QCOMPARE(world.painted().pixelColor(controls.geometry().topLeft() + QPoint(12, 5)), QColor(240, 250, 255));
+    world.model.setAdjusting(false);
+    QVERIFY(!controls.isVisible());
+    QCOMPARE(world.view.backdrop().opacity(), 0.1);
+}
+
+void DesktopOverlayViewTest::controlsFit_data()
+{
+    QTest::addColumn<AppLanguage>("language");
+    QTest::addColumn<int>("rows");
+    for (const AppLanguage language : {AppLanguage::en, AppLanguage::zhHans, AppLanguage::zhHant}) {
+        for (const int rows : {0, 1, 5}) {
+            QTest::addRow("%s, %d rows", qPrintable(rawValue(language)), rows) << language << rows;
+        }
+    }
+}
+
+void DesktopOverlayViewTest::controlsFit()
+{
+    QFETCH(AppLanguage, language);
+    QFETCH(int, rows);
+    World world;
+    useLanguage(language);
+    world.view.retranslate();
+    world.setRows(rows);
+    world.model.setAdjusting(true);
+    DesktopOverlayAdjustControls &controls = world.view.adjustControls();
+    QVERIFY(world.view.rect().contains(controls.geometry()));
+    QAbstractButton &done = controls.doneButton();
+    QVERIFY(done.width() >= done.sizeHint().width() && done.height() >= done.sizeHint().height());
+    const auto *const hint = controls.findChild<QLabel *>();
+    QVERIFY(hint->height() >= hint->heightForWidth(hint->width()));
+    QCOMPARE(done.geometry().top() - hint->geometry().bottom() - 1, 8);
+    QVERIFY(hint->geometry().top() >= 12 && controls.height() - 1 - done.geometry().bottom() >= 12);
+}
+
+void DesktopOverlayViewTest::buttonCallsTheModel()
+{
+    World world;
+    int calls = 0;
+    world.model.onDoneAdjusting = [&calls] { ++calls; };
+    world.model.setAdjusting(true);
+    QAbstractButton &done = world.view.adjustControls().doneButton();
+    QTest::mouseClick(&done, Qt::LeftButton);
+    QCOMPARE(calls, 1);
+    QTest::keyClick(&done, Qt::Key_Space);
+    QCOMPARE(calls, 2);
+    QCOMPARE(done.text(), QStringLiteral("Done"));
+}
+
+void DesktopOverlayViewTest::legibility()
+{
+    World world;
+    world.model.setBackgroundOpacity(0.1);
+    QVERIFY(world.view.list().legibility().halo && world.view.list().legibility().boost);
+    world.model.setAdjusting(true);
+    QCOMPARE(world.view.list().legibility(), WidgetLegibility());
+    world.model.setAdjusting(false);
+    world.model.setBackgroundOpacity(0.2);
+    QCOMPARE(world.view.list().legibility(), WidgetLegibility());
+}
+
+void DesktopOverlayViewTest::retranslates()
+{
+    World world;
+    const auto *const hint = world.view.adjustControls().findChild<QLabel *>();
+    const QString english = hint->text();
+    useLanguage(AppLanguage::zhHans);
+    world.view.retranslate();
+    QVERIFY(hint->text() != english && !hint->text().isEmpty());
+}
+
+TICKWISE_WIDGET_TEST(DesktopOverlayViewTest)
+#include "DesktopOverlayViewTest.moc"
