@@ -85,6 +85,14 @@ class SwaySession(DesktopSession):
         self._pointer.press(button)
         self._pointer.release(button)
 
+    def drag(self, start, end, steps=10):
+        """With the left button from one place to the other."""
+        self._pointer.move(*start)
+        self._pointer.press(1)
+        for step in range(1, steps + 1):
+            self._pointer.move(*(a + (b - a) * step // steps for a, b in zip(start, end)))
+        self._pointer.release(1)
+
     def type_text(self, text):
         self.tool(["wtype", text])
 

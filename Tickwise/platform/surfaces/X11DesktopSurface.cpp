@@ -1,0 +1,167 @@
+#include "platform/surfaces/X11DesktopSurface.h"
+
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QWindow>
+
+#include <xcb/xcb.h>
+
+namespace tickwise {
+
+namespace {
+
+constexpr uint8_t sentEventBit = 0x80;
+
+Qt::WindowFlags windowFlags(bool interactive)
+{
+    const Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+    return flags |
+           (interactive ? Qt::WindowStaysOnTopHint : Qt::WindowStaysOnBottomHint | Qt::WindowDoesNotAcceptFocus);
+}
+
+} // namespace
+
+X11DesktopSurface::X11DesktopSurface(std::unique_ptr<X11Desktop> desktop, const DesktopSurfaceOptions &options)
+    : m_desktop(std::move(desktop))
+    , m_takesPointer(options.pointer == DesktopSurfaceOptions::Pointer::isTaken)
+    , m_screenWatch([this] {
+        if (onScreensChanged)
+            onScreensChanged();
+    })
+    , m_isTranslucent(m_desktop->hasCompositor())
+{
+    for (QTimer *const timer : {&m_wasMapped, &m_compositorChanged}) {
+        timer->setSingleShot(true);
+        timer->setInterval(0);
+    }
+    connect(&m_wasMapped, &QTimer::timeout, this, &X11DesktopSurface::settle);
+    connect(&m_compositorChanged, &QTimer::timeout, this, &X11DesktopSurface::readTranslucency);
+    qGuiApp->installNativeEventFilter(this);
+}
+
+X11DesktopSurface::~X11DesktopSurface()
+{
+    qGuiApp->removeNativeEventFilter(this);
+    hide();
+}
+
+std::vector<X11Desktop::State> X11DesktopSurface::states() const
+{
+    return {m_isInteractive ? X11Desktop::above : X11Desktop::below, X11Desktop::sticky, X11Desktop::skipTaskbar,
+            X11Desktop::skipPager};
+}
+
+void X11DesktopSurface::show(QWidget &window, const QRect &frame)
+{
+    if (m_window == &window)
+        return place(frame);
+    hide();
+    m_window = &window;
+    m_frame = frame;
+    map();
+}
+
+void X11DesktopSurface::map()
+{
+    m_window->setAttribute(Qt::WA_TranslucentBackground);
+    m_window->setAttribute(Qt::WA_ShowWithoutActivating, !m_isInteractive);
+    const Qt::WindowFlags flags = windowFlags(m_isInteractive);
+    if (m_window->windowFlags() != flags)
+        m_window->setParent(nullptr, flags);
+    m_window->setGeometry(m_frame);
+    m_desktop->writeStates(uint32_t(m_window->winId()), states());
+    m_window->show();
+    if (!m_isInteractive)
+        return;
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+/// The window manager forgets a window that is destroyed, and gives the focus back.
+void X11DesktopSurface::unmap()
+{
+    m_wasMapped.stop();
+    m_window->hide();
+    if (m_window->windowHandle())
+        m_window->windowHandle()->destroy();
+}
+
+/// The window manager has framed the window: it takes notice of changes now.
+void X11DesktopSurface::settle()
+{
+    if (!m_window || !m_window->isVisible())
+        return;
+    m_desktop->requestStates(uint32_t(m_window->winId()), states());
+    QWindow *const handle = m_window->windowHandle();
+    handle->setFlag(Qt::WindowTransparentForInput, false);
+    handle->setFlag(Qt::WindowTransparentForInput, !m_takesPointer && !m_isInteractive);
+}
+
+void X11DesktopSurface::hide()
+{
+    if (m_window)
+        unmap();
+    m_window = nullptr;
+    m_isInteractive = false;
+}
+
+void X11DesktopSurface::place(const QRect &frame)
+{
+    m_frame = frame;
+    if (m_window)
+        m_window->setGeometry(frame);
+}
+
+QRect X11DesktopSurface::frame() const
+{
+    return m_window ? m_window->geometry() : m_frame;
+}
+
+QPoint X11DesktopSurface::pointerPosition(const QMouseEvent &event) const
+{
+    return event.globalPosition().toPoint();
+}
+
+void X11DesktopSurface::setInteractive(bool interactive)
+{
+    if (!m_window || m_isInteractive == interactive)
+        return;
+    m_frame = frame();
+    unmap();
+    m_isInteractive = interactive;
+    map();
+}
+
+DesktopScreens X11DesktopSurface::screens() const
+{
+    DesktopScreens screens;
+    for (const QScreen *const screen : QGuiApplication::screens())
+        screens.visibleFrames.push_back(screen->availableGeometry());
+    if (const QScreen *const primary = QGuiApplication::primaryScreen())
+        screens.primaryBottom = primary->geometry().y() + primary->geometry().height();
+    return screens;
+}
+
+void X11DesktopSurface::readTranslucency()
+{
+    if (std::exchange(m_isTranslucent, m_desktop->hasCompositor()) != m_isTranslucent && onTranslucencyChanged)
+        onTranslucencyChanged();
+}
+
+bool X11DesktopSurface::nativeEventFilter(const QByteArray &, void *message, qintptr *)
+{
+    const auto &event = *static_cast<const xcb_generic_event_t *>(message);
+    const uint8_t type = event.response_type & uint8_t(~sentEventBit);
+    // Both events have the window at the same place. A window manager that comes later frames the window anew.
+    if (type == XCB_MAP_NOTIFY || type == XCB_REPARENT_NOTIFY) {
+        const xcb_window_t window = static_cast<const xcb_map_notify_event_t *>(message)->window;
+        if (m_window && m_window->internalWinId() == window)
+            m_wasMapped.start();
+    } else if (type == m_desktop->selectionEvent() && type != 0) {
+        m_compositorChanged.start();
+    }
+    return false;
+}
+
+} // namespace tickwise
