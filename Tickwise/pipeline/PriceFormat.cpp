@@ -1,12 +1,9 @@
 #include "pipeline/PriceFormat.h"
 
-#include <unicode/dcfmtsym.h>
-#include <unicode/decimfmt.h>
-
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <memory>
 
 namespace tickwise {
 
@@ -22,66 +19,97 @@ int maximumFractionDigits(double value)
     return value < 100 ? 2 : 0;
 }
 
-std::unique_ptr<icu::DecimalFormat> makeFormatter()
-{
-    UErrorCode status = U_ZERO_ERROR;
-    auto formatter = std::make_unique<icu::DecimalFormat>(
-        icu::UnicodeString("#,##0"), icu::DecimalFormatSymbols(icu::Locale("en_US_POSIX"), status), status);
-    if (U_FAILURE(status))
-        return nullptr;
-    formatter->setGroupingUsed(true);
-    formatter->setGroupingSize(groupingSize);
-    formatter->setRoundingMode(icu::DecimalFormat::kRoundHalfEven);
-    formatter->setMinimumFractionDigits(0);
-    return formatter;
-}
-
 int fractionDigitsOfAlert(double value)
 {
     const int needed = value == 0 ? 0 : significantDigits - 1 - int(std::floor(std::log10(std::abs(value))));
     return std::max(maximumFractionDigits(value), needed);
 }
 
-QString grouped(double value, int maximumFraction)
-{
-    static const std::unique_ptr<icu::DecimalFormat> formatter = makeFormatter();
-    if (!formatter)
-        return QString::number(value);
-    formatter->setMaximumFractionDigits(maximumFraction);
-    icu::UnicodeString text;
-    formatter->format(value, text);
-    return QString::fromUtf16(text.getBuffer(), text.length());
-}
-
-QString plainText(double value)
+/// The shortest decimal text that reads back as exactly this value, without an exponent.
+QByteArray plainText(double value)
 {
     std::array<char, 400> buffer{};
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed).ptr;
-    return QString::fromLatin1(buffer.data(), end - buffer.data());
+    return {buffer.data(), end - buffer.data()};
+}
+
+/// Whether the digits from `first` on, behind the last one that is kept, round it up: half to even.
+bool roundsUp(const QByteArray &digits, qsizetype first)
+{
+    const char dropped = digits[first];
+    if (dropped != '5')
+        return dropped > '5';
+    const bool isMoreThanHalf = std::any_of(digits.begin() + first + 1, digits.end(), [](char c) { return c > '0'; });
+    const bool isLastOdd = first > 0 && (digits[first - 1] - '0') % 2 == 1;
+    return isMoreThanHalf || isLastOdd;
+}
+
+/// Adds one in the last place; the result has a digit more where all were nines.
+void countUp(QByteArray &digits)
+{
+    for (qsizetype at = digits.size() - 1; at >= 0; --at) {
+        if (digits[at] != '9') {
+            ++digits[at];
+            return;
+        }
+        digits[at] = '0';
+    }
+    digits.prepend('1');
+}
+
+/// A plain decimal text with at most so many digits behind the point, and no zeros at its end.
+QByteArray rounded(QByteArray text, int maximumFraction)
+{
+    const qsizetype point = text.indexOf('.');
+    if (point < 0)
+        return text;
+    const bool isNegative = text.startsWith('-');
+    QByteArray digits = text.remove(point, 1).mid(isNegative ? 1 : 0);
+    const qsizetype whole = point - (isNegative ? 1 : 0);
+    qsizetype fraction = digits.size() - whole;
+    if (fraction > maximumFraction) {
+        const qsizetype kept = whole + maximumFraction;
+        const bool up = roundsUp(digits, kept);
+        digits.truncate(kept);
+        if (up)
+            countUp(digits);
+        fraction = maximumFraction;
+    }
+    digits.insert(digits.size() - fraction, '.');
+    while (digits.endsWith('0'))
+        digits.chop(1);
+    if (digits.endsWith('.'))
+        digits.chop(1);
+    return isNegative ? '-' + digits : digits;
+}
+
+QString grouped(const QByteArray &plain)
+{
+    QString text = QString::fromLatin1(plain);
+    const qsizetype point = text.indexOf(QLatin1Char('.'));
+    const qsizetype firstDigit = text.startsWith(QLatin1Char('-')) ? 1 : 0;
+    for (qsizetype at = (point < 0 ? text.size() : point) - groupingSize; at > firstDigit; at -= groupingSize)
+        text.insert(at, QLatin1Char(','));
+    return text;
 }
 
 } // namespace
 
 QString formatPrice(double value)
 {
-    return std::isfinite(value) ? grouped(value, maximumFractionDigits(value)) : QString::number(value);
+    return std::isfinite(value) ? grouped(rounded(plainText(value), maximumFractionDigits(value)))
+                                : QString::number(value);
 }
 
 QString formatAlertPrice(double value)
 {
-    return std::isfinite(value) ? grouped(value, fractionDigitsOfAlert(value)) : QString::number(value);
+    return std::isfinite(value) ? grouped(rounded(plainText(value), fractionDigitsOfAlert(value)))
+                                : QString::number(value);
 }
 
 QString exactPrice(double value)
 {
-    if (!std::isfinite(value))
-        return QString::number(value);
-    QString text = plainText(value);
-    const qsizetype point = text.indexOf(QLatin1Char('.'));
-    const qsizetype firstDigit = value < 0 ? 1 : 0;
-    for (qsizetype at = (point < 0 ? text.size() : point) - groupingSize; at > firstDigit; at -= groupingSize)
-        text.insert(at, QLatin1Char(','));
-    return text;
+    return std::isfinite(value) ? grouped(plainText(value)) : QString::number(value);
 }
 
 QString changeText(double percent)

@@ -43,12 +43,17 @@ WidgetRowText rowText(const WidgetRow &row, const WidgetEntryContent &content, c
 
 } // namespace
 
+LocalizationBundle widgetTexts(AppLanguage language)
+{
+    const LocalizationBundle bundle =
+        openLocalizationBundle(rawValue(effectiveLanguage(language, preferredLanguages())));
+    return bundle ? bundle : mainLocalizationBundle();
+}
+
 WidgetListText widgetListText(const WidgetEntryContent &content, TimePoint now, const QTimeZone &zone)
 {
     const AppLanguage language = effectiveLanguage(content.language, preferredLanguages());
-    LocalizationBundle bundle = openLocalizationBundle(rawValue(language));
-    if (!bundle)
-        bundle = mainLocalizationBundle();
+    const LocalizationBundle bundle = widgetTexts(language);
     WidgetListText text;
     text.title = localized(QStringLiteral("widget.list.title"), bundle);
     text.emptyText = localized(QStringLiteral("widget.empty"), bundle);

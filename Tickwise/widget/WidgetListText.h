@@ -36,6 +36,9 @@ struct WidgetListText
     bool operator==(const WidgetListText &) const = default;
 };
 
+/// The texts in that language, which may be `system`; in English where they cannot be opened.
+LocalizationBundle widgetTexts(AppLanguage language);
+
 /// The texts of the content in its own language.
 WidgetListText widgetListText(const WidgetEntryContent &content, TimePoint now, const QTimeZone &zone);
 

@@ -4,6 +4,7 @@
 #include "app/PopoverController.h"
 #include "app/SettingsWindowController.h"
 #include "doubles/AppDoubles.h"
+#include "doubles/FakeMotion.h"
 #include "doubles/PipelineDoubles.h"
 #include "doubles/ScriptedHttpClient.h"
 #include "doubles/TestClock.h"
@@ -116,6 +117,7 @@ public:
                 .updates = delegate->updateController(),
                 .watchlist = [this]() -> WatchlistViewModel & { return delegate->watchlistViewModel(); },
                 .logos = [this]() -> CoinLogoStore & { return delegate->logoStore(); },
+                .motion = [this]() -> const MotionPreference & { return motion; },
                 .about = {QStringLiteral("Tickwise"), QStringLiteral("1"), QStringLiteral("a@example.org"),
                           QStringLiteral("https://example.org")},
                 .hasOverlay = [] { return true; },
@@ -128,6 +130,7 @@ public:
     ScriptedHttpClient http;
     RecordingNotificationCenter notifications;
     RecordingLoginItem loginItem;
+    FakeMotion motion;
     QPointer<RecordingStatusItem> item;
     std::unique_ptr<AppDelegate> delegate;
     std::unique_ptr<SettingsWindowController> windows;

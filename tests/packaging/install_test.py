@@ -17,6 +17,8 @@ IDENTIFIER = "com.pelmo.tickwise"
 PROGRAM = "bin/tickwise"
 SERVICE = f"share/dbus-1/services/{IDENTIFIER}.service"
 DESKTOP_FILE = f"share/applications/{IDENTIFIER}.desktop"
+WIDGET = "bin/tickwise-widget"
+WIDGET_DESKTOP_FILE = f"share/applications/{IDENTIFIER}.widget.desktop"
 METAINFO = f"share/metainfo/{IDENTIFIER}.metainfo.xml"
 ICON = f"share/icons/hicolor/scalable/apps/{IDENTIFIER}.svg"
 # A proxy that nobody runs: the program under test asks the real exchanges, and no byte of that may leave the machine.
@@ -47,13 +49,14 @@ class InstallTest(unittest.TestCase):
         install(self.prefix)
         found = {os.path.relpath(os.path.join(folder, name), self.prefix)
                  for folder, _, names in os.walk(self.prefix) for name in names}
-        self.assertLessEqual({PROGRAM, SERVICE, DESKTOP_FILE, METAINFO, ICON}, found)
+        self.assertLessEqual({PROGRAM, SERVICE, DESKTOP_FILE, WIDGET, WIDGET_DESKTOP_FILE, METAINFO, ICON}, found)
         self.assertEqual({name for name in found if not name.startswith(("bin/tickwise", "share/"))}, set())
         service = read_groups(self.path(SERVICE))["D-BUS Service"]
         self.assertEqual((service["Name"], service["Exec"]), (IDENTIFIER, self.path(PROGRAM)))
-        entry = read_groups(self.path(DESKTOP_FILE))["Desktop Entry"]
-        self.assertEqual(entry["Exec"].split()[0], os.path.basename(PROGRAM))
-        self.assertEqual(entry["Icon"], os.path.splitext(os.path.basename(ICON))[0])
+        for program, desktop_file in ((PROGRAM, DESKTOP_FILE), (WIDGET, WIDGET_DESKTOP_FILE)):
+            entry = read_groups(self.path(desktop_file))["Desktop Entry"]
+            self.assertEqual(entry["Exec"].split()[0], os.path.basename(program))
+            self.assertEqual(entry["Icon"], os.path.splitext(os.path.basename(ICON))[0])
         self.assertEqual(xml.etree.ElementTree.parse(self.path(METAINFO)).findtext("launchable"), os.path.basename(DESKTOP_FILE))
 
     def test_staged_installation_names_its_final_place(self):

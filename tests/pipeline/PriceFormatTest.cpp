@@ -2,7 +2,12 @@
 
 #include "doubles/TestProgram.h"
 
+#include <unicode/dcfmtsym.h>
+#include <unicode/decimfmt.h>
+
+#include <cmath>
 #include <limits>
+#include <random>
 
 using namespace tickwise;
 
@@ -17,6 +22,7 @@ private Q_SLOTS:
     void alertPrice();
     void exact_data();
     void exact();
+    void agreesWithTheLibrarysFormatter();
     void valuesThatAreNoNumbersDoNotCrash();
 };
 
@@ -104,6 +110,25 @@ void PriceFormatTest::exact()
 {
     QFETCH(double, value);
     QTEST(exactPrice(value), "text");
+}
+
+/// ICU's formatter of the same rules is much larger and slower to start, but tells whether ours is right.
+void PriceFormatTest::agreesWithTheLibrarysFormatter()
+{
+    UErrorCode status = U_ZERO_ERROR;
+    icu::DecimalFormat formatter("#,##0", icu::DecimalFormatSymbols(icu::Locale("en_US_POSIX"), status), status);
+    formatter.setRoundingMode(icu::DecimalFormat::kRoundHalfEven);
+    std::mt19937_64 random(20261121); // NOLINT(cert-msc*): the same values in every run
+    std::uniform_real_distribution<double> magnitude(-6, 8);
+    for (int round = 0; round < 100'000; ++round) {
+        // Every second value has few digits, among which are those that lie halfway.
+        const double raw = std::pow(10, magnitude(random)) * (round % 7 == 0 ? -1 : 1);
+        const double value = round % 2 == 0 ? raw : std::round(raw * 100'000) / 100'000;
+        formatter.setMaximumFractionDigits(value < 1 ? 4 : value < 100 ? 2 : 0);
+        icu::UnicodeString text;
+        formatter.format(value, text);
+        QCOMPARE(formatPrice(value), QString::fromUtf16(text.getBuffer(), text.length()));
+    }
 }
 
 void PriceFormatTest::valuesThatAreNoNumbersDoNotCrash()

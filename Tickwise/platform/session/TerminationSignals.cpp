@@ -65,3 +65,6 @@ void TerminationSignals::read()
 }
 
 } // namespace tickwise
+
+// Here, and not among the library's others, so that a small program takes no more of the library than it uses.
+#include "moc_TerminationSignals.cpp"

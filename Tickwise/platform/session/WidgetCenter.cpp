@@ -19,4 +19,27 @@ void WidgetCenter::reloadAllTimelines() const
                                             QString::fromLatin1(reloadSignal)));
 }
 
+WidgetReloads::WidgetReloads(const SessionBus &bus, QObject *parent)
+    : QObject(parent)
+    , m_bus(bus)
+{
+    connect(&bus, &SessionBus::connected, this, [this] {
+        listen();
+        Q_EMIT reloadRequested();
+    });
+    listen();
+}
+
+void WidgetReloads::listen()
+{
+    // Named by path and interface alone: with the sender's name QtDBus would wait for the bus to resolve it.
+    QDBusConnection(m_bus.connection())
+        .connect(QString(), QString::fromLatin1(WidgetCenter::objectPath),
+                 QString::fromLatin1(WidgetCenter::interfaceName), QString::fromLatin1(WidgetCenter::reloadSignal),
+                 this, SIGNAL(reloadRequested()));
+}
+
 } // namespace tickwise
+
+// Here, and not among the library's others, so that a small program takes no more of the library than it uses.
+#include "moc_WidgetCenter.cpp"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QObject>
+
 namespace tickwise {
 
 class SessionBus;
@@ -19,6 +21,25 @@ public:
     void reloadAllTimelines() const;
 
 private:
+    const SessionBus &m_bus;
+};
+
+/// Hears what `WidgetCenter` tells the widgets, from any sender, also on a bus that ends and returns.
+class WidgetReloads : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `bus` has to outlive it.
+    explicit WidgetReloads(const SessionBus &bus, QObject *parent = nullptr);
+
+Q_SIGNALS:
+    /// The snapshot has changed visibly. Also emitted when the bus has returned, as something may have been missed.
+    void reloadRequested();
+
+private:
+    void listen();
+
     const SessionBus &m_bus;
 };
 

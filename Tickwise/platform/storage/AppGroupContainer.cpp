@@ -22,12 +22,17 @@ bool isUsableFolder(const QString &path)
 
 } // namespace
 
-std::optional<QString> appGroupContainer(const QString &groupId)
+std::optional<QString> appGroupContainerPath(const QString &groupId)
 {
     if (!isFolderName(groupId))
         return std::nullopt;
-    const QString path = baseDirectory(QStandardPaths::GenericDataLocation) + u'/' + groupId;
-    return makeFolder(path) && isUsableFolder(path) ? std::optional(path) : std::nullopt;
+    return baseDirectory(QStandardPaths::GenericDataLocation) + u'/' + groupId;
+}
+
+std::optional<QString> appGroupContainer(const QString &groupId)
+{
+    const std::optional<QString> path = appGroupContainerPath(groupId);
+    return path && makeFolder(*path) && isUsableFolder(*path) ? path : std::nullopt;
 }
 
 } // namespace tickwise

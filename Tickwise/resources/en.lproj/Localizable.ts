@@ -616,6 +616,22 @@
         <source></source>
         <translation>Watchlist</translation>
     </message>
+    <message id="widget.menu.close">
+        <source></source>
+        <translation>Close Widget</translation>
+    </message>
+    <message id="widget.size.large">
+        <source></source>
+        <translation>Large</translation>
+    </message>
+    <message id="widget.size.medium">
+        <source></source>
+        <translation>Medium</translation>
+    </message>
+    <message id="widget.size.small">
+        <source></source>
+        <translation>Small</translation>
+    </message>
     <message id="window.settings.title">
         <source></source>
         <translation>Settings</translation>

@@ -616,6 +616,22 @@
         <source></source>
         <translation>自选</translation>
     </message>
+    <message id="widget.menu.close">
+        <source></source>
+        <translation>关闭小组件</translation>
+    </message>
+    <message id="widget.size.large">
+        <source></source>
+        <translation>大</translation>
+    </message>
+    <message id="widget.size.medium">
+        <source></source>
+        <translation>中</translation>
+    </message>
+    <message id="widget.size.small">
+        <source></source>
+        <translation>小</translation>
+    </message>
     <message id="window.settings.title">
         <source></source>
         <translation>设置</translation>

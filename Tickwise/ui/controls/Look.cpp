@@ -3,17 +3,13 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPalette>
-#include <QScreen>
 
-#include <algorithm>
 #include <cmath>
 
 namespace tickwise::look {
 
 namespace {
 
-constexpr double usualDotsPerInch = 96;
-constexpr double largestScale = 4;
 constexpr float secondaryOpacity = 0.65F;
 constexpr float separatorOpacity = 0.12F;
 constexpr float hoverOpacity = 0.06F;
@@ -39,12 +35,6 @@ double luminance(const QColor &color)
 }
 
 } // namespace
-
-double textScale()
-{
-    const QScreen *const screen = QGuiApplication::primaryScreen();
-    return screen ? std::clamp(screen->logicalDotsPerInchY() / usualDotsPerInch, 1.0, largestScale) : 1.0;
-}
 
 int scaled(double points)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/TextScale.h"
+
 #include <QColor>
 #include <QFont>
 
@@ -17,8 +19,7 @@ inline constexpr int titleSize = 15;
 inline constexpr int bodySize = 13;
 inline constexpr int captionSize = 11;
 
-/// How much larger than usual the desktop draws text: its logical resolution over 96 dots an inch.
-double textScale();
+using tickwise::textScale;
 
 /// A length at the desktop's text scale, in whole logical pixels.
 int scaled(double points);

@@ -78,7 +78,7 @@ QImage textImage(const WidgetTextRun &run, const QSizeF &size, double baseline, 
 
 void drawShadows(QPainter &painter, double x, double baseline, const WidgetTextRun &run)
 {
-    const double scale = painter.device()->devicePixelRatioF();
+    const double scale = painter.device()->devicePixelRatioF() * painter.worldTransform().m11();
     const QFontMetricsF metrics(run.font);
     const QSizeF size(widgetTextWidth(run) + 2 * shadowReach, metrics.height() + 2 * shadowReach);
     const double innerBaseline = shadowReach + metrics.ascent();
@@ -105,9 +105,12 @@ void paintWidgetText(QPainter &painter, const QRectF &box, Qt::Alignment alignme
 {
     const QFontMetricsF metrics(run.font);
     WidgetTextRun shown = run;
-    if (widgetTextWidth(run) > box.width())
+    double width = widgetTextWidth(run);
+    if (width > box.width()) {
         shown.text = metrics.elidedText(run.text, Qt::ElideRight, box.width());
-    const double free = box.width() - widgetTextWidth(shown);
+        width = widgetTextWidth(shown);
+    }
+    const double free = box.width() - width;
     const double x = alignment.testFlag(Qt::AlignRight)     ? box.left() + free
                      : alignment.testFlag(Qt::AlignHCenter) ? box.left() + free / 2
                                                             : box.left();

@@ -2,6 +2,7 @@
 
 #include "catalog/logos/CoinLogoPainting.h"
 #include "settings/HexColor.h"
+#include "widget/views/WidgetListAccessible.h"
 
 #include <QEvent>
 #include <QPainter>
@@ -21,6 +22,8 @@ constexpr double headerLogoSide = 16;
 constexpr double emptyLogoSide = 40;
 constexpr double compactWidth = 220; ///< below, a line shows the change under the price and no name
 constexpr QColor staleColor(255, 149, 0);
+/// The longest wait for the time to turn orange: clocks are set, and machines sleep.
+constexpr std::chrono::minutes longestWait{1};
 
 struct Metrics
 {
@@ -56,6 +59,7 @@ WidgetListView::WidgetListView(LogoSource logos, Clock clock, QWidget *parent)
     , m_logos(std::move(logos))
     , m_clock(std::move(clock))
 {
+    WidgetListAccessible::install();
     m_staleness.setSingleShot(true);
     connect(&m_staleness, &QTimer::timeout, this, &WidgetListView::refresh);
     refresh();
@@ -65,6 +69,20 @@ double WidgetListView::heightOf(DesktopOverlayTextSize size, int rows)
 {
     const Metrics metrics = metricsFor(size);
     return metrics.header + metrics.row * rows + separator * std::max(rows - 1, 0);
+}
+
+int WidgetListView::shownRows() const
+{
+    const Metrics metrics = metricsFor(m_textSize);
+    const double room = height() / m_scale - metrics.header + separator + 0.5;
+    return std::clamp(int(room / (metrics.row + separator)), 0, int(m_text.rows.size()));
+}
+
+QRectF WidgetListView::rowRect(int index) const
+{
+    const Metrics metrics = metricsFor(m_textSize);
+    const QRectF points(0, metrics.header + index * (metrics.row + separator), width() / m_scale, metrics.row);
+    return {points.topLeft() * m_scale, points.size() * m_scale};
 }
 
 void WidgetListView::setContent(const WidgetEntryContent &content)
@@ -78,6 +96,12 @@ void WidgetListView::setContent(const WidgetEntryContent &content)
 void WidgetListView::setTextSize(DesktopOverlayTextSize size)
 {
     if (std::exchange(m_textSize, size) != size)
+        update();
+}
+
+void WidgetListView::setScale(double scale)
+{
+    if (std::exchange(m_scale, scale) != scale)
         update();
 }
 
@@ -97,10 +121,7 @@ void WidgetListView::refresh()
         return;
     m_text = text;
     setAccessibleName(m_text.title);
-    QStringList lines;
-    for (const WidgetRowText &row : m_text.rows)
-        lines.append(row.accessibleText);
-    setAccessibleDescription(lines.isEmpty() ? m_text.emptyText : lines.join(QStringLiteral("; ")));
+    setAccessibleDescription(m_text.rows.empty() ? m_text.emptyText : m_text.updated);
     update();
 }
 
@@ -112,7 +133,7 @@ void WidgetListView::waitForStaleness()
         return;
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*m_content.updatedAt + staleAge - m_clock());
     if (wait >= std::chrono::milliseconds(0))
-        m_staleness.start(std::min<std::chrono::milliseconds>(wait, staleAge) + std::chrono::milliseconds(1));
+        m_staleness.start(std::min<std::chrono::milliseconds>(wait, longestWait) + std::chrono::milliseconds(1));
 }
 
 void WidgetListView::showEvent(QShowEvent *event)
@@ -150,10 +171,11 @@ void WidgetListView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    painter.scale(m_scale, m_scale);
+    const QRectF area(QPointF(), QSizeF(size()) / m_scale);
     if (m_text.rows.empty())
-        return paintEmpty(painter);
+        return paintEmpty(painter, area);
     const Metrics metrics = metricsFor(m_textSize);
-    const QRectF area(rect());
     paintHeader(painter, QRectF(area.left(), area.top(), area.width(), metrics.header));
     paintRows(painter, area.adjusted(0, metrics.header, 0, 0));
 }
@@ -172,13 +194,13 @@ void WidgetListView::paintHeader(QPainter &painter, const QRectF &box) const
                     title, m_legibility.halo);
 }
 
-void WidgetListView::paintEmpty(QPainter &painter) const
+void WidgetListView::paintEmpty(QPainter &painter, const QRectF &box) const
 {
     const QFont font = fontOf(*this, 12);
     const double textHeight = QFontMetricsF(font).height();
-    const double top = (height() - emptyLogoSide - spacing - textHeight) / 2;
-    paintAppLogo(painter, QRectF((width() - emptyLogoSide) / 2, top, emptyLogoSide, emptyLogoSide));
-    const QRectF line(0, top + emptyLogoSide + spacing, width(), textHeight);
+    const double top = (box.height() - emptyLogoSide - spacing - textHeight) / 2;
+    paintAppLogo(painter, QRectF((box.width() - emptyLogoSide) / 2, top, emptyLogoSide, emptyLogoSide));
+    const QRectF line(0, top + emptyLogoSide + spacing, box.width(), textHeight);
     paintWidgetText(painter, line, Qt::AlignHCenter, {m_text.emptyText, font, secondaryColor()}, m_legibility.halo);
 }
 
@@ -188,17 +210,14 @@ void WidgetListView::paintRows(QPainter &painter, const QRectF &box) const
     double changeWidth = 0;
     for (const WidgetRowText &row : m_text.rows)
         changeWidth = std::max(changeWidth, widgetTextWidth({row.change, fontOf(*this, metrics.small), {}, true}));
-    painter.setClipRect(box);
     QColor line = textColor();
     line.setAlphaF(0.12F);
-    double y = box.top();
-    for (size_t i = 0; i < m_text.rows.size() && y + metrics.row <= box.bottom() + 0.5; ++i) {
-        if (i > 0) {
-            painter.fillRect(QRectF(box.left() + rowInset, y, box.width() - 2 * rowInset, separator), line);
-            y += separator;
-        }
-        paintRow(painter, QRectF(box.left() + rowInset, y, box.width() - 2 * rowInset, metrics.row), i, changeWidth);
-        y += metrics.row;
+    QRectF row(box.left() + rowInset, box.top(), box.width() - 2 * rowInset, metrics.row);
+    for (int i = 0; i < shownRows(); ++i) {
+        if (i > 0)
+            painter.fillRect(QRectF(row.left(), row.top() - separator, row.width(), separator), line);
+        paintRow(painter, row, static_cast<std::size_t>(i), changeWidth);
+        row.translate(0, metrics.row + separator);
     }
 }
 
@@ -207,7 +226,7 @@ void WidgetListView::paintRow(QPainter &painter, const QRectF &box, size_t index
     const WidgetRow &coin = m_content.rows[index];
     const WidgetRowText &row = m_text.rows[index];
     const Metrics metrics = metricsFor(m_textSize);
-    const bool isCompact = width() < compactWidth;
+    const bool isCompact = box.width() + 2 * rowInset < compactWidth;
     const bool halo = m_legibility.halo;
     paintCoinLogo(painter, QRectF(box.left(), box.center().y() - logoSide / 2, logoSide, logoSide), coin.logoAssetName,
                   m_logos ? m_logos(coin.id) : std::nullopt, coin.symbol, palette().color(QPalette::Highlight));
@@ -233,3 +252,6 @@ void WidgetListView::paintRow(QPainter &painter, const QRectF &box, size_t index
 }
 
 } // namespace tickwise
+
+// Here, and not among the library's others, so that a small program takes no more of the library than it uses.
+#include "moc_WidgetListView.cpp"

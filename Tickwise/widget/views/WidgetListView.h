@@ -28,13 +28,20 @@ public:
     const WidgetEntryContent &content() const { return m_content; }
     void setContent(const WidgetEntryContent &content);
     void setTextSize(DesktopOverlayTextSize size);
+    /// Draws everything so much larger, as the desktop draws its texts; 1 at first.
+    void setScale(double scale);
     void setLegibility(const WidgetLegibility &legibility);
     const WidgetLegibility &legibility() const { return m_legibility; }
 
     /// What is shown at this moment.
     const WidgetListText &text() const { return m_text; }
 
-    /// The height of the header and of that many lines, without the padding around the list.
+    /// How many of the rows fit; those below are cut.
+    int shownRows() const;
+    /// Where the row is in the view.
+    QRectF rowRect(int index) const;
+
+    /// The height of the header and of that many lines at scale 1, without the padding around the list.
     static double heightOf(DesktopOverlayTextSize size, int rows);
 
 protected:
@@ -49,7 +56,7 @@ private:
     QColor textColor() const;
     QColor secondaryColor() const;
     void paintHeader(QPainter &painter, const QRectF &box) const;
-    void paintEmpty(QPainter &painter) const;
+    void paintEmpty(QPainter &painter, const QRectF &box) const;
     void paintRows(QPainter &painter, const QRectF &box) const;
     void paintRow(QPainter &painter, const QRectF &box, size_t index, double changeWidth) const;
 
@@ -58,6 +65,7 @@ private:
     WidgetEntryContent m_content;
     WidgetListText m_text;
     DesktopOverlayTextSize m_textSize = DesktopOverlayTextSize::normal;
+    double m_scale = 1;
     WidgetLegibility m_legibility;
     QTimer m_staleness;
 };

@@ -3,6 +3,7 @@
 #include "doubles/LogCapture.h"
 #include "doubles/PrivateBus.h"
 #include "doubles/TestProgram.h"
+#include "platform/dbus/BusCall.h"
 #include "platform/dbus/SessionBus.h"
 
 #include <QDBusAbstractInterface>
@@ -29,6 +30,12 @@ Q_SIGNALS:
     void ReloadAllTimelines();
 };
 
+/// Returns when the bus knows what the connection listens to.
+void settle(const SessionBus &bus)
+{
+    QVERIFY(bus.connection().call(busCall(QStringLiteral("GetId"), {})).type() == QDBusMessage::ReplyMessage);
+}
+
 } // namespace
 
 class WidgetCenterTest : public QObject
@@ -39,6 +46,9 @@ private Q_SLOTS:
     void widgetsHearTheReload();
     void busThatReturnsIsUsed();
     void quietWithoutABus();
+    void reloadsAreHeard();
+    void reloadsAreHeardOnABusThatReturns();
+    void reloadsAreHeardOnABusThatComesLater();
 };
 
 void WidgetCenterTest::widgetsHearTheReload()
@@ -75,6 +85,50 @@ void WidgetCenterTest::quietWithoutABus()
     const SessionBus noBus(QStringLiteral("unix:path=/nonexistent/bus"));
     WidgetCenter(noBus).reloadAllTimelines();
     QVERIFY(log.lines().empty());
+}
+
+void WidgetCenterTest::reloadsAreHeard()
+{
+    PrivateBus bus;
+    const SessionBus widgetBus(bus.address());
+    const SessionBus applicationBus(bus.address());
+    const WidgetReloads reloads(widgetBus);
+    QSignalSpy heard(&reloads, &WidgetReloads::reloadRequested);
+    settle(widgetBus);
+    WidgetCenter(applicationBus).reloadAllTimelines();
+    QTRY_COMPARE(heard.size(), 1);
+}
+
+void WidgetCenterTest::reloadsAreHeardOnABusThatReturns()
+{
+    PrivateBus bus;
+    const SessionBus widgetBus(bus.address());
+    const SessionBus applicationBus(bus.address());
+    const WidgetReloads reloads(widgetBus);
+    QSignalSpy heard(&reloads, &WidgetReloads::reloadRequested);
+    QSignalSpy connected(&applicationBus, &SessionBus::connected);
+    bus.stop();
+    bus.start();
+    QTRY_COMPARE(heard.size(), 1);
+    QTRY_COMPARE(connected.size(), 1);
+    settle(widgetBus);
+    WidgetCenter(applicationBus).reloadAllTimelines();
+    QTRY_COMPARE(heard.size(), 2);
+}
+
+void WidgetCenterTest::reloadsAreHeardOnABusThatComesLater()
+{
+    PrivateBus bus;
+    bus.stop();
+    const SessionBus widgetBus(bus.address());
+    const WidgetReloads reloads(widgetBus);
+    QSignalSpy heard(&reloads, &WidgetReloads::reloadRequested);
+    bus.start();
+    QTRY_COMPARE(heard.size(), 1);
+    const SessionBus applicationBus(bus.address());
+    settle(widgetBus);
+    WidgetCenter(applicationBus).reloadAllTimelines();
+    QTRY_COMPARE(heard.size(), 2);
 }
 
 TICKWISE_TEST(WidgetCenterTest)

@@ -33,6 +33,7 @@ class AppGroupContainerTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
+    void hasItsPathBeforeItIsMade();
     void isMadeForTheUserAlone();
     void isMadeWithItsParents();
     void isFoundAgainAsItIs();
@@ -60,6 +61,13 @@ void AppGroupContainerTest::cleanup()
 {
     qputenv("XDG_DATA_HOME", m_dataHome);
     m_home.reset();
+}
+
+void AppGroupContainerTest::hasItsPathBeforeItIsMade()
+{
+    QCOMPARE(appGroupContainerPath(group), std::optional(m_home->filePath(group)));
+    QVERIFY(!QFileInfo::exists(m_home->filePath(group)));
+    QCOMPARE(appGroupContainerPath(QStringLiteral("../elsewhere")), std::nullopt);
 }
 
 void AppGroupContainerTest::isMadeForTheUserAlone()

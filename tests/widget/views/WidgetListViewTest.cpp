@@ -3,6 +3,7 @@
 #include "doubles/TestClock.h"
 #include "doubles/TestProgram.h"
 
+#include <QAccessible>
 #include <QSignalSpy>
 
 using namespace tickwise;
@@ -72,6 +73,7 @@ private Q_SLOTS:
     void boostWritesInWhite();
     void asksForTheLogosThatItShows();
     void readsItsRowsOut();
+    void growsWithTheDesktopsTexts();
 };
 
 void WidgetListViewTest::paintsEachRowInItsColor()
@@ -214,9 +216,41 @@ void WidgetListViewTest::readsItsRowsOut()
 {
     test::TestClock clock;
     WidgetListView view({}, clock.clock());
+    view.resize(336, int(WidgetListView::heightOf(DesktopOverlayTextSize::normal, 2)));
     view.setContent(threeCoins(clock.now()));
-    QCOMPARE(view.accessibleName(), QStringLiteral("Watchlist"));
-    QVERIFY(view.accessibleDescription().startsWith(QStringLiteral("bitcoin, 67,432 USD, +1.23%; ethereum")));
+    view.show();
+    QAccessibleInterface *const list = QAccessible::queryAccessibleInterface(&view);
+    QCOMPARE(list->role(), QAccessible::List);
+    QCOMPARE(list->text(QAccessible::Name), QStringLiteral("Watchlist"));
+    QCOMPARE(list->childCount(), 2);
+    QAccessibleInterface *const second = list->child(1);
+    QCOMPARE(second->role(), QAccessible::ListItem);
+    QVERIFY(second->text(QAccessible::Name).startsWith(QStringLiteral("ethereum, 3,457 USD, -0.50%")));
+    QCOMPARE(second->parent(), list);
+    QCOMPARE(list->indexOfChild(second), 1);
+    const QRect place = second->rect();
+    QCOMPARE(place.translated(-view.mapToGlobal(QPoint())), QRect(0, 22 + 39, 336, 38));
+    QCOMPARE(list->childAt(place.center().x(), place.center().y()), second);
+    view.setContent({});
+    QCOMPARE(list->childCount(), 0);
+    QVERIFY(!second->isValid());
+}
+
+void WidgetListViewTest::growsWithTheDesktopsTexts()
+{
+    test::TestClock clock;
+    WidgetListView view({}, clock.clock());
+    view.resize(336, 61);
+    view.setContent(threeCoins(clock.now()));
+    const QRect change(236, 22, 100, 38);
+    QVERIFY(contains(painted(view), QColor(0, 255, 0), change));
+    const int usual = opaquePixels(painted(view), change);
+    view.setScale(2);
+    view.resize(672, 122);
+    QCOMPARE(view.shownRows(), 1);
+    QCOMPARE(view.rowRect(0), QRectF(0, 44, 672, 76));
+    const int doubled = opaquePixels(painted(view), QRect(change.topLeft() * 2, change.size() * 2));
+    QVERIFY2(doubled > 3 * usual && doubled < 5 * usual, qPrintable(QStringLiteral("%1 %2").arg(usual).arg(doubled)));
 }
 
 TICKWISE_WIDGET_TEST(WidgetListViewTest)

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "widget/views/DesktopSurface.h"
+
+#include <QPointer>
+#include <QWidget>
+
+namespace tickwise {
+
+/// An ordinary window without a frame, for a session that has no place for windows on its desktop.
+class OrdinarySurface : public DesktopSurface
+{
+public:
+    void show(QWidget &window, const QRect &frame) override;
+    void hide() override;
+    bool isShown() const override { return m_window; }
+    void place(const QRect &frame) override;
+    QRect frame() const override;
+    QPoint pointerPosition(const QMouseEvent &event) const override;
+    void setInteractive(bool interactive) override;
+    DesktopScreens screens() const override;
+    bool isTranslucent() const override { return true; }
+
+private:
+    QPointer<QWidget> m_window;
+};
+
+} // namespace tickwise
