@@ -1,7 +1,7 @@
-#include "platform/session/DesktopPackageInstaller.h"
+#include "platform/session/packages/DesktopPackageInstaller.h"
 
-#include "platform/session/AppImageReplacement.h"
-#include "platform/session/PackageOpening.h"
+#include "platform/session/packages/AppImageReplacement.h"
+#include "platform/session/packages/PackageOpening.h"
 
 #include <QCoreApplication>
 #include <QProcess>

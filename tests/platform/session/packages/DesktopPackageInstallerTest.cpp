@@ -1,7 +1,7 @@
-#include "platform/session/DesktopPackageInstaller.h"
+#include "platform/session/packages/DesktopPackageInstaller.h"
 
 #include "doubles/TestProgram.h"
-#include "platform/session/PackageOpening.h"
+#include "platform/session/packages/PackageOpening.h"
 
 #include <QFile>
 #include <QProcess>

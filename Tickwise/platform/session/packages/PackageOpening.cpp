@@ -1,4 +1,4 @@
-#include "platform/session/PackageOpening.h"
+#include "platform/session/packages/PackageOpening.h"
 
 #include <QMimeDatabase>
 

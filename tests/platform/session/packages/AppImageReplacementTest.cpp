@@ -1,4 +1,4 @@
-#include "platform/session/AppImageReplacement.h"
+#include "platform/session/packages/AppImageReplacement.h"
 
 #include "doubles/TestProgram.h"
 
