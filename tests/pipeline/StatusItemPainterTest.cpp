@@ -2,6 +2,7 @@
 
 #include "doubles/TestProgram.h"
 #include "pipeline/CompactPrice.h"
+#include "support/TintedSvg.h"
 
 #include <QPainter>
 
@@ -172,6 +173,7 @@ void StatusItemPainterTest::theLogoTakesItsLengthAndThePanelsColor()
     const QRect box = inked(image);
     QVERIFY(box.width() <= 18 && box.height() <= 18);
     QVERIFY(box.left() >= 5 && box.right() <= 22);
+    QCOMPARE(box.size(), inked(tintedSvg(QStringLiteral(":/menubar-logo.svg"), 18, panelText)).size());
 }
 
 void StatusItemPainterTest::doubleDensityDoublesTheSize()
@@ -251,6 +253,7 @@ void StatusItemPainterTest::badgeWithoutAPillIsTheColoredArrow()
     const QImage image = paintStatusBadge(content, style(), 32);
     QCOMPARE(image.pixelColor(16, 16), green);
     QCOMPARE(qAlpha(image.pixel(5, 8)), 0);
+    QVERIFY2(image.pixelColor(16, 23).green() > 150, "its edge has no line");
 }
 
 void StatusItemPainterTest::badgeOfANeutralCoinShowsItsInitial()
@@ -278,14 +281,20 @@ void StatusItemPainterTest::compactPriceIsShort_data()
     row(0.0994, "0.0994");
     row(0.1235, "0.123");
     row(0.9994, "0.999");
-    row(0.9996, "1.00");
+    row(0.0995, "0.100");
+    row(0.9995, "1.00");
     row(5, "5.00");
     row(12.35, "12.3");
     row(123.4, "123");
     row(999.4, "999");
-    row(999.6, "1000");
+    row(999.5, "1000");
+    row(9.994, "9.99");
+    row(9.996, "10.0");
+    row(99.94, "99.9");
+    row(99.96, "100");
     row(3188, "3188");
-    row(9999.6, "10.0K");
+    row(9999.4, "9999");
+    row(9999.5, "10.0K");
     row(67432, "67.4K");
     row(99960, "100K");
     row(999499, "999K");

@@ -41,7 +41,9 @@ void BackgroundRequest::send(const QString &program, const QString &reason)
 {
     if (!m_bus.isConnected()) {
         // A call on such a connection never finishes.
-        QMetaObject::invokeMethod(this, &BackgroundRequest::busEnded, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { finish(portalFailure(Kind::noMessageBus, QStringLiteral("there is no session bus"))); },
+            Qt::QueuedConnection);
         return;
     }
     const QString token = QStringLiteral("tickwise") + QUuid::createUuid().toString(QUuid::Id128);
@@ -57,11 +59,6 @@ void BackgroundRequest::send(const QString &program, const QString &reason)
     const QDBusMessage call = portalCall(portalInterface(), QStringLiteral("RequestBackground"), {QString(), options});
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] { takeReply(*watcher); });
-}
-
-void BackgroundRequest::busEnded()
-{
-    finish(portalFailure(Kind::noMessageBus, QStringLiteral("there is no session bus")));
 }
 
 void BackgroundRequest::listen(const QString &requestPath)

@@ -26,8 +26,6 @@ public:
 
     /// `program` is the command inside the sandbox, `reason` is shown to the user.
     void send(const QString &program, const QString &reason);
-    /// Gives up: no answer comes from a bus that has ended.
-    void busEnded();
 
 private:
     void listen(const QString &requestPath);

@@ -136,7 +136,6 @@ PortalLoginItem::PortalLoginItem(const SessionBus &bus, QString program, std::fu
 void PortalLoginItem::setRegistered(bool registered, Completion<void> done)
 {
     auto *request = new BackgroundRequest(m_bus.connection(), registered, std::move(done), &m_requests);
-    QObject::connect(&m_bus, &SessionBus::disconnected, request, &BackgroundRequest::busEnded);
     request->send(m_program, m_reason());
 }
 

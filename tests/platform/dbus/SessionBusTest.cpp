@@ -105,7 +105,7 @@ void SessionBusTest::aDeafBusIsNoneUntilItHears()
     opening.start();
     SessionBus session(bus.address());
     QVERIFY(!session.connection().isConnected());
-    QVERIFY2(opening.durationElapsed() < 10 * SessionBus::longestSilence, "the library itself waits for 25 seconds");
+    QVERIFY2(opening.elapsed() < 10000, "the library itself waits for 25 seconds");
     QSignalSpy connected(&session, &SessionBus::connected);
     bus.resume();
     QTRY_COMPARE(connected.size(), 1);
