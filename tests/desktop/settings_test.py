@@ -122,8 +122,7 @@ class AccessibilityTest(unittest.TestCase):
 
     def shown(self, *roles):
         """The nodes of these roles that are shown with all that contains them."""
-        return [node for node, ancestors in self.tree.nodes_with_ancestors("app_probe")
-                if node.role in roles and all(each.has_state("showing") for each in (node, *ancestors[1:]))]
+        return [node for node, _ in self.tree.nodes_with_ancestors("app_probe", only_shown=True) if node.role in roles]
 
     def find(self, role, name):
         return next((node for node in self.shown(role) if name in (node.name, *node.labels(), node.description())), None)
