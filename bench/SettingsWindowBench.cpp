@@ -111,6 +111,7 @@ std::vector<PageCounts> countedPages()
     const std::unique_ptr<QWidget> window = subject.open();
     const auto *const tabs = window->findChild<QTabWidget *>();
     std::vector<PageCounts> pages;
+    pages.reserve(size_t(tabs->count()));
     for (int i = 0; i < tabs->count(); ++i)
         pages.push_back(countsOf(*tabs->widget(i)));
     return pages;

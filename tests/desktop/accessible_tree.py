@@ -91,11 +91,12 @@ class AccessibleTree:
         """Every object of the program, parents before children; empty until the program has announced itself."""
         return [node for node, _ in self.nodes_with_ancestors(program)]
 
-    def nodes_with_ancestors(self, program):
-        """The same as pairs of an object and the list of those that contain it."""
+    def nodes_with_ancestors(self, program, only_shown=False):
+        """The same as pairs of an object and the list of those that contain it; `only_shown`: without what is hidden, and
+        without what that contains."""
         for application in Node(self, *_REGISTRY).children():
             if application.name == program:
-                return list(self._below(application, []))
+                return list(self._below(application, [], only_shown))
         return []
 
     def wait_for(self, program, name, role=None):
@@ -112,7 +113,9 @@ class AccessibleTree:
         return self._connection.call_sync(service, path, interface, method, parameters, None, Gio.DBusCallFlags.NONE, 5000,
                                           None).unpack()
 
-    def _below(self, node, ancestors):
+    def _below(self, node, ancestors, only_shown):
+        if only_shown and ancestors and not node.has_state("showing"):
+            return
         yield node, ancestors
         for child in node.children():
-            yield from self._below(child, [*ancestors, node])
+            yield from self._below(child, [*ancestors, node], only_shown)

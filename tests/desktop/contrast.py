@@ -37,7 +37,7 @@ def contrast(first, second):
 
 
 def text_contrasts(picture, nodes):
-    """Triples of contrast, name and role of the texts that the nodes show. A node follows its parents."""
+    """Triples of contrast, name and role of the texts that the nodes show: pairs of a node and those that contain it."""
     found = []
     for node, box, inner in _boxes(nodes):
         if node.role in _GRAPHICS or not node.name or not node.has_state("sensitive"):
@@ -51,11 +51,9 @@ def text_contrasts(picture, nodes):
 
 
 def _boxes(nodes):
-    """Each node that is shown, the part of it that is in sight, and the boxes of what it contains."""
+    """Each node of those shown, the part of it that is in sight, and the boxes of what it contains."""
     shown = []
     for node, ancestors in nodes:
-        if not all(each.has_state("showing") for each in (node, *ancestors) if each.role != "application"):
-            continue
         box = node.extents()
         for ancestor in ancestors:
             if ancestor.role != "application":

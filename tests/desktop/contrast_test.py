@@ -67,13 +67,13 @@ class Scene:
         return self.desktop.wait_for(found, what=name)
 
     def nodes(self):
-        return self._tree.nodes_with_ancestors("app_probe")
+        return self._tree.nodes_with_ancestors("app_probe", only_shown=True)
 
     def shown_nodes(self, root, text):
         """What is below the node of the name `root`, once the text is among it and shown."""
         def below():
             nodes = [(node, ancestors) for node, ancestors in self.nodes() if root in {each.name for each in ancestors}]
-            return nodes if any(text in node.name and node.has_state("showing") for node, _ in nodes) else None
+            return nodes if any(text in node.name for node, _ in nodes) else None
         return self.desktop.wait_for(below, what=f"{text} in {root}")
 
     def settled_picture(self):

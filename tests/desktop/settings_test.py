@@ -122,8 +122,7 @@ class AccessibilityTest(unittest.TestCase):
 
     def shown(self, *roles):
         """The nodes of these roles that are shown with all that contains them."""
-        return [node for node, ancestors in self.tree.nodes_with_ancestors("app_probe")
-                if node.role in roles and all(each.has_state("showing") for each in (node, *ancestors[1:]))]
+        return [node for node, _ in self.tree.nodes_with_ancestors("app_probe", only_shown=True) if node.role in roles]
 
     def find(self, role, name):
         return next((node for node in self.shown(role) if name in (node.name, *node.labels(), node.description())), None)
@@ -168,6 +167,19 @@ class AccessibilityTest(unittest.TestCase):
     def focused(self):
         return [node for node in self.shown(*self.CONTROLS) if node.has_state("focused")]
 
+    def look(self, box):
+        return self.desktop.picture().colours(*box)
+
+    def settled_look(self, box):
+        """The colors in that box once they have stopped changing."""
+        looks = [self.look(box)]
+
+        def settled():
+            looks.append(self.look(box))
+            return looks[-1] == looks[-2]
+        self.desktop.wait_for(settled, what="a look that stays")
+        return looks[-1]
+
     def test_tab_reaches_every_control_in_order_and_shows_where_it_is(self):
         self.open()
         key = ENGLISH.text
@@ -180,12 +192,21 @@ class AccessibilityTest(unittest.TestCase):
                  ("slider", key("desktop.opacity")), ("combo box", "USD"),
                  ("check box", key("general.notification.priceAlert")), ("combo box", "English"),
                  ("page tab", key("settings.tab.general"))]
-        before = self.focused()[0]
+        # Styles show where the focus is once a key has moved it.
+        first = self.focused()[0]
+        self.desktop.press_key("Tab")
+        before = self.desktop.wait_for(lambda: [n for n in self.focused() if n.key != first.key], what="a new focus")[0]
         seen = []
         for _ in order:
+            box = before.extents()
+            look = self.settled_look(box)
             self.desktop.press_key("Tab")
             now = self.desktop.wait_for(lambda old=before.key: [n for n in self.focused() if n.key != old], what="a new focus")[0]
             seen.append((now.role, now.name))
+            # Where the page has not scrolled, what has lost the focus looks different.
+            if before.extents() == box:
+                self.desktop.wait_for(lambda box=box, look=look: self.look(box) != look,
+                                      what=f"a look of {before.name} without the focus")
             before = now
         self.assertEqual(seen[seen.index(order[0]):] + seen[:seen.index(order[0])], order)
 

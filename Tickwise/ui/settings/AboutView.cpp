@@ -5,6 +5,7 @@
 #include "ui/updates/UpdateController.h"
 
 #include <QFormLayout>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QPushButton>
 #include <QUrl>
@@ -36,7 +37,7 @@ void AboutView::buildVersion(const AboutInformation &information)
 {
     auto *const row = new QHBoxLayout;
     auto *const logo = new QLabel(this);
-    logo->setPixmap(appLogo(logoSide, devicePixelRatioF()));
+    logo->setPixmap(appLogo(logoSide, qGuiApp->devicePixelRatio()));
     auto *const text = new QLabel(this);
     text->setObjectName(QStringLiteral("about.version"));
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);

@@ -62,7 +62,7 @@ SettingsWindow::SettingsWindow(SettingsViewModel &settings, SettingsDataStorage 
     m_tabs->setDocumentMode(true);
     for (QWidget *const page : {pages.general, pages.watchlist, pages.about})
         m_tabs->addTab(scrolling(page), QString());
-    setWindowIcon(appLogo(iconSide, 1));
+    setWindowIcon(appLogo(iconSide, qGuiApp->devicePixelRatio()));
     writeTexts();
     setSizeLimits(settingsWindowMinimum, settingsWindowMaximum);
     restoreFrame();

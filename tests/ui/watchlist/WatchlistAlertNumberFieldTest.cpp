@@ -1,11 +1,16 @@
 #include "ui/watchlist/WatchlistAlertNumberField.h"
 
 #include "doubles/TestProgram.h"
+#include "pipeline/AlertNumberText.h"
 
 #include <QClipboard>
+#include <QDropEvent>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
+#include <QMimeData>
 #include <QSignalSpy>
+
+#include <functional>
 
 using namespace tickwise;
 
@@ -20,6 +25,8 @@ private Q_SLOTS:
     void keepsWhatBelongsIntoANumber();
     void tellsEachNumberAtOnce();
     void pastedText();
+    void everyWayInIsFiltered_data();
+    void everyWayInIsFiltered();
     void composedText();
     void aTextThatIsNoNumberIsPutBack();
     void aChangeFromElsewhereShows();
@@ -87,6 +94,53 @@ void WatchlistAlertNumberFieldTest::pastedText()
     QGuiApplication::clipboard()->setText(QStringLiteral(" $1,234.56.7 "));
     field.paste();
     QCOMPARE(field.text(), QStringLiteral("1234.567"));
+}
+
+void WatchlistAlertNumberFieldTest::everyWayInIsFiltered_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("kept");
+    QTest::addColumn<double>("threshold");
+    QTest::newRow("an exponent") << QStringLiteral("1.2.3e5") << QStringLiteral("1.235") << 1.235;
+    QTest::newRow("full-width digits") << QStringLiteral("１２３") << QString() << 2.0;
+    QTest::newRow("a sign") << QStringLiteral("-5") << QStringLiteral("5") << 5.0;
+    QTest::newRow("400 digits") << QString(400, u'9') << QString(400, u'9') << 2.0;
+    QTest::newRow("lines") << QStringLiteral("1\n2\t3") << QStringLiteral("123") << 123.0;
+}
+
+void WatchlistAlertNumberFieldTest::everyWayInIsFiltered()
+{
+    QFETCH(QString, text);
+    const auto paste = [text](QLineEdit &field) {
+        QGuiApplication::clipboard()->setText(text);
+        field.paste();
+    };
+    const auto drop = [text](QLineEdit &field) {
+        QMimeData data;
+        data.setText(text);
+        QDragEnterEvent enter(QPoint(4, 4), Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&field, &enter);
+        QDropEvent dropped(QPointF(4, 4), Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&field, &dropped);
+    };
+    const auto compose = [text](QLineEdit &field) {
+        QInputMethodEvent commit;
+        commit.setCommitString(text);
+        QCoreApplication::sendEvent(&field, &commit);
+    };
+    for (const std::function<void(QLineEdit &)> &enter : {std::function<void(QLineEdit &)>(paste), {drop}, {compose}}) {
+        WatchlistAlertNumberField field;
+        field.setThreshold(2);
+        double told = 2;
+        connect(&field, &WatchlistAlertNumberField::thresholdEdited, &field, [&told](double value) { told = value; });
+        field.show();
+        field.clear();
+        enter(field);
+        QTEST(field.text(), "kept");
+        QTEST(told, "threshold");
+        QTest::keyClick(&field, Qt::Key_Return);
+        QTEST(alertNumber(field.text()).value_or(-1), "threshold");
+    }
 }
 
 void WatchlistAlertNumberFieldTest::composedText()
