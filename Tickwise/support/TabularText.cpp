@@ -13,28 +13,12 @@ bool isAsciiDigit(QChar character)
     return character >= u'0' && character <= u'9';
 }
 
-QFont withoutKerning(QFont font)
-{
-    font.setKerning(false); // it would move what follows a digit
-    return font;
-}
-
 double widestDigit(const QFontMetricsF &metrics)
 {
     double widest = 0;
     for (char16_t digit = u'0'; digit <= u'9'; ++digit)
         widest = std::max(widest, metrics.horizontalAdvance(QChar(digit)));
-    return widest;
-}
-
-bool hasEvenDigits(const QFontMetricsF &metrics)
-{
-    const double first = metrics.horizontalAdvance(QChar(u'0'));
-    for (char16_t digit = u'1'; digit <= u'9'; ++digit) {
-        if (metrics.horizontalAdvance(QChar(digit)) != first)
-            return false;
-    }
-    return true;
+    return std::round(widest);
 }
 
 /// Calls `visit` with each single digit and with each run of other characters, which are shaped together.
@@ -54,17 +38,10 @@ void forEachRun(const QString &text, const std::function<void(const QString &, b
 } // namespace
 
 TabularText::TabularText(const QFont &font)
-    : m_font(withoutKerning(font))
-    , m_metrics(m_font)
-    , m_hasEvenDigits(hasEvenDigits(m_metrics))
-    , m_cell(whole(widestDigit(m_metrics)))
+    : m_font(font)
+    , m_metrics(font)
+    , m_cell(widestDigit(m_metrics))
 {
-}
-
-/// Digits that are put into cells one by one start at whole pixels.
-double TabularText::whole(double advance) const
-{
-    return m_hasEvenDigits ? advance : std::round(advance);
 }
 
 // A single character is measured without shaping, which is the most expensive step.
@@ -76,15 +53,13 @@ double TabularText::advanceOf(const QString &run) const
 double TabularText::width(const QString &text) const
 {
     double total = 0;
-    forEachRun(text, [&](const QString &run, bool digit) { total += digit ? m_cell : whole(advanceOf(run)); });
+    forEachRun(text, [&](const QString &run, bool digit) { total += digit ? m_cell : std::round(advanceOf(run)); });
     return total;
 }
 
 void TabularText::draw(QPainter &painter, double x, double baseline, const QString &text) const
 {
     painter.setFont(m_font);
-    if (m_hasEvenDigits)
-        return painter.drawText(QPointF(x, baseline), text);
     forEachRun(text, [&](const QString &run, bool digit) {
         const double advance = advanceOf(run);
         const double inset = digit ? std::round((m_cell - advance) / 2) : 0;

@@ -22,11 +22,9 @@ public:
 
 private:
     double advanceOf(const QString &run) const;
-    double whole(double advance) const;
 
     QFont m_font;
     QFontMetricsF m_metrics;
-    bool m_hasEvenDigits; ///< the font's own digits are all of one width
     double m_cell;
 };
 

@@ -1,6 +1,8 @@
 """A GNOME Shell without a screen, with the extension that shows status items."""
 
+import glob
 import os
+import re
 
 from desktop_base import WATCHER, DesktopSession
 from session_process import SessionError
@@ -18,6 +20,7 @@ class GnomeSession(DesktopSession):
 
     def __init__(self, notifications=None):
         super().__init__(notifications, UNPRIVILEGED_ID if os.getuid() == 0 else None)
+        self.shell = None
 
     def _start_desktop(self):
         display = "tickwise-gnome"
@@ -26,12 +29,24 @@ class GnomeSession(DesktopSession):
         self.start_process("logind", ["/usr/bin/python3", "-m", "dbusmock", "--system", "--template", "logind"])
         self.wait_for(lambda: self.system_bus.owner("org.freedesktop.login1"), what="the mocked logins")
         size = f"{self.width}x{self.height}"
-        self.start_process("gnome-shell", ["gnome-shell", "--headless", "--virtual-monitor", size, "--wayland", "--unsafe-mode",
-                                           "--wayland-display", display])
+        self.shell = self.start_process("gnome-shell", ["gnome-shell", "--headless", "--virtual-monitor", size, "--wayland",
+                                                        "--unsafe-mode", "--wayland-display", display])
         self._start_notifications()
         self.wait_for(lambda: self.bus.owner(WATCHER), 30, "GNOME's item host")
         self.environment["WAYLAND_DISPLAY"] = display
-        self.bus.call(_SHELL, "/org/gnome/Shell", _SHELL, "Eval", "(s)", ("Main.overview.hide()",))
+        self._find_x_display()
+        self.wait_for(self._hides_overview, what="the end of the overview")
+
+    def _hides_overview(self):
+        """The overview opens by itself some time after the start."""
+        hide = "Main.layoutManager._startingUp ? null : (Main.overview.hide(), !Main.overview.visible)"
+        return self.bus.call(_SHELL, "/org/gnome/Shell", _SHELL, "Eval", "(s)", (hide,)) == (True, "true")
+
+    def _find_x_display(self):
+        """GNOME starts its X server for the first program that asks for it; its log and its folder tell how to ask."""
+        found = self.wait_for(lambda: re.search(r"public X11 display (:\d+)", self.shell.log()), what="the X display")
+        (authority,) = glob.glob(os.path.join(self.environment["XDG_RUNTIME_DIR"], ".mutter-Xwaylandauth*"))
+        self.environment.update({"DISPLAY": found.group(1), "XAUTHORITY": authority})
 
     def _capture(self, kind):
         if kind != "png":

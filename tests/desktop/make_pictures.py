@@ -11,7 +11,6 @@ from application import IDENTIFIER, Application, Texts, coin
 from desktop_session import SwaySession, X11Session
 from furnished_session import FurnishedSession
 from gnome_session import GnomeSession
-from panel_pixels import GREEN, wait_for_box
 
 STRIP_WIDTH = 360
 PRICES = (("BTC", 67432.4, 1.5), ("ETH", 3188, -2.1))
@@ -44,10 +43,12 @@ HOSTS = {
 POPOVERS = {
     "popover-xfce": (FurnishedSession, (560, 0, 720, 460)),
     "popover-waybar": (lambda: SwaySession("waybar", notifications=None), (800, 0, 480, 460)),
+    "popover-gnome": (GnomeSession, (800, 0, 480, 460)),
+    "popover-plasma": (x11("plasma", "kwin_x11"), (800, 340, 480, 460)),
 }
 POPOVER_PRICES = (*PRICES, ("SOL", 150.25, 0.4), ("DOGE", 0.1234, -0.5), ("XRP", 0.52, 0), ("ADA", 0.4512, 3.2))
 POPOVER_COINS = [coin(name) for name in ("bitcoin", "ethereum", "solana", "dogecoin", "ripple", "cardano")]
-USUAL = ("xfce", "waybar", "alert", *POPOVERS)
+USUAL = ("xfce", "waybar", "alert", "popover-xfce", "popover-waybar")
 
 
 def convert(*arguments, data=None):
@@ -75,6 +76,12 @@ def settled_crop(desktop, area, unlike):
     picture = desktop.wait_for(settled, 30, "a picture that stays")
     unlike.append(seen[-1])
     return picture
+
+
+def changed_crop(desktop, area, unlike):
+    """The part of the screen as soon as it differs from the ones before: the popover tells the age of its prices."""
+    desktop.wait_for(lambda: pixels(crop(desktop, *area)) not in unlike, what="a change of the screen")
+    return crop(desktop, *area)
 
 
 def picture_of_panel(path, host):
@@ -108,15 +115,16 @@ def picture_of_alert(path):
 def picture_of_popover(path, name):
     make_session, area = POPOVERS[name]
     with make_session() as desktop:
-        application = Application(desktop, POPOVER_PRICES, addedCoins=POPOVER_COINS)
-        wait_for_box(desktop, GREEN)
         unlike = []
         settled_crop(desktop, area, unlike)
+        application = Application(desktop, POPOVER_PRICES, addedCoins=POPOVER_COINS)
+        application.wait_for_content(text="BTC 67,432")
+        settled_crop(desktop, area, unlike)  # with the item
         desktop.bus.call(IDENTIFIER, "/" + IDENTIFIER.replace(".", "/"), "org.freedesktop.Application", "Activate",
                          "(a{sv})", ({},))
         application.wait_for_window_text(Texts("en").text("popover.watchlist"))
         with open(path, "wb") as file:
-            file.write(convert("png:-", "-colors", "255", "PNG8:-", data=settled_crop(desktop, area, unlike)))
+            file.write(convert("png:-", "-colors", "255", "PNG8:-", data=changed_crop(desktop, area, unlike)))
 
 
 def main():

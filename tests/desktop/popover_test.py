@@ -171,6 +171,15 @@ class XfceTest(PopoverChecks, unittest.TestCase):
     def test_prices_tick_while_it_is_open(self):
         self.check_prices_tick_while_it_is_open("popover-xfce.png")
 
+    def test_stays_open_when_the_item_comes(self):
+        with X11Session("xfce4-panel", notifications=None, with_panel=False) as desktop:
+            application = start(desktop)
+            desktop.bus.call(IDENTIFIER, OBJECT, "org.freedesktop.Application", "Activate", "(a{sv})", ({},))
+            wait_for_popover(desktop, application)
+            desktop.start_panel()
+            self.item(desktop)
+            self.assertTrue(popover(application), "the item's window closed it")
+
     def test_panel_goes_while_it_is_open(self):
         self.check_panel_that_goes()
 

@@ -19,11 +19,11 @@ TEXTS = Texts("en")
 class Show:
     """The demo and what is done with it."""
 
-    def __init__(self, desktop, program, folder):
+    def __init__(self, desktop, tree, demo, folder):
         self._desktop = desktop
+        self._tree = tree
+        self._demo = demo
         self._folder = folder
-        self._tree = AccessibleTree(desktop)
-        self.demo = desktop.run(program, env=self._tree.environment)
 
     def prices(self):
         print("XFCE's panel on a virtual X server shows:", flush=True)
@@ -56,9 +56,9 @@ class Show:
 
     def _lines(self, count):
         """The lines that the demo has printed of its status item, once there are that many."""
-        if not self.demo.is_running():
-            sys.exit(f"the demo ended: {self.demo.log()}")
-        lines = self.demo.output().splitlines()
+        if not self._demo.is_running():
+            sys.exit(f"the demo ended: {self._demo.log()}")
+        lines = self._demo.output().splitlines()
         return lines if len(lines) >= count else None
 
     def _call(self, method, signature, arguments):
@@ -74,10 +74,12 @@ def main():
     program, folder = sys.argv[1:]
     os.makedirs(folder, exist_ok=True)
     with FurnishedSession() as desktop:
-        show = Show(desktop, program, folder)
+        tree = AccessibleTree(desktop)
+        demo = desktop.run(program, env=tree.environment)
+        show = Show(desktop, tree, demo, folder)
         for scene in (show.prices, show.popover, show.drag, show.search):
             scene()
-        code = desktop.stop_process(show.demo)
+        code = desktop.stop_process(demo)
     if code != 0:
         sys.exit(f"the demo ended with {code}")
 

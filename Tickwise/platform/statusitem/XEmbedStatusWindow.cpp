@@ -20,7 +20,8 @@ constexpr QPoint beyondTheScreen(-2000, -2000);
 } // namespace
 
 XEmbedStatusWindow::XEmbedStatusWindow(Shape shape)
-    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint)
+    // A tool: Qt closes every popup, and so an open popover, when a window of another kind is shown.
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint)
     , m_shape(shape)
 {
     setAttribute(Qt::WA_TranslucentBackground);

@@ -59,7 +59,7 @@ double shadowAt(double distance, double reach)
 QRgb over(QRgb below, const QColor &color, double opacity)
 {
     const double alpha = double(color.alphaF()) * opacity;
-    const auto mixed = [alpha](int above, int under) { return int(above * alpha + under * (1 - alpha) + 0.5); };
+    const auto mixed = [alpha](int above, int under) { return int(std::lround(above * alpha + under * (1 - alpha))); };
     return qRgba(mixed(color.red(), qRed(below)), mixed(color.green(), qGreen(below)),
                  mixed(color.blue(), qBlue(below)), mixed(255, qAlpha(below)));
 }
