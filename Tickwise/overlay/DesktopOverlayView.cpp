@@ -50,6 +50,7 @@ void DesktopOverlayView::refresh()
         return;
     m_adjustControls->setVisible(m_model.isAdjusting());
     m_adjustControls->doneButton().setFocus();
+    arrange();
 }
 
 void DesktopOverlayView::resizeEvent(QResizeEvent *event)
@@ -62,6 +63,8 @@ void DesktopOverlayView::arrange()
 {
     m_backdrop->setGeometry(rect());
     m_list->setGeometry(rect().adjusted(listPadding, listPadding, -listPadding, -listPadding));
+    if (!m_adjustControls->isVisibleTo(this))
+        return;
     QRect controls(QPoint(), m_adjustControls->sizeWithin(width() - 2 * controlsMargin));
     controls.moveCenter(rect().center());
     m_adjustControls->setGeometry(controls);
