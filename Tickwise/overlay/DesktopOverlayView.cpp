@@ -30,6 +30,7 @@ DesktopOverlayView::DesktopOverlayView(DesktopOverlayModel &model, WidgetListVie
 void DesktopOverlayView::setTranslucent(bool translucent)
 {
     m_isTranslucent = translucent;
+    m_backdrop->setFillsCorners(!translucent);
     refresh();
 }
 
