@@ -26,6 +26,12 @@ void DesktopOverlayBackdrop::setOpacity(double opacity)
         update();
 }
 
+void DesktopOverlayBackdrop::setFillsCorners(bool fills)
+{
+    if (std::exchange(m_fillsCorners, fills) != fills)
+        update();
+}
+
 void DesktopOverlayBackdrop::paintEvent(QPaintEvent *)
 {
     if (m_opacity <= 0)
@@ -35,7 +41,11 @@ void DesktopOverlayBackdrop::paintEvent(QPaintEvent *)
     painter.setOpacity(m_opacity);
     QColor border = palette().color(QPalette::WindowText);
     border.setAlphaF(borderOpacity);
-    painter.fillPath(continuousRect(rect(), radius), palette().color(QPalette::Window));
+    const QColor ground = palette().color(QPalette::Window);
+    if (m_fillsCorners)
+        painter.fillRect(rect(), ground);
+    else
+        painter.fillPath(continuousRect(rect(), radius), ground);
     painter.strokePath(continuousRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5), QPen(border, 1));
 }
 

@@ -16,12 +16,15 @@ public:
 
     double opacity() const { return m_opacity; }
     void setOpacity(double opacity);
+    /// Whether what lies outside the corners is painted, too: for a window whose corners are cut off.
+    void setFillsCorners(bool fills);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
     double m_opacity = 1;
+    bool m_fillsCorners = false;
 };
 
 } // namespace tickwise

@@ -30,6 +30,7 @@ DesktopOverlayView::DesktopOverlayView(DesktopOverlayModel &model, WidgetListVie
 void DesktopOverlayView::setTranslucent(bool translucent)
 {
     m_isTranslucent = translucent;
+    m_backdrop->setFillsCorners(!translucent);
     refresh();
 }
 
@@ -50,6 +51,7 @@ void DesktopOverlayView::refresh()
         return;
     m_adjustControls->setVisible(m_model.isAdjusting());
     m_adjustControls->doneButton().setFocus();
+    arrange();
 }
 
 void DesktopOverlayView::resizeEvent(QResizeEvent *event)
@@ -62,6 +64,8 @@ void DesktopOverlayView::arrange()
 {
     m_backdrop->setGeometry(rect());
     m_list->setGeometry(rect().adjusted(listPadding, listPadding, -listPadding, -listPadding));
+    if (!m_adjustControls->isVisibleTo(this))
+        return;
     QRect controls(QPoint(), m_adjustControls->sizeWithin(width() - 2 * controlsMargin));
     controls.moveCenter(rect().center());
     m_adjustControls->setGeometry(controls);

@@ -23,20 +23,21 @@ class Overlay:
         self.application = Application(desktop, PRICES, addedCoins=COINS, desktopOverlayEnabled=True, **settings)
         self.application.wait_for_content(text="BTC 67,432")
 
-    def is_at(self, left, top, ground=GROUND):
-        """Whether all edges are there, by the color just inside and outside of them."""
+    def is_at(self, left, top, ground=GROUND, scale=1):
+        """Whether all edges are there, by the color just inside and outside of them; `scale` is in pixels a point."""
         picture = self.desktop.picture()
         right, bottom = left + WIDTH - 1, top + HEIGHT - 1
         inside = ((left + 60, top + 4), (left + 4, top + 60), (right - 4, top + 60), (left + 60, bottom - 4))
         outside = ((left + 60, top - 3), (left - 3, top + 60), (right + 3, top + 60), (left + 60, bottom + 3))
 
         def has_ground(x, y):
+            x, y = int(x * scale), int(y * scale)
             inside_screen = 0 <= x < picture.width and 0 <= y < picture.height
             return inside_screen and all(abs(a - b) < 4 for a, b in zip(picture.at(x, y), ground))
         return all(has_ground(*point) for point in inside) and not any(has_ground(*point) for point in outside)
 
-    def wait_until_at(self, left, top, ground=GROUND):
-        self.desktop.wait_for(lambda: self.is_at(left, top, ground), what=f"the overlay at {left}, {top}")
+    def wait_until_at(self, left, top, ground=GROUND, scale=1):
+        self.desktop.wait_for(lambda: self.is_at(left, top, ground, scale), what=f"the overlay at {left}, {top}")
 
     def saved(self):
         """The place in the settings file, or None."""
@@ -239,6 +240,38 @@ class OpenboxTest(X11Checks, unittest.TestCase):
             overlay.wait_until_at(self.left, self.top)
 
 
+class MonitorsTest(unittest.TestCase):
+    """Two monitors of 640 points beside each other on X11."""
+
+    def add_monitor(self, desktop, name, left, output):
+        desktop.tool(["xrandr", "--setmonitor", name, f"640/170x800/200+{left}+0", output])
+
+    def test_moves_to_the_monitor_that_is_left_and_back(self):
+        with X11Session(None, "openbox", notifications=None) as desktop:
+            self.add_monitor(desktop, "left", 0, "screen")
+            self.add_monitor(desktop, "right", 640, "none")
+            overlay = Overlay(desktop, desktopOverlayTopLeft={"x": 700, "y": 700})
+            overlay.wait_until_at(700, 100)
+            desktop.tool(["xrandr", "--delmonitor", "right"])
+            overlay.wait_until_at(640 - WIDTH, 100)
+            self.assertEqual(overlay.saved(), (700, 700))
+            self.add_monitor(desktop, "right", 640, "none")
+            overlay.wait_until_at(700, 100)
+
+    def test_keeps_out_of_the_panel_of_its_monitor(self):
+        with X11Session("xfce4-panel", "openbox", notifications=None, with_panel=False) as desktop:
+            self.add_monitor(desktop, "left", 0, "screen")
+            self.add_monitor(desktop, "right", 640, "none")
+            overlay = Overlay(desktop)
+            desktop.start_panel()
+            left, top, _, height = desktop.window_geometry(desktop.windows("xfce4-panel")[0])
+            self.assertEqual(top, 0)
+            overlay.application.change_settings(desktopOverlayTopLeft={"x": left + 60, "y": 795})
+            overlay.wait_until_at(left + 60, height)
+            desktop.stop_panel()
+            overlay.wait_until_at(left + 60, 5)
+
+
 class SwayTest(OverlayChecks, unittest.TestCase):
     top = 30 + 24
 
@@ -269,6 +302,40 @@ class SwayTest(OverlayChecks, unittest.TestCase):
             wallpaper = desktop.picture().at(600, 600)
             overlay = Overlay(desktop, desktopOverlayBackgroundOpacity=0.5)
             overlay.wait_until_at(self.left, self.top, tuple((a + b) // 2 for a, b in zip(wallpaper, GROUND)))
+
+    def test_several_screens(self):
+        with self.make_session() as desktop:
+            desktop.add_output()
+            overlay = Overlay(desktop, desktopOverlayTopLeft={"x": 1500, "y": 500})
+            overlay.wait_until_at(1500, 300)
+            overlay.begin_adjusting()
+            self.drag(desktop, (1530, 312), (230, 212))
+            self.press_done(desktop, overlay, (200, 200))
+            overlay.wait_until_saved(200, 600)
+            overlay.wait_until_at(200, 200)
+
+    def test_screen_goes_and_returns(self):
+        """sway gives a screen that it was told to drop back at once: its surfaces are closed all the same."""
+        with self.make_session() as desktop:
+            desktop.add_output()
+            overlay = Overlay(desktop, desktopOverlayTopLeft={"x": 1500, "y": 500})
+            overlay.wait_until_at(1500, 300)
+            desktop.message("output HEADLESS-2 disable")
+            overlay.application.poll()
+            overlay.wait_until_at(1500, 300)
+            self.assertEqual(overlay.application.stop(), 0)
+
+    def test_fractional_scale(self):
+        with self.make_session() as desktop:
+            overlay = Overlay(desktop)
+            overlay.wait_until_at(self.left, self.top)
+            desktop.message("output HEADLESS-1 scale 1.5")
+            overlay.wait_until_at(1280 * 2 // 3 - WIDTH - 24, self.top, scale=1.5)
+            overlay.begin_adjusting()
+            self.press_key(desktop, "shift+Left")
+            overlay.wait_until_at(1280 * 2 // 3 - WIDTH - 48, self.top, scale=1.5)
+            self.press_key(desktop, "Return")
+            overlay.wait_until_saved(1280 * 2 // 3 - WIDTH - 48, 533 - self.top)
 
     def test_follows_the_bar(self):
         with self.make_session() as desktop:

@@ -66,6 +66,19 @@ class SwaySession(DesktopSession):
         """Sends a command or, with "-t", a question to sway; returns its JSON answer."""
         return json.loads(self.tool(["swaymsg", "-r", *words]))
 
+    def add_output(self):
+        """Adds an output at the right of the others."""
+        before = len(self.message("-t", "get_outputs"))
+        self.message("create_output")
+        outputs = self.wait_for(lambda: self._outputs(before + 1), what="another output")
+        self._pointer.set_extent(max(each["x"] + each["width"] for each in outputs),
+                                 max(each["y"] + each["height"] for each in outputs))
+
+    def _outputs(self, count):
+        """The places of all outputs once there are so many."""
+        places = [output["rect"] for output in self.message("-t", "get_outputs")]
+        return places if len(places) == count else None
+
     def windows(self, name):
         """The windows of the layout whose title or application id contains the text, as sway describes them."""
         found = []

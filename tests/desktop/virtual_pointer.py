@@ -37,6 +37,11 @@ class VirtualPointer:
     def close(self):
         self._socket.close()
 
+    def set_extent(self, width, height):
+        """The size of all outputs together: what positions are measured in."""
+        self._width = width
+        self._height = height
+
     def move(self, x, y):
         position = struct.pack("=IIIII", _milliseconds(), int(x), int(y), self._width, self._height)
         self._send(self._pointer, 1, position)

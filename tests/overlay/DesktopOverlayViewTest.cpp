@@ -61,6 +61,7 @@ private Q_SLOTS:
     void listFillsTheWindow();
     void backdropHasTheOpacity();
     void cornersAreRound();
+    void cornersThatAreCutOffAreFilled();
     void adjusting();
     void controlsFit_data();
     void controlsFit();
@@ -116,6 +117,16 @@ void DesktopOverlayViewTest::cornersAreRound()
         QCOMPARE(image.pixelColor(corner + 5 * inwards).alpha(), 0);
         QCOMPARE(image.pixelColor(corner + 8 * inwards).alpha(), 255);
     }
+}
+
+/// A mask has no half transparent pixels that would smooth the edge.
+void DesktopOverlayViewTest::cornersThatAreCutOffAreFilled()
+{
+    World world;
+    world.view.setTranslucent(false);
+    QCOMPARE(world.painted().pixelColor(0, 0), QColor(Qt::white));
+    world.view.setTranslucent(true);
+    QCOMPARE(world.painted().pixelColor(0, 0).alpha(), 0);
 }
 
 void DesktopOverlayViewTest::adjusting()

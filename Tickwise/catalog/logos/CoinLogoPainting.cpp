@@ -2,10 +2,10 @@
 
 #include "catalog/ShippedImages.h"
 #include "support/Graphemes.h"
+#include "support/SvgPainting.h"
 
 #include <QGuiApplication>
 #include <QPainter>
-#include <QSvgRenderer>
 
 namespace tickwise {
 
@@ -21,11 +21,7 @@ bool paintShippedLogo(QPainter &painter, const QRectF &box, const QString &asset
 {
     if (assetName.isEmpty() || !shippedImageExists(assetName))
         return false;
-    QSvgRenderer renderer(shippedImagePath(assetName));
-    if (!renderer.isValid())
-        return false;
-    renderer.render(&painter, box);
-    return true;
+    return paintSvg(painter, box, shippedImagePath(assetName));
 }
 
 void paintLogoImage(QPainter &painter, const QRectF &box, const QImage &image)

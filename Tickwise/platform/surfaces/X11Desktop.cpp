@@ -1,5 +1,7 @@
 #include "platform/surfaces/X11Desktop.h"
 
+#include "platform/surfaces/PanelStrut.h"
+
 #include <QGuiApplication>
 
 #include <algorithm>
@@ -48,6 +50,9 @@ X11Desktop::X11Desktop(xcb_connection_t *connection)
     , m_state(atom("_NET_WM_STATE"))
     , m_supported(atom("_NET_SUPPORTED"))
     , m_compositor(atom("_NET_WM_CM_S0"))
+    , m_clients(atom("_NET_CLIENT_LIST"))
+    , m_strut(atom("_NET_WM_STRUT_PARTIAL"))
+    , m_workArea(atom("_NET_WORKAREA"))
     , m_states{atom("_NET_WM_STATE_BELOW"), atom("_NET_WM_STATE_ABOVE"), atom("_NET_WM_STATE_STICKY"),
                atom("_NET_WM_STATE_SKIP_TASKBAR"), atom("_NET_WM_STATE_SKIP_PAGER")}
 {
@@ -64,15 +69,38 @@ uint32_t X11Desktop::atom(const char *name) const
     return reply ? reply->atom : XCB_NONE;
 }
 
+std::vector<uint32_t> X11Desktop::numbers(uint32_t window, uint32_t property, uint32_t type) const
+{
+    const auto cookie = xcb_get_property(m_connection, 0, window, property, type, 0, longestList);
+    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, nullptr));
+    if (!reply || reply->type != type || reply->format != 32)
+        return {};
+    const auto *const first = static_cast<const uint32_t *>(xcb_get_property_value(reply.get()));
+    return {first, first + reply->value_len};
+}
+
 bool X11Desktop::keepsWindowsBelow() const
 {
-    const auto cookie = xcb_get_property(m_connection, 0, m_root, m_supported, XCB_ATOM_ATOM, 0, longestList);
-    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, nullptr));
-    if (!reply || reply->type != XCB_ATOM_ATOM)
-        return true;
-    const auto *const first = static_cast<const xcb_atom_t *>(xcb_get_property_value(reply.get()));
-    const auto *const last = first + reply->value_len;
-    return std::find(first, last, m_states[below]) != last;
+    const std::vector<uint32_t> supported = numbers(m_root, m_supported, XCB_ATOM_ATOM);
+    return supported.empty() || std::find(supported.begin(), supported.end(), m_states[below]) != supported.end();
+}
+
+QRect X11Desktop::withoutPanels(const QRect &monitor) const
+{
+    const auto cookie = xcb_get_geometry(m_connection, m_root);
+    const Reply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(m_connection, cookie, nullptr));
+    if (!root)
+        return monitor;
+    QRect area = monitor;
+    for (const uint32_t client : numbers(m_root, m_clients, XCB_ATOM_WINDOW))
+        area &= withoutStrut(monitor, numbers(client, m_strut, XCB_ATOM_CARDINAL), {root->width, root->height});
+    return area.isEmpty() ? monitor : area;
+}
+
+bool X11Desktop::tellsOfPanels(const void *event) const
+{
+    const auto &change = *static_cast<const xcb_property_notify_event_t *>(event);
+    return (change.response_type & 0x7f) == XCB_PROPERTY_NOTIFY && change.window == m_root && change.atom == m_workArea;
 }
 
 bool X11Desktop::hasCompositor() const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QRect>
+
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -32,6 +34,11 @@ public:
     /// The event number by which the server tells that a selection has another owner; 0: it does not.
     uint8_t selectionEvent() const { return m_selectionEvent; }
 
+    /// The part of a monitor that panels leave free. All rectangles are in the X server's pixels.
+    QRect withoutPanels(const QRect &monitor) const;
+    /// Whether the event, an xcb_generic_event_t, tells that panels may leave another part free.
+    bool tellsOfPanels(const void *event) const;
+
     /// Writes the states of a window that is not mapped, and that it belongs to every workspace.
     void writeStates(uint32_t window, const std::vector<State> &states) const;
     /// Asks the window manager to change states of a mapped window.
@@ -40,6 +47,7 @@ public:
 private:
     explicit X11Desktop(xcb_connection_t *connection);
     uint32_t atom(const char *name) const;
+    std::vector<uint32_t> numbers(uint32_t window, uint32_t property, uint32_t type) const;
 
     xcb_connection_t *m_connection;
     uint32_t m_root = 0;
@@ -47,6 +55,9 @@ private:
     uint32_t m_state = 0;
     uint32_t m_supported = 0;
     uint32_t m_compositor = 0;
+    uint32_t m_clients = 0;
+    uint32_t m_strut = 0;
+    uint32_t m_workArea = 0;
     std::array<uint32_t, 5> m_states{};
     uint8_t m_selectionEvent = 0;
 };

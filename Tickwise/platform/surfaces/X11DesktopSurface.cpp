@@ -5,6 +5,8 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <qpa/qplatformscreen.h>
+
 #include <xcb/xcb.h>
 
 namespace tickwise {
@@ -18,6 +20,17 @@ Qt::WindowFlags windowFlags(bool interactive)
     const Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
     return flags |
            (interactive ? Qt::WindowStaysOnTopHint : Qt::WindowStaysOnBottomHint | Qt::WindowDoesNotAcceptFocus);
+}
+
+/// Qt knows the panels only where there is one screen. They are told in the X server's pixels.
+QRect visibleFrame(const QScreen &screen, const X11Desktop &desktop)
+{
+    if (QGuiApplication::screens().size() == 1)
+        return screen.availableGeometry();
+    const QRect monitor = screen.handle()->geometry();
+    const QRect area = desktop.withoutPanels(monitor);
+    const double ratio = screen.devicePixelRatio();
+    return {screen.geometry().topLeft() + (area.topLeft() - monitor.topLeft()) / ratio, area.size() / ratio};
 }
 
 } // namespace
@@ -137,7 +150,7 @@ DesktopScreens X11DesktopSurface::screens() const
 {
     DesktopScreens screens;
     for (const QScreen *const screen : QGuiApplication::screens())
-        screens.visibleFrames.push_back(screen->availableGeometry());
+        screens.visibleFrames.push_back(visibleFrame(*screen, *m_desktop));
     if (const QScreen *const primary = QGuiApplication::primaryScreen())
         screens.primaryBottom = primary->geometry().y() + primary->geometry().height();
     return screens;
@@ -160,6 +173,8 @@ bool X11DesktopSurface::nativeEventFilter(const QByteArray &, void *message, qin
             m_wasMapped.start();
     } else if (type == m_desktop->selectionEvent() && type != 0) {
         m_compositorChanged.start();
+    } else if (m_desktop->tellsOfPanels(message)) {
+        m_screenWatch.touch();
     }
     return false;
 }

@@ -2,11 +2,14 @@
 
 #include "support/TabularText.h"
 
+#include <QCache>
 #include <QImage>
 #include <QPainter>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
 
 namespace tickwise {
 
@@ -30,36 +33,43 @@ void drawRun(QPainter &painter, double x, double baseline, const WidgetTextRun &
     painter.drawText(QPointF(x, baseline), run.text);
 }
 
-/// The weights of a Gaussian curve with that deviation, in pixels; their sum is 1.
-std::vector<float> gaussianKernel(double deviation)
+constexpr int weightSum = 1 << 16;
+constexpr int keptHaloBytes = 512 * 1024;
+
+/// The weights of a Gaussian curve with that deviation and that middle, in pixels; their sum is `weightSum`.
+std::vector<int> gaussianKernel(double deviation, double middle)
 {
-    const int reach = std::max(1, int(std::ceil(3 * deviation)));
-    std::vector<float> kernel;
-    float sum = 0;
-    for (int i = -reach; i <= reach; ++i) {
-        kernel.push_back(static_cast<float>(std::exp(-1.0 * i * i / (2 * deviation * deviation))));
-        sum += kernel.back();
-    }
-    for (float &weight : kernel)
-        weight /= sum;
+    const int reach = std::max(1, int(std::ceil(3 * deviation + middle)));
+    std::vector<double> curve;
+    for (int i = -reach; i <= reach; ++i)
+        curve.push_back(std::exp(-(i + middle) * (i + middle) / (2 * deviation * deviation)));
+    const double sum = std::accumulate(curve.begin(), curve.end(), 0.0);
+    std::vector<int> kernel;
+    kernel.reserve(curve.size());
+    for (const double weight : curve)
+        kernel.push_back(int(std::lround(weight / sum * weightSum)));
     return kernel;
 }
 
 /// Blurs the lines of an opacity image and turns it on its side, so that two calls blur both ways.
-QImage blurredAndTransposed(const QImage &image, const std::vector<float> &kernel)
+QImage blurredAndTransposed(const QImage &image, const std::vector<int> &kernel)
 {
-    const int reach = int(kernel.size() / 2);
-    QImage result(image.height(), image.width(), QImage::Format_Alpha8);
+    const std::size_t reach = kernel.size() / 2;
+    const int width = image.width();
+    QImage result(image.height(), width, QImage::Format_Alpha8);
+    uchar *const pixels = result.bits();
+    const qsizetype stride = result.bytesPerLine();
+    std::vector<uchar> line(std::size_t(width) + 2 * reach); // with nothing at both ends
+    std::vector<int> sums(static_cast<std::size_t>(width));
     for (int y = 0; y < image.height(); ++y) {
-        const uchar *const line = image.constScanLine(y);
-        for (int x = 0; x < image.width(); ++x) {
-            float sum = 0;
-            for (int i = std::max(-reach, -x); i <= std::min(reach, image.width() - 1 - x); ++i) {
-                const int weight = i + reach;
-                sum += kernel[static_cast<size_t>(weight)] * static_cast<float>(line[x + i]);
-            }
-            result.scanLine(x)[y] = uchar(std::lround(sum));
+        std::copy_n(image.constScanLine(y), width, line.begin() + qsizetype(reach));
+        std::fill(sums.begin(), sums.end(), weightSum / 2);
+        for (std::size_t i = 0; i < kernel.size(); ++i) {
+            for (std::size_t x = 0; x < sums.size(); ++x)
+                sums[x] += kernel[i] * line[x + i];
         }
+        for (std::size_t x = 0; x < sums.size(); ++x)
+            pixels[qsizetype(x) * stride + y] = uchar(std::min(sums[x] / weightSum, 255));
     }
     return result;
 }
@@ -76,22 +86,44 @@ QImage textImage(const WidgetTextRun &run, const QSizeF &size, double baseline, 
     return image;
 }
 
-void drawShadows(QPainter &painter, double x, double baseline, const WidgetTextRun &run)
+/// Both shadows of the text in one image.
+QImage haloImage(const QImage &text, double scale)
 {
-    const double scale = painter.device()->devicePixelRatioF() * painter.worldTransform().m11();
-    const QFontMetricsF metrics(run.font);
-    const QSizeF size(widgetTextWidth(run) + 2 * shadowReach, metrics.height() + 2 * shadowReach);
-    const double innerBaseline = shadowReach + metrics.ascent();
-    const QImage text = textImage(run, size, innerBaseline, scale).convertToFormat(QImage::Format_Alpha8);
+    QImage halo(text.size(), QImage::Format_Alpha8);
+    halo.fill(0);
     for (const Shadow &shadow : shadows) {
         // A shadow's radius is twice the deviation of its blur.
-        const std::vector<float> kernel = gaussianKernel(shadow.radius / 2 * scale);
-        QImage blurred = blurredAndTransposed(blurredAndTransposed(text, kernel), kernel);
-        blurred.setDevicePixelRatio(scale);
-        painter.setOpacity(shadow.opacity);
-        painter.drawImage(QPointF(x - shadowReach, baseline - innerBaseline + shadow.offsetY), blurred);
+        const double deviation = shadow.radius / 2 * scale;
+        const QImage blurred = blurredAndTransposed(blurredAndTransposed(text, gaussianKernel(deviation, 0)),
+                                                    gaussianKernel(deviation, shadow.offsetY * scale));
+        for (int y = 0; y < halo.height(); ++y) {
+            uchar *const line = halo.scanLine(y);
+            const uchar *const added = blurred.constScanLine(y);
+            for (int x = 0; x < halo.width(); ++x)
+                line[x] = uchar(255 - (255 - line[x]) * (255 - shadow.opacity * added[x]) / 255);
+        }
     }
-    painter.setOpacity(1);
+    halo.setDevicePixelRatio(scale);
+    return halo;
+}
+
+void drawShadows(QPainter &painter, double x, double baseline, const WidgetTextRun &run)
+{
+    // Most texts of a list stay when its prices change.
+    static QCache<QString, QImage> halos(keptHaloBytes);
+    const double scale = painter.device()->devicePixelRatioF() * painter.worldTransform().m11();
+    const QFontMetricsF metrics(run.font);
+    const double innerBaseline = shadowReach + metrics.ascent();
+    const QString key = QStringLiteral("%1 %2 %3 %4").arg(run.font.key()).arg(scale).arg(run.tabular).arg(run.text);
+    if (!halos.contains(key)) {
+        const QSizeF size(widgetTextWidth(run) + 2 * shadowReach, metrics.height() + 2 * shadowReach);
+        const QImage text = textImage(run, size, innerBaseline, scale).convertToFormat(QImage::Format_Alpha8);
+        auto halo = std::make_unique<QImage>(haloImage(text, scale));
+        const auto cost = int(std::min<qsizetype>(halo->sizeInBytes(), keptHaloBytes));
+        halos.insert(key, halo.release(), cost);
+    }
+    if (const QImage *const halo = halos.object(key))
+        painter.drawImage(QPointF(x - shadowReach, baseline - innerBaseline), *halo);
 }
 
 } // namespace

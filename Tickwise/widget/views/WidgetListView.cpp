@@ -2,11 +2,11 @@
 
 #include "catalog/logos/CoinLogoPainting.h"
 #include "settings/HexColor.h"
+#include "support/SvgPainting.h"
 #include "widget/views/WidgetListAccessible.h"
 
 #include <QEvent>
 #include <QPainter>
-#include <QSvgRenderer>
 
 #include <algorithm>
 
@@ -48,8 +48,7 @@ QFont fontOf(const QWidget &widget, int pixels, QFont::Weight weight = QFont::No
 
 void paintAppLogo(QPainter &painter, const QRectF &box)
 {
-    QSvgRenderer renderer(QStringLiteral(":/app-logo.svg"));
-    renderer.render(&painter, box);
+    paintSvg(painter, box, QStringLiteral(":/app-logo.svg"));
 }
 
 } // namespace
