@@ -255,4 +255,4 @@ void WidgetListView::paintRow(QPainter &painter, const QRectF &box, size_t index
 } // namespace tickwise
 
 // Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_WidgetListView.cpp"
+#include "moc_WidgetListView.cpp" // NOLINT(bugprone-suspicious-include)
