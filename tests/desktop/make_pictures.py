@@ -1,16 +1,19 @@
 #!/usr/bin/python3
 """Makes the pictures of docs/pictures: the application on private desktops, with prices that are always the same.
 
-Usage: make_pictures.py FOLDER [PICTURE...]   (a host of HOSTS below, "alert", or a desktop of POPOVERS as "popover-xfce")"""
+Usage: make_pictures.py FOLDER [PICTURE...]   (a host of HOSTS below, "alert", "widget", or a desktop of POPOVERS as "popover-xfce")"""
 
+import json
 import os
 import subprocess
 import sys
+import time
 
 from application import IDENTIFIER, Application, Texts, coin
 from desktop_session import SwaySession, X11Session
 from furnished_session import FurnishedSession
 from gnome_session import GnomeSession
+from widget_test import Widget, write_snapshot
 
 STRIP_WIDTH = 360
 PRICES = (("BTC", 67432.4, 1.5), ("ETH", 3188, -2.1))
@@ -48,7 +51,29 @@ POPOVERS = {
 }
 POPOVER_PRICES = (*PRICES, ("SOL", 150.25, 0.4), ("DOGE", 0.1234, -0.5), ("XRP", 0.52, 0), ("ADA", 0.4512, 3.2))
 POPOVER_COINS = [coin(name) for name in ("bitcoin", "ethereum", "solana", "dogecoin", "ripple", "cardano")]
-USUAL = ("xfce", "waybar", "alert", "popover-xfce", "popover-waybar")
+USUAL = ("xfce", "waybar", "alert", "popover-xfce", "popover-waybar", "widget")
+
+WIDGET_SIZES = {"small": (170, 166), "medium": (364, 166), "large": (364, 439)}
+WIDGET_QUOTES = {"bitcoin": (67432.4, 1.52), "ethereum": (3188.07, -2.1), "solana": (150.25, 0.43), "binancecoin": (602.5, 0),
+                 "ripple": (0.5213, -0.87), "dogecoin": (0.1234, 4.06), "tron": (0.1187, None), "cardano": (0.4471, 1.12),
+                 "chainlink": (14.38, -3.4), "monero": (None, None)}
+# Languages and color schemes of the widget's pictures.
+WIDGET_LOOKS = {"light": ("en", False), "dark": ("en", True), "chinese": ("zh-Hans", False), "traditional": ("zh-Hant", True)}
+# The toolkit reads these colors on KDE's desktop.
+DARK_DESKTOP = {"XDG_CURRENT_DESKTOP": "KDE", "KDE_SESSION_VERSION": "5"}
+DARK_COLORS = """[Colors:Window]
+BackgroundNormal=42,46,50
+ForegroundNormal=252,252,252
+[Colors:View]
+BackgroundNormal=27,30,32
+ForegroundNormal=252,252,252
+[Colors:Button]
+BackgroundNormal=49,54,59
+ForegroundNormal=252,252,252
+[Colors:Selection]
+BackgroundNormal=61,174,233
+ForegroundNormal=252,252,252
+"""
 
 
 def convert(*arguments, data=None):
@@ -127,6 +152,35 @@ def picture_of_popover(path, name):
             file.write(convert("png:-", "-colors", "255", "PNG8:-", data=changed_crop(desktop, area, unlike)))
 
 
+def widget_snapshot(language):
+    quotes = {coin: {"price": price, "change24hPercent": change} for coin, (price, change) in WIDGET_QUOTES.items() if price}
+    return {"writtenAt": time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime()), "language": language, "currency": "USD",
+            "colorByChange": True, "upColorHex": "#2CBD84", "downColorHex": "#F6465D", "displayedCoinId": "bitcoin",
+            "watchlist": list(WIDGET_QUOTES), "quotes": quotes}
+
+
+def picture_of_widget(path, language, dark):
+    """Its three sizes side by side."""
+    with SwaySession(None, notifications=None) as desktop:
+        settings = desktop.environment["XDG_CONFIG_HOME"]
+        if dark:
+            desktop.write_file(os.path.join(settings, "kdeglobals"), DARK_COLORS)
+        write_snapshot(desktop, widget_snapshot(language))
+        desktop.move_pointer(desktop.width - 1, desktop.height - 1)
+        unlike, columns = [], []
+        for size, (width, height) in WIDGET_SIZES.items():
+            area = (20, 20, width + 40, height + 40)
+            unlike.append(pixels(crop(desktop, *area)))
+            place = {"size": size, "topLeft": {"x": 40, "y": desktop.height - 40}}
+            desktop.write_file(os.path.join(settings, "com.pelmo.tickwise.widget", "widget.json"), json.dumps(place))
+            widget = Widget(desktop, change=None, env=DARK_DESKTOP if dark else None)
+            columns.append(os.path.join(desktop.directory, f"{size}.png"))
+            with open(columns[-1], "wb") as file:
+                file.write(settled_crop(desktop, area, unlike))
+            widget.stop()
+        convert(*columns, "-background", "#3f3f3f", "+append", "-colors", "255", f"PNG8:{path}")
+
+
 def main():
     folder, *names = sys.argv[1:]
     for name in names or USUAL:
@@ -136,6 +190,10 @@ def main():
         elif name in POPOVERS:
             path = os.path.join(folder, f"{name}.png")
             picture_of_popover(path, name)
+        elif name == "widget":
+            for look, (language, dark) in WIDGET_LOOKS.items():
+                path = os.path.join(folder, f"widget-{look}.png")
+                picture_of_widget(path, language, dark)
         else:
             path = os.path.join(folder, f"panel-{name}.png")
             picture_of_panel(path, name)

@@ -220,8 +220,9 @@ class X11Session(DesktopSession):
     def _is_managed(self):
         if not self.window_manager.is_running():
             raise SessionError(f"the window manager ended\n{self.window_manager.log()}")
-        properties = self.tool(["xprop", "-root", "-notype", "_NET_SUPPORTING_WM_CHECK"])
-        return b"window id" in properties
+        # openbox announces itself first and lists its clients later; a window that asks in between to be shown may never be.
+        name = "_NET_CLIENT_LIST" if self._window_manager_kind == "openbox" else "_NET_SUPPORTING_WM_CHECK"
+        return b"window id" in self.tool(["xprop", "-root", "-notype", name])
 
     def _start_wallpaper(self):
         self.bus.allow_activation("org.xfce.Xfconf", self.environment)

@@ -118,7 +118,7 @@ void PriceFormatTest::agreesWithTheLibrarysFormatter()
     UErrorCode status = U_ZERO_ERROR;
     icu::DecimalFormat formatter("#,##0", icu::DecimalFormatSymbols(icu::Locale("en_US_POSIX"), status), status);
     formatter.setRoundingMode(icu::DecimalFormat::kRoundHalfEven);
-    std::mt19937_64 random(20261121); // NOLINT(cert-msc*): the same values in every run
+    std::mt19937_64 random(20261121); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same in every run
     std::uniform_real_distribution<double> magnitude(-6, 8);
     for (int round = 0; round < 100'000; ++round) {
         // Every second value has few digits, among which are those that lie halfway.

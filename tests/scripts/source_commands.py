@@ -9,7 +9,7 @@ _START = re.compile(r"(?:\b(?P<object>\w+)(?:\.|->)|\bQProcess::|(?<![\w.:>]))"
                     r"(?P<method>start|startDetached|startCommand|setProgram|execute)\(\s*(?P<argument>[^,;]*)")
 _FIND = re.compile(r"\bfindExecutable\(\s*(?P<argument>[^,;]*)")
 _LITERAL = re.compile(r'(?:QStringLiteral\(|QLatin1String\(|u)?"([^"\s]+)')
-_OWN = re.compile(r"applicationFilePath\(\)|\b[A-Z_]{5,}\b")
+_OWN = re.compile(r"applicationFilePath\(\)|\bm_ownProgram\b|\b[A-Z_]{5,}\b")
 
 _COMMAND = re.compile(r"\bCOMMAND\s+\"?([A-Za-z0-9_./-]+)\"?[\s)]")
 _FIND_PROGRAM = re.compile(r"\bfind_program\(\s*\w+\s+(?:NAMES\s+)?([A-Za-z0-9_.+-]+)")

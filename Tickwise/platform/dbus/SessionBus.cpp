@@ -98,4 +98,4 @@ void SessionBus::finishRetry(bool isDeaf)
 } // namespace tickwise
 
 // Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_SessionBus.cpp"
+#include "moc_SessionBus.cpp" // NOLINT(bugprone-suspicious-include)

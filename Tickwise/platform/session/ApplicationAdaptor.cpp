@@ -48,4 +48,4 @@ void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantLis
 } // namespace tickwise
 
 // Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_ApplicationAdaptor.cpp"
+#include "moc_ApplicationAdaptor.cpp" // NOLINT(bugprone-suspicious-include)

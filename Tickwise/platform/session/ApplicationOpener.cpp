@@ -20,11 +20,11 @@ bool isTimeout(const Error &error)
 
 } // namespace
 
-ApplicationOpener::ApplicationOpener(const SessionBus &bus, QString applicationId, QString program, QObject *parent)
+ApplicationOpener::ApplicationOpener(const SessionBus &bus, QString applicationId, QString ownProgram, QObject *parent)
     : QObject(parent)
     , m_bus(bus)
     , m_applicationId(std::move(applicationId))
-    , m_program(std::move(program))
+    , m_ownProgram(std::move(ownProgram))
 {
 }
 
@@ -47,11 +47,11 @@ void ApplicationOpener::open(const QString &address)
 
 void ApplicationOpener::start(const QString &address) const
 {
-    if (!QProcess::startDetached(m_program, {address}))
-        qCWarning(lcOpener).noquote() << "The application cannot be started:" << m_program;
+    if (!QProcess::startDetached(m_ownProgram, {address}))
+        qCWarning(lcOpener).noquote() << "The application cannot be started:" << m_ownProgram;
 }
 
 } // namespace tickwise
 
 // Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_ApplicationOpener.cpp"
+#include "moc_ApplicationOpener.cpp" // NOLINT(bugprone-suspicious-include)

@@ -13,9 +13,9 @@ class ApplicationOpener : public QObject
     Q_OBJECT
 
 public:
-    /// `applicationId` is the bus name; the bus starts its service where nobody owns it. `program` is started with the
-    /// address where there is no bus, or none that can start the service. `bus` has to outlive the opener.
-    ApplicationOpener(const SessionBus &bus, QString applicationId, QString program, QObject *parent = nullptr);
+    /// `applicationId` is the bus name; the bus starts its service where nobody owns it. `ownProgram` is started with
+    /// the address where there is no bus, or none that can start the service. `bus` has to outlive the opener.
+    ApplicationOpener(const SessionBus &bus, QString applicationId, QString ownProgram, QObject *parent = nullptr);
 
     /// Returns at once. Where neither way leads to the application, there is one log line.
     void open(const QString &address);
@@ -25,7 +25,7 @@ private:
 
     const SessionBus &m_bus;
     QString m_applicationId;
-    QString m_program;
+    QString m_ownProgram;
 };
 
 } // namespace tickwise

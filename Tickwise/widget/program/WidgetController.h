@@ -6,6 +6,8 @@
 #include "widget/views/DesktopSurface.h"
 
 #include <QMenu>
+#include <QPointer>
+#include <QTimer>
 
 namespace tickwise {
 

@@ -9,6 +9,7 @@
 #include "widget/program/ShippedCoins.h"
 
 #include <QApplication>
+#include <QTimer>
 
 #include <cstdio>
 

@@ -90,8 +90,10 @@ void WidgetWindow::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
+    // The release of a drag may have been another window's to see.
+    if (std::exchange(m_isDragged, false))
+        Q_EMIT dropped();
     m_hold = m_pointerPosition(*event);
-    m_isDragged = false;
 }
 
 void WidgetWindow::mouseMoveEvent(QMouseEvent *event)

@@ -17,6 +17,7 @@ namespace {
 constexpr double rowInset = 6;
 constexpr double spacing = 8;
 constexpr double separator = 1;
+constexpr double rowSlack = 2; ///< may be missing below the last row: windows lose a pixel at fractional scales
 constexpr double logoSide = 24;
 constexpr double headerLogoSide = 16;
 constexpr double emptyLogoSide = 40;
@@ -73,7 +74,7 @@ double WidgetListView::heightOf(DesktopOverlayTextSize size, int rows)
 int WidgetListView::shownRows() const
 {
     const Metrics metrics = metricsFor(m_textSize);
-    const double room = height() / m_scale - metrics.header + separator + 0.5;
+    const double room = height() / m_scale - metrics.header + separator + rowSlack;
     return std::clamp(int(room / (metrics.row + separator)), 0, int(m_text.rows.size()));
 }
 
@@ -253,4 +254,4 @@ void WidgetListView::paintRow(QPainter &painter, const QRectF &box, size_t index
 } // namespace tickwise
 
 // Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_WidgetListView.cpp"
+#include "moc_WidgetListView.cpp" // NOLINT(bugprone-suspicious-include)

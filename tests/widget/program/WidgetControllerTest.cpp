@@ -63,6 +63,7 @@ private Q_SLOTS:
     void clickOpensTheApplication();
     void dragMovesAndIsRemembered();
     void dragBeyondTheEdgeComesBack();
+    void dragWithoutAnEndEndsWithTheNextPress();
     void smallMoveIsAClick();
     void menuChangesTheSize();
     void menuOpensAndCloses();
@@ -210,6 +211,19 @@ void WidgetControllerTest::dragBeyondTheEdgeComesBack()
     drag(QPoint(20, 20), QPoint(-400, 0));
     QCOMPARE(m_surface->frame(), QRect(0, 300, 364, 166));
     QCOMPARE(loadWidgetPreferences(*m_storage).topLeft, (std::optional<DesktopOverlayOrigin>({0, 500})));
+}
+
+void WidgetControllerTest::dragWithoutAnEndEndsWithTheNextPress()
+{
+    WidgetWindow &window = start({WidgetSize::medium, DesktopOverlayOrigin{100, 500}}).window();
+    QTest::mousePress(&window, Qt::LeftButton, {}, QPoint(20, 20));
+    QMouseEvent move(QEvent::MouseMove, QPoint(70, 20), window.mapToGlobal(QPoint(70, 20)), Qt::NoButton,
+                     Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&window, &move);
+    QCOMPARE(m_surface->frame().topLeft(), QPoint(150, 300));
+    drag(QPoint(20, 20), QPoint(60, -40));
+    QCOMPARE(m_surface->frame().topLeft(), QPoint(210, 260));
+    QCOMPARE(m_opened, 0);
 }
 
 void WidgetControllerTest::smallMoveIsAClick()

@@ -99,6 +99,10 @@ void WidgetListViewTest::cutsRowsThatDoNotFit()
     const QImage image = painted(view);
     QVERIFY(opaquePixels(image, QRect(0, 61, 336, 38)) > 0);
     QCOMPARE(opaquePixels(image, QRect(0, 99, 336, 20)), 0);
+    view.resize(336, 22 + 38 + 1 + 38 - 1);
+    QCOMPARE(view.shownRows(), 2);
+    view.resize(336, 22 + 38 + 1 + 38 - 3);
+    QCOMPARE(view.shownRows(), 1);
 }
 
 void WidgetListViewTest::paintsTheEmptyState()
