@@ -1,8 +1,8 @@
 #include "pipeline/StatusItemPainter.h"
 
 #include "pipeline/CompactPrice.h"
-#include "support/TabularText.h"
-#include "support/TintedSvg.h"
+#include "support/drawing/TabularText.h"
+#include "support/drawing/TintedSvg.h"
 
 #include <QFontDatabase>
 #include <QFontInfo>

@@ -83,11 +83,16 @@ QJsonValue entry(const char *id, const char *kind, double threshold)
                        {QStringLiteral("notificationThreshold"), threshold}};
 }
 
+QString spokenRow(const CoinRowModel &rows, int row)
+{
+    return rows.data(rows.index(row), Qt::AccessibleTextRole).toString();
+}
+
 bool rowsContain(const SurfacesWorld &world, const QString &text)
 {
     const CoinRowModel &rows = world.popoverRows();
     for (int i = 0; i < rows.rowCount(); ++i) {
-        if (rows.content(i).accessibleText.contains(text))
+        if (spokenRow(rows, i).contains(text))
             return true;
     }
     return false;
@@ -259,10 +264,10 @@ bool popoverAgrees(const SurfacesWorld &world)
     if (rows.rowCount() != static_cast<int>(watched.size()))
         return false;
     for (int i = 0; i < rows.rowCount(); ++i) {
-        const CoinRowContent content = rows.content(i);
-        if (rows.coin(i).id != watched[size_t(i)].coinId || !content.accessibleText.contains(content.price))
+        const QString spoken = spokenRow(rows, i);
+        if (rows.coin(i).id != watched[size_t(i)].coinId || !spoken.contains(rows.content(i).price))
             return false;
-        if (!content.accessibleText.contains(rawValue(world.settings().baseCurrency)))
+        if (!spoken.contains(rawValue(world.settings().baseCurrency)))
             return false;
     }
     return true;

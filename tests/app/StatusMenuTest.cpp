@@ -3,7 +3,7 @@
 #include "doubles/Catalogs.h"
 #include "doubles/TestProgram.h"
 #include "support/Localization.h"
-#include "support/TintedSvg.h"
+#include "support/drawing/TintedSvg.h"
 
 using namespace tickwise;
 

@@ -2,7 +2,7 @@
 
 #include "doubles/TestProgram.h"
 #include "pipeline/CompactPrice.h"
-#include "support/TintedSvg.h"
+#include "support/drawing/TintedSvg.h"
 
 #include <QPainter>
 

@@ -2,7 +2,7 @@
 
 #include "catalog/ShippedImages.h"
 #include "support/Graphemes.h"
-#include "support/SvgPainting.h"
+#include "support/drawing/SvgPainting.h"
 
 #include <QGuiApplication>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #include "platform/statusitem/DBusMenuLayout.h"
 
-#include "support/TintedSvg.h"
+#include "support/drawing/TintedSvg.h"
 
 #include <QBuffer>
 #include <QDBusMetaType>

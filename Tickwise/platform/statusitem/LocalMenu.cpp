@@ -1,7 +1,7 @@
 #include "platform/statusitem/LocalMenu.h"
 
 #include "platform/statusitem/DBusMenuLayout.h"
-#include "support/TintedSvg.h"
+#include "support/drawing/TintedSvg.h"
 
 #include <QActionGroup>
 #include <QGuiApplication>

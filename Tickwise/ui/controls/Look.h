@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/TextScale.h"
+#include "support/drawing/TextScale.h"
 
 #include <QColor>
 #include <QFont>

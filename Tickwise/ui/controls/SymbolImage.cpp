@@ -1,6 +1,6 @@
 #include "ui/controls/SymbolImage.h"
 
-#include "support/TintedSvg.h"
+#include "support/drawing/TintedSvg.h"
 
 #include <QColor>
 #include <QPixmapCache>

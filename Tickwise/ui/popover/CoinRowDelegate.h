@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/TabularText.h"
+#include "support/drawing/TabularText.h"
 #include "ui/popover/CoinRowModel.h"
 
 #include <QStyledItemDelegate>

@@ -1,6 +1,6 @@
 #include "widget/program/WidgetWindow.h"
 
-#include "support/TextScale.h"
+#include "support/drawing/TextScale.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>

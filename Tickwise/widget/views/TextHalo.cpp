@@ -1,6 +1,6 @@
 #include "widget/views/TextHalo.h"
 
-#include "support/TabularText.h"
+#include "support/drawing/TabularText.h"
 
 #include <QCache>
 #include <QImage>

@@ -2,7 +2,7 @@
 
 #include "catalog/logos/CoinLogoPainting.h"
 #include "settings/HexColor.h"
-#include "support/SvgPainting.h"
+#include "support/drawing/SvgPainting.h"
 #include "widget/views/WidgetListAccessible.h"
 
 #include <QEvent>

@@ -1,4 +1,4 @@
-#include "support/SvgPainting.h"
+#include "support/drawing/SvgPainting.h"
 
 #include <QCache>
 #include <QImage>

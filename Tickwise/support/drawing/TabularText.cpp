@@ -1,4 +1,4 @@
-#include "support/TabularText.h"
+#include "support/drawing/TabularText.h"
 
 #include <QPainter>
 

@@ -1,4 +1,4 @@
-#include "support/TintedSvg.h"
+#include "support/drawing/TintedSvg.h"
 
 #include <QFile>
 #include <QPainter>

@@ -1,4 +1,4 @@
-#include "support/TextScale.h"
+#include "support/drawing/TextScale.h"
 
 #include <QGuiApplication>
 #include <QScreen>
