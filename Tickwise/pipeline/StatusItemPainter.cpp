@@ -63,7 +63,7 @@ double baselineFor(double top, double bottom, double capHeight)
     return std::round((top + bottom + capHeight) / 2);
 }
 
-/// One line of compact text, squeezed into the width and centred, its capitals between `top` and `bottom`.
+/// One line of compact text, squeezed into the width and centered, its capitals between `top` and `bottom`.
 void drawCompactLine(QPainter &painter, QFont font, const QRectF &line, const QString &text)
 {
     double squeeze = line.width() / TabularText(font).width(text);

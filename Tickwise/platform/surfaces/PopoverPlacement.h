@@ -17,7 +17,7 @@ struct PopoverScreen
 /// The screen that holds the point, else the nearest; there has to be one.
 const PopoverScreen &screenAt(const std::vector<PopoverScreen> &screens, QPoint point);
 
-/// A popover of that size, centred on the item along the panel that the item is in, and fully inside the screen's free
+/// A popover of that size, centered on the item along the panel that the item is in, and fully inside the screen's free
 /// part; smaller where the screen is.
 QRect popoverBeside(const PopoverScreen &screen, const QRect &item, QSize size);
 
