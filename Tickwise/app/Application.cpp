@@ -2,7 +2,6 @@
 
 #include "app/LocalizationManager.h"
 #include "app/SystemEvents.h"
-#include "market/JsonTables.h"
 #include "platform/notifications/PortalNotificationCenter.h"
 #include "platform/session/DesktopLoginItem.h"
 #include "platform/session/DisplayServer.h"
@@ -76,14 +75,6 @@ QString downloadDirectory(const QString &identifier)
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QLatin1Char('/') + identifier +
            QStringLiteral("/updates");
-}
-
-/// The start needs more memory than the polls that follow. The parser's tables were made between what the start has
-/// freed since: made anew, they take only the pages that they fill.
-void releaseMemoryOfStart()
-{
-    releaseJsonTables();
-    releaseUnusedMemory();
 }
 
 } // namespace
@@ -242,7 +233,7 @@ void Application::networkMayHaveChanged()
 int Application::run()
 {
     m_delegate.applicationDidFinishLaunching();
-    QTimer::singleShot(startUpDuration, qApp, releaseMemoryOfStart);
+    QTimer::singleShot(startUpDuration, qApp, releaseUnusedMemory);
     return QCoreApplication::exec();
 }
 

@@ -1,6 +1,5 @@
 #include "market/JsonResponse.h"
 
-#include "market/JsonTables.h"
 #include "support/DecimalText.h"
 
 #include <algorithm>
@@ -152,12 +151,7 @@ Result<simdjson::dom::element> JsonResponseParser::parse(const QByteArray &body)
 JsonResponseParser::~JsonResponseParser()
 {
     if (m_isLarge)
-        releaseJsonTables();
-}
-
-void releaseJsonTables()
-{
-    threadParser().reset();
+        threadParser().reset();
 }
 
 } // namespace tickwise
