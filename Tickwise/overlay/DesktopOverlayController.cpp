@@ -3,6 +3,7 @@
 #include "overlay/DesktopOverlayPlacement.h"
 
 #include <QLoggingCategory>
+#include <QPointer>
 
 #include <utility>
 
@@ -18,7 +19,7 @@ DesktopOverlayController::DesktopOverlayController(DesktopOverlayContext context
     : QObject(parent)
     , m_context(std::move(context))
 {
-    m_model.onDoneAdjusting = [self = QPointer(this)] {
+    m_model.onDoneAdjusting = [self = QPointer<DesktopOverlayController>(this)] {
         if (self)
             self->finishAdjusting();
     };

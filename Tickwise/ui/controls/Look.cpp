@@ -31,7 +31,8 @@ double linear(double channel)
 
 double luminance(const QColor &color)
 {
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+    return 0.2126 * linear(double(color.redF())) + 0.7152 * linear(double(color.greenF())) +
+           0.0722 * linear(double(color.blueF()));
 }
 
 } // namespace
