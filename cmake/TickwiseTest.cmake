@@ -21,7 +21,7 @@ function(tickwise_add_tests name)
             if(TICKWISE_SANITIZE)
                 add_test(NAME ${class} COMMAND ${name} ${class})
                 set_tests_properties(${class} PROPERTIES LABELS ${label} TIMEOUT 300
-                    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+                    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;ASAN_SYMBOLIZER_PATH=/usr/bin/llvm-symbolizer-14")
             endif()
         endforeach()
     endforeach()

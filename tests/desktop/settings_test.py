@@ -189,7 +189,7 @@ class AccessibilityTest(unittest.TestCase):
                  ("text", key("general.priceColor.downColor")), ("check box", key("general.display.textBackground")),
                  ("combo box", key("menubarContent.price")), ("combo box", "BTC - Bitcoin"),
                  ("check box", key("general.desktop.overlay")), ("combo box", key("desktop.textSize.normal")),
-                 ("slider", key("desktop.opacity")), ("combo box", "USD"),
+                 ("slider", key("desktop.opacity")), ("push button", key("desktop.adjust.start")), ("combo box", "USD"),
                  ("check box", key("general.notification.priceAlert")), ("combo box", "English"),
                  ("page tab", key("settings.tab.general"))]
         # Styles show where the focus is once a key has moved it.

@@ -48,6 +48,9 @@ WidgetController::WidgetController(WidgetEnvironment environment)
 
 WidgetController::~WidgetController()
 {
+    m_window.removeEventFilter(this);
+    m_environment.surface->onScreensChanged = nullptr;
+    m_environment.surface->onTranslucencyChanged = nullptr;
     m_environment.surface->hide();
 }
 
