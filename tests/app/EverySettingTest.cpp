@@ -165,23 +165,26 @@ std::vector<Walk> generalWalks()
     };
 }
 
-/// What else they change is for the overlay to show.
+/// That it shows them is for `overlayAgrees` to say.
 std::vector<Walk> overlayWalks()
 {
-    const auto isStored = [](const SurfacesWorld &) { return true; };
+    const auto isShown = [](const SurfacesWorld &world) { return world.delegate->desktopOverlay().window(); };
     return {
-        {QStringLiteral("desktopOverlayEnabled"), true, click("general.desktop.overlay"), isStored},
+        {QStringLiteral("desktopOverlayEnabled"), true, click("general.desktop.overlay"), isShown},
         {QStringLiteral("desktopOverlayBackgroundOpacity"), 0.9,
          [](SurfacesWorld &world) {
              QTest::keyClick(world.control<QSlider>(QStringLiteral("desktop.opacity")), Qt::Key_PageDown);
          },
-         isStored},
-        {QStringLiteral("desktopOverlayTextSize"), QStringLiteral("large"), choose("desktop.textSize", 1), isStored},
-        {QStringLiteral("desktopOverlayTopLeft"), QJsonObject{{QStringLiteral("x"), 12.0}, {QStringLiteral("y"), 34.0}},
+         isShown},
+        {QStringLiteral("desktopOverlayTextSize"), QStringLiteral("large"), choose("desktop.textSize", 1), isShown},
+        {QStringLiteral("desktopOverlayTopLeft"),
+         QJsonObject{{QStringLiteral("x"), 12.0}, {QStringLiteral("y"), 734.0}},
          [](SurfacesWorld &world) {
-             world.change([](AppSettings &settings) { settings.desktopOverlayTopLeft = {12, 34}; });
+             world.change([](AppSettings &settings) { settings.desktopOverlayTopLeft = {12, 734}; });
          },
-         isStored},
+         [](const SurfacesWorld &world) {
+             return world.delegate->desktopOverlay().window()->geometry().topLeft() == QPoint(12, 800 - 734);
+         }},
     };
 }
 
@@ -280,6 +283,19 @@ bool widgetAgrees(const SurfacesWorld &world)
                                                      world.clock.now());
 }
 
+bool overlayAgrees(const SurfacesWorld &world)
+{
+    DesktopOverlayController &overlay = world.delegate->desktopOverlay();
+    const AppSettings &settings = world.settings();
+    const bool isShown = overlay.window() && overlay.window()->isVisible();
+    if (!settings.desktopOverlayEnabled)
+        return !isShown;
+    return isShown && overlay.model().backgroundOpacity() == settings.desktopOverlayBackgroundOpacity &&
+           overlay.model().textSize() == settings.desktopOverlayTextSize &&
+           overlay.model().content() == widgetEntryContent(world.delegate->coinListViewModel().coins(), settings,
+                                                           world.delegate->catalog().byID());
+}
+
 bool statusMenuAgrees(const SurfacesWorld &world)
 {
     const std::vector<MenuEntry> coins = world.item->menu().front().children;
@@ -328,8 +344,9 @@ struct Surface
 };
 
 constexpr Surface surfaces[] = {
-    {"stored document", documentAgrees}, {"status item", statusItemAgrees}, {"popover", popoverAgrees},
-    {"widget snapshot", widgetAgrees},   {"status menu", statusMenuAgrees}, {"settings windows", settingsWindowsAgree},
+    {"stored document", documentAgrees},        {"status item", statusItemAgrees}, {"popover", popoverAgrees},
+    {"widget snapshot", widgetAgrees},          {"overlay", overlayAgrees},        {"status menu", statusMenuAgrees},
+    {"settings windows", settingsWindowsAgree},
 };
 
 QByteArray surfaceThatDisagrees(const SurfacesWorld &world)
@@ -346,6 +363,7 @@ AppSettings startSettings(const Walk &walk)
     AppSettings settings;
     settings.language = AppLanguage::en;
     settings.pollingInterval = 3600;
+    settings.desktopOverlayEnabled = walk.key != QStringLiteral("desktopOverlayEnabled");
     walk.prepare(settings);
     return settings;
 }

@@ -6,6 +6,7 @@
 #include "doubles/AppDoubles.h"
 #include "doubles/FakeMotion.h"
 #include "doubles/PipelineDoubles.h"
+#include "doubles/RecordingDesktopSurface.h"
 #include "doubles/ScriptedHttpClient.h"
 #include "doubles/TestClock.h"
 #include "ui/popover/CoinPopoverView.h"
@@ -131,6 +132,7 @@ public:
     RecordingNotificationCenter notifications;
     RecordingLoginItem loginItem;
     FakeMotion motion;
+    QStringList overlayCalls;
     QPointer<RecordingStatusItem> item;
     std::unique_ptr<AppDelegate> delegate;
     std::unique_ptr<SettingsWindowController> windows;
@@ -150,6 +152,7 @@ private:
                         return made;
                     },
                 .makePopoverSurface = [] { return std::make_unique<PlainPopoverSurface>(); },
+                .makeDesktopSurface = [this] { return std::make_unique<RecordingDesktopSurface>(overlayCalls); },
                 .reloadWidgets = [] {},
                 .isSecondCopy = [] { return false; },
                 .container = container.path(),
