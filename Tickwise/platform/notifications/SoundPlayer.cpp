@@ -5,6 +5,8 @@
 #include <QLibrary>
 #include <QLoggingCategory>
 
+#include <mutex>
+
 #include <canberra.h>
 
 namespace tickwise {
@@ -81,6 +83,9 @@ private:
     {
         if (m_context)
             return CA_SUCCESS;
+        // The library loads its drivers with libltdl, which takes one thread at a time.
+        static std::mutex driverLoading;
+        const std::lock_guard lock(driverLoading);
         const int failed = m_library.create(&m_context);
         return failed ? failed
                       : m_library.changeProperties(m_context, CA_PROP_APPLICATION_NAME, m_name.constData(),
