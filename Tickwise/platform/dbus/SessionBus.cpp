@@ -3,7 +3,6 @@
 #include "platform/dbus/DeafBus.h"
 #include "support/DetachedWork.h"
 
-#include <QFuture>
 #include <QUuid>
 
 #include <algorithm>
@@ -46,6 +45,7 @@ SessionBus::SessionBus(const QString &address, QObject *parent)
     m_retry.setSingleShot(true);
     m_retry.setInterval(firstRetry);
     connect(&m_retry, &QTimer::timeout, this, &SessionBus::retry);
+    connect(&m_probe, &QFutureWatcher<bool>::finished, this, [this] { finishRetry(m_probe.result()); });
     if (!isDeaf(m_address))
         open();
     if (!m_connection.isConnected())
@@ -81,7 +81,7 @@ void SessionBus::connectionLost()
 
 void SessionBus::retry()
 {
-    runDetached([address = m_address] { return isDeaf(address); }).then(this, [this](bool deaf) { finishRetry(deaf); });
+    m_probe.setFuture(runDetached([address = m_address] { return isDeaf(address); }));
 }
 
 void SessionBus::finishRetry(bool isDeaf)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QFutureWatcher>
 #include <QObject>
 #include <QTimer>
 
@@ -51,6 +52,7 @@ private:
     QString m_address;
     QDBusConnection m_connection;
     QTimer m_retry;
+    QFutureWatcher<bool> m_probe; ///< whether the bus is deaf, found out on another thread
 };
 
 } // namespace tickwise
