@@ -25,6 +25,15 @@ inline std::vector<CoinMetadata> validCoins(int listed = 200)
     return coins;
 }
 
+/// 5000 coins, the first of which is called so.
+inline std::vector<CoinMetadata> manyCoins(const QString &symbol, const QString &name)
+{
+    std::vector<CoinMetadata> coins = validCoins(5000);
+    coins.front().symbol = symbol;
+    coins.front().name = name;
+    return coins;
+}
+
 inline bool noImages(const QString &)
 {
     return false;

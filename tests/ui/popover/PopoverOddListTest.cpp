@@ -17,18 +17,10 @@ using namespace tickwise::test;
 
 namespace {
 
-std::vector<CoinMetadata> catalogWith(const QString &symbol, const QString &name)
-{
-    std::vector<CoinMetadata> coins = validCoins(5000);
-    coins.front().symbol = symbol;
-    coins.front().name = name;
-    return coins;
-}
-
 struct World
 {
     explicit World(const QString &symbol = QStringLiteral("BTC"), const QString &name = QStringLiteral("Bitcoin"))
-        : coins(catalogWith(symbol, name), 1)
+        : coins(manyCoins(symbol, name), 1)
         , view({*coins.coinList, coins.settings, updates, nullptr, [](SettingsTab) {}, [] {}, coins.clock.clock()})
     {
         view.resize(CoinPopoverView::sizeFor(8));

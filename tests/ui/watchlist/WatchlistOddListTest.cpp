@@ -19,19 +19,11 @@ using namespace tickwise::test;
 
 namespace {
 
-std::vector<CoinMetadata> coinsWith(const QString &symbol, const QString &name)
-{
-    std::vector<CoinMetadata> coins = validCoins(5000);
-    coins.front().symbol = symbol;
-    coins.front().name = name;
-    return coins;
-}
-
 struct World
 {
     explicit World(const QStringList &ids, const QString &symbol = QStringLiteral("BTC"),
                    const QString &name = QStringLiteral("Bitcoin"))
-        : catalog(coinsWith(symbol, name))
+        : catalog(manyCoins(symbol, name))
         , view({settings, catalog, viewModel, nullptr, &motion})
     {
         watch(ids);
