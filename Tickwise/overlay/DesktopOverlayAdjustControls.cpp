@@ -13,19 +13,19 @@ namespace tickwise {
 
 namespace {
 
-constexpr int spacing = 8;
-constexpr int padding = 12;
-constexpr double panelRadius = 10;
+constexpr int adjustSpacing = 8;
+constexpr int adjustPadding = 12;
+constexpr double adjustPanelRadius = 10;
 constexpr int hintSize = 12;
 constexpr int buttonTextSize = 13;
-constexpr QSize buttonPadding(16, 5);
+constexpr QSize adjustButtonPadding(16, 5);
 constexpr double buttonRadius = 6;
-constexpr float borderOpacity = 0.12F;
-constexpr int pressedDarkness = 112; // percent
-constexpr int hoverLightness = 108;  // percent
-constexpr double focusGap = 2.5;     // between the button's edge and the line around it
+constexpr float adjustBorderOpacity = 0.12F;
+constexpr int adjustPressedDarkness = 112; // percent
+constexpr int adjustHoverLightness = 108;  // percent
+constexpr double adjustFocusGap = 2.5;     // between the button's edge and the line around it
 
-QFont fontOf(const QWidget &widget, int pixels, QFont::Weight weight)
+QFont adjustFont(const QWidget &widget, int pixels, QFont::Weight weight)
 {
     QFont font = widget.font();
     font.setPixelSize(pixels);
@@ -44,10 +44,10 @@ public:
         setFocusPolicy(Qt::StrongFocus);
         setAttribute(Qt::WA_Hover);
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-        setFont(fontOf(*this, buttonTextSize, QFont::DemiBold));
+        setFont(adjustFont(*this, buttonTextSize, QFont::DemiBold));
     }
 
-    QSize sizeHint() const override { return fontMetrics().size(Qt::TextSingleLine, text()) + 2 * buttonPadding; }
+    QSize sizeHint() const override { return fontMetrics().size(Qt::TextSingleLine, text()) + 2 * adjustButtonPadding; }
 
 protected:
     void keyPressEvent(QKeyEvent *event) override
@@ -63,8 +63,8 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         const QColor accent = palette().color(QPalette::Highlight);
-        const QColor ground = isDown()       ? accent.darker(pressedDarkness)
-                              : underMouse() ? accent.lighter(hoverLightness)
+        const QColor ground = isDown()       ? accent.darker(adjustPressedDarkness)
+                              : underMouse() ? accent.lighter(adjustHoverLightness)
                                              : accent;
         painter.setPen(Qt::NoPen);
         painter.setBrush(ground);
@@ -74,8 +74,9 @@ protected:
         if (!hasFocus())
             return;
         painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(focusGap, focusGap, -focusGap, -focusGap),
-                                buttonRadius - focusGap, buttonRadius - focusGap);
+        painter.drawRoundedRect(
+            QRectF(rect()).adjusted(adjustFocusGap, adjustFocusGap, -adjustFocusGap, -adjustFocusGap),
+            buttonRadius - adjustFocusGap, buttonRadius - adjustFocusGap);
     }
 };
 
@@ -89,10 +90,10 @@ DesktopOverlayAdjustControls::DesktopOverlayAdjustControls(QWidget *parent)
     m_hint->setTextFormat(Qt::PlainText);
     m_hint->setWordWrap(true);
     m_hint->setAlignment(Qt::AlignCenter);
-    m_hint->setFont(fontOf(*this, hintSize, QFont::Normal));
+    m_hint->setFont(adjustFont(*this, hintSize, QFont::Normal));
     auto *const stack = new QVBoxLayout(this);
-    stack->setContentsMargins(padding, padding, padding, padding);
-    stack->setSpacing(spacing);
+    stack->setContentsMargins(adjustPadding, adjustPadding, adjustPadding, adjustPadding);
+    stack->setSpacing(adjustSpacing);
     stack->addWidget(m_hint);
     stack->addWidget(m_done, 0, Qt::AlignHCenter);
     connect(m_done, &QAbstractButton::clicked, this, &DesktopOverlayAdjustControls::done);
@@ -110,7 +111,7 @@ QSize DesktopOverlayAdjustControls::sizeWithin(int width) const
 {
     const QFontMetrics metrics = m_hint->fontMetrics();
     const int wanted = std::max(metrics.horizontalAdvance(m_hint->text()) + 1, m_done->sizeHint().width());
-    const int whole = std::min(wanted + 2 * padding, width);
+    const int whole = std::min(wanted + 2 * adjustPadding, width);
     return {whole, layout()->heightForWidth(whole)};
 }
 
@@ -119,9 +120,9 @@ void DesktopOverlayAdjustControls::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QColor border = palette().color(QPalette::WindowText);
-    border.setAlphaF(borderOpacity);
-    painter.fillPath(continuousRect(rect(), panelRadius), palette().color(QPalette::Base));
-    painter.strokePath(continuousRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), panelRadius - 0.5),
+    border.setAlphaF(adjustBorderOpacity);
+    painter.fillPath(continuousRect(rect(), adjustPanelRadius), palette().color(QPalette::Base));
+    painter.strokePath(continuousRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), adjustPanelRadius - 0.5),
                        QPen(border, 1));
 }
 

@@ -10,7 +10,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr float borderOpacity = 0.12F;
+constexpr float backdropBorderOpacity = 0.12F;
 
 } // namespace
 
@@ -40,7 +40,7 @@ void DesktopOverlayBackdrop::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(m_opacity);
     QColor border = palette().color(QPalette::WindowText);
-    border.setAlphaF(borderOpacity);
+    border.setAlphaF(backdropBorderOpacity);
     const QColor ground = palette().color(QPalette::Window);
     if (m_fillsCorners)
         painter.fillRect(rect(), ground);

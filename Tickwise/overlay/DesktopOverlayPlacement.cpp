@@ -7,20 +7,20 @@ namespace tickwise {
 
 namespace {
 
-constexpr double margin = 24;
-constexpr double separator = 1;
+constexpr double screenMargin = 24;
+constexpr double separatorHeight = 1;
 constexpr double emptyHeight = 170;
 
-struct Metrics
+struct OverlayMetrics
 {
     double width;
     double header;
     double row;
 };
 
-Metrics metricsFor(DesktopOverlayTextSize textSize)
+OverlayMetrics overlayMetricsFor(DesktopOverlayTextSize textSize)
 {
-    return textSize == DesktopOverlayTextSize::large ? Metrics{400, 51, 42} : Metrics{364, 50, 38};
+    return textSize == DesktopOverlayTextSize::large ? OverlayMetrics{400, 51, 42} : OverlayMetrics{364, 50, 38};
 }
 
 double overlap(const DesktopRect &a, const DesktopRect &b)
@@ -63,10 +63,10 @@ bool isUsable(const std::optional<DesktopOverlayOrigin> &origin)
 
 QSizeF desktopOverlaySize(DesktopOverlayTextSize textSize, int rows)
 {
-    const Metrics metrics = metricsFor(textSize);
+    const OverlayMetrics metrics = overlayMetricsFor(textSize);
     if (rows < 1)
         return {metrics.width, emptyHeight};
-    return {metrics.width, metrics.header + metrics.row * rows + separator * (rows - 1)};
+    return {metrics.width, metrics.header + metrics.row * rows + separatorHeight * (rows - 1)};
 }
 
 DesktopRect desktopOverlayFrame(QSizeF size, const std::optional<DesktopOverlayOrigin> &savedTopLeft,
@@ -77,8 +77,8 @@ DesktopRect desktopOverlayFrame(QSizeF size, const std::optional<DesktopOverlayO
         return frame;
     if (!isUsable(savedTopLeft)) {
         const DesktopRect &first = visibleFrames.front();
-        frame.left = first.right() - frame.width - margin;
-        frame.bottom = first.top() - margin - frame.height;
+        frame.left = first.right() - frame.width - screenMargin;
+        frame.bottom = first.top() - screenMargin - frame.height;
         return frame;
     }
     frame.left = savedTopLeft->x;

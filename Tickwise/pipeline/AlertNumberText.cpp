@@ -12,7 +12,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr int maximumFractionDigits = 6;
+constexpr int levelFractionDigits = 6;
 
 std::unique_ptr<icu::DecimalFormat> makeFormatter()
 {
@@ -22,7 +22,7 @@ std::unique_ptr<icu::DecimalFormat> makeFormatter()
     if (U_FAILURE(status))
         return nullptr;
     formatter->setGroupingUsed(false);
-    formatter->setMaximumFractionDigits(maximumFractionDigits);
+    formatter->setMaximumFractionDigits(levelFractionDigits);
     formatter->setRoundingMode(icu::DecimalFormat::kRoundHalfEven);
     return formatter;
 }

@@ -50,9 +50,9 @@ public:
 };
 
 /// A delegate among doubles.
-struct World
+struct AppDelegateWorld
 {
-    World()
+    AppDelegateWorld()
     {
         http.answer(Endpoints().binanceMain, 200,
                     binanceBody({{QStringLiteral("BTC"), 67432.4}, {QStringLiteral("ETH"), 2500}}, clock.now()));
@@ -194,7 +194,7 @@ void AppDelegateTest::cleanup()
 
 void AppDelegateTest::showsThePriceAfterStartUp()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QVERIFY(world.item->contents.front().logo);
     QTRY_COMPARE(world.item->contents.back().text, QStringLiteral("BTC 67,432"));
@@ -204,7 +204,7 @@ void AppDelegateTest::showsThePriceAfterStartUp()
 
 void AppDelegateTest::firstLaunchWritesNothing()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     QCOMPARE(world.storage.writes, 0);
@@ -212,7 +212,7 @@ void AppDelegateTest::firstLaunchWritesNothing()
 
 void AppDelegateTest::testHostDoesNothingMore()
 {
-    World world;
+    AppDelegateWorld world;
     world.processEnvironment = QProcessEnvironment::systemEnvironment();
     world.processEnvironment.insert(QStringLiteral("XCTestConfigurationFilePath"), QString());
     world.secondCopy = true;
@@ -224,7 +224,7 @@ void AppDelegateTest::testHostDoesNothingMore()
 
 void AppDelegateTest::secondCopyQuitsAtOnce()
 {
-    World world;
+    AppDelegateWorld world;
     world.secondCopy = true;
     world.launch();
     QCOMPARE(world.quit->count(), 1);
@@ -234,7 +234,7 @@ void AppDelegateTest::secondCopyQuitsAtOnce()
 
 void AppDelegateTest::threeIntervalChangesRestartPollingOnce()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     for (const double interval : {3600., 1800., 7200.})
@@ -247,7 +247,7 @@ void AppDelegateTest::threeIntervalChangesRestartPollingOnce()
 
 void AppDelegateTest::eachReloadSettingRestartsPolling()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     world.change([](AppSettings &settings) { settings.priceChangeNotificationEnabled = false; });
@@ -258,7 +258,7 @@ void AppDelegateTest::eachReloadSettingRestartsPolling()
 
 void AppDelegateTest::otherSettingsDoNotRestartPolling()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     world.change([](AppSettings &settings) { settings.showMenuBarBackground = true; });
@@ -269,7 +269,7 @@ void AppDelegateTest::otherSettingsDoNotRestartPolling()
 
 void AppDelegateTest::languageIsAppliedAtStartAndLive()
 {
-    World world;
+    AppDelegateWorld world;
     AppSettings stored;
     stored.language = AppLanguage::zhHans;
     UserDefaultsSettingsStore(world.storage).save(stored);
@@ -292,7 +292,7 @@ void AppDelegateTest::languageIsAppliedAtStartAndLive()
 
 void AppDelegateTest::loginItemFollowsTheSetting()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QCOMPARE(world.loginItem.requests, std::vector<bool>{false});
     world.change([](AppSettings &settings) { settings.launchAtLogin = true; });
@@ -303,7 +303,7 @@ void AppDelegateTest::loginItemFollowsTheSetting()
 
 void AppDelegateTest::authorizationIsRequestedOnce()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     QCOMPARE(world.notifications.authorizationRequests, 1);
@@ -311,7 +311,7 @@ void AppDelegateTest::authorizationIsRequestedOnce()
 
 void AppDelegateTest::menuListsTheWatchlistAndQuits()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     const Menu menu = world.item->menu();
     QCOMPARE(texts(menu),
@@ -331,7 +331,7 @@ void AppDelegateTest::menuListsTheWatchlistAndQuits()
 
 void AppDelegateTest::menuOpensTheSettings()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     std::vector<SettingsTab> tabs;
     connect(world.delegate.get(), &AppDelegate::settingsWindowRequested, this,
@@ -344,7 +344,7 @@ void AppDelegateTest::menuOpensTheSettings()
 
 void AppDelegateTest::menuChecksForUpdates()
 {
-    World world;
+    AppDelegateWorld world;
     auto backend = std::make_unique<UpdaterBackendDouble>();
     UpdaterBackendDouble &updater = *backend;
     world.attachUpdater = [&](UpdateController &controller) { controller.attach(std::move(backend)); };
@@ -362,7 +362,7 @@ void AppDelegateTest::menuChecksForUpdates()
 
 void AppDelegateTest::menuHasNoEntryForAnUnknownCoin()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     world.change([](AppSettings &settings) { settings.watchlistCoins.push_back({QStringLiteral("unheard-of")}); });
     QCOMPARE(world.item->menu().front().children.size(), 2U);
@@ -370,7 +370,7 @@ void AppDelegateTest::menuHasNoEntryForAnUnknownCoin()
 
 void AppDelegateTest::menuIsBuiltAnewEachTime()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     world.change([](AppSettings &settings) { settings.watchlistCoins.push_back({QStringLiteral("solana")}); });
     QCOMPARE(texts(world.item->menu().front().children).back(), QStringLiteral("SOL - Solana"));
@@ -378,7 +378,7 @@ void AppDelegateTest::menuIsBuiltAnewEachTime()
 
 void AppDelegateTest::menuChangesAreAnnouncedAtOnce()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     const auto announced = [&world] { return std::exchange(world.item->shownMenus, {}); };
     announced();
@@ -406,7 +406,7 @@ void AppDelegateTest::menuChangesAreAnnouncedAtOnce()
 
 void AppDelegateTest::changeCoinPublishesAndSaves()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     world.item->menu().front().children[1].activate();
@@ -436,7 +436,7 @@ void AppDelegateTest::navigationAsksForTheTab_data()
 void AppDelegateTest::navigationAsksForTheTab()
 {
     QFETCH(QVariantMap, userInfo);
-    World world;
+    AppDelegateWorld world;
     world.launch();
     std::vector<SettingsTab> tabs;
     connect(world.delegate.get(), &AppDelegate::settingsWindowRequested, this,
@@ -450,7 +450,7 @@ void AppDelegateTest::navigationAsksForTheTab()
 
 void AppDelegateTest::navigationIsObservedAfterTheStart()
 {
-    World world;
+    AppDelegateWorld world;
     world.secondCopy = true;
     world.launch();
     QSignalSpy requested(world.delegate.get(), &AppDelegate::settingsWindowRequested);
@@ -460,7 +460,7 @@ void AppDelegateTest::navigationIsObservedAfterTheStart()
 
 void AppDelegateTest::sleepDropsQuotesUnderWay()
 {
-    World world;
+    AppDelegateWorld world;
     world.http.clear(Endpoints().binanceMain);
     world.http.hold(Endpoints().binanceMain);
     world.launch();
@@ -472,7 +472,7 @@ void AppDelegateTest::sleepDropsQuotesUnderWay()
 
 void AppDelegateTest::nothingIsFetchedBetweenSleepAndWake()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     world.delegate->machineWillSleep();
@@ -486,7 +486,7 @@ void AppDelegateTest::nothingIsFetchedBetweenSleepAndWake()
 
 void AppDelegateTest::wakingFetchesAtOnce()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     world.delegate->machineDidWake();
@@ -495,7 +495,7 @@ void AppDelegateTest::wakingFetchesAtOnce()
 
 void AppDelegateTest::networkThatReturnsFetchesAtOnce()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     world.delegate->networkReturned();
@@ -504,7 +504,7 @@ void AppDelegateTest::networkThatReturnsFetchesAtOnce()
 
 void AppDelegateTest::answerFromBeforeSleepIsDropped()
 {
-    World world;
+    AppDelegateWorld world;
     world.http.clear(Endpoints().binanceMain);
     for (const double price : {1., 2.}) {
         world.http.answer(Endpoints().binanceMain, 200,
@@ -521,7 +521,7 @@ void AppDelegateTest::answerFromBeforeSleepIsDropped()
 
 void AppDelegateTest::settingsChangedOverSeveralTurnsReloadOnce()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     for (const double interval : {3600., 1800., 7200., 900.}) {
@@ -536,7 +536,7 @@ void AppDelegateTest::settingsChangedOverSeveralTurnsReloadOnce()
 
 void AppDelegateTest::editedIntervalBecomesThePeriod()
 {
-    World world;
+    AppDelegateWorld world;
     AppSettings stored;
     stored.pollingInterval = 3600;
     UserDefaultsSettingsStore(world.storage).save(stored);
@@ -553,7 +553,7 @@ void AppDelegateTest::editedIntervalBecomesThePeriod()
 
 void AppDelegateTest::aLaterChangePutsTheReloadOff()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     // Timers fire in the order of their times also when the machine is late.
@@ -569,7 +569,7 @@ void AppDelegateTest::aLaterChangePutsTheReloadOff()
 
 void AppDelegateTest::reloadComesFiveHundredMillisecondsAfterTheLastChange()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     // Timers fire in the order of their times also when the machine is late.
@@ -585,7 +585,7 @@ void AppDelegateTest::reloadComesFiveHundredMillisecondsAfterTheLastChange()
 
 void AppDelegateTest::currencyChangeKeepsTheLabelUntilTheReload()
 {
-    World world;
+    AppDelegateWorld world;
     world.http.answer(Endpoints().exchangeRateApi, 200,
                       R"({"result":"success","base_code":"USD","rates":{"USD":1,"EUR":0.5}})");
     world.launch();
@@ -604,7 +604,7 @@ void AppDelegateTest::currencyChangeKeepsTheLabelUntilTheReload()
 
 void AppDelegateTest::snapshotNeverMixesTwoCurrencies()
 {
-    World world;
+    AppDelegateWorld world;
     const auto snapshot = [&world] {
         QFile file(world.container.filePath(QStringLiteral("widget-snapshot.json")));
         return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
@@ -621,7 +621,7 @@ void AppDelegateTest::snapshotNeverMixesTwoCurrencies()
 
 void AppDelegateTest::watchlistEditsShowAtOnce()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
     const auto shownIds = [&world] {
@@ -643,7 +643,7 @@ void AppDelegateTest::watchlistEditsShowAtOnce()
 
 void AppDelegateTest::logosFollowTheWatchlist()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     const auto askedFor = [&world](const QString &id) {
         const std::optional<QString> address = world.delegate->catalog().byID().value(id).logoURL;
@@ -662,7 +662,7 @@ void AppDelegateTest::logosFollowTheWatchlist()
 
 void AppDelegateTest::logosOfTheStartsWatchlist()
 {
-    World world;
+    AppDelegateWorld world;
     AppSettings stored;
     stored.watchlistCoins.push_back({QStringLiteral("stellar")});
     UserDefaultsSettingsStore(world.storage).save(stored);
@@ -681,7 +681,7 @@ void AppDelegateTest::withoutACatalog_data()
 void AppDelegateTest::withoutACatalog()
 {
     QFETCH(QByteArray, catalog);
-    World world;
+    AppDelegateWorld world;
     world.catalogPath = world.container.filePath(QStringLiteral("coins.json"));
     if (!catalog.isEmpty()) {
         QFile file(world.catalogPath);
@@ -728,7 +728,7 @@ void AppDelegateTest::opensOwnAddresses()
 {
     QFETCH(QStringList, addresses);
     QFETCH(bool, opens);
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QSignalSpy activated(world.delegate.get(), &AppDelegate::activationRequested);
     world.delegate->openUrls(addresses, QStringLiteral("token-1"));
@@ -739,7 +739,7 @@ void AppDelegateTest::opensOwnAddresses()
 
 void AppDelegateTest::performsActionsOfTheDesktopFile()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QSignalSpy activated(world.delegate.get(), &AppDelegate::activationRequested);
     std::vector<std::pair<SettingsTab, QString>> requested;
@@ -761,7 +761,7 @@ void AppDelegateTest::performsActionsOfTheDesktopFile()
 
 void AppDelegateTest::clickOnANotificationActivates()
 {
-    World world;
+    AppDelegateWorld world;
     world.launch();
     QSignalSpy activated(world.delegate.get(), &AppDelegate::activationRequested);
     Q_EMIT world.notifications.activated(QStringLiteral("alert-1"), QStringLiteral("token-1"));

@@ -17,9 +17,9 @@ using namespace tickwise::test;
 namespace {
 
 /// A started delegate whose overlay has a place among doubles.
-struct World
+struct DelegateOverlayWorld
 {
-    explicit World(bool enabled = true)
+    explicit DelegateOverlayWorld(bool enabled = true)
     {
         http.hold(Endpoints().binanceMain);
         delegate = std::make_unique<AppDelegate>(
@@ -79,13 +79,13 @@ private Q_SLOTS:
 
 void DelegateOverlayTest::startUpShowsIt()
 {
-    World world;
+    DelegateOverlayWorld world;
     QCOMPARE(world.calls, QStringList{QStringLiteral("show 892,54 364x127")});
 }
 
 void DelegateOverlayTest::startUpLeavesADisabledOneAlone()
 {
-    World world(false);
+    DelegateOverlayWorld world(false);
     QVERIFY(!world.surface);
     world.post();
     QVERIFY(!world.isAdjusting());
@@ -93,7 +93,7 @@ void DelegateOverlayTest::startUpLeavesADisabledOneAlone()
 
 void DelegateOverlayTest::notificationStartsAdjusting()
 {
-    World world;
+    DelegateOverlayWorld world;
     world.post();
     QVERIFY(world.isAdjusting());
     world.delegate->desktopOverlay().finishAdjusting();
@@ -102,14 +102,14 @@ void DelegateOverlayTest::notificationStartsAdjusting()
 
 void DelegateOverlayTest::otherNotificationsDoNot()
 {
-    World world;
+    DelegateOverlayWorld world;
     world.delegate->notificationCenter().post(NotificationCenter::navigate);
     QVERIFY(!world.isAdjusting());
 }
 
 void DelegateOverlayTest::wakePutsItInPlace()
 {
-    World world;
+    DelegateOverlayWorld world;
     world.surface->now = {{QRect(0, 0, 1000, 700)}, 700};
     world.delegate->machineWillSleep();
     world.delegate->machineDidWake();
@@ -118,7 +118,7 @@ void DelegateOverlayTest::wakePutsItInPlace()
 
 void DelegateOverlayTest::languageReachesIt()
 {
-    World world;
+    DelegateOverlayWorld world;
     world.change([](AppSettings &settings) { settings.language = AppLanguage::zhHans; });
     QCOMPARE(world.delegate->desktopOverlay().model().content().language, AppLanguage::zhHans);
     QCOMPARE(world.delegate->desktopOverlay().window()->view().adjustControls().doneButton().text(),

@@ -53,9 +53,9 @@ private:
     QWidget *m_window = nullptr;
 };
 
-struct World
+struct PopoverControllerWorld
 {
-    World()
+    PopoverControllerWorld()
     {
         auto made = std::make_unique<FakeSurface>(log);
         surface = made.get();
@@ -114,7 +114,7 @@ private Q_SLOTS:
 
 void PopoverControllerTest::clickOpensAndTheNextCloses()
 {
-    World world;
+    PopoverControllerWorld world;
     QSignalSpy changes(world.controller.get(), &PopoverController::isShownChanged);
     world.click();
     QVERIFY(world.controller->isShown());
@@ -128,7 +128,7 @@ void PopoverControllerTest::clickOpensAndTheNextCloses()
 
 void PopoverControllerTest::theClickThatClosedItOpensNothing()
 {
-    World world;
+    PopoverControllerWorld world;
     world.click();
     Q_EMIT world.controller->window()->dismissed();
     world.now += 249ms;
@@ -141,7 +141,7 @@ void PopoverControllerTest::theClickThatClosedItOpensNothing()
 
 void PopoverControllerTest::aClickToldTwiceOpens()
 {
-    World world;
+    PopoverControllerWorld world;
     world.click();
     world.click();
     QVERIFY(world.controller->isShown());
@@ -149,7 +149,7 @@ void PopoverControllerTest::aClickToldTwiceOpens()
 
 void PopoverControllerTest::escapeCloses()
 {
-    World world;
+    PopoverControllerWorld world;
     world.click();
     QTest::keyClick(world.controller->window(), Qt::Key_Escape);
     QVERIFY(!world.controller->isShown());
@@ -157,7 +157,7 @@ void PopoverControllerTest::escapeCloses()
 
 void PopoverControllerTest::openingAShownPopoverChangesNothing()
 {
-    World world;
+    PopoverControllerWorld world;
     world.controller->open({});
     world.controller->open({});
     QCOMPARE(world.log, words({"show 298"}));
@@ -166,7 +166,7 @@ void PopoverControllerTest::openingAShownPopoverChangesNothing()
 
 void PopoverControllerTest::navigatingClosesFirst()
 {
-    World world;
+    PopoverControllerWorld world;
     world.click();
     QTest::mouseClick(world.button("settings"), Qt::LeftButton);
     QVERIFY(!world.controller->isShown());
@@ -175,7 +175,7 @@ void PopoverControllerTest::navigatingClosesFirst()
 
 void PopoverControllerTest::quitIsPassedOn()
 {
-    World world;
+    PopoverControllerWorld world;
     world.click();
     QTest::mouseClick(world.button("quit"), Qt::LeftButton);
     QCOMPARE(world.quits, 1);
@@ -183,7 +183,7 @@ void PopoverControllerTest::quitIsPassedOn()
 
 void PopoverControllerTest::lossOfTheScreenCloses()
 {
-    World world;
+    PopoverControllerWorld world;
     world.click();
     world.surface->onTakenAway();
     QVERIFY(!world.controller->isShown());
@@ -191,7 +191,7 @@ void PopoverControllerTest::lossOfTheScreenCloses()
 
 void PopoverControllerTest::resizesWithTheNumberOfCoins()
 {
-    World world;
+    PopoverControllerWorld world;
     world.coins.watch(6);
     world.click();
     world.coins.watch(7);
@@ -206,7 +206,7 @@ void PopoverControllerTest::resizesWithTheNumberOfCoins()
 
 void PopoverControllerTest::startsAtTheTopEachTime()
 {
-    World world;
+    PopoverControllerWorld world;
     world.coins.watch(50);
     world.click();
     auto *const list = world.controller->window()->findChild<QAbstractItemView *>();
@@ -222,7 +222,7 @@ void PopoverControllerTest::startsAtTheTopEachTime()
 
 void PopoverControllerTest::triesAgainAfterLaunch()
 {
-    World world;
+    PopoverControllerWorld world;
     world.surface->refusals = 2;
     world.controller->openAfterLaunch({});
     QVERIFY(!world.controller->isShown());
@@ -232,7 +232,7 @@ void PopoverControllerTest::triesAgainAfterLaunch()
 
 void PopoverControllerTest::givesUpAfterItsRetries()
 {
-    World world;
+    PopoverControllerWorld world;
     world.surface->refusals = 100;
     world.controller->openAfterLaunch({}, 2);
     QTRY_COMPARE(world.log.size(), 3U);
@@ -243,7 +243,7 @@ void PopoverControllerTest::givesUpAfterItsRetries()
 
 void PopoverControllerTest::nothingIsBuiltBeforeItIsOpened()
 {
-    World world;
+    PopoverControllerWorld world;
     world.coins.price(3);
     world.controller->retranslate();
     QVERIFY(!world.controller->window());

@@ -115,9 +115,9 @@ private:
 };
 
 /// A delegate among doubles that tell when they are used.
-struct World
+struct StartUpOrderWorld
 {
-    World()
+    StartUpOrderWorld()
     {
         http.hold(Endpoints().binanceMain);
         delegate = std::make_unique<AppDelegate>(environment());
@@ -176,7 +176,7 @@ struct World
     std::unique_ptr<AppDelegate> delegate;
 };
 
-constexpr int longerThanTheDebounce = 700;
+constexpr int afterTheDebounce = 700;
 
 } // namespace
 
@@ -203,14 +203,14 @@ void StartUpOrderTest::cleanup()
 
 void StartUpOrderTest::constructionDoesNothing()
 {
-    World world;
+    StartUpOrderWorld world;
     QCOMPARE(world.record, Record());
     QCOMPARE(world.storage.writes, 0);
 }
 
 void StartUpOrderTest::everyStepInItsOrder()
 {
-    World world;
+    StartUpOrderWorld world;
     Record record = world.launch();
     // The language that is applied last draws the item once more.
     QCOMPARE(record.mid(record.indexOf(QStringLiteral("login item")) + 1),
@@ -228,7 +228,7 @@ void StartUpOrderTest::everyStepInItsOrder()
 
 void StartUpOrderTest::withoutUpdater()
 {
-    World world;
+    StartUpOrderWorld world;
     AppEnvironment environment = world.environment();
     environment.attachUpdater = {};
     world.delegate = std::make_unique<AppDelegate>(std::move(environment));
@@ -239,7 +239,7 @@ void StartUpOrderTest::withoutUpdater()
 
 void StartUpOrderTest::testHostStopsBeforeTheFirstStep()
 {
-    World world;
+    StartUpOrderWorld world;
     world.processEnvironment.insert(QStringLiteral("XCTestConfigurationFilePath"), QString());
     world.delegate = std::make_unique<AppDelegate>(world.environment());
     world.record.clear();
@@ -248,14 +248,14 @@ void StartUpOrderTest::testHostStopsBeforeTheFirstStep()
 
 void StartUpOrderTest::secondCopyStopsAtTheSecondStep()
 {
-    World world;
+    StartUpOrderWorld world;
     world.secondCopy = true;
     QCOMPARE(world.launch(), (Record{QStringLiteral("second copy?"), QStringLiteral("quit")}));
 }
 
 void StartUpOrderTest::widgetWriterWorksAfterStartUp()
 {
-    World world;
+    StartUpOrderWorld world;
     const QString snapshot = world.container.filePath(QStringLiteral("widget-snapshot.json"));
     QVERIFY(!world.launch().contains(QStringLiteral("widgets reloaded")));
     QTRY_COMPARE(world.record.count(QStringLiteral("widgets reloaded")), 1);
@@ -264,16 +264,16 @@ void StartUpOrderTest::widgetWriterWorksAfterStartUp()
 
 void StartUpOrderTest::reloadStreamSkipsWhatTheStepsBeforeItChanged()
 {
-    World world;
+    StartUpOrderWorld world;
     world.loginItem.meanwhile = [&world] { world.setInterval(3600); };
     world.launch();
-    QTest::qWait(longerThanTheDebounce);
+    QTest::qWait(afterTheDebounce);
     QCOMPARE(world.polls(), 1);
 }
 
 void StartUpOrderTest::reloadStreamSeesWhatTheStepsAfterItChange()
 {
-    World world;
+    StartUpOrderWorld world;
     bool changed = false;
     connect(world.delegate.get(), &AppDelegate::languageApplied, this, [&world, &changed] {
         if (!std::exchange(changed, true))

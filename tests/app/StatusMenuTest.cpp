@@ -39,20 +39,20 @@ Menu menuWith(const StatusMenuActions &actions, bool canCheckForUpdates = true)
                       catalog, canCheckForUpdates, actions);
 }
 
-QStringList texts(const Menu &menu)
+QStringList textsOf(const Menu &menu)
 {
-    QStringList texts;
+    QStringList textsOf;
     for (const MenuEntry &entry : menu)
-        texts.append(entry.kind == MenuEntry::Kind::separator ? QStringLiteral("-") : entry.text);
-    return texts;
+        textsOf.append(entry.kind == MenuEntry::Kind::separator ? QStringLiteral("-") : entry.text);
+    return textsOf;
 }
 
 QStringList keysToTexts(const QStringList &keys)
 {
-    QStringList texts;
+    QStringList textsOf;
     for (const QString &key : keys)
-        texts.append(key == QStringLiteral("-") ? key : localized(key));
-    return texts;
+        textsOf.append(key == QStringLiteral("-") ? key : localized(key));
+    return textsOf;
 }
 
 } // namespace
@@ -73,7 +73,7 @@ private Q_SLOTS:
 void StatusMenuTest::entriesInTheirOrder()
 {
     QStringList calls;
-    QCOMPARE(texts(menuWith(allActions(calls))),
+    QCOMPARE(textsOf(menuWith(allActions(calls))),
              keysToTexts({QStringLiteral("menu.change"), QStringLiteral("-"), QStringLiteral("menu.setting"),
                           QStringLiteral("menu.about"), QStringLiteral("menu.checkForUpdates"), QStringLiteral("-"),
                           QStringLiteral("menu.quit")}));
@@ -95,7 +95,7 @@ void StatusMenuTest::coinsInSettingsOrder()
     QStringList calls;
     const MenuEntry change = menuWith(allActions(calls)).front();
     QVERIFY(change.kind == MenuEntry::Kind::submenu);
-    QCOMPARE(texts(change.children), (QStringList{QStringLiteral("ETH - ETH"), QStringLiteral("BTC - BTC")}));
+    QCOMPARE(textsOf(change.children), (QStringList{QStringLiteral("ETH - ETH"), QStringLiteral("BTC - BTC")}));
     QCOMPARE(change.children[0].checked, std::optional(false));
     QCOMPARE(change.children[1].checked, std::optional(true));
 }
@@ -105,9 +105,9 @@ void StatusMenuTest::anAbsentActionLeavesItsEntryOut()
     QStringList calls;
     StatusMenuActions actions = allActions(calls);
     actions.openSettings = {};
-    QVERIFY(!texts(menuWith(actions)).contains(localized(QStringLiteral("menu.setting"))));
+    QVERIFY(!textsOf(menuWith(actions)).contains(localized(QStringLiteral("menu.setting"))));
     actions.openAbout = {};
-    QCOMPARE(texts(menuWith(actions)),
+    QCOMPARE(textsOf(menuWith(actions)),
              keysToTexts({QStringLiteral("menu.change"), QStringLiteral("-"), QStringLiteral("menu.checkForUpdates"),
                           QStringLiteral("-"), QStringLiteral("menu.quit")}));
 }

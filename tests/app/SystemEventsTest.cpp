@@ -14,9 +14,9 @@ using namespace tickwise::test;
 namespace {
 
 /// A started delegate whose requests stay open, and the sources of the events.
-struct World
+struct SystemEventsWorld
 {
-    World()
+    SystemEventsWorld()
     {
         http.hold(Endpoints().binanceMain);
         delegate.applicationDidFinishLaunching();
@@ -57,7 +57,7 @@ private Q_SLOTS:
 
 void SystemEventsTest::sleepStopsPolling()
 {
-    World world;
+    SystemEventsWorld world;
     QCOMPARE(world.http.open(), 1);
     Q_EMIT world.sleepMonitor.willSleep();
     QCOMPARE(world.http.open(), 0);
@@ -66,7 +66,7 @@ void SystemEventsTest::sleepStopsPolling()
 
 void SystemEventsTest::wakeForgetsTheOldNetworkAndPolls()
 {
-    World world;
+    SystemEventsWorld world;
     Q_EMIT world.sleepMonitor.willSleep();
     Q_EMIT world.sleepMonitor.didWake();
     QCOMPARE(world.openAtChange, QList<int>{0});
@@ -76,7 +76,7 @@ void SystemEventsTest::wakeForgetsTheOldNetworkAndPolls()
 
 void SystemEventsTest::networkThatReturnsForgetsTheOldOneAndPolls()
 {
-    World world;
+    SystemEventsWorld world;
     Q_EMIT world.networkWatch.networkReturned();
     QCOMPARE(world.openAtChange.size(), 1);
     QCOMPARE(world.http.open(), 1);
@@ -85,7 +85,7 @@ void SystemEventsTest::networkThatReturnsForgetsTheOldOneAndPolls()
 
 void SystemEventsTest::networkThatReturnsDuringSleepDoesNotPoll()
 {
-    World world;
+    SystemEventsWorld world;
     Q_EMIT world.sleepMonitor.willSleep();
     Q_EMIT world.networkWatch.networkReturned();
     QCOMPARE(world.polls(), 1);

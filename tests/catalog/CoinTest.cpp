@@ -11,8 +11,6 @@ using namespace tickwise;
 using namespace tickwise::test;
 
 using Edit = std::function<void(Coin &)>;
-Q_DECLARE_METATYPE(Edit)
-
 namespace {
 
 Coin fullCoin()

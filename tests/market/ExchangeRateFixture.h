@@ -3,6 +3,7 @@
 #include "doubles/ScriptedHttpClient.h"
 #include "doubles/TestClock.h"
 #include "market/ExchangeRateService.h"
+#include "market/Outcome.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -22,12 +23,6 @@ inline QByteArray erBody(double eur)
 inline QByteArray setBody(double eur)
 {
     return R"({"usd":{"eur":)" + QByteArray::number(eur) + "}}";
-}
-
-inline void letEverythingHappen()
-{
-    for (int i = 0; i < 20; ++i)
-        QCoreApplication::processEvents();
 }
 
 using Rates = std::vector<Result<double>>;

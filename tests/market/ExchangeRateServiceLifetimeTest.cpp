@@ -1,24 +1,13 @@
 // The shared fetch and those who wait for it: who may leave when.
-#include "doubles/ScriptedHttpClient.h"
-#include "doubles/TestClock.h"
+#include "ExchangeRateFixture.h"
 #include "doubles/TestProgram.h"
-#include "market/ExchangeRateService.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
 
 namespace {
 
-const auto er = QStringLiteral("https://er.example");
-const QByteArray body = R"({"result":"success","rates":{"EUR":0.5}})";
-
-void letEverythingHappen()
-{
-    for (int i = 0; i < 20; ++i)
-        QCoreApplication::processEvents();
-}
-
-using Rates = std::vector<Result<double>>;
+const QByteArray rateBody = R"({"result":"success","rates":{"EUR":0.5}})";
 
 struct Fixture
 {
@@ -36,7 +25,7 @@ struct Fixture
     }
 };
 
-const Error cancelled = UrlLoadingError{UrlErrorCode::cancelled};
+const Error cancelledError = UrlLoadingError{UrlErrorCode::cancelled};
 
 } // namespace
 
@@ -61,7 +50,7 @@ private Q_SLOTS:
 void ExchangeRateServiceLifetimeTest::oneOfTwoLeaves()
 {
     Fixture f;
-    f.client.answer(er, 200, body);
+    f.client.answer(er, 200, rateBody);
     Rates first;
     Rates second;
     Subscription leaving = f.rate(first);
@@ -94,7 +83,7 @@ void ExchangeRateServiceLifetimeTest::askedAgainAfterAllLeft()
 {
     Fixture f;
     f.client.hold(er);
-    f.client.answer(er, 200, body);
+    f.client.answer(er, 200, rateBody);
     Rates rates;
     Subscription first = f.rate(rates);
     first.cancel();
@@ -115,7 +104,7 @@ void ExchangeRateServiceLifetimeTest::leavesBetweenAnswerAndDelivery()
     QVERIFY(rates.empty());
     // The refusal was never seen, so the service is asked again.
     f.client.clear(er);
-    f.client.answer(er, 200, body);
+    f.client.answer(er, 200, rateBody);
     subscription = f.rate(rates);
     QTRY_COMPARE(rates.size(), std::size_t(1));
     QCOMPARE(f.client.requests().size(), std::size_t(2));
@@ -124,7 +113,7 @@ void ExchangeRateServiceLifetimeTest::leavesBetweenAnswerAndDelivery()
 void ExchangeRateServiceLifetimeTest::leavesInsideTheCompletion()
 {
     Fixture f;
-    f.client.answer(er, 200, body);
+    f.client.answer(er, 200, rateBody);
     int calls = 0;
     Subscription subscription;
     subscription = f.service->rate(BaseCurrency::eur, [&](const Result<double> &) {
@@ -139,7 +128,7 @@ void ExchangeRateServiceLifetimeTest::leavesInsideTheCompletion()
 void ExchangeRateServiceLifetimeTest::leavesAnotherOneInsideTheCompletion()
 {
     Fixture f;
-    f.client.answer(er, 200, body);
+    f.client.answer(er, 200, rateBody);
     int calls = 0;
     Rates dropped;
     Subscription other;
@@ -157,7 +146,7 @@ void ExchangeRateServiceLifetimeTest::asksAgainInsideTheCompletionOfAFailure()
 {
     Fixture f;
     f.client.answer(er, 500, {});
-    f.client.answer(er, 200, body);
+    f.client.answer(er, 200, rateBody);
     Rates again;
     Subscription subscription;
     subscription = f.service->rate(BaseCurrency::eur, [&](const Result<double> &rate) {
@@ -171,7 +160,7 @@ void ExchangeRateServiceLifetimeTest::asksAgainInsideTheCompletionOfAFailure()
 void ExchangeRateServiceLifetimeTest::asksAgainInsideTheCompletionOfAMissingCurrency()
 {
     Fixture f;
-    f.client.answer(er, 200, body);
+    f.client.answer(er, 200, rateBody);
     f.client.answer(er, 200, R"({"result":"success","rates":{"GBP":0.25}})");
     Rates again;
     Subscription subscription;
@@ -198,8 +187,8 @@ void ExchangeRateServiceLifetimeTest::serviceGoesMidFetch()
     QCOMPARE(f.client.open(), 0);
     QVERIFY(first.empty());
     QTRY_VERIFY(!first.empty() && !second.empty());
-    QVERIFY(first.front().error() == cancelled);
-    QVERIFY(second.front().error() == cancelled);
+    QVERIFY(first.front().error() == cancelledError);
+    QVERIFY(second.front().error() == cancelledError);
     letEverythingHappen();
     QCOMPARE(first.size(), std::size_t(1));
 }
@@ -207,7 +196,7 @@ void ExchangeRateServiceLifetimeTest::serviceGoesMidFetch()
 void ExchangeRateServiceLifetimeTest::serviceGoesInsideTheCompletion()
 {
     Fixture f;
-    f.client.answer(er, 200, body);
+    f.client.answer(er, 200, rateBody);
     int calls = 0;
     Rates other;
     const Subscription a = f.service->rate(BaseCurrency::eur, [&](const Result<double> &) {

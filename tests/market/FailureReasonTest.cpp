@@ -10,10 +10,10 @@ using Causes = std::vector<ProviderFailure>;
 
 namespace {
 
-const auto binance = QStringLiteral("binance");
-const auto okx = QStringLiteral("okx");
+const auto binanceName = QStringLiteral("binance");
+const auto okxName = QStringLiteral("okx");
 
-ProviderFailure cause(FailureReason reason, const QString &provider = binance,
+ProviderFailure cause(FailureReason reason, const QString &provider = binanceName,
                       std::optional<TimePoint> until = std::nullopt)
 {
     return {provider, reason, until};
@@ -100,29 +100,29 @@ void FailureReasonTest::summaryOrder()
 
 void FailureReasonTest::summaryDoesNotDependOnTheOrder()
 {
-    Causes causes{cause(badAnswer), cause(timedOut), cause(regionBlocked, okx), cause(unreachable)};
-    QCOMPARE(summary(causes), cause(regionBlocked, okx));
+    Causes causes{cause(badAnswer), cause(timedOut), cause(regionBlocked, okxName), cause(unreachable)};
+    QCOMPARE(summary(causes), cause(regionBlocked, okxName));
     std::reverse(causes.begin(), causes.end());
-    QCOMPARE(summary(causes), cause(regionBlocked, okx));
+    QCOMPARE(summary(causes), cause(regionBlocked, okxName));
 }
 
 void FailureReasonTest::earliestEndOfRateLimitsComesFirst()
 {
-    const Causes causes{cause(rateLimited, binance, after(600)), cause(rateLimited, okx, after(30)),
-                        cause(rateLimited, binance, after(60)), cause(badAnswer)};
+    const Causes causes{cause(rateLimited, binanceName, after(600)), cause(rateLimited, okxName, after(30)),
+                        cause(rateLimited, binanceName, after(60)), cause(badAnswer)};
     QCOMPARE(summary(causes), causes[1]);
 }
 
 void FailureReasonTest::rateLimitWithAnEndComesFirst()
 {
-    const Causes causes{cause(rateLimited), cause(rateLimited, okx, after(600))};
+    const Causes causes{cause(rateLimited), cause(rateLimited, okxName, after(600))};
     QCOMPARE(summary(causes), causes[1]);
     QCOMPARE(summary({causes[1], causes[0]}), causes[1]);
 }
 
 void FailureReasonTest::firstOfEqualCausesIsTold()
 {
-    QCOMPARE(summary({cause(timedOut, okx), cause(timedOut, binance)}).provider, okx);
+    QCOMPARE(summary({cause(timedOut, okxName), cause(timedOut, binanceName)}).provider, okxName);
 }
 
 void FailureReasonTest::summaryOfNothing()

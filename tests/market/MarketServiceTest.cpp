@@ -5,6 +5,7 @@
 #include "market/FailureReason.h"
 #include "market/Outcome.h"
 #include "market/PriceService.h"
+#include "market/Symbols.h"
 #include "platform/network/NetworkHttpClient.h"
 
 #include <QSignalSpy>
@@ -16,14 +17,7 @@ using enum MarketEndpoint;
 using Transport = LoopbackMarket::Transport;
 using Repeat = LoopbackMarket::Repeat;
 
-Q_DECLARE_METATYPE(tickwise::Fault)
-Q_DECLARE_METATYPE(tickwise::LoopbackMarket::Transport)
-
 namespace {
-
-const auto btc = QStringLiteral("BTC");
-const auto eth = QStringLiteral("ETH");
-const auto sol = QStringLiteral("SOL");
 
 } // namespace
 

@@ -2,6 +2,8 @@
 
 #include "support/Subscription.h"
 
+#include <QCoreApplication>
+
 #include <vector>
 
 namespace tickwise::test {
@@ -41,6 +43,20 @@ template<class T>
 bool isDecodingError(const Result<T> &result)
 {
     return !result && std::holds_alternative<DecodingError>(result.error());
+}
+
+/// The URL-loading error of a failure that is one.
+template<class T>
+const UrlLoadingError &loadingError(const Result<T> &result)
+{
+    return std::get<UrlLoadingError>(result.error());
+}
+
+/// Everything that waits in the event loop, and what it brings, without waiting for timers.
+inline void letEverythingHappen()
+{
+    for (int i = 0; i < 20; ++i)
+        QCoreApplication::processEvents();
 }
 
 } // namespace tickwise::test

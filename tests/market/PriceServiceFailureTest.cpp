@@ -1,22 +1,15 @@
 // What a price service makes of exchanges that fail: back-off, the causes it reports, its log.
 #include "PriceServiceFixture.h"
-#include "doubles/TestProgram.h"
 
 #include "doubles/LogCapture.h"
+#include "doubles/TestProgram.h"
 #include "market/FailureReason.h"
+#include "market/Symbols.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
 
 namespace {
-
-const auto btc = QStringLiteral("BTC");
-const auto usdt = QStringLiteral("USDT");
-
-const UrlLoadingError &loadingError(const Result<PriceSnapshot> &result)
-{
-    return std::get<UrlLoadingError>(result.error());
-}
 
 /// The causes in short: "binance timedOut, okx badAnswer".
 QString causesOf(const Result<PriceSnapshot> &result)
@@ -37,8 +30,6 @@ QString causesOf(const Result<PriceSnapshot> &result)
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(Prices)
 
 class PriceServiceFailureTest : public QObject
 {

@@ -2,6 +2,7 @@
 
 #include "doubles/ScriptedHttpClient.h"
 #include "doubles/TestClock.h"
+#include "market/Outcome.h"
 #include "market/PriceService.h"
 
 #include <QTest>

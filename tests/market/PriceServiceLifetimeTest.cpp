@@ -1,20 +1,12 @@
 // What ends a fetch other than its answers: the handle is dropped, the service goes away.
 #include "PriceServiceFixture.h"
 #include "doubles/TestProgram.h"
+#include "market/Symbols.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
 
 namespace {
-
-const auto btc = QStringLiteral("BTC");
-const auto eth = QStringLiteral("ETH");
-
-void letEverythingHappen()
-{
-    for (int i = 0; i < 20; ++i)
-        QCoreApplication::processEvents();
-}
 
 } // namespace
 

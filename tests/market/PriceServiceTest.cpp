@@ -1,21 +1,12 @@
 #include "PriceServiceFixture.h"
 
 #include "doubles/TestProgram.h"
+#include "market/Symbols.h"
 
 using namespace tickwise;
 using namespace tickwise::test;
 
 namespace {
-
-const auto btc = QStringLiteral("BTC");
-const auto eth = QStringLiteral("ETH");
-const auto xyz = QStringLiteral("XYZ");
-const auto usdt = QStringLiteral("USDT");
-
-const UrlLoadingError &loadingError(const Result<PriceSnapshot> &result)
-{
-    return std::get<UrlLoadingError>(result.error());
-}
 
 } // namespace
 

@@ -2,15 +2,16 @@
 
 #include "doubles/TestClock.h"
 #include "doubles/TestProgram.h"
+#include "market/Symbols.h"
 
 using namespace tickwise;
+using namespace tickwise::test;
 
 namespace {
 
-const auto okx = QStringLiteral("okx");
-const auto bybit = QStringLiteral("bybit");
+const auto okxMark = QStringLiteral("okx");
+const auto bybitMark = QStringLiteral("bybit");
 const auto abc = QStringLiteral("ABC");
-const auto xyz = QStringLiteral("XYZ");
 const QStringList both{abc, xyz};
 
 } // namespace
@@ -64,8 +65,8 @@ void ProviderHealthTest::init()
 void ProviderHealthTest::startsWithTheFirstProviderAndNoMarks()
 {
     QCOMPARE(m_health.preferredProviderIndex, 0U);
-    QVERIFY(!isLimited(okx));
-    QCOMPARE(available(okx), both);
+    QVERIFY(!isLimited(okxMark));
+    QCOMPARE(available(okxMark), both);
 }
 
 void ProviderHealthTest::rateLimitLasts_data()
@@ -83,59 +84,59 @@ void ProviderHealthTest::rateLimitLasts()
     QFETCH(std::optional<double>, retryAfter);
     QFETCH(double, seconds);
     const TimePoint start = m_clock.now();
-    m_health.noteRateLimit(okx, retryAfter, FailureReason::rateLimited, start);
+    m_health.noteRateLimit(okxMark, retryAfter, FailureReason::rateLimited, start);
     const TimePoint end = start + secondsDuration(seconds);
-    QCOMPARE(m_health.rateLimit(okx, start).value_or(ProviderFailure{}).until, end);
+    QCOMPARE(m_health.rateLimit(okxMark, start).value_or(ProviderFailure{}).until, end);
     m_clock.set(end - std::chrono::milliseconds(1));
-    QCOMPARE(m_health.rateLimit(okx, m_clock.now()).value_or(ProviderFailure{}).until, end);
+    QCOMPARE(m_health.rateLimit(okxMark, m_clock.now()).value_or(ProviderFailure{}).until, end);
     m_clock.set(end);
-    QVERIFY(!isLimited(okx));
+    QVERIFY(!isLimited(okxMark));
 }
 
 void ProviderHealthTest::rateLimitIsOfOneProvider()
 {
-    m_health.noteRateLimit(okx, 30.0, FailureReason::rateLimited, m_clock.now());
-    QVERIFY(isLimited(okx));
-    QVERIFY(!isLimited(bybit));
+    m_health.noteRateLimit(okxMark, 30.0, FailureReason::rateLimited, m_clock.now());
+    QVERIFY(isLimited(okxMark));
+    QVERIFY(!isLimited(bybitMark));
 }
 
 void ProviderHealthTest::laterRateLimitReplacesTheEarlier()
 {
-    m_health.noteRateLimit(okx, 600.0, FailureReason::rateLimited, m_clock.now());
+    m_health.noteRateLimit(okxMark, 600.0, FailureReason::rateLimited, m_clock.now());
     m_clock.advance(10);
-    m_health.noteRateLimit(okx, 5.0, FailureReason::rateLimited, m_clock.now());
+    m_health.noteRateLimit(okxMark, 5.0, FailureReason::rateLimited, m_clock.now());
     m_clock.advance(5);
-    QVERIFY(!isLimited(okx));
+    QVERIFY(!isLimited(okxMark));
 }
 
 void ProviderHealthTest::rateLimitEndsWhenTheClockGoesBack()
 {
-    m_health.noteRateLimit(okx, 30.0, FailureReason::rateLimited, m_clock.now());
+    m_health.noteRateLimit(okxMark, 30.0, FailureReason::rateLimited, m_clock.now());
     m_clock.advance(-1);
-    QVERIFY(!isLimited(okx));
+    QVERIFY(!isLimited(okxMark));
     m_clock.advance(-86400 * 365);
-    QVERIFY(!isLimited(okx));
+    QVERIFY(!isLimited(okxMark));
 }
 
 void ProviderHealthTest::rateLimitEndsWhenTheClockJumpsAhead()
 {
-    m_health.noteRateLimit(okx, 600.0, FailureReason::rateLimited, m_clock.now());
+    m_health.noteRateLimit(okxMark, 600.0, FailureReason::rateLimited, m_clock.now());
     m_clock.advance(86400);
-    QVERIFY(!isLimited(okx));
+    QVERIFY(!isLimited(okxMark));
 }
 
 void ProviderHealthTest::endlessRateLimitIsBounded()
 {
-    m_health.noteRateLimit(okx, 1e300, FailureReason::rateLimited, m_clock.now());
-    const auto until = m_health.rateLimit(okx, m_clock.now()).value_or(ProviderFailure{}).until;
+    m_health.noteRateLimit(okxMark, 1e300, FailureReason::rateLimited, m_clock.now());
+    const auto until = m_health.rateLimit(okxMark, m_clock.now()).value_or(ProviderFailure{}).until;
     QVERIFY(until && *until > m_clock.now());
 }
 
 void ProviderHealthTest::lackedSymbolIsLeftOut()
 {
-    noteLacks(okx, both, {abc});
-    QCOMPARE(available(okx), QStringList{abc});
-    QCOMPARE(available(okx, {xyz}), QStringList());
+    noteLacks(okxMark, both, {abc});
+    QCOMPARE(available(okxMark), QStringList{abc});
+    QCOMPARE(available(okxMark, {xyz}), QStringList());
 }
 
 void ProviderHealthTest::markLasts_data()
@@ -152,51 +153,51 @@ void ProviderHealthTest::markLasts()
 {
     QFETCH(double, seconds);
     QFETCH(bool, holds);
-    noteLacks(okx, {xyz});
+    noteLacks(okxMark, {xyz});
     m_clock.advance(seconds);
-    QCOMPARE(available(okx, {xyz}).isEmpty(), holds);
+    QCOMPARE(available(okxMark, {xyz}).isEmpty(), holds);
 }
 
 void ProviderHealthTest::markIsOfOneProvider()
 {
-    noteLacks(okx, both);
-    QCOMPARE(available(bybit), both);
+    noteLacks(okxMark, both);
+    QCOMPARE(available(bybitMark), both);
 }
 
 void ProviderHealthTest::deliveredSymbolLosesItsMark()
 {
-    noteLacks(okx, {xyz});
-    noteLacks(okx, {xyz}, {xyz});
-    QCOMPARE(available(okx), both);
+    noteLacks(okxMark, {xyz});
+    noteLacks(okxMark, {xyz}, {xyz});
+    QCOMPARE(available(okxMark), both);
 }
 
 void ProviderHealthTest::anotherMissRenewsTheMark()
 {
-    noteLacks(okx, {xyz});
+    noteLacks(okxMark, {xyz});
     m_clock.advance(1800);
-    noteLacks(okx, {xyz});
+    noteLacks(okxMark, {xyz});
     m_clock.advance(1799);
-    QCOMPARE(available(okx), QStringList{abc});
+    QCOMPARE(available(okxMark), QStringList{abc});
 }
 
 void ProviderHealthTest::symbolsNotAskedKeepTheirMarks()
 {
-    noteLacks(okx, {xyz});
-    noteLacks(okx, {abc}, both);
-    QCOMPARE(available(okx), QStringList{abc});
+    noteLacks(okxMark, {xyz});
+    noteLacks(okxMark, {abc}, both);
+    QCOMPARE(available(okxMark), QStringList{abc});
 }
 
 void ProviderHealthTest::markEndsWhenTheClockGoesBack()
 {
-    noteLacks(okx, {xyz});
+    noteLacks(okxMark, {xyz});
     m_clock.advance(-1);
-    QCOMPARE(available(okx), both);
+    QCOMPARE(available(okxMark), both);
 }
 
 void ProviderHealthTest::orderIsKept()
 {
     const QStringList symbols{xyz, abc, QStringLiteral("B")};
-    QCOMPARE(available(okx, symbols), symbols);
+    QCOMPARE(available(okxMark, symbols), symbols);
 }
 
 TICKWISE_TEST(ProviderHealthTest)

@@ -18,9 +18,9 @@ namespace {
 const QString logCategory = QStringLiteral("com.pelmo.tickwise.DesktopOverlay");
 
 /// A controller over a coin list and a surface among doubles. The screen is 1280 x 800 with a panel of 30 at its top.
-struct World
+struct OverlayControllerWorld
 {
-    explicit World(int watched = 3, bool enabled = true)
+    explicit OverlayControllerWorld(int watched = 3, bool enabled = true)
         : coins(watched)
     {
         coins.change([enabled](AppSettings &settings) { settings.desktopOverlayEnabled = enabled; });
@@ -121,7 +121,7 @@ private Q_SLOTS:
 
 void DesktopOverlayControllerTest::showsWhenEnabled()
 {
-    World world;
+    OverlayControllerWorld world;
     QCOMPARE(world.takeCalls(), words({"show 892,54 364x166"}));
     const DesktopOverlayModel &model = world.controller->model();
     QCOMPARE(model.content(), widgetEntryContent(world.coins.coinList->coins(), world.coins.settings.settings(),
@@ -133,7 +133,7 @@ void DesktopOverlayControllerTest::showsWhenEnabled()
 
 void DesktopOverlayControllerTest::needsNoSurfaceWhileDisabled()
 {
-    World world(3, false);
+    OverlayControllerWorld world(3, false);
     world.coins.price(100);
     QCOMPARE(world.surfacesMade, 0);
     QVERIFY(!world.controller->window());
@@ -145,7 +145,7 @@ void DesktopOverlayControllerTest::needsNoSurfaceWhileDisabled()
 
 void DesktopOverlayControllerTest::appliesTheSameTwiceWithoutAFrame()
 {
-    World world;
+    OverlayControllerWorld world;
     world.takeCalls();
     world.controller->apply(world.coins.settings.settings(), world.controller->model().content());
     QCOMPARE(world.takeCalls(), QStringList());
@@ -166,7 +166,7 @@ void DesktopOverlayControllerTest::sizes()
 {
     QFETCH(int, watched);
     QFETCH(DesktopOverlayTextSize, textSize);
-    World world(watched);
+    OverlayControllerWorld world(watched);
     world.coins.change([textSize](AppSettings &settings) { settings.desktopOverlayTextSize = textSize; });
     QTEST(world.surface->frame().size(), "size");
     QTEST(world.controller->window()->size(), "size");
@@ -174,7 +174,7 @@ void DesktopOverlayControllerTest::sizes()
 
 void DesktopOverlayControllerTest::followsPricesAndSettings()
 {
-    World world(2);
+    OverlayControllerWorld world(2);
     world.takeCalls();
     world.coins.price(100);
     QCOMPARE(world.controller->model().content().rows.front().price, std::optional(100.0));
@@ -191,7 +191,7 @@ void DesktopOverlayControllerTest::followsPricesAndSettings()
 
 void DesktopOverlayControllerTest::keepsTheWindow()
 {
-    World world;
+    OverlayControllerWorld world;
     const DesktopOverlayWindow *const window = world.controller->window();
     world.takeCalls();
     world.setEnabled(false);
@@ -205,7 +205,7 @@ void DesktopOverlayControllerTest::keepsTheWindow()
 
 void DesktopOverlayControllerTest::adjustsOnlyWhatIsShown()
 {
-    World world(3, false);
+    OverlayControllerWorld world(3, false);
     world.controller->beginAdjusting();
     QVERIFY(!world.controller->model().isAdjusting());
     world.setEnabled(true);
@@ -218,7 +218,7 @@ void DesktopOverlayControllerTest::adjustsOnlyWhatIsShown()
 
 void DesktopOverlayControllerTest::adjustsByDragging()
 {
-    World world;
+    OverlayControllerWorld world;
     world.takeCalls();
     world.controller->beginAdjusting();
     QVERIFY(world.controller->model().isAdjusting());
@@ -235,7 +235,7 @@ void DesktopOverlayControllerTest::adjustsByDragging()
 
 void DesktopOverlayControllerTest::ignoresThePointerWhenNotAdjusting()
 {
-    World world;
+    OverlayControllerWorld world;
     world.takeCalls();
     world.drag({900, 70}, {500, 370});
     world.press(Qt::Key_Left);
@@ -246,7 +246,7 @@ void DesktopOverlayControllerTest::ignoresThePointerWhenNotAdjusting()
 
 void DesktopOverlayControllerTest::adjustsByKeys()
 {
-    World world;
+    OverlayControllerWorld world;
     world.controller->beginAdjusting();
     world.takeCalls();
     world.press(Qt::Key_Left);
@@ -265,7 +265,7 @@ void DesktopOverlayControllerTest::adjustsByKeys()
 
 void DesktopOverlayControllerTest::keysStayOnTheScreen()
 {
-    World world;
+    OverlayControllerWorld world;
     world.controller->beginAdjusting();
     for (int i = 0; i < 3; ++i) {
         world.press(Qt::Key_Up, Qt::ShiftModifier);
@@ -276,7 +276,7 @@ void DesktopOverlayControllerTest::keysStayOnTheScreen()
 
 void DesktopOverlayControllerTest::escapePutsItBack()
 {
-    World world;
+    OverlayControllerWorld world;
     world.save(40, 700);
     world.controller->beginAdjusting();
     world.press(Qt::Key_Right, Qt::ShiftModifier);
@@ -289,7 +289,7 @@ void DesktopOverlayControllerTest::escapePutsItBack()
 
 void DesktopOverlayControllerTest::closingPutsItBack()
 {
-    World world;
+    OverlayControllerWorld world;
     world.controller->beginAdjusting();
     QCloseEvent event;
     QSpontaneKeyEvent::setSpontaneous(&event);
@@ -303,14 +303,14 @@ void DesktopOverlayControllerTest::closingPutsItBack()
 /// An application whose windows do not let themselves be closed cannot quit.
 void DesktopOverlayControllerTest::letsTheApplicationQuit()
 {
-    World world;
+    OverlayControllerWorld world;
     world.controller->beginAdjusting();
     QVERIFY(world.controller->window()->close());
 }
 
 void DesktopOverlayControllerTest::doneButtonSaves()
 {
-    World world;
+    OverlayControllerWorld world;
     world.controller->beginAdjusting();
     auto *const done = world.controller->window()->findChild<QAbstractButton *>(QStringLiteral("desktop.adjust.done"));
     QTest::mouseClick(done, Qt::LeftButton);
@@ -320,7 +320,7 @@ void DesktopOverlayControllerTest::doneButtonSaves()
 
 void DesktopOverlayControllerTest::disablingLeavesWithoutSaving()
 {
-    World world;
+    OverlayControllerWorld world;
     world.controller->beginAdjusting();
     world.press(Qt::Key_Left);
     world.takeCalls();
@@ -333,7 +333,7 @@ void DesktopOverlayControllerTest::disablingLeavesWithoutSaving()
 
 void DesktopOverlayControllerTest::pricesDoNotMoveItWhileAdjusting()
 {
-    World world;
+    OverlayControllerWorld world;
     world.controller->beginAdjusting();
     world.press(Qt::Key_Left, Qt::ShiftModifier);
     world.takeCalls();
@@ -345,7 +345,7 @@ void DesktopOverlayControllerTest::pricesDoNotMoveItWhileAdjusting()
 
 void DesktopOverlayControllerTest::screenChanges()
 {
-    World world;
+    OverlayControllerWorld world;
     world.takeCalls();
     world.surface->onScreensChanged();
     QCOMPARE(world.takeCalls(), QStringList());
@@ -368,7 +368,7 @@ void DesktopOverlayControllerTest::screenChanges()
 
 void DesktopOverlayControllerTest::savedPlaceOnAGoneScreenStaysSaved()
 {
-    World world;
+    OverlayControllerWorld world;
     world.surface->now = {{QRect(0, 0, 1280, 800), QRect(1280, 0, 1280, 800)}, 800};
     world.save(2000, 600);
     QCOMPARE(world.surface->frame(), QRect(2000, 200, 364, 166));
@@ -400,7 +400,7 @@ void DesktopOverlayControllerTest::strangePositions()
 {
     QFETCH(double, x);
     QFETCH(double, y);
-    World world;
+    OverlayControllerWorld world;
     world.save(x, y);
     QTEST(world.surface->frame(), "frame");
     world.takeCalls();
@@ -411,7 +411,7 @@ void DesktopOverlayControllerTest::strangePositions()
 /// The second screen is above the first, and the first has a panel at its bottom.
 void DesktopOverlayControllerTest::severalScreens()
 {
-    World world;
+    OverlayControllerWorld world;
     world.surface->now = {{QRect(0, 0, 1280, 770), QRect(0, -1000, 1600, 1000)}, 800};
     world.save(100, 1500);
     QCOMPARE(world.surface->frame(), QRect(100, -700, 364, 166));
@@ -425,7 +425,7 @@ void DesktopOverlayControllerTest::severalScreens()
 void DesktopOverlayControllerTest::unavailable()
 {
     LogCapture log;
-    World world(3, false);
+    OverlayControllerWorld world(3, false);
     world.hasPlace = false;
     QCOMPARE(log.texts(logCategory), QStringList());
     world.setEnabled(true);
@@ -443,7 +443,7 @@ void DesktopOverlayControllerTest::unavailable()
 
 void DesktopOverlayControllerTest::withoutCompositor()
 {
-    World world;
+    OverlayControllerWorld world;
     world.coins.change([](AppSettings &settings) { settings.desktopOverlayBackgroundOpacity = 0.1; });
     DesktopOverlayWindow &window = *world.controller->window();
     QVERIFY(window.mask().isEmpty());

@@ -8,9 +8,6 @@ using namespace tickwise;
 
 using Frames = std::vector<DesktopRect>;
 using Corner = std::optional<DesktopOverlayOrigin>;
-Q_DECLARE_METATYPE(Frames)
-Q_DECLARE_METATYPE(Corner)
-
 namespace {
 
 const DesktopRect left{0, 40, 1000, 760};

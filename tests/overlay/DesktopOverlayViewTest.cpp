@@ -13,9 +13,9 @@ using namespace tickwise::test;
 
 namespace {
 
-struct World
+struct OverlayViewWorld
 {
-    World()
+    OverlayViewWorld()
     {
         useLanguage(AppLanguage::en);
         QPalette palette;
@@ -85,7 +85,7 @@ void DesktopOverlayViewTest::listFillsTheWindow_data()
 void DesktopOverlayViewTest::listFillsTheWindow()
 {
     QFETCH(DesktopOverlayTextSize, textSize);
-    World world;
+    OverlayViewWorld world;
     world.model.setTextSize(textSize);
     world.setRows(4);
     QCOMPARE(world.view.list().geometry(), world.view.rect().adjusted(14, 14, -14, -14));
@@ -94,7 +94,7 @@ void DesktopOverlayViewTest::listFillsTheWindow()
 
 void DesktopOverlayViewTest::backdropHasTheOpacity()
 {
-    World world;
+    OverlayViewWorld world;
     const QPoint besideTheList(7, world.view.height() / 2);
     QCOMPARE(world.painted().pixelColor(besideTheList), QColor(Qt::white));
     world.model.setBackgroundOpacity(0.4);
@@ -107,7 +107,7 @@ void DesktopOverlayViewTest::backdropHasTheOpacity()
 
 void DesktopOverlayViewTest::cornersAreRound()
 {
-    World world;
+    OverlayViewWorld world;
     const QImage image = world.painted();
     const int right = image.width() - 1;
     const int bottom = image.height() - 1;
@@ -122,7 +122,7 @@ void DesktopOverlayViewTest::cornersAreRound()
 /// A mask has no half transparent pixels that would smooth the edge.
 void DesktopOverlayViewTest::cornersThatAreCutOffAreFilled()
 {
-    World world;
+    OverlayViewWorld world;
     world.view.setTranslucent(false);
     QCOMPARE(world.painted().pixelColor(0, 0), QColor(Qt::white));
     world.view.setTranslucent(true);
@@ -131,7 +131,7 @@ void DesktopOverlayViewTest::cornersThatAreCutOffAreFilled()
 
 void DesktopOverlayViewTest::adjusting()
 {
-    World world;
+    OverlayViewWorld world;
     DesktopOverlayAdjustControls &controls = world.view.adjustControls();
     QVERIFY(!controls.isVisible());
     world.model.setBackgroundOpacity(0.1);
@@ -160,7 +160,7 @@ void DesktopOverlayViewTest::controlsFit()
 {
     QFETCH(AppLanguage, language);
     QFETCH(int, rows);
-    World world;
+    OverlayViewWorld world;
     useLanguage(language);
     world.view.retranslate();
     world.setRows(rows);
@@ -177,7 +177,7 @@ void DesktopOverlayViewTest::controlsFit()
 
 void DesktopOverlayViewTest::buttonCallsTheModel()
 {
-    World world;
+    OverlayViewWorld world;
     int calls = 0;
     world.model.onDoneAdjusting = [&calls] { ++calls; };
     world.model.setAdjusting(true);
@@ -191,7 +191,7 @@ void DesktopOverlayViewTest::buttonCallsTheModel()
 
 void DesktopOverlayViewTest::legibility()
 {
-    World world;
+    OverlayViewWorld world;
     world.model.setBackgroundOpacity(0.1);
     QVERIFY(world.view.list().legibility().halo && world.view.list().legibility().boost);
     world.model.setAdjusting(true);
@@ -203,7 +203,7 @@ void DesktopOverlayViewTest::legibility()
 
 void DesktopOverlayViewTest::retranslates()
 {
-    World world;
+    OverlayViewWorld world;
     const auto *const hint = world.view.adjustControls().findChild<QLabel *>();
     const QString english = hint->text();
     useLanguage(AppLanguage::zhHans);

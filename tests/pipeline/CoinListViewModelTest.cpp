@@ -15,9 +15,10 @@ namespace {
 const Error offline = UrlLoadingError{UrlErrorCode::notConnectedToInternet};
 
 /// The model with doubles around it; the poll timer is far away unless the settings say otherwise.
-struct World
+struct CoinListViewModelWorld
 {
-    explicit World(const AppSettings &settings = quietSettings(), std::vector<CoinMetadata> records = validCoins())
+    explicit CoinListViewModelWorld(const AppSettings &settings = quietSettings(),
+                                    std::vector<CoinMetadata> records = validCoins())
         : catalog(std::move(records))
     {
         settingsViewModel.update(settings);
@@ -56,7 +57,7 @@ struct World
     std::unique_ptr<CoinListViewModel> model;
 };
 
-const QString btc = QStringLiteral("BTC");
+const QString btcSymbol = QStringLiteral("BTC");
 const QString eth = QStringLiteral("ETH");
 
 } // namespace
@@ -109,21 +110,21 @@ private Q_SLOTS:
 
 void CoinListViewModelTest::startsWithTheWatchlistAndOneFetch()
 {
-    const World world;
+    const CoinListViewModelWorld world;
     QCOMPARE(world.model->coins().size(), 2U);
     QCOMPARE(world.coin(0).id, QStringLiteral("bitcoin"));
     QVERIFY(!world.coin(0).currentPrice);
     QVERIFY(world.model->isLoading());
     QCOMPARE(world.model->lastUsdToTargetExchangeRate(), 1.0);
     QCOMPARE(world.prices.requests.size(), 1U);
-    QCOMPARE(world.prices.requests.front().symbols, (QStringList{btc, eth}));
+    QCOMPARE(world.prices.requests.front().symbols, (QStringList{btcSymbol, eth}));
 }
 
 void CoinListViewModelTest::emptyWatchlistFetchesNothing()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.watchlistCoins.clear();
-    const World world(settings);
+    const CoinListViewModelWorld world(settings);
     QVERIFY(world.prices.requests.empty());
     QVERIFY(!world.model->isLoading());
     QVERIFY(world.model->coins().empty());
@@ -133,26 +134,26 @@ void CoinListViewModelTest::delistedCoinsAreNotAskedFor()
 {
     std::vector<CoinMetadata> records = validCoins();
     records[1].status = CoinStatus::delisted;
-    const World world(World::quietSettings(), records);
+    const CoinListViewModelWorld world(CoinListViewModelWorld::quietSettings(), records);
     QCOMPARE(world.model->coins().size(), 2U);
-    QCOMPARE(world.prices.requests.front().symbols, QStringList{btc});
+    QCOMPARE(world.prices.requests.front().symbols, QStringList{btcSymbol});
 }
 
 void CoinListViewModelTest::unknownCoinsAreSkippedAndKept()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.watchlistCoins.insert(settings.watchlistCoins.begin(), {QStringLiteral("unheard-of")});
     settings.displayedCoinId = QStringLiteral("ethereum");
-    const World world(settings);
+    const CoinListViewModelWorld world(settings);
     QCOMPARE(world.model->coins().size(), 2U);
     QCOMPARE(world.settingsViewModel.settings().watchlistCoins.size(), 3U);
 }
 
 void CoinListViewModelTest::invalidDisplayedCoinBecomesTheFirst()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.watchlistCoins = {{QStringLiteral("ethereum")}, {QStringLiteral("coin-3")}, {QStringLiteral("coin-4")}};
-    const World world(settings);
+    const CoinListViewModelWorld world(settings);
     QCOMPARE(world.settingsViewModel.settings().displayedCoinId, QStringLiteral("ethereum"));
     QCOMPARE(UserDefaultsSettingsStore(const_cast<MemoryDefaults &>(world.storage)).load()->displayedCoinId,
              QStringLiteral("ethereum"));
@@ -160,10 +161,10 @@ void CoinListViewModelTest::invalidDisplayedCoinBecomesTheFirst()
 
 void CoinListViewModelTest::emptyWatchlistKeepsTheDisplayedCoin()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.watchlistCoins.clear();
     settings.displayedCoinId = QStringLiteral("solana");
-    const World world(settings);
+    const CoinListViewModelWorld world(settings);
     QCOMPARE(world.settingsViewModel.settings().displayedCoinId, QStringLiteral("solana"));
 }
 
@@ -175,20 +176,20 @@ void CoinListViewModelTest::migratedCoinsAreReconciledAndSaved()
     old.status = CoinStatus::migrated;
     old.migratedTo = QStringLiteral("coin-9");
     records.push_back(old);
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.watchlistCoins = {{QStringLiteral("old")}};
     settings.displayedCoinId = QStringLiteral("old");
-    World world(settings, records);
+    CoinListViewModelWorld world(settings, records);
     QCOMPARE(world.coin(0).id, QStringLiteral("coin-9"));
     QCOMPARE(UserDefaultsSettingsStore(world.storage).load()->displayedCoinId, QStringLiteral("coin-9"));
 }
 
 void CoinListViewModelTest::snapshotFillsTheCoins()
 {
-    World world;
+    CoinListViewModelWorld world;
     PriceSnapshot snapshot;
-    snapshot.prices = {{btc, 67432.7}, {eth, 2500}};
-    snapshot.changes24h = {{btc, 1.25}};
+    snapshot.prices = {{btcSymbol, 67432.7}, {eth, 2500}};
+    snapshot.changes24h = {{btcSymbol, 1.25}};
     snapshot.usdToTargetRate = 0.9;
     world.prices.answer(snapshot);
     QVERIFY(!world.model->isLoading());
@@ -203,11 +204,11 @@ void CoinListViewModelTest::snapshotFillsTheCoins()
 
 void CoinListViewModelTest::missingTickerKeepsOlderValues()
 {
-    World world;
-    world.poll({{btc, 100}, {eth, 50}});
+    CoinListViewModelWorld world;
+    world.poll({{btcSymbol, 100}, {eth, 50}});
     const TimePoint first = world.clock.now();
     world.clock.advance(10);
-    world.poll({{btc, 101}});
+    world.poll({{btcSymbol, 101}});
     QCOMPARE(world.coin(0).currentPrice, std::optional(101.0));
     QCOMPARE(world.coin(1).currentPrice, std::optional(50.0));
     QCOMPARE(world.coin(1).lastUpdated, std::optional(first));
@@ -217,57 +218,57 @@ void CoinListViewModelTest::missingTickerKeepsOlderValues()
 
 void CoinListViewModelTest::changeThatTheExchangeDroppedIsCleared()
 {
-    World world;
+    CoinListViewModelWorld world;
     PriceSnapshot snapshot;
-    snapshot.prices = {{btc, 100}};
-    snapshot.changes24h = {{btc, 1.25}};
+    snapshot.prices = {{btcSymbol, 100}};
+    snapshot.changes24h = {{btcSymbol, 1.25}};
     world.prices.answer(snapshot);
-    world.poll({{btc, 100}});
+    world.poll({{btcSymbol, 100}});
     QVERIFY(!world.coin(0).priceChange24hPercent);
 }
 
 void CoinListViewModelTest::fetchesNeverOverlap()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.model->fetchPrices();
     QCOMPARE(world.prices.requests.size(), 1U);
-    world.prices.answer(std::map<QString, double>{{btc, 1}});
+    world.prices.answer(std::map<QString, double>{{btcSymbol, 1}});
     world.model->fetchPrices();
     QCOMPARE(world.prices.requests.size(), 2U);
 }
 
 void CoinListViewModelTest::failedFetchKeepsValuesAndTellsWhy()
 {
-    World world;
-    world.poll({{btc, 100}});
+    CoinListViewModelWorld world;
+    world.poll({{btcSymbol, 100}});
     world.model->fetchPrices();
     world.prices.answer(failure(offline));
     QVERIFY(!world.model->isLoading());
     QCOMPARE(world.coin(0).currentPrice, std::optional(100.0));
     QVERIFY(world.model->lastFetchFailure().has_value());
     QVERIFY(world.model->lastFetchFailure()->reason == FailureReason::offline);
-    world.poll({{btc, 101}});
+    world.poll({{btcSymbol, 101}});
     QVERIFY(!world.model->lastFetchFailure());
 }
 
 void CoinListViewModelTest::timerPolls()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.pollingInterval = 0.02;
-    World world(settings);
+    CoinListViewModelWorld world(settings);
     for (std::size_t polls = 1; polls < 4; ++polls) {
         QCOMPARE(world.prices.requests.size(), polls);
-        world.prices.answer(std::map<QString, double>{{btc, 1}});
+        world.prices.answer(std::map<QString, double>{{btcSymbol, 1}});
         QTRY_COMPARE(world.prices.requests.size(), polls + 1);
     }
 }
 
 void CoinListViewModelTest::periodIsTheInterval()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.pollingInterval = 0.4;
     // Timers fire in the order of their times also when the machine is late.
-    std::optional<World> world;
+    std::optional<CoinListViewModelWorld> world;
     std::optional<std::size_t> shortlyBefore;
     std::optional<std::size_t> shortlyAfter;
     const auto note = [&world](std::optional<std::size_t> &count) {
@@ -276,7 +277,7 @@ void CoinListViewModelTest::periodIsTheInterval()
     QTimer::singleShot(std::chrono::milliseconds(390), Qt::PreciseTimer, this, note(shortlyBefore));
     world.emplace(settings);
     QTimer::singleShot(std::chrono::milliseconds(415), Qt::PreciseTimer, this, note(shortlyAfter));
-    world->prices.answer(std::map<QString, double>{{btc, 1}});
+    world->prices.answer(std::map<QString, double>{{btcSymbol, 1}});
     QTRY_VERIFY(shortlyAfter.has_value());
     QVERIFY(shortlyBefore == 1U);
     QVERIFY(shortlyAfter == 2U);
@@ -284,22 +285,22 @@ void CoinListViewModelTest::periodIsTheInterval()
 
 void CoinListViewModelTest::changedIntervalRestartsTheTimerAndFetches()
 {
-    World world;
-    world.poll({{btc, 1}});
+    CoinListViewModelWorld world;
+    world.poll({{btcSymbol, 1}});
     world.change([](AppSettings &settings) { settings.pollingInterval = 0.02; });
     world.model->restartPolling();
     QCOMPARE(world.prices.requests.size(), 2U);
-    world.prices.answer(std::map<QString, double>{{btc, 1}});
+    world.prices.answer(std::map<QString, double>{{btcSymbol, 1}});
     QTRY_COMPARE(world.prices.requests.size(), 3U);
 }
 
 void CoinListViewModelTest::intervalOfZeroOrLessStillReturnsToTheLoop()
 {
     for (const double interval : {0.0, -5.0, std::numeric_limits<double>::quiet_NaN(), 1e300}) {
-        AppSettings settings = World::quietSettings();
+        AppSettings settings = CoinListViewModelWorld::quietSettings();
         settings.pollingInterval = interval;
-        World world(settings);
-        world.prices.answer(std::map<QString, double>{{btc, 1}});
+        CoinListViewModelWorld world(settings);
+        world.prices.answer(std::map<QString, double>{{btcSymbol, 1}});
         if (interval < 1)
             QTRY_VERIFY(world.prices.requests.size() > 1U);
     }
@@ -307,22 +308,22 @@ void CoinListViewModelTest::intervalOfZeroOrLessStillReturnsToTheLoop()
 
 void CoinListViewModelTest::restartDropsTheFetchInFlight()
 {
-    World world;
+    CoinListViewModelWorld world;
     QSignalSpy loading(world.model.get(), &CoinListViewModel::isLoadingChanged);
     world.model->restartPolling();
     QCOMPARE(world.prices.requests.size(), 2U);
     QCOMPARE(loading.count(), 2);
-    world.prices.answer(std::map<QString, double>{{btc, 7}});
+    world.prices.answer(std::map<QString, double>{{btcSymbol, 7}});
     QCOMPARE(world.coin(0).currentPrice, std::optional(7.0));
 }
 
 void CoinListViewModelTest::sleepStopsPollingUntilItResumes()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.pollingInterval = 0.02;
     settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
-    World world(settings);
-    world.poll({{btc, 90}});
+    CoinListViewModelWorld world(settings);
+    world.poll({{btcSymbol, 90}});
     QTRY_VERIFY(world.prices.isOpen());
     world.model->suspendPolling();
     QVERIFY(!world.prices.isOpen());
@@ -334,16 +335,16 @@ void CoinListViewModelTest::sleepStopsPollingUntilItResumes()
     QCOMPARE(world.coin(0).currentPrice, std::optional(90.0));
     world.model->resumePolling();
     QCOMPARE(world.prices.requests.size(), before + 1);
-    world.prices.answer(std::map<QString, double>{{btc, 91}});
+    world.prices.answer(std::map<QString, double>{{btcSymbol, 91}});
     QTRY_COMPARE(world.prices.requests.size(), before + 2);
 }
 
 void CoinListViewModelTest::nothingIsFetchedWhileAsleep()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.pollingInterval = 0.02;
-    World world(settings);
-    world.poll({{btc, 90}});
+    CoinListViewModelWorld world(settings);
+    world.poll({{btcSymbol, 90}});
     world.model->suspendPolling();
     const std::size_t before = world.prices.requests.size();
     world.model->fetchPrices();
@@ -362,22 +363,22 @@ void CoinListViewModelTest::nothingIsFetchedWhileAsleep()
 
 void CoinListViewModelTest::answerFromBeforeSleepIsDroppedAndAskedForAgain()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.change([](AppSettings &settings) {
         settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
     });
-    world.poll({{btc, 90}});
+    world.poll({{btcSymbol, 90}});
     world.clock.advance(10);
     world.model->fetchPrices();
     world.suspendedTime += std::chrono::hours(8);
-    world.prices.answer({{btc, 110}}, 0.9);
+    world.prices.answer({{btcSymbol, 110}}, 0.9);
     QVERIFY(world.notifier.alerts.empty());
     QCOMPARE(world.coin(0).currentPrice, std::optional(90.0));
     QVERIFY(world.coin(0).lastUpdated < world.clock.now());
     QCOMPARE(world.model->lastUsdToTargetExchangeRate(), 1.0);
     QCOMPARE(world.prices.requests.size(), 3U);
     QVERIFY(world.model->isLoading());
-    world.prices.answer(std::map<QString, double>{{btc, 111}});
+    world.prices.answer(std::map<QString, double>{{btcSymbol, 111}});
     QCOMPARE(world.coin(0).currentPrice, std::optional(111.0));
     QCOMPARE(world.notifier.alerts.size(), 1U);
     QVERIFY(!world.model->isLoading());
@@ -385,7 +386,7 @@ void CoinListViewModelTest::answerFromBeforeSleepIsDroppedAndAskedForAgain()
 
 void CoinListViewModelTest::failureFromBeforeSleepIsNotShown()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.suspendedTime += std::chrono::seconds(1);
     world.prices.answer(failure(offline));
     QVERIFY(!world.model->lastFetchFailure());
@@ -394,24 +395,24 @@ void CoinListViewModelTest::failureFromBeforeSleepIsNotShown()
 
 void CoinListViewModelTest::subscriberMayRestartPollingDuringASnapshot()
 {
-    World world;
+    CoinListViewModelWorld world;
     bool restarted = false;
     const QPropertyNotifier notifier = world.model->bindableCoins().addNotifier([&] {
         if (!std::exchange(restarted, true))
             world.model->restartPolling();
     });
-    world.prices.answer(std::map<QString, double>{{btc, 1}});
+    world.prices.answer(std::map<QString, double>{{btcSymbol, 1}});
     QCOMPARE(world.prices.requests.size(), 2U);
     QVERIFY(world.prices.isOpen());
     QVERIFY(world.model->isLoading());
-    world.prices.answer(std::map<QString, double>{{btc, 2}});
+    world.prices.answer(std::map<QString, double>{{btcSymbol, 2}});
     QCOMPARE(world.coin(0).currentPrice, std::optional(2.0));
     QVERIFY(!world.model->isLoading());
 }
 
 void CoinListViewModelTest::emptiedWatchlistForgetsTheFailure()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.prices.answer(failure(offline));
     QVERIFY(world.model->lastFetchFailure().has_value());
     world.change([](AppSettings &settings) { settings.watchlistCoins = {{QStringLiteral("ethereum")}}; });
@@ -428,10 +429,10 @@ void CoinListViewModelTest::emptiedWatchlistForgetsTheFailure()
 
 void CoinListViewModelTest::coinRemovedWhileAFetchIsOpen()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.change([](AppSettings &settings) { settings.watchlistCoins.erase(settings.watchlistCoins.begin()); });
     world.model->rebuildCoins();
-    world.prices.answer(std::map<QString, double>{{btc, 100}, {eth, 50}});
+    world.prices.answer(std::map<QString, double>{{btcSymbol, 100}, {eth, 50}});
     QCOMPARE(world.model->coins().size(), 1U);
     QCOMPARE(world.coin(0).id, QStringLiteral("ethereum"));
     QCOMPARE(world.coin(0).currentPrice, std::optional(50.0));
@@ -441,11 +442,11 @@ void CoinListViewModelTest::coinRemovedWhileAFetchIsOpen()
 
 void CoinListViewModelTest::entryRemovedWhileAFetchIsOpenFiresNoAlert()
 {
-    World world;
-    world.poll({{btc, 100}});
+    CoinListViewModelWorld world;
+    world.poll({{btcSymbol, 100}});
     world.model->fetchPrices();
     world.change([](AppSettings &settings) { settings.watchlistCoins.erase(settings.watchlistCoins.begin()); });
-    world.prices.answer(std::map<QString, double>{{btc, 200}});
+    world.prices.answer(std::map<QString, double>{{btcSymbol, 200}});
     QVERIFY(world.notifier.alerts.empty());
     QCOMPARE(world.coin(0).currentPrice, std::optional(200.0));
     QCOMPARE(world.coin(0).referencePrice, std::optional(100.0));
@@ -453,14 +454,14 @@ void CoinListViewModelTest::entryRemovedWhileAFetchIsOpenFiresNoAlert()
 
 void CoinListViewModelTest::noFetchBetweenCurrencyChangeAndRebuild()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.pollingInterval = 0.02;
-    World world(settings);
-    world.poll({{btc, 100}, {eth, 50}});
+    CoinListViewModelWorld world(settings);
+    world.poll({{btcSymbol, 100}, {eth, 50}});
     QTRY_VERIFY(world.prices.isOpen());
     const std::size_t before = world.prices.requests.size();
     world.change([](AppSettings &changed) { changed.baseCurrency = BaseCurrency::cny; });
-    world.prices.answer(std::map<QString, double>{{btc, 101}});
+    world.prices.answer(std::map<QString, double>{{btcSymbol, 101}});
     QTest::qWait(100); // five periods
     world.model->fetchPrices();
     world.model->restartPolling(); // as after a return of the network
@@ -470,16 +471,16 @@ void CoinListViewModelTest::noFetchBetweenCurrencyChangeAndRebuild()
     world.model->rebuildCoins();
     world.model->restartPolling();
     QCOMPARE(world.prices.requests.size(), before + 1);
-    world.prices.answer({{btc, 710}}, 7);
+    world.prices.answer({{btcSymbol, 710}}, 7);
     QCOMPARE(world.coin(0).currentPrice, std::optional(710.0));
     QVERIFY(!world.coin(1).currentPrice);
 }
 
 void CoinListViewModelTest::pricesKeepTheCurrencyTheyWereFetchedIn()
 {
-    World world;
+    CoinListViewModelWorld world;
     QVERIFY(!world.model->priceDataCurrency());
-    world.poll({{btc, 100}});
+    world.poll({{btcSymbol, 100}});
     world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::eur; });
     QVERIFY(world.model->priceDataCurrency() == BaseCurrency::usd);
     // The currency is the new one already when the new prices are published.
@@ -487,18 +488,18 @@ void CoinListViewModelTest::pricesKeepTheCurrencyTheyWereFetchedIn()
     world.model->rebuildCoins();
     const QPropertyNotifier notifier =
         world.model->bindableCoins().addNotifier([&] { drawn = world.model->priceDataCurrency(); });
-    world.poll({{btc, 90}}, 0.9);
+    world.poll({{btcSymbol, 90}}, 0.9);
     QVERIFY(drawn == BaseCurrency::eur);
 }
 
 void CoinListViewModelTest::levelsAtARateBelowOne()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.baseCurrency = BaseCurrency::eur;
     settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
-    World world(settings);
-    world.poll({{btc, 89}}, 0.9);
-    world.poll({{btc, 90}}, 0.9);
+    CoinListViewModelWorld world(settings);
+    world.poll({{btcSymbol, 89}}, 0.9);
+    world.poll({{btcSymbol, 90}}, 0.9);
     QCOMPARE(world.notifier.alerts.size(), 1U);
     QCOMPARE(world.notifier.alerts.front().rate, 0.9);
     QVERIFY(world.notifier.alerts.front().currency == BaseCurrency::eur);
@@ -506,9 +507,9 @@ void CoinListViewModelTest::levelsAtARateBelowOne()
 
 void CoinListViewModelTest::snapshotInAnOldCurrencyIsDropped()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::eur; });
-    world.prices.answer({{btc, 100}}, 2);
+    world.prices.answer({{btcSymbol, 100}}, 2);
     QVERIFY(!world.coin(0).currentPrice);
     QVERIFY(!world.model->isLoading());
     QVERIFY(!world.model->priceDataCurrency());
@@ -516,23 +517,23 @@ void CoinListViewModelTest::snapshotInAnOldCurrencyIsDropped()
     world.model->rebuildCoins();
     world.model->fetchPrices();
     QVERIFY(world.prices.requests.back().currency == BaseCurrency::eur);
-    world.prices.answer({{btc, 90}}, 0.9);
+    world.prices.answer({{btcSymbol, 90}}, 0.9);
     QCOMPARE(world.coin(0).currentPrice, std::optional(90.0));
 }
 
 void CoinListViewModelTest::newCurrencyClearsPricesAndBaselines()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.change([](AppSettings &settings) {
         settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
     });
-    world.poll({{btc, 99}, {eth, 5}});
+    world.poll({{btcSymbol, 99}, {eth, 5}});
     world.change([](AppSettings &settings) { settings.baseCurrency = BaseCurrency::cny; });
     world.model->rebuildCoins();
     QVERIFY(!world.coin(0).currentPrice);
     QVERIFY(!world.coin(0).referencePrice);
     QVERIFY(!world.coin(0).lastUpdated);
-    world.poll({{btc, 710}}, 7);
+    world.poll({{btcSymbol, 710}}, 7);
     QVERIFY(world.notifier.alerts.empty());
     QCOMPARE(world.coin(0).referencePrice, std::optional(710.0));
     QVERIFY(!world.coin(1).referencePrice);
@@ -540,14 +541,14 @@ void CoinListViewModelTest::newCurrencyClearsPricesAndBaselines()
 
 void CoinListViewModelTest::aboveAlertFiresPerCrossing()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.change([](AppSettings &settings) {
         settings.watchlistCoins[0] = {QStringLiteral("bitcoin"), CoinAlertKind::above, 100};
     });
     QList<double> fired;
     for (const double price : {90., 95., 101., 102., 99., 100.}) {
         const std::size_t before = world.notifier.alerts.size();
-        world.poll({{btc, price}});
+        world.poll({{btcSymbol, price}});
         if (world.notifier.alerts.size() > before)
             fired.append(price);
     }
@@ -563,11 +564,11 @@ void CoinListViewModelTest::aboveAlertFiresPerCrossing()
 
 void CoinListViewModelTest::changeAlertReportsTheMove()
 {
-    World world;
-    world.poll({{btc, 100}});
-    world.poll({{btc, 101.9}});
+    CoinListViewModelWorld world;
+    world.poll({{btcSymbol, 100}});
+    world.poll({{btcSymbol, 101.9}});
     QVERIFY(world.notifier.alerts.empty());
-    world.poll({{btc, 98}});
+    world.poll({{btcSymbol, 98}});
     QCOMPARE(world.notifier.alerts.size(), 1U);
     QCOMPARE(world.notifier.alerts.front().changePercent, -2.0);
     QCOMPARE(world.coin(0).referencePrice, std::optional(98.0));
@@ -575,10 +576,10 @@ void CoinListViewModelTest::changeAlertReportsTheMove()
 
 void CoinListViewModelTest::alertsOffOnlySetBaselines()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.change([](AppSettings &settings) { settings.priceChangeNotificationEnabled = false; });
-    world.poll({{btc, 100}});
-    world.poll({{btc, 200}});
+    world.poll({{btcSymbol, 100}});
+    world.poll({{btcSymbol, 200}});
     QVERIFY(world.notifier.alerts.empty());
     QCOMPARE(world.coin(0).referencePrice, std::optional(100.0));
     QCOMPARE(world.coin(0).currentPrice, std::optional(200.0));
@@ -586,36 +587,36 @@ void CoinListViewModelTest::alertsOffOnlySetBaselines()
 
 void CoinListViewModelTest::firstOfTwoEntriesCounts()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.change([](AppSettings &settings) {
         settings.watchlistCoins = {{QStringLiteral("bitcoin"), CoinAlertKind::notSet, 2},
                                    {QStringLiteral("bitcoin"), CoinAlertKind::change, 2}};
     });
-    world.poll({{btc, 100}});
-    world.poll({{btc, 200}});
+    world.poll({{btcSymbol, 100}});
+    world.poll({{btcSymbol, 200}});
     QVERIFY(world.notifier.alerts.empty());
 }
 
 void CoinListViewModelTest::restartOfTheProgramNeverFiresOnTheFirstPrice()
 {
-    AppSettings settings = World::quietSettings();
+    AppSettings settings = CoinListViewModelWorld::quietSettings();
     settings.watchlistCoins = {{QStringLiteral("bitcoin"), CoinAlertKind::above, 100}};
     {
-        World before(settings);
-        before.poll({{btc, 90}});
+        CoinListViewModelWorld before(settings);
+        before.poll({{btcSymbol, 90}});
     }
-    World after(settings);
-    after.poll({{btc, 150}});
+    CoinListViewModelWorld after(settings);
+    after.poll({{btcSymbol, 150}});
     QVERIFY(after.notifier.alerts.empty());
-    after.poll({{btc, 90}});
-    after.poll({{btc, 150}});
+    after.poll({{btcSymbol, 90}});
+    after.poll({{btcSymbol, 150}});
     QCOMPARE(after.notifier.alerts.size(), 1U);
 }
 
 void CoinListViewModelTest::symbolChangeDropsTheHeldPrice()
 {
-    World world;
-    world.poll({{btc, 100}, {eth, 50}});
+    CoinListViewModelWorld world;
+    world.poll({{btcSymbol, 100}, {eth, 50}});
     std::vector<CoinMetadata> records = validCoins();
     records[0].symbol = QStringLiteral("XBT");
     world.catalog.publish(records, noImages);
@@ -626,10 +627,10 @@ void CoinListViewModelTest::symbolChangeDropsTheHeldPrice()
 
 void CoinListViewModelTest::rebuildKeepsHeldPricesAndFollowsTheOrder()
 {
-    World world;
+    CoinListViewModelWorld world;
     PriceSnapshot snapshot;
-    snapshot.prices = {{btc, 100}, {eth, 50}};
-    snapshot.changes24h = {{btc, 1.25}};
+    snapshot.prices = {{btcSymbol, 100}, {eth, 50}};
+    snapshot.changes24h = {{btcSymbol, 1.25}};
     world.prices.answer(snapshot);
     const TimePoint fetched = world.clock.now();
     world.clock.advance(10);
@@ -649,8 +650,8 @@ void CoinListViewModelTest::rebuildKeepsHeldPricesAndFollowsTheOrder()
 
 void CoinListViewModelTest::catalogChangeRebuildsAndFetches()
 {
-    World world;
-    world.poll({{btc, 100}});
+    CoinListViewModelWorld world;
+    world.poll({{btcSymbol, 100}});
     std::vector<CoinMetadata> records = validCoins();
     records[0].name = QStringLiteral("Renamed");
     world.catalog.publish(records, noImages);
@@ -661,7 +662,7 @@ void CoinListViewModelTest::catalogChangeRebuildsAndFetches()
 
 void CoinListViewModelTest::catalogThatBecomesEmptyStopsPrices()
 {
-    World world;
+    CoinListViewModelWorld world;
     world.catalog.publish({}, noImages);
     QVERIFY(world.model->coins().empty());
     QVERIFY(!world.model->isLoading());

@@ -14,7 +14,7 @@ using namespace tickwise::test;
 
 namespace {
 
-struct World
+struct MenuBarViewModelWorld
 {
     MemoryDefaults storage;
     SettingsViewModel settings{UserDefaultsSettingsStore(storage)};
@@ -52,7 +52,7 @@ private Q_SLOTS:
 
 void MenuBarViewModelTest::logoUntilTheFirstPrice()
 {
-    World world;
+    MenuBarViewModelWorld world;
     RecordingStatusItem item;
     world.menuBar.bind(&item, world.coins, world.settings);
     QCOMPARE(item.contents.size(), 1U);
@@ -63,7 +63,7 @@ void MenuBarViewModelTest::logoUntilTheFirstPrice()
 
 void MenuBarViewModelTest::followsPricesAndSettings()
 {
-    World world;
+    MenuBarViewModelWorld world;
     RecordingStatusItem item;
     world.menuBar.bind(&item, world.coins, world.settings);
     world.answer(100);
@@ -77,7 +77,7 @@ void MenuBarViewModelTest::followsPricesAndSettings()
 
 void MenuBarViewModelTest::switchingThePillOffRemovesIt()
 {
-    World world;
+    MenuBarViewModelWorld world;
     RecordingStatusItem item;
     world.menuBar.bind(&item, world.coins, world.settings);
     world.answer(100);
@@ -92,7 +92,7 @@ void MenuBarViewModelTest::switchingThePillOffRemovesIt()
 
 void MenuBarViewModelTest::followsTheAppearance()
 {
-    World world;
+    MenuBarViewModelWorld world;
     RecordingStatusItem item;
     world.menuBar.bind(&item, world.coins, world.settings);
     world.answer(100);
@@ -107,7 +107,7 @@ void MenuBarViewModelTest::followsTheAppearance()
 
 void MenuBarViewModelTest::tellsOfChangesOnly()
 {
-    World world;
+    MenuBarViewModelWorld world;
     RecordingStatusItem item;
     world.menuBar.bind(&item, world.coins, world.settings);
     QSignalSpy changed(&world.menuBar, &MenuBarViewModel::contentChanged);
@@ -121,7 +121,7 @@ void MenuBarViewModelTest::tellsOfChangesOnly()
 
 void MenuBarViewModelTest::publishedFieldsKeepTheirInitialValues()
 {
-    World world;
+    MenuBarViewModelWorld world;
     RecordingStatusItem item;
     world.menuBar.bind(&item, world.coins, world.settings);
     world.answer(100);
@@ -131,7 +131,7 @@ void MenuBarViewModelTest::publishedFieldsKeepTheirInitialValues()
 
 void MenuBarViewModelTest::itemThatWentIsLeftAlone()
 {
-    World world;
+    MenuBarViewModelWorld world;
     {
         RecordingStatusItem item;
         world.menuBar.bind(&item, world.coins, world.settings);
@@ -142,7 +142,7 @@ void MenuBarViewModelTest::itemThatWentIsLeftAlone()
 
 void MenuBarViewModelTest::failedPollShowsWhyAndWhenThePriceWasFetched()
 {
-    World world;
+    MenuBarViewModelWorld world;
     RecordingStatusItem item;
     world.menuBar.bind(&item, world.coins, world.settings);
     world.answer(100);

@@ -46,7 +46,7 @@ private:
     }
 };
 
-Coin bitcoin(std::optional<double> price)
+Coin bitcoinAt(std::optional<double> price)
 {
     Coin coin;
     coin.id = QStringLiteral("bitcoin");
@@ -68,7 +68,7 @@ QString filled(const LocalizationBundle &bundle, const char *key, const QStringL
 UserNotification notificationOf(CoinAlertKind kind, std::optional<double> price, double threshold, double move,
                                 double rate, const LocalizationBundle &bundle)
 {
-    return priceAlertNotification(bitcoin(price), kind, threshold, move, rate, TestClock().now(), bundle);
+    return priceAlertNotification(bitcoinAt(price), kind, threshold, move, rate, TestClock().now(), bundle);
 }
 
 void addLanguages()
@@ -191,7 +191,7 @@ void NotificationServiceTest::languagesDiffer()
 
 void NotificationServiceTest::namesThatLookLikePlaceholdersStay()
 {
-    Coin coin = bitcoin(5);
+    Coin coin = bitcoinAt(5);
     coin.name = QStringLiteral("%2 %1");
     coin.symbol = QStringLiteral("%3");
     const UserNotification notification =
@@ -223,7 +223,7 @@ void NotificationServiceTest::identifiers()
     QFETCH(qint64, microseconds);
     QFETCH(QString, identifier);
     const TimePoint now{std::chrono::microseconds(microseconds)};
-    QCOMPARE(priceAlertNotification(bitcoin(1), CoinAlertKind::notSet, 0, 0, 1, now, nullptr).identifier, identifier);
+    QCOMPARE(priceAlertNotification(bitcoinAt(1), CoinAlertKind::notSet, 0, 0, 1, now, nullptr).identifier, identifier);
 }
 
 void NotificationServiceTest::notifyPostsOneNotificationInTheSharedLanguage()
@@ -232,7 +232,7 @@ void NotificationServiceTest::notifyPostsOneNotificationInTheSharedLanguage()
     TestClock clock;
     FakeCenter center;
     NotificationService service(center, clock.clock());
-    service.notify(bitcoin(480123.4), CoinAlertKind::above, BaseCurrency::cny, 68000, 3, 7);
+    service.notify(bitcoinAt(480123.4), CoinAlertKind::above, BaseCurrency::cny, 68000, 3, 7);
     test::useLanguage(AppLanguage::en);
     QCOMPARE(center.notifications.size(), std::size_t(1));
     QCOMPARE(center.notifications.front(),
@@ -245,7 +245,7 @@ void NotificationServiceTest::authorizationIsAskedOnce()
     FakeCenter center;
     NotificationService service(center);
     service.requestAuthorization();
-    service.notify(bitcoin(1), CoinAlertKind::notSet, BaseCurrency::usd, 0, 0, 1);
+    service.notify(bitcoinAt(1), CoinAlertKind::notSet, BaseCurrency::usd, 0, 0, 1);
     QTRY_COMPARE(center.answered, 2);
     QCOMPARE(center.authorizations, 1);
     QVERIFY(log.texts(category).isEmpty());
@@ -269,7 +269,7 @@ void NotificationServiceTest::deliveryErrorIsLogged()
     FakeCenter center;
     center.result = failure(DesktopServiceError{DesktopServiceError::Kind::noService, QStringLiteral("no such name")});
     NotificationService service(center);
-    service.notify(bitcoin(1), CoinAlertKind::notSet, BaseCurrency::usd, 0, 0, 1);
+    service.notify(bitcoinAt(1), CoinAlertKind::notSet, BaseCurrency::usd, 0, 0, 1);
     QTRY_COMPARE(center.answered, 1);
     QCOMPARE(log.texts(category),
              QStringList(QStringLiteral("Failed to deliver notification: no such service: no such name")));
@@ -281,7 +281,7 @@ void NotificationServiceTest::serviceMayGoBeforeItsAnswers()
     const LogCapture log;
     FakeCenter center;
     center.result = failure(DesktopServiceError{DesktopServiceError::Kind::timedOut});
-    std::make_unique<NotificationService>(center)->notify(bitcoin(1), CoinAlertKind::notSet, BaseCurrency::usd, 0, 0,
+    std::make_unique<NotificationService>(center)->notify(bitcoinAt(1), CoinAlertKind::notSet, BaseCurrency::usd, 0, 0,
                                                           1);
     QTRY_COMPARE(center.answered, 1);
     QCOMPARE(log.texts(category).size(), 1);

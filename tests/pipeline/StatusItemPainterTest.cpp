@@ -10,7 +10,7 @@ using namespace tickwise;
 
 namespace {
 
-const QColor green(0x2c, 0xbd, 0x84);
+const QColor pureGreen(0x2c, 0xbd, 0x84);
 const QColor panelText(0xf2, 0xf2, 0xf2);
 
 StatusItemStyle style()
@@ -25,7 +25,7 @@ StatusItemContent priced(const QString &text)
     content.text = text;
     content.symbol = text.trimmed().section(u' ', 0, 0);
     content.price = text.trimmed().section(u' ', 1);
-    content.textColor = green;
+    content.textColor = pureGreen;
     content.title = text.trimmed();
     return content;
 }
@@ -34,7 +34,7 @@ StatusItemContent pilled(const QString &text)
 {
     StatusItemContent content = priced(text);
     content.textColor = QColor(Qt::white);
-    content.pillColor = green;
+    content.pillColor = pureGreen;
     return content;
 }
 
@@ -100,7 +100,7 @@ private Q_SLOTS:
 void StatusItemPainterTest::textIsDrawnInItsColor()
 {
     const QImage image = wide(priced(QStringLiteral("BTC 67,432")));
-    QVERIFY(opaquePixels(image, green) > 10);
+    QVERIFY(opaquePixels(image, pureGreen) > 10);
     QCOMPARE(opaquePixels(image, panelText), 0);
 }
 
@@ -132,15 +132,15 @@ void StatusItemPainterTest::textStandsInTheMiddle()
 void StatusItemPainterTest::aPillHasItsColorAndRoundCorners()
 {
     const QImage image = wide(pilled(QStringLiteral(" BTC 67,432 ")));
-    QCOMPARE(image.pixelColor(2, image.height() / 2), green);
-    QCOMPARE(image.pixelColor(image.width() - 3, image.height() / 2), green);
+    QCOMPARE(image.pixelColor(2, image.height() / 2), pureGreen);
+    QCOMPARE(image.pixelColor(image.width() - 3, image.height() / 2), pureGreen);
     QVERIFY(opaquePixels(image, Qt::white) > 10);
     for (int x : {0, image.width() - 1}) {
         for (int y : {1, image.height() - 2})
             QVERIFY(qAlpha(image.pixel(x, y)) < 90);
     }
-    QCOMPARE(image.pixelColor(4, 1), green);
-    QCOMPARE(image.pixelColor(0, 5), green);
+    QCOMPARE(image.pixelColor(4, 1), pureGreen);
+    QCOMPARE(image.pixelColor(0, 5), pureGreen);
 }
 
 void StatusItemPainterTest::aPillStandsInTheMiddle()
@@ -206,7 +206,7 @@ void StatusItemPainterTest::compactIconHoldsSymbolAndPrice()
     const QRect lower = inked(image.copy(0, 16, 32, 16));
     QVERIFY(upper.height() >= 8 && lower.height() >= 8);
     QVERIFY(lower.width() > 24);
-    QVERIFY(opaquePixels(image, green) > 20);
+    QVERIFY(opaquePixels(image, pureGreen) > 20);
 }
 
 void StatusItemPainterTest::compactIconMakesLongTextSmaller()
@@ -227,7 +227,7 @@ void StatusItemPainterTest::compactIconFillsItsPill()
 {
     const QImage image = paintCompactStatusItem(pilled(QStringLiteral(" BTC 67,432 ")), style(), 32);
     QVERIFY(qAlpha(image.pixel(0, 0)) < 60);
-    QCOMPARE(image.pixelColor(16, 0), green);
+    QCOMPARE(image.pixelColor(16, 0), pureGreen);
     QVERIFY(opaquePixels(image, Qt::white) > 10);
 }
 
@@ -239,10 +239,10 @@ void StatusItemPainterTest::badgeShowsTheTrend()
     content.trend = StatusTrend::down;
     const QImage down = paintStatusBadge(content, style(), 32);
     QCOMPARE(up.pixelColor(16, 16), QColor(Qt::white));
-    QCOMPARE(up.pixelColor(9, 12), green);
+    QCOMPARE(up.pixelColor(9, 12), pureGreen);
     QCOMPARE(up.pixelColor(10, 20), QColor(Qt::white));
     QCOMPARE(down.pixelColor(10, 11), QColor(Qt::white));
-    QCOMPARE(down.pixelColor(9, 20), green);
+    QCOMPARE(down.pixelColor(9, 20), pureGreen);
     QCOMPARE(qAlpha(up.pixel(0, 0)), 0);
 }
 
@@ -251,7 +251,7 @@ void StatusItemPainterTest::badgeWithoutAPillIsTheColoredArrow()
     StatusItemContent content = priced(QStringLiteral("BTC 67,432"));
     content.trend = StatusTrend::up;
     const QImage image = paintStatusBadge(content, style(), 32);
-    QCOMPARE(image.pixelColor(16, 16), green);
+    QCOMPARE(image.pixelColor(16, 16), pureGreen);
     QCOMPARE(qAlpha(image.pixel(5, 8)), 0);
     QVERIFY2(image.pixelColor(16, 23).green() > 150, "its edge has no line");
 }
@@ -267,7 +267,7 @@ void StatusItemPainterTest::badgeOfANeutralCoinShowsItsInitial()
     QCOMPARE(inked(paintStatusBadge(content, style(), 64).copy(0, 31, 14, 2)), QRect(6, 0, 4, 2)); // its line
     content = pilled(QStringLiteral(" BTC 67,432 "));
     const QImage pill = paintStatusBadge(content, style(), 32);
-    QCOMPARE(pill.pixelColor(5, 16), green);
+    QCOMPARE(pill.pixelColor(5, 16), pureGreen);
     QVERIFY(opaquePixels(pill, Qt::white) > 10);
 }
 

@@ -6,7 +6,7 @@ using namespace tickwise;
 
 namespace {
 
-const QString bitcoin = QStringLiteral("bitcoin");
+const QString bitcoinId = QStringLiteral("bitcoin");
 const QString solana = QStringLiteral("solana");
 
 /// Settings whose watchlist has these ids, each with an alert of its own.
@@ -48,7 +48,7 @@ private Q_SLOTS:
 
 void WatchlistEditingTest::addingAppendsWithTheUsualAlert()
 {
-    const AppSettings before = watching({QStringLiteral("ethereum"), bitcoin}, QStringLiteral("ethereum"));
+    const AppSettings before = watching({QStringLiteral("ethereum"), bitcoinId}, QStringLiteral("ethereum"));
     AppSettings expected = before;
     expected.watchlistCoins.push_back({solana, CoinAlertKind::change, 2.0});
     QCOMPARE(withCoinAdded(before, solana), expected);
@@ -56,14 +56,14 @@ void WatchlistEditingTest::addingAppendsWithTheUsualAlert()
 
 void WatchlistEditingTest::addingAPresentCoinChangesNothing()
 {
-    const AppSettings before = watching({bitcoin, solana}, bitcoin);
+    const AppSettings before = watching({bitcoinId, solana}, bitcoinId);
     QCOMPARE(withCoinAdded(before, solana), before);
-    QCOMPARE(withCoinAdded(before, bitcoin), before);
+    QCOMPARE(withCoinAdded(before, bitcoinId), before);
 }
 
 void WatchlistEditingTest::addingHasNoUpperBound()
 {
-    AppSettings settings = watching({}, bitcoin);
+    AppSettings settings = watching({}, bitcoinId);
     for (int i = 0; i < 1000; ++i)
         settings = withCoinAdded(std::move(settings), QString::number(i));
     QCOMPARE(settings.watchlistCoins.size(), std::size_t(1000));
@@ -107,7 +107,7 @@ void WatchlistEditingTest::removes()
 
 void WatchlistEditingTest::removingKeepsTheOtherEntries()
 {
-    const AppSettings before = watching({bitcoin, solana, QStringLiteral("tron")}, QStringLiteral("tron"));
+    const AppSettings before = watching({bitcoinId, solana, QStringLiteral("tron")}, QStringLiteral("tron"));
     AppSettings expected = before;
     expected.watchlistCoins.erase(expected.watchlistCoins.begin() + 1);
     QCOMPARE(withCoinRemoved(before, solana), expected);
@@ -115,13 +115,13 @@ void WatchlistEditingTest::removingKeepsTheOtherEntries()
 
 void WatchlistEditingTest::toggles()
 {
-    const AppSettings before = watching({bitcoin}, bitcoin);
+    const AppSettings before = watching({bitcoinId}, bitcoinId);
     QVERIFY(!isInWatchlist(before, solana));
     const AppSettings with = withCoinToggled(before, solana);
     QVERIFY(isInWatchlist(with, solana));
     QCOMPARE(with, withCoinAdded(before, solana));
     QCOMPARE(withCoinToggled(with, solana), before);
-    QCOMPARE(withCoinToggled(with, bitcoin).displayedCoinId, solana);
+    QCOMPARE(withCoinToggled(with, bitcoinId).displayedCoinId, solana);
 }
 
 void WatchlistEditingTest::ordersByIds()

@@ -6,7 +6,7 @@ using namespace tickwise;
 
 namespace {
 
-AppSettings decoded(const QByteArray &document)
+AppSettings decodedOf(const QByteArray &document)
 {
     return decodeSettings(document).value();
 }
@@ -85,7 +85,7 @@ void DamagedSettingsTest::refusalNamesThePlaceOnly()
 
 void DamagedSettingsTest::halfSurrogatePairs()
 {
-    const AppSettings settings = decoded(R"({"\udc00": "\ud800", "displayedCoinId": "a\ud800b", "language": "en"})");
+    const AppSettings settings = decodedOf(R"({"\udc00": "\ud800", "displayedCoinId": "a\ud800b", "language": "en"})");
     QCOMPARE(settings.displayedCoinId, QStringLiteral("a\ufffdb"));
     QCOMPARE(settings.language, AppLanguage::en);
 }
@@ -93,10 +93,10 @@ void DamagedSettingsTest::halfSurrogatePairs()
 void DamagedSettingsTest::byteOrderMarkIsKept()
 {
     const AppSettings settings =
-        decoded(R"({"displayedCoinId": "\ufeffbitcoin", "addedCoins": [{"coinId": "\ufeffx"}]})");
+        decodedOf(R"({"displayedCoinId": "\ufeffbitcoin", "addedCoins": [{"coinId": "\ufeffx"}]})");
     QCOMPARE(settings.displayedCoinId, QStringLiteral("\ufeffbitcoin"));
     QCOMPARE(settings.watchlistCoins.front().coinId, QStringLiteral("\ufeffx"));
-    QVERIFY(decoded(encodeSettings(settings).value()) == settings);
+    QVERIFY(decodedOf(encodeSettings(settings).value()) == settings);
 }
 
 void DamagedSettingsTest::overflowingNumbers_data()
@@ -119,8 +119,8 @@ void DamagedSettingsTest::overflowingNumbers()
     QFETCH(double, interval);
     // Texts that look like numbers and an escaped quote must pass through untouched, on both sides of the number.
     const AppSettings settings =
-        decoded(R"({"displayedCoinId": "1e999 \" -1e999", "x": 1e999, "pollingInterval": )" + number +
-                R"(,"customUpColorHex":"\\","desktopOverlayBackgroundOpacity":1e-1})");
+        decodedOf(R"({"displayedCoinId": "1e999 \" -1e999", "x": 1e999, "pollingInterval": )" + number +
+                  R"(,"customUpColorHex":"\\","desktopOverlayBackgroundOpacity":1e-1})");
     QCOMPARE(settings.displayedCoinId, QStringLiteral("1e999 \" -1e999"));
     QCOMPARE(settings.pollingInterval, interval);
     QCOMPARE(settings.customUpColorHex, QStringLiteral("\\"));
@@ -139,9 +139,9 @@ void DamagedSettingsTest::coinsAmongOtherValues()
 {
     QFETCH(QByteArray, unread);
     const AppSettings settings =
-        decoded(R"({"addedCoins": [1, "a", [{"coinId": "nested"}], {"coinId": ["x"]}, {"coinId": 7},
+        decodedOf(R"({"addedCoins": [1, "a", [{"coinId": "nested"}], {"coinId": ["x"]}, {"coinId": 7},
         {"coinId": "a", "coinId": "b"}, null, {"coinId": "c", "notificationThreshold": [{}]}, {"coinId": "b"}], "a": )" +
-                unread + "}");
+                  unread + "}");
     QStringList ids;
     for (const WatchlistCoin &coin : settings.watchlistCoins)
         ids << coin.coinId;
@@ -181,7 +181,7 @@ void DamagedSettingsTest::sizeLimit()
 {
     const QByteArray start = R"({"pollingInterval": 3)";
     const QByteArray largest = start + QByteArray(largestJsonDocument - start.size() - 1, ' ') + "}";
-    QCOMPARE(decoded(largest).pollingInterval, 3.0);
+    QCOMPARE(decodedOf(largest).pollingInterval, 3.0);
     const DecodingError error = decodingError(largest + " ");
     QVERIFY2(error.text.contains(QStringLiteral("4194305 bytes")), qPrintable(error.text));
     // Not even looked at: 50 MB of garbage are refused for their size.

@@ -7,17 +7,15 @@ using namespace tickwise;
 using namespace tickwise::test;
 
 using Edit = std::function<void(WidgetSnapshot &)>;
-Q_DECLARE_METATYPE(Edit)
-
 namespace {
 
-const QString bitcoin = QStringLiteral("bitcoin");
+const QString bitcoinId = QStringLiteral("bitcoin");
 const QString ethereum = QStringLiteral("ethereum");
 
 WidgetSnapshot lastSnapshot()
 {
     WidgetSnapshot snapshot = makeWidgetSnapshot({}, {}, TestClock().now());
-    snapshot.quotes[bitcoin] = {100, 1.0};
+    snapshot.quotes[bitcoinId] = {100, 1.0};
     return snapshot;
 }
 
@@ -53,7 +51,7 @@ void ReloadDecisionTest::decides_data()
         return [seconds](WidgetSnapshot &snapshot) { snapshot.writtenAt += secondsDuration(seconds); };
     };
     const auto priced = [](double price) -> Edit {
-        return [price](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoin].price = price; };
+        return [price](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoinId].price = price; };
     };
     row("nothing changed", false, [](WidgetSnapshot &) {});
     row("299 s", false, after(299));
@@ -75,8 +73,8 @@ void ReloadDecisionTest::decides_data()
     row("1 % down", false, priced(99));
     row("more than 1 % down", true, priced(98.99));
     row("price gone to zero", true, priced(0));
-    row("change only", false, [](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoin].change24hPercent = 50; });
-    row("change gone", false, [](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoin].change24hPercent.reset(); });
+    row("change only", false, [](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoinId].change24hPercent = 50; });
+    row("change gone", false, [](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoinId].change24hPercent.reset(); });
     row("coin gained its price", true, [](WidgetSnapshot &snapshot) { snapshot.quotes[ethereum] = {1, 1}; });
     row("coin lost its price", false, [](WidgetSnapshot &snapshot) { snapshot.quotes.clear(); });
 }
@@ -110,7 +108,7 @@ void ReloadDecisionTest::oldPriceOfZeroOrLessNeverTriggers()
 {
     QFETCH(double, oldPrice);
     WidgetSnapshot old = lastSnapshot();
-    old.quotes[bitcoin].price = oldPrice;
+    old.quotes[bitcoinId].price = oldPrice;
     QVERIFY(!needsWidgetReload(WidgetReload{old, old.writtenAt}, lastSnapshot()));
 }
 
@@ -132,9 +130,9 @@ void ReloadDecisionTest::oldPriceOfOneOrLessCounts()
     QFETCH(double, newPrice);
     QFETCH(bool, reloads);
     WidgetSnapshot old = lastSnapshot();
-    old.quotes[bitcoin].price = oldPrice;
+    old.quotes[bitcoinId].price = oldPrice;
     WidgetSnapshot snapshot = old;
-    snapshot.quotes[bitcoin].price = newPrice;
+    snapshot.quotes[bitcoinId].price = newPrice;
     QCOMPARE(needsWidgetReload(WidgetReload{old, old.writtenAt}, snapshot), reloads);
 }
 

@@ -20,7 +20,7 @@ WidgetEntryContent contentWith(std::vector<WidgetRow> rows)
     return content;
 }
 
-WidgetRow bitcoin(std::optional<double> price, std::optional<double> change)
+WidgetRow bitcoinRow(std::optional<double> price, std::optional<double> change)
 {
     return {QStringLiteral("bitcoin"), QStringLiteral("BTC"), QStringLiteral("Bitcoin"), {}, true, price, change};
 }
@@ -68,21 +68,21 @@ void WidgetListTextTest::change_data()
 void WidgetListTextTest::change()
 {
     QFETCH(double, percent);
-    const WidgetRowText row = textOf(contentWith({bitcoin(1, percent)})).rows.front();
+    const WidgetRowText row = textOf(contentWith({bitcoinRow(1, percent)})).rows.front();
     QTEST(row.change, "text");
     QTEST(row.changeColorHex, "color");
 }
 
 void WidgetListTextTest::withoutColorsTheChangeIsPlain()
 {
-    WidgetEntryContent content = contentWith({bitcoin(1, 2)});
+    WidgetEntryContent content = contentWith({bitcoinRow(1, 2)});
     content.colorByChange = false;
     QCOMPARE(textOf(content).rows.front().changeColorHex, QString());
 }
 
 void WidgetListTextTest::aRowWithoutAQuoteIsDelisted()
 {
-    WidgetRow row = bitcoin(5, 3);
+    WidgetRow row = bitcoinRow(5, 3);
     row.hasMarket = false;
     const WidgetRowText text = textOf(contentWith({row})).rows.front();
     QVERIFY(text.isDelisted);
@@ -94,7 +94,7 @@ void WidgetListTextTest::aRowWithoutAQuoteIsDelisted()
 
 void WidgetListTextTest::aRowWithoutAPrice()
 {
-    const WidgetRowText text = textOf(contentWith({bitcoin({}, {})})).rows.front();
+    const WidgetRowText text = textOf(contentWith({bitcoinRow({}, {})})).rows.front();
     QCOMPARE(text.price, QString());
     QCOMPARE(text.change, QString());
     QCOMPARE(text.accessibleText, QStringLiteral("Bitcoin"));
@@ -102,7 +102,7 @@ void WidgetListTextTest::aRowWithoutAPrice()
 
 void WidgetListTextTest::readsOut()
 {
-    QCOMPARE(textOf(contentWith({bitcoin(67432.2, 1.234)})).rows.front().accessibleText,
+    QCOMPARE(textOf(contentWith({bitcoinRow(67432.2, 1.234)})).rows.front().accessibleText,
              QStringLiteral("Bitcoin, 67,432 USD, +1.23%"));
 }
 

@@ -16,7 +16,7 @@ using namespace tickwise::test;
 
 namespace {
 
-const QString bitcoin = QStringLiteral("bitcoin");
+const QString bitcoinCoin = QStringLiteral("bitcoin");
 const QString category = QStringLiteral("com.pelmo.tickwise.Widget");
 
 /// A writer over the real coin list and settings, and what became of it.
@@ -68,9 +68,9 @@ struct World
     double writtenPrice() const
     {
         const Result<WidgetSnapshot> snapshot = store.read();
-        if (!snapshot || !snapshot->quotes.contains(bitcoin))
+        if (!snapshot || !snapshot->quotes.contains(bitcoinCoin))
             return -1;
-        return snapshot->quotes.at(bitcoin).price;
+        return snapshot->quotes.at(bitcoinCoin).price;
     }
 
     QTemporaryDir directory;

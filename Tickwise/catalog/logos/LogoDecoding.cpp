@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-Q_LOGGING_CATEGORY(lcLogos, "com.pelmo.tickwise.CoinLogos")
+Q_LOGGING_CATEGORY(lcLogoDecoding, "com.pelmo.tickwise.CoinLogos")
 
 constexpr int largestSide = 2048;       // pixels
 constexpr int allocationLimit = 33;     // mebibytes; the largest side squared takes 32 with 16 bits a channel
@@ -194,7 +194,7 @@ std::optional<QImage> decodeLogo(const QByteArray &bytes)
     BoundedBytes bounded(bytes, decoder);
     const QImage image = readScaled(bounded, decoder);
     if (bounded.hasStopped()) {
-        qCWarning(lcLogos, "Logo decoding stopped after %d ms: %lld bytes of %s", int(emergencyStop.count()),
+        qCWarning(lcLogoDecoding, "Logo decoding stopped after %d ms: %lld bytes of %s", int(emergencyStop.count()),
                   qlonglong(bytes.size()), decoder.constData());
         return std::nullopt;
     }

@@ -10,7 +10,7 @@ namespace {
 using simdjson::dom::element;
 using namespace std::string_view_literals;
 
-constexpr std::string_view usdtSuffix = "USDT";
+constexpr std::string_view binanceSuffix = "USDT";
 constexpr std::chrono::seconds freshness{3600};
 
 bool readBinance(element one, const WantedSymbols &wanted, double oldestCloseTime, TickerQuotes &quotes)
@@ -25,7 +25,7 @@ bool readBinance(element one, const WantedSymbols &wanted, double oldestCloseTim
     double closeTime = 0;
     if (!symbol || !change || !last || (*values)[3].get(closeTime) != simdjson::SUCCESS)
         return false;
-    const QString *const base = wanted.baseOf(*symbol, usdtSuffix);
+    const QString *const base = wanted.baseOf(*symbol, binanceSuffix);
     if (!base || closeTime < oldestCloseTime)
         return true;
     if (const std::optional<double> price = parseDecimal(*last))

@@ -10,7 +10,7 @@ namespace {
 using simdjson::dom::element;
 using namespace std::string_view_literals;
 
-constexpr std::string_view usdtSuffix = "USDT";
+constexpr std::string_view bybitSuffix = "USDT";
 
 bool readBybit(element one, const WantedSymbols &wanted, TickerQuotes &quotes)
 {
@@ -23,7 +23,7 @@ bool readBybit(element one, const WantedSymbols &wanted, TickerQuotes &quotes)
     const auto fraction = text((*values)[2]);
     if (!symbol || !last || !fraction)
         return false;
-    const QString *const base = wanted.baseOf(*symbol, usdtSuffix);
+    const QString *const base = wanted.baseOf(*symbol, bybitSuffix);
     const std::optional<double> price = base ? parseDecimal(*last) : std::nullopt;
     if (!price)
         return true;

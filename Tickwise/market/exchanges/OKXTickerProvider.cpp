@@ -10,7 +10,7 @@ namespace {
 using simdjson::dom::element;
 using namespace std::string_view_literals;
 
-constexpr std::string_view usdtSuffix = "-USDT";
+constexpr std::string_view okxSuffix = "-USDT";
 
 bool readOkx(element one, const WantedSymbols &wanted, TickerQuotes &quotes)
 {
@@ -23,7 +23,7 @@ bool readOkx(element one, const WantedSymbols &wanted, TickerQuotes &quotes)
     const auto open = text((*values)[2]);
     if (!instId || !last || !open)
         return false;
-    const QString *const base = wanted.baseOf(*instId, usdtSuffix);
+    const QString *const base = wanted.baseOf(*instId, okxSuffix);
     const std::optional<double> price = base ? parseDecimal(*last) : std::nullopt;
     if (!price)
         return true;

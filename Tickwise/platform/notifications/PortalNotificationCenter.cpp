@@ -9,11 +9,11 @@ namespace tickwise {
 
 namespace {
 
-constexpr char portalInterface[] = "org.freedesktop.portal.Notification";
+constexpr char notificationPortal[] = "org.freedesktop.portal.Notification";
 
 QString notificationInterface()
 {
-    return QString::fromLatin1(portalInterface);
+    return QString::fromLatin1(notificationPortal);
 }
 
 QString openAction()
@@ -36,7 +36,7 @@ QString activationToken(const QVariantList &parameter)
 } // namespace
 
 NotificationPortal::NotificationPortal(const QDBusConnection &bus, std::chrono::milliseconds timeout)
-    : QDBusAbstractInterface(portalService(), portalPath(), portalInterface, bus, nullptr)
+    : QDBusAbstractInterface(portalService(), portalPath(), notificationPortal, bus, nullptr)
 {
     setTimeout(static_cast<int>(timeout.count()));
 }

@@ -12,14 +12,14 @@ namespace {
 
 using Kind = DesktopServiceError::Kind;
 
-QString portalInterface()
+QString backgroundInterface()
 {
     return QStringLiteral("org.freedesktop.portal.Background");
 }
 
 tl::unexpected<Error> portalFailure(Kind kind, const QString &text)
 {
-    return failure(DesktopServiceError{kind, portalInterface() + QStringLiteral(": ") + text});
+    return failure(DesktopServiceError{kind, backgroundInterface() + QStringLiteral(": ") + text});
 }
 
 } // namespace
@@ -56,7 +56,8 @@ void BackgroundRequest::send(const QString &program, const QString &reason)
                               {QStringLiteral("autostart"), m_autostart},
                               {QStringLiteral("commandline"), QStringList{program}},
                               {QStringLiteral("dbus-activatable"), false}};
-    const QDBusMessage call = portalCall(portalInterface(), QStringLiteral("RequestBackground"), {QString(), options});
+    const QDBusMessage call =
+        portalCall(backgroundInterface(), QStringLiteral("RequestBackground"), {QString(), options});
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] { takeReply(*watcher); });
 }

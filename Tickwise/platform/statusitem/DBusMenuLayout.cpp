@@ -11,13 +11,13 @@ namespace tickwise {
 
 namespace {
 
-constexpr int iconPixels = 32;
+constexpr int exportedIconPixels = 32;
 // The menu's background is not known; this gray stands out from both black and white.
 constexpr QRgb iconColor = qRgb(0x80, 0x80, 0x80);
 
 QByteArray iconData(const QString &name)
 {
-    const QImage image = tintedSymbol(name, iconPixels, QColor(iconColor));
+    const QImage image = tintedSymbol(name, exportedIconPixels, QColor(iconColor));
     QByteArray bytes;
     if (!image.isNull()) {
         QBuffer buffer(&bytes);

@@ -12,11 +12,11 @@ namespace tickwise {
 
 namespace {
 
-constexpr int iconPixels = 32;
+constexpr int localIconPixels = 32;
 
 QIcon symbolIcon(const QString &name)
 {
-    const QImage image = tintedSymbol(name, iconPixels, QGuiApplication::palette().color(QPalette::WindowText));
+    const QImage image = tintedSymbol(name, localIconPixels, QGuiApplication::palette().color(QPalette::WindowText));
     return image.isNull() ? QIcon() : QIcon(QPixmap::fromImage(image));
 }
 

@@ -9,7 +9,7 @@ namespace tickwise {
 
 namespace {
 
-Q_LOGGING_CATEGORY(lcStatusItem, "com.pelmo.tickwise.StatusItem", QtInfoMsg)
+Q_LOGGING_CATEGORY(lcNotifierItem, "com.pelmo.tickwise.StatusItem", QtInfoMsg)
 
 QString menuPath()
 {
@@ -112,7 +112,7 @@ void StatusNotifierItem::announce()
     call.setAutoStartService(false);
     sendCall<void>(m_bus, call, this, [](const Result<void> &answer) {
         if (!answer)
-            qCDebug(lcStatusItem).noquote() << "The panel did not take the item:" << description(answer.error());
+            qCDebug(lcNotifierItem).noquote() << "The panel did not take the item:" << description(answer.error());
     });
 }
 

@@ -1,9 +1,8 @@
 #include "platform/statusitem/SystemTraySelection.h"
+#include "support/MallocPointer.h"
 
 #include <QGuiApplication>
 #include <QSocketNotifier>
-
-#include <cstdlib>
 
 #include <xcb/xcb.h>
 
@@ -14,14 +13,6 @@ namespace {
 constexpr uint32_t requestDock = 0;
 constexpr uint32_t xembedVersion = 0;
 constexpr uint32_t xembedMapped = 1;
-
-struct Free
-{
-    void operator()(void *reply) const { std::free(reply); }
-};
-
-template<class T>
-using Reply = std::unique_ptr<T, Free>;
 
 /// The new parent of the window, if the event tells one.
 std::optional<uint32_t> newParent(const xcb_generic_event_t &event, uint32_t window)
@@ -37,7 +28,7 @@ void synchronizeOwnWindows()
 {
     if (auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
         xcb_connection_t *connection = x11->connection();
-        Reply<xcb_get_input_focus_reply_t>(
+        MallocPointer<xcb_get_input_focus_reply_t>(
             xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     }
 }
@@ -86,7 +77,7 @@ SystemTraySelection::~SystemTraySelection()
 uint32_t SystemTraySelection::atom(const QByteArray &name) const
 {
     const auto cookie = xcb_intern_atom(m_connection, 0, uint16_t(name.size()), name.constData());
-    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
+    const MallocPointer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
     return reply ? reply->atom : 0;
 }
 
@@ -95,7 +86,7 @@ void SystemTraySelection::readEvents()
     bool ownerMayDiffer = false;
     bool colorsMayDiffer = false;
     std::optional<uint32_t> parent;
-    while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
+    while (const MallocPointer<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
         const int type = event->response_type & 0x7f;
         const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event.get());
         ownerMayDiffer |=
@@ -124,7 +115,8 @@ void SystemTraySelection::reportParent(uint32_t parent)
 void SystemTraySelection::findOwner()
 {
     const auto cookie = xcb_get_selection_owner(m_connection, m_atoms.selection);
-    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(m_connection, cookie, nullptr));
+    const MallocPointer<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(m_connection, cookie, nullptr));
     const uint32_t owner = reply ? reply->owner : 0;
     if (owner) {
         const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
@@ -141,7 +133,7 @@ void SystemTraySelection::readColors()
     PanelAppearance appearance = PanelAppearance::unknown;
     if (m_owner) {
         const auto cookie = xcb_get_property(m_connection, 0, m_owner, m_atoms.colors, XCB_ATOM_CARDINAL, 0, 12);
-        const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, nullptr));
+        const MallocPointer<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, nullptr));
         if (reply && reply->format == 32 && xcb_get_property_value_length(reply.get()) >= int(3 * sizeof(uint32_t))) {
             const auto *parts = static_cast<const uint32_t *>(xcb_get_property_value(reply.get()));
             appearance = appearanceForText(parts[0], parts[1], parts[2]);
@@ -186,8 +178,8 @@ std::optional<QRect> SystemTraySelection::dockedGeometry()
         return std::nullopt;
     const auto sizeCookie = xcb_get_geometry(m_connection, m_window);
     const auto originCookie = xcb_translate_coordinates(m_connection, m_window, m_root, 0, 0);
-    const Reply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(m_connection, sizeCookie, nullptr));
-    const Reply<xcb_translate_coordinates_reply_t> origin(
+    const MallocPointer<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(m_connection, sizeCookie, nullptr));
+    const MallocPointer<xcb_translate_coordinates_reply_t> origin(
         xcb_translate_coordinates_reply(m_connection, originCookie, nullptr));
     readEventsLater();
     if (!size || !origin)

@@ -1,12 +1,11 @@
 #include "platform/surfaces/WindowPopoverSurface.h"
 
+#include "support/MallocPointer.h"
+
 #include <QAccessible>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>
-
-#include <cstdlib>
-#include <memory>
 
 #include <xcb/xcb.h>
 
@@ -17,11 +16,6 @@ namespace {
 /// Who composes the windows of the first screen owns this selection.
 constexpr char compositorSelection[] = "_NET_WM_CM_S0";
 
-struct Free
-{
-    void operator()(void *reply) const { std::free(reply); }
-};
-
 bool hasX11Compositor()
 {
     auto *const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
@@ -29,11 +23,11 @@ bool hasX11Compositor()
         return false;
     xcb_connection_t *const connection = x11->connection();
     const auto atomCookie = xcb_intern_atom(connection, 0, sizeof compositorSelection - 1, compositorSelection);
-    const std::unique_ptr<xcb_intern_atom_reply_t, Free> atom(xcb_intern_atom_reply(connection, atomCookie, nullptr));
+    const MallocPointer<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(connection, atomCookie, nullptr));
     if (!atom)
         return false;
     const auto ownerCookie = xcb_get_selection_owner(connection, atom->atom);
-    const std::unique_ptr<xcb_get_selection_owner_reply_t, Free> owner(
+    const MallocPointer<xcb_get_selection_owner_reply_t> owner(
         xcb_get_selection_owner_reply(connection, ownerCookie, nullptr));
     return owner && owner->owner != XCB_NONE;
 }

@@ -1,11 +1,11 @@
 #include "platform/surfaces/X11Desktop.h"
 
 #include "platform/surfaces/PanelStrut.h"
+#include "support/MallocPointer.h"
 
 #include <QGuiApplication>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 #include <xcb/xcb.h>
@@ -19,14 +19,6 @@ constexpr uint32_t addState = 1;
 constexpr uint32_t sourceIsApplication = 1;
 constexpr uint32_t longestList = 1024; // atoms
 constexpr char selectionExtension[] = "XFIXES";
-
-struct Free
-{
-    void operator()(void *reply) const { std::free(reply); }
-};
-
-template<class T>
-using Reply = std::unique_ptr<T, Free>;
 
 uint32_t rootOf(xcb_connection_t *connection)
 {
@@ -57,7 +49,7 @@ X11Desktop::X11Desktop(xcb_connection_t *connection)
                atom("_NET_WM_STATE_SKIP_TASKBAR"), atom("_NET_WM_STATE_SKIP_PAGER")}
 {
     const auto cookie = xcb_query_extension(connection, sizeof selectionExtension - 1, selectionExtension);
-    const Reply<xcb_query_extension_reply_t> extension(xcb_query_extension_reply(connection, cookie, nullptr));
+    const MallocPointer<xcb_query_extension_reply_t> extension(xcb_query_extension_reply(connection, cookie, nullptr));
     if (extension && extension->present)
         m_selectionEvent = extension->first_event;
 }
@@ -65,14 +57,14 @@ X11Desktop::X11Desktop(xcb_connection_t *connection)
 uint32_t X11Desktop::atom(const char *name) const
 {
     const auto cookie = xcb_intern_atom(m_connection, 0, uint16_t(std::strlen(name)), name);
-    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
+    const MallocPointer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
     return reply ? reply->atom : XCB_NONE;
 }
 
 std::vector<uint32_t> X11Desktop::numbers(uint32_t window, uint32_t property, uint32_t type) const
 {
     const auto cookie = xcb_get_property(m_connection, 0, window, property, type, 0, longestList);
-    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, nullptr));
+    const MallocPointer<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, nullptr));
     if (!reply || reply->type != type || reply->format != 32)
         return {};
     const auto *const first = static_cast<const uint32_t *>(xcb_get_property_value(reply.get()));
@@ -88,7 +80,7 @@ bool X11Desktop::keepsWindowsBelow() const
 QRect X11Desktop::withoutPanels(const QRect &monitor) const
 {
     const auto cookie = xcb_get_geometry(m_connection, m_root);
-    const Reply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(m_connection, cookie, nullptr));
+    const MallocPointer<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(m_connection, cookie, nullptr));
     if (!root)
         return monitor;
     QRect area = monitor;
@@ -106,7 +98,8 @@ bool X11Desktop::tellsOfPanels(const void *event) const
 bool X11Desktop::hasCompositor() const
 {
     const auto cookie = xcb_get_selection_owner(m_connection, m_compositor);
-    const Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(m_connection, cookie, nullptr));
+    const MallocPointer<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(m_connection, cookie, nullptr));
     return owner && owner->owner != XCB_NONE;
 }
 

@@ -12,10 +12,10 @@ namespace tickwise {
 namespace {
 
 constexpr int side = 28;
-constexpr int symbolSide = 16;
+constexpr int iconSide = 16;
 constexpr int textSymbolSide = 14;
-constexpr int gap = 4;
-constexpr int padding = 6;
+constexpr int iconGap = 4;
+constexpr int iconPadding = 6;
 
 } // namespace
 
@@ -41,7 +41,7 @@ QSize IconButton::sizeHint() const
     if (text().isEmpty())
         return {height, height};
     const int words = QFontMetrics(look::font(look::captionSize)).horizontalAdvance(text());
-    return {look::scaled(2 * padding + textSymbolSide + gap) + words, height};
+    return {look::scaled(2 * iconPadding + textSymbolSide + iconGap) + words, height};
 }
 
 bool IconButton::event(QEvent *event)
@@ -71,11 +71,11 @@ void IconButton::paintEvent(QPaintEvent *)
     }
     const bool hasText = !text().isEmpty();
     const QColor color = hasText ? look::accent(palette()) : look::text(palette());
-    const int symbol = look::scaled(hasText ? textSymbolSide : symbolSide);
-    const int left = hasText ? look::scaled(padding) : (width() - symbol) / 2;
+    const int symbol = look::scaled(hasText ? textSymbolSide : iconSide);
+    const int left = hasText ? look::scaled(iconPadding) : (width() - symbol) / 2;
     painter.drawPixmap(left, (height() - symbol) / 2, symbolPixmap(m_symbol, color, symbol, devicePixelRatioF()));
     if (hasText) {
-        const QRect words = rect().adjusted(left + symbol + look::scaled(gap), 0, 0, 0);
+        const QRect words = rect().adjusted(left + symbol + look::scaled(iconGap), 0, 0, 0);
         painter.setFont(look::font(look::captionSize));
         painter.setPen(look::text(palette()));
         painter.drawText(words, int(Qt::AlignLeft) | int(Qt::AlignVCenter), text());

@@ -10,7 +10,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr int margin = 3; ///< inside the focus ring
+constexpr int ringMargin = 3; ///< inside the focus ring
 
 } // namespace
 
@@ -27,7 +27,7 @@ LinkButton::LinkButton(const QUrl &address, QWidget *parent)
 
 QSize LinkButton::sizeHint() const
 {
-    return fontMetrics().size(Qt::TextSingleLine, text()) + QSize(2 * margin, 2 * margin);
+    return fontMetrics().size(Qt::TextSingleLine, text()) + QSize(2 * ringMargin, 2 * ringMargin);
 }
 
 void LinkButton::keyPressEvent(QKeyEvent *event)
@@ -47,7 +47,7 @@ void LinkButton::paintEvent(QPaintEvent *)
     painter.setPen(look::link(palette()));
     painter.drawText(rect(), int(Qt::AlignCenter), text());
     if (hasFocus())
-        look::drawFocusRing(painter, rect(), margin, palette());
+        look::drawFocusRing(painter, rect(), ringMargin, palette());
 }
 
 } // namespace tickwise

@@ -10,7 +10,7 @@ namespace tickwise {
 namespace {
 
 constexpr int buttonHeight = 32;
-constexpr int padding = 16;
+constexpr int prominentPadding = 16;
 constexpr double focusGap = 3;
 constexpr int hoverLightness = 108;  // percent
 constexpr int pressedDarkness = 112; // percent
@@ -36,7 +36,7 @@ ProminentButton::ProminentButton(QWidget *parent)
 QSize ProminentButton::sizeHint() const
 {
     const QFontMetrics metrics(look::font(look::bodySize, QFont::DemiBold));
-    return {metrics.horizontalAdvance(text()) + 2 * look::scaled(padding), look::scaled(buttonHeight)};
+    return {metrics.horizontalAdvance(text()) + 2 * look::scaled(prominentPadding), look::scaled(buttonHeight)};
 }
 
 void ProminentButton::keyPressEvent(QKeyEvent *event)

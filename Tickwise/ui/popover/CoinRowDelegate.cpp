@@ -12,10 +12,10 @@ namespace tickwise {
 
 namespace {
 
-constexpr int sideMargin = 8; // of the ground that hover and focus show
-constexpr int padding = 8;    // inside that ground
-constexpr int logoSide = 32;
-constexpr int gap = 10;
+constexpr int sideMargin = 8;    // of the ground that hover and focus show
+constexpr int groundPadding = 8; // inside that ground
+constexpr int popoverLogoSide = 32;
+constexpr int columnGap = 10;
 constexpr int lineGap = 3;
 constexpr double widestNumber = 0.6; // of the row's width
 
@@ -68,14 +68,14 @@ void CoinRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const CoinRowContent content = m_model.content(index.row());
     painter->save();
     paintGround(*painter, option);
-    const int margin = look::scaled(sideMargin + padding);
+    const int margin = look::scaled(sideMargin + groundPadding);
     const QRect box = option.rect.adjusted(margin, 0, -margin, 0);
-    const int side = look::scaled(logoSide);
+    const int side = look::scaled(popoverLogoSide);
     const double ratio = painter->device()->devicePixelRatioF();
     painter->drawPixmap(box.left(), box.top() + (box.height() - side) / 2,
                         coinLogoPixmap(m_model.coin(index.row()), m_logos, look::accent(option.palette), side, ratio));
     const int numbers = paintNumbers(*painter, box, content, option.palette);
-    const QRect words = box.adjusted(side + look::scaled(gap), 0, -numbers - look::scaled(gap), 0);
+    const QRect words = box.adjusted(side + look::scaled(columnGap), 0, -numbers - look::scaled(columnGap), 0);
     painter->setFont(m_fonts.symbol);
     painter->setPen(look::text(option.palette));
     const QString symbol = QFontMetrics(m_fonts.symbol).elidedText(content.symbol, Qt::ElideRight, words.width());

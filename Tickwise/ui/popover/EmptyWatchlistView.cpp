@@ -13,8 +13,8 @@ namespace tickwise {
 
 namespace {
 
-constexpr int symbolSide = 40;
-constexpr int spacing = 12;
+constexpr int emptySymbolSide = 40;
+constexpr int emptySpacing = 12;
 
 } // namespace
 
@@ -39,7 +39,7 @@ EmptyWatchlistView::EmptyWatchlistView(QWidget *parent)
 
 void EmptyWatchlistView::refresh()
 {
-    layout()->setSpacing(look::scaled(spacing));
+    layout()->setSpacing(look::scaled(emptySpacing));
     m_text->setFont(look::font(look::bodySize));
     m_text->setText(localized(QStringLiteral("popover.empty")));
     m_button->setText(localized(QStringLiteral("popover.addCoins")));
@@ -50,7 +50,7 @@ void EmptyWatchlistView::refresh()
 void EmptyWatchlistView::drawSymbol()
 {
     m_symbol->setPixmap(symbolPixmap(QStringLiteral("bitcoinsign.circle"), look::secondaryText(palette()),
-                                     look::scaled(symbolSide), devicePixelRatioF()));
+                                     look::scaled(emptySymbolSide), devicePixelRatioF()));
 }
 
 void EmptyWatchlistView::changeEvent(QEvent *event)

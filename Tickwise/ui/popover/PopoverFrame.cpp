@@ -12,7 +12,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr int shadowReach = 24;
+constexpr int popoverShadowReach = 24;
 constexpr int shadowDrop = 6;
 constexpr double shadowOpacity = 0.2; // where it is darkest
 
@@ -75,7 +75,7 @@ QRect inDevicePixels(const QRect &box, double ratio)
 
 int PopoverFrame::shadowMargin()
 {
-    return look::scaled(shadowReach + shadowDrop);
+    return look::scaled(popoverShadowReach + shadowDrop);
 }
 
 QRegion PopoverFrame::shape(const QRect &panel)
@@ -95,7 +95,7 @@ void PopoverFrame::draw(const Style &style)
 {
     m_style = style;
     const double unit = style.scale * style.devicePixelRatio;
-    m_margin = style.hasShadow ? int(std::ceil((shadowReach + shadowDrop) * unit)) : 0;
+    m_margin = style.hasShadow ? int(std::ceil((popoverShadowReach + shadowDrop) * unit)) : 0;
     m_corner = m_margin + int(std::ceil((look::popoverRadius + shadowDrop) * unit));
     const int side = 2 * m_corner + 1;
     const double middle = side / 2.0;
@@ -122,7 +122,7 @@ QRgb PopoverFrame::pixel(double fromPanel, double fromShadow) const
     const double insideBorder = coverage(fromPanel + m_style.devicePixelRatio);
     if (insideBorder >= 1)
         return m_style.ground.rgb();
-    const double reach = shadowReach * m_style.scale * m_style.devicePixelRatio;
+    const double reach = popoverShadowReach * m_style.scale * m_style.devicePixelRatio;
     const QRgb shadow = m_style.hasShadow ? qRgba(0, 0, 0, int(255 * shadowAt(fromShadow, reach))) : 0;
     if (inside <= 0)
         return shadow;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int leftMargin = 16;
 constexpr int rightMargin = 10;
-constexpr int spacing = 2;
+constexpr int headerSpacing = 2;
 
 } // namespace
 
@@ -53,7 +53,7 @@ void PopoverHeader::refresh()
 {
     setFixedHeight(look::scaled(headerHeight));
     layout()->setContentsMargins(look::scaled(leftMargin), 0, look::scaled(rightMargin), 0);
-    layout()->setSpacing(look::scaled(spacing));
+    layout()->setSpacing(look::scaled(headerSpacing));
     m_title->setFont(look::font(look::titleSize, QFont::DemiBold));
     m_title->setText(localized(QStringLiteral("popover.watchlist")));
     m_update->setText(localized(QStringLiteral("popover.updateAvailable")));

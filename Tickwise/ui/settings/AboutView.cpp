@@ -15,7 +15,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr int logoSide = 48;
+constexpr int aboutLogoSide = 48;
 
 } // namespace
 
@@ -37,7 +37,7 @@ void AboutView::buildVersion(const AboutInformation &information)
 {
     auto *const row = new QHBoxLayout;
     auto *const logo = new QLabel(this);
-    logo->setPixmap(appLogo(logoSide, qGuiApp->devicePixelRatio()));
+    logo->setPixmap(appLogo(aboutLogoSide, qGuiApp->devicePixelRatio()));
     auto *const text = new QLabel(this);
     text->setObjectName(QStringLiteral("about.version"));
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);

@@ -19,7 +19,7 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcSettings, "com.pelmo.tickwise.Settings", QtInfoMsg)
 
-constexpr int iconSide = 48;
+constexpr int tabIconSide = 48;
 constexpr int topMargin = 6;
 
 QString frameKey()
@@ -62,7 +62,7 @@ SettingsWindow::SettingsWindow(SettingsViewModel &settings, SettingsDataStorage 
     m_tabs->setDocumentMode(true);
     for (QWidget *const page : {pages.general, pages.watchlist, pages.about})
         m_tabs->addTab(scrolling(page), QString());
-    setWindowIcon(appLogo(iconSide, qGuiApp->devicePixelRatio()));
+    setWindowIcon(appLogo(tabIconSide, qGuiApp->devicePixelRatio()));
     writeTexts();
     setSizeLimits(settingsWindowMinimum, settingsWindowMaximum);
     restoreFrame();

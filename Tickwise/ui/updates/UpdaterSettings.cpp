@@ -8,7 +8,7 @@ namespace tickwise {
 
 namespace {
 
-Q_LOGGING_CATEGORY(lcUpdates, "com.pelmo.tickwise.Updates")
+Q_LOGGING_CATEGORY(lcUpdaterSettings, "com.pelmo.tickwise.Updates")
 
 constexpr char automaticallyChecksField[] = "automaticallyChecks";
 constexpr char lastCheckField[] = "lastCheck";
@@ -72,7 +72,8 @@ UpdaterSettingsStore::UpdaterSettingsStore(SettingsDataStorage &storage)
         m_settings = *settings;
         return;
     }
-    qCWarning(lcUpdates).noquote() << "Failed to decode the updater's settings:" << description(settings.error());
+    qCWarning(lcUpdaterSettings).noquote()
+        << "Failed to decode the updater's settings:" << description(settings.error());
     storage.keepBeforeOverwriting(storageKey());
 }
 
@@ -82,7 +83,8 @@ void UpdaterSettingsStore::update(const UpdaterSettings &settings)
     const Result<void> stored = encodeUpdaterSettings(settings).and_then(
         [this](const QByteArray &json) { return m_storage.setData(storageKey(), json); });
     if (!stored)
-        qCWarning(lcUpdates).noquote() << "Failed to store the updater's settings:" << description(stored.error());
+        qCWarning(lcUpdaterSettings).noquote()
+            << "Failed to store the updater's settings:" << description(stored.error());
 }
 
 } // namespace tickwise

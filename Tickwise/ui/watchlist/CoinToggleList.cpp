@@ -15,10 +15,10 @@ namespace tickwise {
 
 namespace {
 
-constexpr int logoSide = 24;
-constexpr int symbolSide = 14;
-constexpr int spacing = 8;
-constexpr int inset = 8;
+constexpr int toggleLogoSide = 24;
+constexpr int toggleSymbolSide = 14;
+constexpr int toggleSpacing = 8;
+constexpr int toggleInset = 8;
 
 QColor colorOf(CoinToggleSymbol::Color color, const QPalette &palette)
 {
@@ -61,18 +61,18 @@ void CoinToggleDelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
         painter->drawRoundedRect(option.rect, radius, radius);
     }
     const qreal scale = painter->device()->devicePixelRatioF();
-    const QRect box = option.rect.adjusted(look::scaled(inset), 0, -look::scaled(inset), 0);
-    const int logo = look::scaled(logoSide);
+    const QRect box = option.rect.adjusted(look::scaled(toggleInset), 0, -look::scaled(toggleInset), 0);
+    const int logo = look::scaled(toggleLogoSide);
     painter->drawPixmap(box.left(), box.center().y() - logo / 2,
                         coinLogoPixmap(coin, m_logos, look::accent(option.palette), logo, scale));
     const CoinToggleSymbol symbol = coinToggleSymbol(index.data(CoinToggleModel::isAddedRole).toBool(), isHovered);
-    const int side = look::scaled(symbolSide);
+    const int side = look::scaled(toggleSymbolSide);
     painter->setOpacity(symbol.opacity);
     painter->drawPixmap(box.right() - side, box.center().y() - side / 2,
                         symbolPixmap(symbol.name, colorOf(symbol.color, option.palette), side, scale));
     painter->setOpacity(1);
-    paintTexts(*painter, box.adjusted(logo + look::scaled(spacing), 0, -side - look::scaled(spacing), 0), coin,
-               option.palette);
+    paintTexts(*painter, box.adjusted(logo + look::scaled(toggleSpacing), 0, -side - look::scaled(toggleSpacing), 0),
+               coin, option.palette);
     if (isMarked(option, index))
         look::drawFocusRing(*painter, option.rect, radius, option.palette);
     painter->restore();

@@ -22,10 +22,10 @@ namespace {
 
 constexpr int boxWidth = 420;
 constexpr int boxMargin = 24;
-constexpr int padding = 12;
+constexpr int panelPadding = 12;
 constexpr int fieldRadius = 6;
 constexpr int panelRadius = 10;
-constexpr int symbolSide = 14;
+constexpr int fieldSymbolSide = 14;
 constexpr float fieldOpacity = 0.1F;
 constexpr float placeholderOpacity = 0.75F; ///< more than secondary text has: the field's ground is darker
 constexpr float scrimOpacity = 0.35F;
@@ -47,7 +47,7 @@ protected:
         painter.setBrush(ground);
         const double radius = look::scaled(fieldRadius);
         painter.drawRoundedRect(rect(), radius, radius);
-        const int side = look::scaled(symbolSide);
+        const int side = look::scaled(fieldSymbolSide);
         painter.drawPixmap(
             look::scaled(8), (height() - side) / 2,
             symbolPixmap(QStringLiteral("magnifyingglass"), look::secondaryText(palette()), side, devicePixelRatioF()));
@@ -70,7 +70,7 @@ WatchlistAddCoinPanel::WatchlistAddCoinPanel(WatchlistViewModel &viewModel, Sett
 {
     hide();
     auto *const column = new QVBoxLayout(m_box);
-    const int space = look::scaled(padding);
+    const int space = look::scaled(panelPadding);
     column->setContentsMargins(space, space, space, space);
     buildField();
     buildList(logos);
@@ -85,7 +85,7 @@ void WatchlistAddCoinPanel::buildField()
 {
     auto *const ground = new FieldGround(m_box);
     auto *const row = new QHBoxLayout(ground);
-    row->setContentsMargins(look::scaled(8 + symbolSide + 4), 2, 4, 2);
+    row->setContentsMargins(look::scaled(8 + fieldSymbolSide + 4), 2, 4, 2);
     m_field->setObjectName(QStringLiteral("searchField"));
     m_field->setFrame(false);
     takeColors();

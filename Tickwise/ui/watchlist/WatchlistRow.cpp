@@ -18,10 +18,10 @@ namespace tickwise {
 namespace {
 
 constexpr double dragThreshold = 2;
-constexpr int logoSide = 24;
-constexpr int spacing = 8;
-constexpr int inset = 8;
-constexpr int textLeft = inset + 28 + spacing + logoSide + spacing;
+constexpr int rowLogoSide = 24;
+constexpr int rowSpacing = 8;
+constexpr int watchlistRowInset = 8;
+constexpr int textLeft = watchlistRowInset + 28 + rowSpacing + rowLogoSide + rowSpacing;
 
 } // namespace
 
@@ -46,8 +46,8 @@ WatchlistRow::WatchlistRow(CoinLogoStore *logos, QWidget *parent)
     , m_delete(new IconButton(QStringLiteral("trash"), this))
 {
     auto *const row = new QHBoxLayout(this);
-    row->setContentsMargins(look::scaled(inset), 0, look::scaled(inset), 0);
-    row->setSpacing(look::scaled(spacing));
+    row->setContentsMargins(look::scaled(watchlistRowInset), 0, look::scaled(watchlistRowInset), 0);
+    row->setSpacing(look::scaled(rowSpacing));
     row->addWidget(m_handle);
     row->addStretch();
     row->addWidget(m_alert);
@@ -175,8 +175,8 @@ void WatchlistRow::paintEvent(QPaintEvent *)
         painter.setBrush(palette().color(QPalette::Window));
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
     }
-    const int side = look::scaled(logoSide);
-    const int left = look::scaled(inset + spacing) + m_handle->width();
+    const int side = look::scaled(rowLogoSide);
+    const int left = look::scaled(watchlistRowInset + rowSpacing) + m_handle->width();
     painter.drawPixmap(left, (height() - side) / 2,
                        coinLogoPixmap(m_content.coin, m_logos, look::accent(palette()), side, devicePixelRatioF()));
     paintTexts(painter);
@@ -185,7 +185,7 @@ void WatchlistRow::paintEvent(QPaintEvent *)
 void WatchlistRow::paintTexts(QPainter &painter) const
 {
     const int left = look::scaled(textLeft);
-    const QRect box(left, 0, m_alert->x() - look::scaled(spacing) - left, height());
+    const QRect box(left, 0, m_alert->x() - look::scaled(rowSpacing) - left, height());
     const QFont symbolFont = look::font(look::bodySize, QFont::Medium);
     const QFont nameFont = look::font(look::captionSize);
     const QFontMetrics symbolMetrics(symbolFont);

@@ -41,8 +41,6 @@ const QByteArray logo = encoded(logoLikeImage(32), "png");
 
 } // namespace
 
-Q_DECLARE_METATYPE(tickwise::Error)
-
 class CoinLogoStoreTest : public QObject
 {
     Q_OBJECT

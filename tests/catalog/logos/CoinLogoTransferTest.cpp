@@ -14,7 +14,7 @@ using enum MarketEndpoint;
 
 namespace {
 
-const QString category = QStringLiteral("com.pelmo.tickwise.CoinLogos");
+const QString transferCategory = QStringLiteral("com.pelmo.tickwise.CoinLogos");
 
 /// Logos of this world come from its file host, over TLS.
 bool isLoopbackLogo(const QString &address)
@@ -109,7 +109,7 @@ void CoinLogoTransferTest::downloadsOverTls()
     m_store->ensureLogo(coin(QStringLiteral("/logos/bitcoin.png")));
     QTRY_VERIFY(m_store->image(QStringLiteral("bitcoin")));
     QCOMPARE(m_store->image(QStringLiteral("bitcoin"))->size(), QSize(64, 64));
-    QCOMPARE(m_log->texts(category), QStringList());
+    QCOMPARE(m_log->texts(transferCategory), QStringList());
 }
 
 void CoinLogoTransferTest::stopsAtTheLimit_data()
@@ -130,7 +130,7 @@ void CoinLogoTransferTest::stopsAtTheLimit()
     // What the buffers of both kernels' ends took in.
     QVERIFY(m_market->server(files).bodyBytesSent() < 16 * 1024 * 1024);
     QVERIFY(m_store->cachedIDs().isEmpty());
-    QCOMPARE(m_log->texts(category), QStringList());
+    QCOMPARE(m_log->texts(transferCategory), QStringList());
 }
 
 void CoinLogoTransferTest::exactlyTheLimit_data()
@@ -153,7 +153,7 @@ void CoinLogoTransferTest::exactlyTheLimit()
         finishDownload();
         QVERIFY(m_store->cachedIDs().isEmpty());
     }
-    QCOMPARE(m_log->texts(category), QStringList());
+    QCOMPARE(m_log->texts(transferCategory), QStringList());
 }
 
 void CoinLogoTransferTest::followsARedirectWithinTheRule()
@@ -168,8 +168,9 @@ void CoinLogoTransferTest::refusesARedirectOutOfTheRule()
 {
     m_market->script(files, faults::redirect(m_market->url(files, QStringLiteral("/elsewhere/bitcoin.png"))));
     m_store->ensureLogo(coin(QStringLiteral("/logos/old.png")));
-    QTRY_COMPARE(m_log->texts(category).size(), 1);
-    QVERIFY(m_log->texts(category).front().startsWith(QStringLiteral("Logo download failed: redirect refused")));
+    QTRY_COMPARE(m_log->texts(transferCategory).size(), 1);
+    QVERIFY(
+        m_log->texts(transferCategory).front().startsWith(QStringLiteral("Logo download failed: redirect refused")));
     QCOMPARE(m_market->requestCount(files), 1);
     QVERIFY(m_store->cachedIDs().isEmpty());
 }
@@ -179,15 +180,17 @@ void CoinLogoTransferTest::statusWithoutALogoIsSilent()
     m_market->script(files, faults::status(404, m_logo), LoopbackMarket::Repeat::always);
     finishDownload();
     QVERIFY(m_store->cachedIDs().isEmpty());
-    QCOMPARE(m_log->texts(category), QStringList());
+    QCOMPARE(m_log->texts(transferCategory), QStringList());
 }
 
 void CoinLogoTransferTest::brokenTransferIsOneLine()
 {
     m_market->script(files, faults::truncateAfter(100), LoopbackMarket::Repeat::always);
     m_store->ensureLogo(coin(QStringLiteral("/logos/bitcoin.png")));
-    QTRY_COMPARE(m_log->texts(category).size(), 1);
-    QVERIFY(m_log->texts(category).front().startsWith(QStringLiteral("Logo download failed: network connection lost")));
+    QTRY_COMPARE(m_log->texts(transferCategory).size(), 1);
+    QVERIFY(m_log->texts(transferCategory)
+                .front()
+                .startsWith(QStringLiteral("Logo download failed: network connection lost")));
     QVERIFY(m_store->cachedIDs().isEmpty());
 }
 
@@ -195,8 +198,9 @@ void CoinLogoTransferTest::strangerIsRefused()
 {
     start(LoopbackCertificate::fromStranger);
     m_store->ensureLogo(coin(QStringLiteral("/logos/bitcoin.png")));
-    QTRY_COMPARE(m_log->texts(category).size(), 1);
-    QVERIFY(m_log->texts(category).front().startsWith(QStringLiteral("Logo download failed: server certificate")));
+    QTRY_COMPARE(m_log->texts(transferCategory).size(), 1);
+    QVERIFY(
+        m_log->texts(transferCategory).front().startsWith(QStringLiteral("Logo download failed: server certificate")));
 }
 
 TICKWISE_TEST(CoinLogoTransferTest)

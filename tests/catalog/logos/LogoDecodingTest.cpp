@@ -38,7 +38,7 @@ private Q_SLOTS:
 
 namespace {
 
-const QRgb brown = qRgb(120, 80, 40);
+const QRgb brownPixel = qRgb(120, 80, 40);
 constexpr qsizetype largestFile = 524288;
 
 /// What `make` gives for the best quality whose file a logo may have.
@@ -70,16 +70,16 @@ bool isClose(QRgb a, QRgb b)
 /// One picture of each format, 40 by 40 pixels, brown.
 std::vector<std::pair<const char *, QByteArray>> everyFormat()
 {
-    const QImage image = flatImage(40, brown);
+    const QImage image = flatImage(40, brownPixel);
     return {{"png", encoded(image, "png")},
             {"png, palette", encoded(image.convertToFormat(QImage::Format_Indexed8), "png")},
             {"jpeg", encoded(image, "jpeg", 95)},
             {"jpeg, progressive", progressiveJpeg(image, 95)},
             {"webp", encoded(image, "webp", 90)},
             {"webp, lossless", encoded(image, "webp", 100)},
-            {"gif", gif(40, 40, {brown})},
+            {"gif", gif(40, 40, {brownPixel})},
             {"bmp", encoded(image, "bmp")},
-            {"ico, bitmap", icon({{40, iconBitmap(40, brown)}})},
+            {"ico, bitmap", icon({{40, iconBitmap(40, brownPixel)}})},
             {"ico, png", icon({{40, encoded(image, "png")}})}};
 }
 
@@ -99,7 +99,7 @@ void LogoDecodingTest::decodesEveryFormat()
     QVERIFY(image);
     QCOMPARE(image->size(), QSize(40, 40));
     QCOMPARE(image->format(), QImage::Format_ARGB32_Premultiplied);
-    QVERIFY2(isClose(image->pixel(20, 20), brown), qPrintable(QString::number(image->pixel(20, 20), 16)));
+    QVERIFY2(isClose(image->pixel(20, 20), brownPixel), qPrintable(QString::number(image->pixel(20, 20), 16)));
 }
 
 void LogoDecodingTest::keepsSmallPictures()
@@ -129,7 +129,7 @@ void LogoDecodingTest::scalesLargePictures_data()
     QTest::newRow("gif 250") << gifOfData(250, 250, flatGifData(62500)) << QSize(96, 96);
     QTest::newRow("bmp 250") << encoded(logoLikeImage(250), "bmp") << QSize(96, 96);
     QTest::newRow("bmp 250, runs") << runLengthBmp(250, 250) << QSize(96, 96);
-    QTest::newRow("ico 256") << icon({{0, iconBitmap(256, brown)}}) << QSize(96, 96);
+    QTest::newRow("ico 256") << icon({{0, iconBitmap(256, brownPixel)}}) << QSize(96, 96);
 }
 
 void LogoDecodingTest::scalesLargePictures()
@@ -268,13 +268,13 @@ void LogoDecodingTest::refusesImpossibleSizes_data()
     QTest::newRow("icon with a png of 30000 x 30000")
         << icon({{16, pngStart({30000, 30000}) + pngChunk("IDAT", QByteArray(100, 'x')) + pngChunk("IEND", {})}});
     QTest::newRow("icon with a png of 2049 x 1") << icon({{16, blankPng({2049, 1})}});
-    QByteArray wide = encoded(flatImage(8, brown), "bmp");
+    QByteArray wide = encoded(flatImage(8, brownPixel), "bmp");
     wide.replace(18, 4, QByteArray("\xff\xff\xff\x7f", 4));
     QTest::newRow("bmp of 2147483647 x 8") << wide;
-    QByteArray lowest = encoded(flatImage(8, brown), "bmp");
+    QByteArray lowest = encoded(flatImage(8, brownPixel), "bmp");
     lowest.replace(22, 4, QByteArray("\0\0\0\x80", 4));
     QTest::newRow("bmp of 8 x -2147483648") << lowest;
-    QByteArray huge = encoded(flatImage(8, brown), "jpeg");
+    QByteArray huge = encoded(flatImage(8, brownPixel), "jpeg");
     const qsizetype frame = huge.indexOf(QByteArray("\xff\xc0", 2));
     huge.replace(frame + 5, 4, QByteArray("\xff\xff\xff\xff", 4));
     QTest::newRow("jpeg of 65535 x 65535") << huge;
@@ -289,7 +289,7 @@ void LogoDecodingTest::refusesImpossibleSizes()
 
 void LogoDecodingTest::stopsOnAFileMadeToTakeMinutes()
 {
-    QByteArray scans = progressiveJpeg(flatImage(2048, brown), 50);
+    QByteArray scans = progressiveJpeg(flatImage(2048, brownPixel), 50);
     const qsizetype scan = scans.lastIndexOf(QByteArray("\xff\xda", 2));
     const QByteArray last = scans.mid(scan, scans.size() - 2 - scan);
     const QByteArray end("\xff\xd9", 2);
@@ -300,13 +300,13 @@ void LogoDecodingTest::stopsOnAFileMadeToTakeMinutes()
     QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.CoinLogos")),
              QStringList{QStringLiteral("Logo decoding stopped after 250 ms: %1 bytes of jpeg").arg(scans.size())});
     QCOMPARE(log.lines().front().type, QtWarningMsg);
-    QVERIFY(decodeLogo(progressiveJpeg(flatImage(2048, brown), 50)));
+    QVERIFY(decodeLogo(progressiveJpeg(flatImage(2048, brownPixel), 50)));
 }
 
 void LogoDecodingTest::animationShowsItsFirstFrame()
 {
     const QRgb green = qRgb(10, 200, 30);
-    const std::optional<QImage> image = decodeLogo(gif(20, 20, {green, brown, qRgb(0, 0, 0)}));
+    const std::optional<QImage> image = decodeLogo(gif(20, 20, {green, brownPixel, qRgb(0, 0, 0)}));
     QVERIFY(image);
     QCOMPARE(image->size(), QSize(20, 20));
     QCOMPARE(image->pixel(10, 10), green);
@@ -315,8 +315,9 @@ void LogoDecodingTest::animationShowsItsFirstFrame()
 void LogoDecodingTest::iconShowsItsLargestPicture()
 {
     const QRgb green = qRgb(10, 200, 30);
-    const std::optional<QImage> image = decodeLogo(
-        icon({{16, iconBitmap(16, brown)}, {48, iconBitmap(48, green)}, {32, encoded(flatImage(32, brown), "png")}}));
+    const std::optional<QImage> image = decodeLogo(icon({{16, iconBitmap(16, brownPixel)},
+                                                         {48, iconBitmap(48, green)},
+                                                         {32, encoded(flatImage(32, brownPixel), "png")}}));
     QVERIFY(image);
     QCOMPARE(image->size(), QSize(48, 48));
     QCOMPARE(image->pixel(24, 24), green);

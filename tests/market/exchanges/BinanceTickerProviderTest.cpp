@@ -1,34 +1,24 @@
 #include "market/exchanges/BinanceTickerProvider.h"
 
 #include "doubles/TestClock.h"
-#include "doubles/TestData.h"
 #include "doubles/TestProgram.h"
 #include "market/Outcome.h"
 #include "market/exchanges/BrokenBodies.h"
+#include "market/exchanges/ProviderFixture.h"
 
 using namespace tickwise;
+using namespace tickwise::test;
 
 namespace {
 
 const auto root = QStringLiteral("https://api.example.test/api/v3");
-const QStringList bitcoin{QStringLiteral("BTC")};
-
-QByteArray recorded(const char *name)
-{
-    return test::readData(QStringLiteral("exchange/") + QLatin1String(name));
-}
 
 /// One element with its values as JSON, as they are to stand in the body.
-QByteArray element(const QByteArray &symbol, const QByteArray &price = "\"1.5\"", const QByteArray &change = "\"2.5\"",
-                   const QByteArray &closeTime = "1769847300000")
+QByteArray binanceElement(const QByteArray &symbol, const QByteArray &price = "\"1.5\"",
+                          const QByteArray &change = "\"2.5\"", const QByteArray &closeTime = "1769847300000")
 {
     return "{\"symbol\":" + symbol + ",\"priceChangePercent\":" + change + ",\"lastPrice\":" + price +
            ",\"closeTime\":" + closeTime + "}";
-}
-
-QString address(const std::optional<HttpRequest> &request)
-{
-    return request ? request->url.toString(QUrl::FullyEncoded) : QStringLiteral("none");
 }
 
 } // namespace
@@ -70,7 +60,7 @@ private Q_SLOTS:
     void ownClock();
 
 private:
-    Result<TickerQuotes> parse(const QByteArray &body, const QStringList &symbols = bitcoin) const
+    Result<TickerQuotes> parse(const QByteArray &body, const QStringList &symbols = bitcoinOnly) const
     {
         return m_provider.parseQuotes(body, symbols);
     }
@@ -96,7 +86,7 @@ void BinanceTickerProviderTest::requestAddress_data()
                          << QStringLiteral("symbols=%5B%22BTCUSDT%22%2C%22ETHUSDT%22%5D");
     QTest::newRow("order as given") << QStringList{QStringLiteral("ETH"), QStringLiteral("BTC")}
                                     << QStringLiteral("symbols=%5B%22ETHUSDT%22%2C%22BTCUSDT%22%5D");
-    QTest::newRow("one") << bitcoin << QStringLiteral("symbols=%5B%22BTCUSDT%22%5D");
+    QTest::newRow("one") << bitcoinOnly << QStringLiteral("symbols=%5B%22BTCUSDT%22%5D");
     QTest::newRow("none") << QStringList() << QStringLiteral("symbols=%5B%5D");
     QTest::newRow("reserved characters") << QStringList{QStringLiteral("A+B&C=D%E#F G")}
                                          << QStringLiteral("symbols=%5B%22A%2BB%26C%3DD%25E%23F%20GUSDT%22%5D");
@@ -108,18 +98,18 @@ void BinanceTickerProviderTest::requestAddress()
 {
     QFETCH(QStringList, symbols);
     QFETCH(QString, query);
-    QCOMPARE(address(m_provider.makeRequest(symbols)), root + QStringLiteral("/ticker/24hr?") + query);
+    QCOMPARE(addressOf(m_provider.makeRequest(symbols)), root + QStringLiteral("/ticker/24hr?") + query);
 }
 
 void BinanceTickerProviderTest::requestKeepsNoTimeToWait()
 {
-    QCOMPARE(m_provider.makeRequest(bitcoin)->timeout, std::chrono::seconds(5));
+    QCOMPARE(m_provider.makeRequest(bitcoinOnly)->timeout, std::chrono::seconds(5));
     QCOMPARE(m_provider.makeAllTickersRequest()->timeout, std::chrono::seconds(5));
 }
 
 void BinanceTickerProviderTest::allTickersRequest()
 {
-    QCOMPARE(address(m_provider.makeAllTickersRequest()), root + QStringLiteral("/ticker/24hr"));
+    QCOMPARE(addressOf(m_provider.makeAllTickersRequest()), root + QStringLiteral("/ticker/24hr"));
     QCOMPARE(m_provider.providerName(), QStringLiteral("binance"));
 }
 
@@ -137,8 +127,8 @@ void BinanceTickerProviderTest::unbuildableUrlGivesNone()
 {
     QFETCH(QString, base);
     const BinanceTickerProvider provider(base, m_clock.clock());
-    QCOMPARE(address(provider.makeRequest(bitcoin)), QStringLiteral("none"));
-    QCOMPARE(address(provider.makeAllTickersRequest()), QStringLiteral("none"));
+    QCOMPARE(addressOf(provider.makeRequest(bitcoinOnly)), QStringLiteral("none"));
+    QCOMPARE(addressOf(provider.makeAllTickersRequest()), QStringLiteral("none"));
 }
 
 void BinanceTickerProviderTest::parseRules_data()
@@ -146,31 +136,33 @@ void BinanceTickerProviderTest::parseRules_data()
     using Quote = std::optional<TickerQuote>;
     QTest::addColumn<QByteArray>("one");
     QTest::addColumn<Quote>("quote");
-    QTest::newRow("plain") << element("\"BTCUSDT\"") << Quote({1.5, 2.5});
-    QTest::newRow("negative change") << element("\"BTCUSDT\"", "\"67432.10000000\"", "\"-3.092\"")
+    QTest::newRow("plain") << binanceElement("\"BTCUSDT\"") << Quote({1.5, 2.5});
+    QTest::newRow("negative change") << binanceElement("\"BTCUSDT\"", "\"67432.10000000\"", "\"-3.092\"")
                                      << Quote({67432.1, -3.092});
-    QTest::newRow("tiny price") << element("\"BTCUSDT\"", "\"0.00000719\"") << Quote({0.00000719, 2.5});
-    QTest::newRow("no usable change") << element("\"BTCUSDT\"", "\"1.5\"", "\"abc\"") << Quote({1.5, std::nullopt});
-    QTest::newRow("empty change") << element("\"BTCUSDT\"", "\"1.5\"", "\"\"") << Quote({1.5, std::nullopt});
-    QTest::newRow("change not finite") << element("\"BTCUSDT\"", "\"1.5\"", "\"nan\"") << Quote({1.5, std::nullopt});
+    QTest::newRow("tiny price") << binanceElement("\"BTCUSDT\"", "\"0.00000719\"") << Quote({0.00000719, 2.5});
+    QTest::newRow("no usable change") << binanceElement("\"BTCUSDT\"", "\"1.5\"", "\"abc\"")
+                                      << Quote({1.5, std::nullopt});
+    QTest::newRow("empty change") << binanceElement("\"BTCUSDT\"", "\"1.5\"", "\"\"") << Quote({1.5, std::nullopt});
+    QTest::newRow("change not finite") << binanceElement("\"BTCUSDT\"", "\"1.5\"", "\"nan\"")
+                                       << Quote({1.5, std::nullopt});
     QTest::newRow("change with a sign of percent")
-        << element("\"BTCUSDT\"", "\"1.5\"", "\"2.5%\"") << Quote({1.5, std::nullopt});
-    QTest::newRow("price with a leading blank") << element("\"BTCUSDT\"", "\" 1.5\"") << Quote();
-    QTest::newRow("price with a trailing blank") << element("\"BTCUSDT\"", "\"1.5 \"") << Quote();
-    QTest::newRow("empty price") << element("\"BTCUSDT\"", "\"\"") << Quote();
-    QTest::newRow("price with a comma") << element("\"BTCUSDT\"", "\"1,5\"") << Quote();
-    QTest::newRow("price in hexadecimal") << element("\"BTCUSDT\"", "\"0x10\"") << Quote();
-    QTest::newRow("price not finite") << element("\"BTCUSDT\"", "\"inf\"") << Quote();
-    QTest::newRow("price too large") << element("\"BTCUSDT\"", "\"1e999\"") << Quote();
-    QTest::newRow("other quote currency") << element("\"BTCUSDC\"") << Quote();
-    QTest::newRow("not requested") << element("\"ETHUSDT\"") << Quote();
-    QTest::newRow("longer name") << element("\"WBTCUSDT\"") << Quote();
-    QTest::newRow("lower case") << element("\"btcusdt\"") << Quote();
-    QTest::newRow("other order") << element("\"USDTBTC\"") << Quote();
-    QTest::newRow("no base") << element("\"USDT\"") << Quote();
-    QTest::newRow("shorter than the suffix") << element("\"SDT\"") << Quote();
-    QTest::newRow("empty name") << element("\"\"") << Quote();
-    QTest::newRow("escaped name") << element("\"\\u0042TCUSDT\"") << Quote({1.5, 2.5});
+        << binanceElement("\"BTCUSDT\"", "\"1.5\"", "\"2.5%\"") << Quote({1.5, std::nullopt});
+    QTest::newRow("price with a leading blank") << binanceElement("\"BTCUSDT\"", "\" 1.5\"") << Quote();
+    QTest::newRow("price with a trailing blank") << binanceElement("\"BTCUSDT\"", "\"1.5 \"") << Quote();
+    QTest::newRow("empty price") << binanceElement("\"BTCUSDT\"", "\"\"") << Quote();
+    QTest::newRow("price with a comma") << binanceElement("\"BTCUSDT\"", "\"1,5\"") << Quote();
+    QTest::newRow("price in hexadecimal") << binanceElement("\"BTCUSDT\"", "\"0x10\"") << Quote();
+    QTest::newRow("price not finite") << binanceElement("\"BTCUSDT\"", "\"inf\"") << Quote();
+    QTest::newRow("price too large") << binanceElement("\"BTCUSDT\"", "\"1e999\"") << Quote();
+    QTest::newRow("other quote currency") << binanceElement("\"BTCUSDC\"") << Quote();
+    QTest::newRow("not requested") << binanceElement("\"ETHUSDT\"") << Quote();
+    QTest::newRow("longer name") << binanceElement("\"WBTCUSDT\"") << Quote();
+    QTest::newRow("lower case") << binanceElement("\"btcusdt\"") << Quote();
+    QTest::newRow("other order") << binanceElement("\"USDTBTC\"") << Quote();
+    QTest::newRow("no base") << binanceElement("\"USDT\"") << Quote();
+    QTest::newRow("shorter than the suffix") << binanceElement("\"SDT\"") << Quote();
+    QTest::newRow("empty name") << binanceElement("\"\"") << Quote();
+    QTest::newRow("escaped name") << binanceElement("\"\\u0042TCUSDT\"") << Quote({1.5, 2.5});
 }
 
 void BinanceTickerProviderTest::parseRules()
@@ -195,7 +187,8 @@ void BinanceTickerProviderTest::staleTickerIsDropped()
     m_clock.set(TimePoint(std::chrono::milliseconds(now)));
     const qint64 oldest = now - 3600 * 1000;
     const auto count = [this](qint64 closeTime) {
-        return parse('[' + element("\"BTCUSDT\"", "\"1\"", "\"1\"", QByteArray::number(closeTime)) + ']')->size();
+        return parse('[' + binanceElement("\"BTCUSDT\"", "\"1\"", "\"1\"", QByteArray::number(closeTime)) + ']')
+            ->size();
     };
     QCOMPARE(count(oldest), 1);
     QCOMPARE(count(oldest + 1), 1);
@@ -212,13 +205,13 @@ void BinanceTickerProviderTest::strictness_data()
     QTest::newRow("no change") << QByteArray(R"({"symbol":"X","lastPrice":"1","closeTime":1})");
     QTest::newRow("no price") << QByteArray(R"({"symbol":"X","priceChangePercent":"1","closeTime":1})");
     QTest::newRow("no close time") << QByteArray(R"({"symbol":"X","priceChangePercent":"1","lastPrice":"1"})");
-    QTest::newRow("symbol a number") << element("1");
-    QTest::newRow("price a number") << element("\"XUSDT\"", "1.5");
-    QTest::newRow("change a number") << element("\"XUSDT\"", "\"1.5\"", "2.5");
-    QTest::newRow("close time a text") << element("\"XUSDT\"", "\"1.5\"", "\"2.5\"", "\"1769847300000\"");
-    QTest::newRow("price null") << element("\"XUSDT\"", "null");
-    QTest::newRow("change null") << element("\"XUSDT\"", "\"1.5\"", "null");
-    QTest::newRow("close time null") << element("\"XUSDT\"", "\"1.5\"", "\"2.5\"", "null");
+    QTest::newRow("symbol a number") << binanceElement("1");
+    QTest::newRow("price a number") << binanceElement("\"XUSDT\"", "1.5");
+    QTest::newRow("change a number") << binanceElement("\"XUSDT\"", "\"1.5\"", "2.5");
+    QTest::newRow("close time a text") << binanceElement("\"XUSDT\"", "\"1.5\"", "\"2.5\"", "\"1769847300000\"");
+    QTest::newRow("price null") << binanceElement("\"XUSDT\"", "null");
+    QTest::newRow("change null") << binanceElement("\"XUSDT\"", "\"1.5\"", "null");
+    QTest::newRow("close time null") << binanceElement("\"XUSDT\"", "\"1.5\"", "\"2.5\"", "null");
     QTest::newRow("element a text") << QByteArray("\"BTCUSDT\"");
     QTest::newRow("element a list") << QByteArray("[]");
     QTest::newRow("element null") << QByteArray("null");
@@ -228,22 +221,23 @@ void BinanceTickerProviderTest::strictness()
 {
     QFETCH(QByteArray, one);
     QVERIFY(test::isDecodingError(parse('[' + one + ']')));
-    QVERIFY(test::isDecodingError(parse('[' + one + ',' + element("\"BTCUSDT\"") + ']')));
-    QVERIFY(test::isDecodingError(parse('[' + element("\"BTCUSDT\"") + ',' + one + ']')));
+    QVERIFY(test::isDecodingError(parse('[' + one + ',' + binanceElement("\"BTCUSDT\"") + ']')));
+    QVERIFY(test::isDecodingError(parse('[' + binanceElement("\"BTCUSDT\"") + ',' + one + ']')));
 }
 
 void BinanceTickerProviderTest::laterDuplicatesWin()
 {
-    const auto quotes = parse('[' + element("\"BTCUSDT\"", "\"1\"") + ',' + element("\"BTCUSDT\"", "\"2\"", "\"-\"") +
-                              ',' + element("\"BTCUSDT\"", "\"three\"") + ']');
+    const auto quotes =
+        parse('[' + binanceElement("\"BTCUSDT\"", "\"1\"") + ',' + binanceElement("\"BTCUSDT\"", "\"2\"", "\"-\"") +
+              ',' + binanceElement("\"BTCUSDT\"", "\"three\"") + ']');
     QCOMPARE(quotes->value(QStringLiteral("BTC")), TickerQuote({2, std::nullopt}));
 }
 
 void BinanceTickerProviderTest::oneBadElementNeverFailsTheAnswer()
 {
-    const auto quotes = parse('[' + element("\"ETHUSDT\"", "\"abc\"") + ',' + element("\"BTCEUR\"") + ',' +
-                                  element("\"SOLUSDT\"", "\"1\"", "\"1\"", "0") + ',' + element("\"XUSDT\"") + ',' +
-                                  element("\"BTCUSDT\"", "\"7\"") + ']',
+    const auto quotes = parse('[' + binanceElement("\"ETHUSDT\"", "\"abc\"") + ',' + binanceElement("\"BTCEUR\"") +
+                                  ',' + binanceElement("\"SOLUSDT\"", "\"1\"", "\"1\"", "0") + ',' +
+                                  binanceElement("\"XUSDT\"") + ',' + binanceElement("\"BTCUSDT\"", "\"7\"") + ']',
                               {QStringLiteral("BTC"), QStringLiteral("ETH"), QStringLiteral("SOL")});
     QCOMPARE(*quotes, TickerQuotes({{QStringLiteral("BTC"), {7, 2.5}}}));
 }
@@ -257,8 +251,8 @@ void BinanceTickerProviderTest::otherKeysAndOrdersDoNotMatter()
 
 void BinanceTickerProviderTest::recordsOfDifferentOrders()
 {
-    const QByteArray plain = element("\"BTCUSDT\"", "\"1\"");
-    const QByteArray longer = R"({"a":1,"b":[{}],)" + element("\"ETHUSDT\"", "\"2\"").mid(1);
+    const QByteArray plain = binanceElement("\"BTCUSDT\"", "\"1\"");
+    const QByteArray longer = R"({"a":1,"b":[{}],)" + binanceElement("\"ETHUSDT\"", "\"2\"").mid(1);
     const QByteArray turned =
         R"({"closeTime":1769847300000,"lastPrice":"3","priceChangePercent":"2.5","symbol":"SOLUSDT"})";
     const TickerQuotes expected{
@@ -274,12 +268,12 @@ void BinanceTickerProviderTest::recordsOfDifferentOrders()
 void BinanceTickerProviderTest::emptyListIsNoError()
 {
     QCOMPARE(parse("[]"), Result<TickerQuotes>(TickerQuotes()));
-    QCOMPARE(parse('[' + element("\"BTCUSDT\"") + ']', {}), Result<TickerQuotes>(TickerQuotes()));
+    QCOMPARE(parse('[' + binanceElement("\"BTCUSDT\"") + ']', {}), Result<TickerQuotes>(TickerQuotes()));
 }
 
 void BinanceTickerProviderTest::recordedTwelve()
 {
-    const auto quotes = parseAt(1669012568, recorded("binance_ticker24hr_symbols12_2022-11-21.json"),
+    const auto quotes = parseAt(1669012568, recordedAnswer("binance_ticker24hr_symbols12_2022-11-21.json"),
                                 {QStringLiteral("BTC"), QStringLiteral("SHIB"), QStringLiteral("TRX")});
     QCOMPARE(*quotes, TickerQuotes({{QStringLiteral("BTC"), {16176.4, -3.092}},
                                     {QStringLiteral("SHIB"), {0.00000867, -5.453}},
@@ -292,8 +286,10 @@ void BinanceTickerProviderTest::recordedFullLists_data()
     QTest::addColumn<double>("now");
     QTest::addColumn<double>("price");
     QTest::addColumn<double>("change");
-    QTest::newRow("2019") << recorded("binance_ticker24hr_all_2019-08-22.json") << 1566445107.0 << 9912.33 << -4.322;
-    QTest::newRow("2022") << recorded("binance_ticker24hr_all_2022-11-21.json") << 1669012568.0 << 16176.4 << -3.092;
+    QTest::newRow("2019") << recordedAnswer("binance_ticker24hr_all_2019-08-22.json") << 1566445107.0 << 9912.33
+                          << -4.322;
+    QTest::newRow("2022") << recordedAnswer("binance_ticker24hr_all_2022-11-21.json") << 1669012568.0 << 16176.4
+                          << -3.092;
 }
 
 void BinanceTickerProviderTest::recordedFullLists()
@@ -302,13 +298,13 @@ void BinanceTickerProviderTest::recordedFullLists()
     QFETCH(double, now);
     QFETCH(double, price);
     QFETCH(double, change);
-    QCOMPARE(*parseAt(now, body, bitcoin), TickerQuotes({{QStringLiteral("BTC"), {price, change}}}));
-    QCOMPARE(*parseAt(now + 7200, body, bitcoin), TickerQuotes());
+    QCOMPARE(*parseAt(now, body, bitcoinOnly), TickerQuotes({{QStringLiteral("BTC"), {price, change}}}));
+    QCOMPARE(*parseAt(now + 7200, body, bitcoinOnly), TickerQuotes());
 }
 
 void BinanceTickerProviderTest::recordedPairsWithoutTrades()
 {
-    const auto quotes = parseAt(1668503221, recorded("binance_ticker24hr_zero_trades_2022-11-21.json"),
+    const auto quotes = parseAt(1668503221, recordedAnswer("binance_ticker24hr_zero_trades_2022-11-21.json"),
                                 {QStringLiteral("MCO"), QStringLiteral("YOYO")});
     QCOMPARE(quotes, Result<TickerQuotes>(TickerQuotes()));
 }
@@ -319,7 +315,7 @@ void BinanceTickerProviderTest::recordedErrorBodies_data()
     for (const char *const name :
          {"binance_error_1003_http418_banned_old.json", "binance_error_1003_http429.json",
           "binance_error_1100_illegal_characters.json", "binance_error_1121_invalid_symbol.json"})
-        QTest::newRow(name) << recorded(name);
+        QTest::newRow(name) << recordedAnswer(name);
 }
 
 void BinanceTickerProviderTest::recordedErrorBodies()
@@ -331,13 +327,13 @@ void BinanceTickerProviderTest::recordedErrorBodies()
 void BinanceTickerProviderTest::nonAsciiPairNames()
 {
     const QString name = QStringLiteral("币安人生");
-    const auto quotes = parseAt(1787416523, recorded("generated/binance_ticker24hr_full_synthetic.json"), {name});
+    const auto quotes = parseAt(1787416523, recordedAnswer("generated/binance_ticker24hr_full_synthetic.json"), {name});
     QCOMPARE(*quotes, TickerQuotes({{name, {0.00137091, 4.636}}}));
 }
 
 void BinanceTickerProviderTest::truncatedNeverSucceeds()
 {
-    const QByteArray body = recorded("generated/binance_ticker24hr_full_synthetic.json").trimmed();
+    const QByteArray body = recordedAnswer("generated/binance_ticker24hr_full_synthetic.json").trimmed();
     QVERIFY(parse(body).has_value());
     for (const QByteArray &cut : test::truncations(body))
         QVERIFY2(test::isDecodingError(parse(cut)), qPrintable(QString::number(cut.size())));
@@ -356,7 +352,7 @@ void BinanceTickerProviderTest::garbageFails()
 
 void BinanceTickerProviderTest::parsesAgainAfterAnUnusuallyLargeBody()
 {
-    const QByteArray one = '[' + element("\"BTCUSDT\"") + ']';
+    const QByteArray one = '[' + binanceElement("\"BTCUSDT\"") + ']';
     QCOMPARE(parse(one + QByteArray(3 * 1024 * 1024, ' '))->size(), 1);
     QVERIFY(test::isDecodingError(parse(one + QByteArray(17 * 1024 * 1024, ' '))));
     QCOMPARE(parse(one)->size(), 1);
@@ -365,8 +361,9 @@ void BinanceTickerProviderTest::parsesAgainAfterAnUnusuallyLargeBody()
 void BinanceTickerProviderTest::ownClock()
 {
     const auto now = std::chrono::duration_cast<std::chrono::milliseconds>(systemClock().time_since_epoch()).count();
-    const QByteArray body = '[' + element("\"BTCUSDT\"", "\"1\"", "\"1\"", QByteArray::number(qint64(now))) + ']';
-    QCOMPARE(BinanceTickerProvider(root).parseQuotes(body, bitcoin)->size(), 1);
+    const QByteArray body =
+        '[' + binanceElement("\"BTCUSDT\"", "\"1\"", "\"1\"", QByteArray::number(qint64(now))) + ']';
+    QCOMPARE(BinanceTickerProvider(root).parseQuotes(body, bitcoinOnly)->size(), 1);
 }
 
 TICKWISE_TEST(BinanceTickerProviderTest)

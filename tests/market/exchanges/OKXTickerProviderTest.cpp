@@ -1,36 +1,25 @@
 #include "market/exchanges/OKXTickerProvider.h"
 
-#include "doubles/TestData.h"
 #include "doubles/TestProgram.h"
 #include "market/Outcome.h"
 #include "market/exchanges/BrokenBodies.h"
+#include "market/exchanges/ProviderFixture.h"
 
 using namespace tickwise;
+using namespace tickwise::test;
 using Kind = TickerProviderError::Kind;
 
 namespace {
 
-const QStringList bitcoin{QStringLiteral("BTC")};
-
-QByteArray recorded(const char *name)
-{
-    return test::readData(QStringLiteral("exchange/") + QLatin1String(name));
-}
-
 /// One element with its values as JSON, as they are to stand in the body.
-QByteArray element(const QByteArray &instId, const QByteArray &last = "\"110\"", const QByteArray &open = "\"100\"")
+QByteArray okxElement(const QByteArray &instId, const QByteArray &last = "\"110\"", const QByteArray &open = "\"100\"")
 {
     return "{\"instType\":\"SPOT\",\"instId\":" + instId + ",\"last\":" + last + ",\"open24h\":" + open + "}";
 }
 
-QByteArray answer(const QByteArray &elements)
+QByteArray okxAnswer(const QByteArray &elements)
 {
     return R"({"code":"0","msg":"","data":[)" + elements + "]}";
-}
-
-QString address(const std::optional<HttpRequest> &request)
-{
-    return request ? request->url.toString(QUrl::FullyEncoded) : QStringLiteral("none");
 }
 
 } // namespace
@@ -63,7 +52,7 @@ private Q_SLOTS:
     void garbageFails();
 
 private:
-    Result<TickerQuotes> parse(const QByteArray &body, const QStringList &symbols = bitcoin) const
+    Result<TickerQuotes> parse(const QByteArray &body, const QStringList &symbols = bitcoinOnly) const
     {
         return m_provider.parseQuotes(body, symbols);
     }
@@ -74,9 +63,9 @@ private:
 void OKXTickerProviderTest::requestAddress()
 {
     const auto expected = QStringLiteral("https://okx.example.test/api/v5/market/tickers?instType=SPOT");
-    QCOMPARE(address(m_provider.makeRequest(bitcoin)), expected);
-    QCOMPARE(address(m_provider.makeAllTickersRequest()), expected);
-    QCOMPARE(m_provider.makeRequest(bitcoin)->timeout, std::chrono::seconds(5));
+    QCOMPARE(addressOf(m_provider.makeRequest(bitcoinOnly)), expected);
+    QCOMPARE(addressOf(m_provider.makeAllTickersRequest()), expected);
+    QCOMPARE(m_provider.makeRequest(bitcoinOnly)->timeout, std::chrono::seconds(5));
     QCOMPARE(m_provider.providerName(), QStringLiteral("okx"));
 }
 
@@ -91,7 +80,7 @@ void OKXTickerProviderTest::unbuildableUrlGivesNone_data()
 void OKXTickerProviderTest::unbuildableUrlGivesNone()
 {
     QFETCH(QString, host);
-    QCOMPARE(address(OKXTickerProvider(host).makeRequest(bitcoin)), QStringLiteral("none"));
+    QCOMPARE(addressOf(OKXTickerProvider(host).makeRequest(bitcoinOnly)), QStringLiteral("none"));
 }
 
 void OKXTickerProviderTest::parseRules_data()
@@ -99,21 +88,23 @@ void OKXTickerProviderTest::parseRules_data()
     using Quote = std::optional<TickerQuote>;
     QTest::addColumn<QByteArray>("one");
     QTest::addColumn<Quote>("quote");
-    QTest::newRow("ten percent up") << element("\"BTC-USDT\"") << Quote({110, 10.0});
-    QTest::newRow("half down") << element("\"BTC-USDT\"", "\"0.5\"", "\"1\"") << Quote({0.5, -50.0});
-    QTest::newRow("opened at 0") << element("\"BTC-USDT\"", "\"110\"", "\"0\"") << Quote({110, std::nullopt});
-    QTest::newRow("opened below 0") << element("\"BTC-USDT\"", "\"110\"", "\"-5\"") << Quote({110, std::nullopt});
-    QTest::newRow("no opening") << element("\"BTC-USDT\"", "\"110\"", "\"\"") << Quote({110, std::nullopt});
-    QTest::newRow("opening no number") << element("\"BTC-USDT\"", "\"110\"", "\"nan\"") << Quote({110, std::nullopt});
-    QTest::newRow("opening with a blank") << element("\"BTC-USDT\"", "\"110\"", "\" 1\"") << Quote({110, std::nullopt});
-    QTest::newRow("empty price") << element("\"BTC-USDT\"", "\"\"") << Quote();
-    QTest::newRow("price with a leading blank") << element("\"BTC-USDT\"", "\" 110\"") << Quote();
-    QTest::newRow("other quote currency") << element("\"BTC-USDC\"") << Quote();
-    QTest::newRow("without the dash") << element("\"BTCUSDT\"") << Quote();
-    QTest::newRow("swap") << element("\"BTC-USDT-SWAP\"") << Quote();
-    QTest::newRow("not requested") << element("\"ETH-USDT\"") << Quote();
-    QTest::newRow("no base") << element("\"-USDT\"") << Quote();
-    QTest::newRow("empty name") << element("\"\"") << Quote();
+    QTest::newRow("ten percent up") << okxElement("\"BTC-USDT\"") << Quote({110, 10.0});
+    QTest::newRow("half down") << okxElement("\"BTC-USDT\"", "\"0.5\"", "\"1\"") << Quote({0.5, -50.0});
+    QTest::newRow("opened at 0") << okxElement("\"BTC-USDT\"", "\"110\"", "\"0\"") << Quote({110, std::nullopt});
+    QTest::newRow("opened below 0") << okxElement("\"BTC-USDT\"", "\"110\"", "\"-5\"") << Quote({110, std::nullopt});
+    QTest::newRow("no opening") << okxElement("\"BTC-USDT\"", "\"110\"", "\"\"") << Quote({110, std::nullopt});
+    QTest::newRow("opening no number") << okxElement("\"BTC-USDT\"", "\"110\"", "\"nan\"")
+                                       << Quote({110, std::nullopt});
+    QTest::newRow("opening with a blank")
+        << okxElement("\"BTC-USDT\"", "\"110\"", "\" 1\"") << Quote({110, std::nullopt});
+    QTest::newRow("empty price") << okxElement("\"BTC-USDT\"", "\"\"") << Quote();
+    QTest::newRow("price with a leading blank") << okxElement("\"BTC-USDT\"", "\" 110\"") << Quote();
+    QTest::newRow("other quote currency") << okxElement("\"BTC-USDC\"") << Quote();
+    QTest::newRow("without the dash") << okxElement("\"BTCUSDT\"") << Quote();
+    QTest::newRow("swap") << okxElement("\"BTC-USDT-SWAP\"") << Quote();
+    QTest::newRow("not requested") << okxElement("\"ETH-USDT\"") << Quote();
+    QTest::newRow("no base") << okxElement("\"-USDT\"") << Quote();
+    QTest::newRow("empty name") << okxElement("\"\"") << Quote();
     QTest::newRow("other key order") << QByteArray(R"({"open24h":"100","last":"110","x":[],"instId":"BTC-USDT"})")
                                      << Quote({110, 10.0});
 }
@@ -122,7 +113,7 @@ void OKXTickerProviderTest::parseRules()
 {
     QFETCH(QByteArray, one);
     QFETCH(std::optional<TickerQuote>, quote);
-    const Result<TickerQuotes> quotes = parse(answer(one));
+    const Result<TickerQuotes> quotes = parse(okxAnswer(one));
     QVERIFY(quotes.has_value());
     QCOMPARE(*quotes, quote ? TickerQuotes({{QStringLiteral("BTC"), *quote}}) : TickerQuotes());
 }
@@ -138,7 +129,7 @@ void OKXTickerProviderTest::exchangeCodes_data()
     QTest::newRow("1") << QByteArray(R"({"code":"1","data":[]})") << false;
     QTest::newRow("00") << QByteArray(R"({"code":"00","data":[]})") << false;
     QTest::newRow("empty") << QByteArray(R"({"code":"","data":[]})") << false;
-    QTest::newRow("with tickers") << R"({"code":"50026","data":[)" + element("\"BTC-USDT\"") + "]}" << false;
+    QTest::newRow("with tickers") << R"({"code":"50026","data":[)" + okxElement("\"BTC-USDT\"") + "]}" << false;
 }
 
 void OKXTickerProviderTest::exchangeCodes()
@@ -158,10 +149,10 @@ void OKXTickerProviderTest::strictness_data()
     QTest::newRow("no name") << QByteArray(R"({"last":"1","open24h":"1"})");
     QTest::newRow("no price") << QByteArray(R"({"instId":"X-USDT","open24h":"1"})");
     QTest::newRow("no opening") << QByteArray(R"({"instId":"X-USDT","last":"1"})");
-    QTest::newRow("name a number") << element("1");
-    QTest::newRow("price a number") << element("\"X-USDT\"", "110");
-    QTest::newRow("opening a number") << element("\"X-USDT\"", "\"110\"", "100");
-    QTest::newRow("price null") << element("\"X-USDT\"", "null");
+    QTest::newRow("name a number") << okxElement("1");
+    QTest::newRow("price a number") << okxElement("\"X-USDT\"", "110");
+    QTest::newRow("opening a number") << okxElement("\"X-USDT\"", "\"110\"", "100");
+    QTest::newRow("price null") << okxElement("\"X-USDT\"", "null");
     QTest::newRow("element a text") << QByteArray("\"BTC-USDT\"");
     QTest::newRow("element null") << QByteArray("null");
 }
@@ -169,8 +160,8 @@ void OKXTickerProviderTest::strictness_data()
 void OKXTickerProviderTest::strictness()
 {
     QFETCH(QByteArray, one);
-    QVERIFY(test::isDecodingError(parse(answer(one))));
-    QVERIFY(test::isDecodingError(parse(answer(element("\"BTC-USDT\"") + ',' + one))));
+    QVERIFY(test::isDecodingError(parse(okxAnswer(one))));
+    QVERIFY(test::isDecodingError(parse(okxAnswer(okxElement("\"BTC-USDT\"") + ',' + one))));
 }
 
 void OKXTickerProviderTest::envelopeStrictness_data()
@@ -183,7 +174,7 @@ void OKXTickerProviderTest::envelopeStrictness_data()
     QTest::newRow("no data") << QByteArray(R"({"code":"0"})");
     QTest::newRow("data an object") << QByteArray(R"({"code":"0","data":{}})");
     QTest::newRow("data null") << QByteArray(R"({"code":"0","data":null})");
-    QTest::newRow("only the list") << '[' + element("\"BTC-USDT\"") + ']';
+    QTest::newRow("only the list") << '[' + okxElement("\"BTC-USDT\"") + ']';
 }
 
 void OKXTickerProviderTest::envelopeStrictness()
@@ -194,33 +185,34 @@ void OKXTickerProviderTest::envelopeStrictness()
 
 void OKXTickerProviderTest::laterDuplicatesWin()
 {
-    const auto quotes = parse(answer(element("\"BTC-USDT\"", "\"1\"") + ',' + element("\"BTC-USDT\"", "\"2\"", "\"\"") +
-                                     ',' + element("\"BTC-USDT\"", "\"\"")));
+    const auto quotes =
+        parse(okxAnswer(okxElement("\"BTC-USDT\"", "\"1\"") + ',' + okxElement("\"BTC-USDT\"", "\"2\"", "\"\"") + ',' +
+                        okxElement("\"BTC-USDT\"", "\"\"")));
     QCOMPARE(quotes->value(QStringLiteral("BTC")), TickerQuote({2, std::nullopt}));
 }
 
 void OKXTickerProviderTest::oneBadElementNeverFailsTheAnswer()
 {
-    const auto quotes = parse(answer(element("\"ETH-USDT\"", "\"abc\"") + ',' + element("\"BTC-EUR\"") + ',' +
-                                     element("\"X-USDT\"") + ',' + element("\"BTC-USDT\"")),
+    const auto quotes = parse(okxAnswer(okxElement("\"ETH-USDT\"", "\"abc\"") + ',' + okxElement("\"BTC-EUR\"") + ',' +
+                                        okxElement("\"X-USDT\"") + ',' + okxElement("\"BTC-USDT\"")),
                               {QStringLiteral("BTC"), QStringLiteral("ETH")});
     QCOMPARE(*quotes, TickerQuotes({{QStringLiteral("BTC"), {110, 10}}}));
 }
 
 void OKXTickerProviderTest::emptyListIsNoError()
 {
-    QCOMPARE(parse(answer({})), Result<TickerQuotes>(TickerQuotes()));
+    QCOMPARE(parse(okxAnswer({})), Result<TickerQuotes>(TickerQuotes()));
 }
 
 void OKXTickerProviderTest::recordedTicker()
 {
-    const auto quotes = parse(recorded("okx_ticker_BTC-USDT_2026-08-22.json"));
+    const auto quotes = parse(recordedAnswer("okx_ticker_BTC-USDT_2026-08-22.json"));
     QCOMPARE(*quotes, TickerQuotes({{QStringLiteral("BTC"), {77218.1, (77218.1 - 77323.8) / 77323.8 * 100}}}));
 }
 
 void OKXTickerProviderTest::recordedFullList()
 {
-    const auto quotes = parse(recorded("okx_tickers_spot_all_2022-11-21.json"),
+    const auto quotes = parse(recordedAnswer("okx_tickers_spot_all_2022-11-21.json"),
                               {QStringLiteral("BTC"), QStringLiteral("SHIB"), QStringLiteral("NOSUCH")});
     QCOMPARE(quotes->size(), 2);
     QCOMPARE(quotes->value(QStringLiteral("BTC")), TickerQuote({16175.9, (16175.9 - 16691.9) / 16691.9 * 100}));
@@ -232,12 +224,12 @@ void OKXTickerProviderTest::recordedErrorBodies_data()
 {
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<QString>("failure");
-    QTest::newRow("50011") << recorded("okx_error_50011_http429.json") << QStringLiteral("rate limited");
-    QTest::newRow("50014") << recorded("okx_error_50014_http400.json")
+    QTest::newRow("50011") << recordedAnswer("okx_error_50011_http429.json") << QStringLiteral("rate limited");
+    QTest::newRow("50014") << recordedAnswer("okx_error_50014_http400.json")
                            << QStringLiteral("bad server response: the exchange reports code 50014");
-    QTest::newRow("51001") << recorded("okx_error_51001_unknown_instrument.json")
+    QTest::newRow("51001") << recordedAnswer("okx_error_51001_unknown_instrument.json")
                            << QStringLiteral("bad server response: the exchange reports code 51001");
-    QTest::newRow("404") << recorded("okx_error_http404.json") << QStringLiteral("unexpected form: no code");
+    QTest::newRow("404") << recordedAnswer("okx_error_http404.json") << QStringLiteral("unexpected form: no code");
 }
 
 void OKXTickerProviderTest::recordedErrorBodies()
@@ -249,7 +241,7 @@ void OKXTickerProviderTest::recordedErrorBodies()
 
 void OKXTickerProviderTest::truncatedNeverSucceeds()
 {
-    const QByteArray body = recorded("generated/okx_tickers_spot_full_synthetic.json").trimmed();
+    const QByteArray body = recordedAnswer("generated/okx_tickers_spot_full_synthetic.json").trimmed();
     QVERIFY(parse(body).has_value());
     for (const QByteArray &cut : test::truncations(body))
         QVERIFY2(test::isDecodingError(parse(cut)), qPrintable(QString::number(cut.size())));

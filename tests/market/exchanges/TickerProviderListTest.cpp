@@ -2,6 +2,7 @@
 #include "market/exchanges/TickerProviderList.h"
 #include "doubles/TestData.h"
 #include "doubles/TestProgram.h"
+#include "market/Symbols.h"
 
 #include "market/exchanges/BinanceTickerProvider.h"
 #include "market/exchanges/BybitTickerProvider.h"
@@ -15,8 +16,6 @@ using namespace tickwise;
 using namespace tickwise::test;
 
 namespace {
-
-const auto btc = QStringLiteral("BTC");
 
 /// When the generated lists were made.
 TimePoint august2026()

@@ -1,11 +1,12 @@
 #include "market/exchanges/TickerResponse.h"
 
-#include "doubles/TestData.h"
 #include "doubles/TestProgram.h"
 #include "market/FailureReason.h"
 #include "market/Outcome.h"
+#include "market/exchanges/ProviderFixture.h"
 
 using namespace tickwise;
+using namespace tickwise::test;
 using Kind = TickerProviderError::Kind;
 
 namespace {
@@ -16,11 +17,6 @@ HttpResponse response(int status, const QByteArray &retryAfter = {}, const QByte
     if (!retryAfter.isNull())
         response.headers.emplace_back("retry-after", retryAfter);
     return response;
-}
-
-QByteArray recorded(const char *name)
-{
-    return test::readData(QStringLiteral("exchange/") + QLatin1String(name));
 }
 
 } // namespace
@@ -90,7 +86,7 @@ void TickerResponseTest::backOffs()
 void TickerResponseTest::badRequestIsRejected()
 {
     const Result<QByteArray> result =
-        classifyTickerResponse(response(400, "30", recorded("binance_error_1121_invalid_symbol.json")));
+        classifyTickerResponse(response(400, "30", recordedAnswer("binance_error_1121_invalid_symbol.json")));
     QCOMPARE(test::refusalOf(result), TickerProviderError({Kind::requestRejected, std::nullopt, 400, false}));
 }
 
@@ -114,14 +110,15 @@ void TickerResponseTest::forbiddenBodies_data()
 {
     QTest::addColumn<QByteArray>("body");
     QTest::addColumn<FailureReason>("reason");
-    QTest::newRow("recorded notice") << recorded("bybit_http403_country_block.json") << FailureReason::regionBlocked;
+    QTest::newRow("recorded notice") << recordedAnswer("bybit_http403_country_block.json")
+                                     << FailureReason::regionBlocked;
     QTest::newRow("page") << QByteArray("\r\n <!DOCTYPE html><html><body>403 Forbidden</body></html>")
                           << FailureReason::regionBlocked;
     QTest::newRow("upper-case page") << QByteArray("<HTML><BODY>Forbidden") << FailureReason::regionBlocked;
     QTest::newRow("restricted location") << QByteArray(
                                                 R"({"code":0,"msg":"Service unavailable from a restricted location"})")
                                          << FailureReason::regionBlocked;
-    QTest::newRow("JSON") << recorded("binance_error_1003_http418_banned_old.json") << FailureReason::rateLimited;
+    QTest::newRow("JSON") << recordedAnswer("binance_error_1003_http418_banned_old.json") << FailureReason::rateLimited;
     QTest::newRow("empty") << QByteArray() << FailureReason::rateLimited;
 }
 

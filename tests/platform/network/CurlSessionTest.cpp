@@ -31,7 +31,7 @@ QSemaphore lookupsMayEnd;
 using AddressLookup = int (*)(const char *, const char *, const addrinfo *, addrinfo **);
 
 /// What a completion got.
-struct Outcome
+struct SessionOutcome
 {
     std::vector<Result<HttpResponse>> results;
 
@@ -169,7 +169,7 @@ void CurlSessionTest::answerWith(const QByteArray &raw)
 
 Result<HttpResponse> CurlSessionTest::fetch(const HttpRequest &request)
 {
-    Outcome outcome;
+    SessionOutcome outcome;
     const Subscription subscription = m_client->send(request, outcome.completion());
     [&outcome] { QTRY_VERIFY(outcome.isOver()); }();
     return outcome.isOver() ? outcome.results.front() : failure(UrlLoadingError{UrlErrorCode::cancelled, {}, 0, {}});
@@ -230,7 +230,7 @@ void CurlSessionTest::closesItsConnectionsWithTheClient()
 {
     QFETCH(bool, underWay);
     QVERIFY(fetch(to(files)));
-    Outcome outcome;
+    SessionOutcome outcome;
     Subscription subscription;
     if (underWay) {
         QSignalSpy requested(m_market.get(), &LoopbackMarket::requested);
@@ -260,8 +260,8 @@ void CurlSessionTest::forgetsItsConnections()
 void CurlSessionTest::forgettingConnectionsLeavesRequestsAlone()
 {
     m_market->script(files, faults::drip(1, 5ms));
-    Outcome outcome;
-    Outcome dropped;
+    SessionOutcome outcome;
+    SessionOutcome dropped;
     HttpRequest request = to(files);
     // In the midst of libcurl's work, too.
     request.progress = [&](qint64 received, qint64) {
@@ -303,7 +303,7 @@ void CurlSessionTest::droppingFromAnotherCompletion()
 {
     m_market->script(okx, faults::hang());
     QSignalSpy closed(m_market.get(), &LoopbackMarket::connectionClosed);
-    Outcome dropped;
+    SessionOutcome dropped;
     Subscription hanging = m_client->send(to(okx), dropped.completion());
     QTRY_COMPARE(m_market->requestCount(okx), 1);
     bool isDone = false;
@@ -319,8 +319,8 @@ void CurlSessionTest::droppingFromAnotherCompletion()
 
 void CurlSessionTest::droppingFromAnotherProgress()
 {
-    Outcome first;
-    Outcome second;
+    SessionOutcome first;
+    SessionOutcome second;
     Subscription one;
     Subscription other;
     HttpRequest request = to(files);
@@ -344,8 +344,8 @@ void CurlSessionTest::droppingFromAnotherProgress()
 
 void CurlSessionTest::sendingFromTheProgress()
 {
-    Outcome first;
-    Outcome second;
+    SessionOutcome first;
+    SessionOutcome second;
     Subscription inner;
     HttpRequest request = to(files);
     request.progress = [&](qint64, qint64) { inner = m_client->send(to(files), second.completion()); };
@@ -358,7 +358,7 @@ void CurlSessionTest::sendingFromTheProgress()
 void CurlSessionTest::destroyingTheClientInTheProgress()
 {
     m_market->script(files, faults::oversize(1 << 20));
-    Outcome outcome;
+    SessionOutcome outcome;
     HttpRequest request = to(files);
     request.progress = [&](qint64, qint64) { m_client.reset(); };
     const Subscription subscription = m_client->send(request, outcome.completion());
@@ -371,7 +371,7 @@ void CurlSessionTest::destroyingTheClientInTheProgress()
 void CurlSessionTest::destroyingTheClientInTheRedirectRule()
 {
     m_market->script(files, faults::redirect(QUrl(QStringLiteral("/b"))));
-    Outcome outcome;
+    SessionOutcome outcome;
     HttpRequest request = to(files);
     request.mayRedirectTo = [&](const QUrl &) {
         m_client.reset();
@@ -386,7 +386,7 @@ void CurlSessionTest::destroyingTheClientInTheRedirectRule()
 void CurlSessionTest::droppingInTheRedirectRule()
 {
     m_market->script(files, faults::redirect(QUrl(QStringLiteral("/a"))), LoopbackMarket::Repeat::always);
-    Outcome outcome;
+    SessionOutcome outcome;
     Subscription subscription;
     HttpRequest request = to(files);
     bool isAsked = false;
@@ -420,7 +420,7 @@ void CurlSessionTest::droppingInTheSink()
     m_market->addFile(QStringLiteral("/a"), QByteArray(1 << 20, 'x'), "text/plain");
     if (zipped)
         m_market->script(files, faults::gzip());
-    Outcome outcome;
+    SessionOutcome outcome;
     Subscription subscription;
     TellingSink sink;
     sink.takes = takes;
@@ -443,7 +443,7 @@ void CurlSessionTest::droppingWhileTheHostIsLookedUp()
 {
     HttpRequest request;
     request.url = QUrl(QStringLiteral("http://slow.example/"));
-    Outcome outcome;
+    SessionOutcome outcome;
     Subscription subscription = m_client->send(request, outcome.completion());
     QTRY_COMPARE(lookupsBegun.available(), 1);
     lookupsBegun.acquire();
@@ -460,7 +460,7 @@ void CurlSessionTest::destroyingWhileTheHostIsLookedUp()
 {
     HttpRequest request;
     request.url = QUrl(QStringLiteral("http://slow.example/"));
-    Outcome outcome;
+    SessionOutcome outcome;
     const Subscription subscription = m_client->send(request, outcome.completion());
     QTRY_COMPARE(lookupsBegun.available(), 1);
     lookupsBegun.acquire();
@@ -475,7 +475,7 @@ void CurlSessionTest::aSlowLookupIsNoSilence()
     HttpRequest request = to(files);
     request.url.setHost(QStringLiteral("late.example"));
     request.timeout = 300ms;
-    Outcome outcome;
+    SessionOutcome outcome;
     const Subscription subscription = m_client->send(request, outcome.completion());
     QTRY_COMPARE(lookupsBegun.available(), 1);
     lookupsBegun.acquire();
@@ -506,7 +506,7 @@ void CurlSessionTest::aLookupIsBounded()
     request.lookupTimeout = 300ms;
     QElapsedTimer time;
     time.start();
-    Outcome outcome;
+    SessionOutcome outcome;
     const Subscription subscription = m_client->send(request, outcome.completion());
     QTRY_VERIFY(outcome.isOver());
     QVERIFY2(time.elapsed() >= 300, qPrintable(QString::number(time.elapsed())));
@@ -828,7 +828,7 @@ void CurlSessionTest::whatLibcurlDoesNotTakeFailsLater()
     constexpr qsizetype longerThanLibcurlTakes = 8'000'001;
     HttpRequest request = to(files);
     request.url.setPath(u'/' + QString(longerThanLibcurlTakes, u'a'));
-    Outcome outcome;
+    SessionOutcome outcome;
     const Subscription subscription = m_client->send(request, outcome.completion());
     QVERIFY(!outcome.isOver());
     QTRY_VERIFY(outcome.isOver());

@@ -69,9 +69,6 @@ QByteArray numbered(int lines)
 
 } // namespace
 
-Q_DECLARE_METATYPE(tickwise::Fault)
-Q_DECLARE_METATYPE(tickwise::NetworkFailure)
-
 class NetworkHttpClientTest : public QObject
 {
     Q_OBJECT

@@ -94,8 +94,6 @@ QUrl server(const char *name)
 
 } // namespace
 
-Q_DECLARE_METATYPE(std::vector<QByteArray>)
-
 class SystemProxiesTest : public QObject
 {
     Q_OBJECT

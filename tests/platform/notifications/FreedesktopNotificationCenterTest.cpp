@@ -3,6 +3,7 @@
 #include "FakeNotifications.h"
 #include "doubles/PrivateBus.h"
 #include "doubles/TestProgram.h"
+#include "platform/notifications/TestIdentity.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
@@ -14,8 +15,6 @@ using namespace tickwise::test;
 
 namespace {
 
-const NotificationIdentity tickwiseIdentity{QStringLiteral("Tickwise"), QStringLiteral("icon-name"),
-                                            QStringLiteral("com.pelmo.tickwise")};
 const QStringList everything{QStringLiteral("actions"), QStringLiteral("body-markup"), QStringLiteral("sound")};
 constexpr std::chrono::milliseconds shortTimeout{100};
 

@@ -2,13 +2,12 @@
 
 #include "doubles/Languages.h"
 #include "doubles/TestProgram.h"
+#include "platform/notifications/TestIdentity.h"
 
 using namespace tickwise;
+using namespace tickwise::test;
 
 namespace {
-
-const NotificationIdentity tickwiseIdentity{QStringLiteral("Tickwise"), QStringLiteral("icon-name"),
-                                            QStringLiteral("com.pelmo.tickwise")};
 
 QVariantList argumentsFor(const QString &body, const QStringList &capabilities)
 {

@@ -13,18 +13,18 @@ using namespace tickwise::test;
 
 namespace {
 
-const UserNotification notification{QStringLiteral("price-alert-bitcoin-1.5"), QStringLiteral("Bitcoin\nprice alert"),
-                                    QStringLiteral("BTC <up>")};
+const UserNotification shownNotification{QStringLiteral("price-alert-bitcoin-1.5"),
+                                         QStringLiteral("Bitcoin\nprice alert"), QStringLiteral("BTC <up>")};
 
 /// The portal for notifications.
-class FakePortal : public QObject, protected QDBusContext
+class FakeNotificationPortal : public QObject, protected QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Notification")
     Q_PROPERTY(uint version READ version SCRIPTABLE true)
 
 public:
-    explicit FakePortal(QDBusConnection bus)
+    explicit FakeNotificationPortal(QDBusConnection bus)
     {
         bus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), this,
                            QDBusConnection::ExportScriptableContents);
@@ -46,9 +46,9 @@ Q_SIGNALS:
     Q_SCRIPTABLE void ActionInvoked(const QString &id, const QString &action, const QVariantList &parameter);
 };
 
-struct Client
+struct PortalClient
 {
-    explicit Client(const QString &address, std::chrono::milliseconds timeout = std::chrono::seconds(5))
+    explicit PortalClient(const QString &address, std::chrono::milliseconds timeout = std::chrono::seconds(5))
         : bus(address)
         , center(
               bus, [this] { ++sounds; }, timeout)
@@ -89,15 +89,15 @@ private Q_SLOTS:
 void PortalNotificationCenterTest::handsTheNotificationOver()
 {
     PrivateBus bus;
-    FakePortal portal(bus.connect());
-    Client client(bus.address());
+    FakeNotificationPortal portal(bus.connect());
+    PortalClient client(bus.address());
     client.center.requestAuthorization(client.collect());
-    client.center.add(notification, client.collect());
+    client.center.add(shownNotification, client.collect());
     QVERIFY(client.results.empty());
     QTRY_COMPARE(client.results.size(), std::size_t(2));
     QVERIFY(client.results.front() && client.results.back());
     QCOMPARE(client.sounds, 1);
-    QCOMPARE(portal.shown.at(notification.identifier),
+    QCOMPARE(portal.shown.at(shownNotification.identifier),
              (QVariantMap{{QStringLiteral("title"), QStringLiteral("Bitcoin price alert")},
                           {QStringLiteral("body"), QStringLiteral("BTC <up>")},
                           {QStringLiteral("priority"), QStringLiteral("normal")},
@@ -107,8 +107,8 @@ void PortalNotificationCenterTest::handsTheNotificationOver()
 void PortalNotificationCenterTest::clickActivates()
 {
     PrivateBus bus;
-    FakePortal portal(bus.connect());
-    Client client(bus.address());
+    FakeNotificationPortal portal(bus.connect());
+    PortalClient client(bus.address());
     QSignalSpy activated(&client.center, &UserNotificationCenter::activated);
     Q_EMIT portal.ActionInvoked(QStringLiteral("a"), QStringLiteral("other"), {});
     Q_EMIT portal.ActionInvoked(QStringLiteral("b"), QStringLiteral("open"), {});
@@ -122,9 +122,9 @@ void PortalNotificationCenterTest::clickActivates()
 void PortalNotificationCenterTest::failsWithoutThePortal()
 {
     PrivateBus bus;
-    Client client(bus.address());
+    PortalClient client(bus.address());
     client.center.requestAuthorization(client.collect());
-    client.center.add(notification, client.collect());
+    client.center.add(shownNotification, client.collect());
     QTRY_COMPARE(client.results.size(), std::size_t(2));
     QVERIFY(!client.results.front());
     QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noService));
@@ -133,8 +133,8 @@ void PortalNotificationCenterTest::failsWithoutThePortal()
 
 void PortalNotificationCenterTest::failsWithoutABus()
 {
-    Client client(QStringLiteral("unix:path=/nonexistent"));
-    client.center.add(notification, client.collect());
+    PortalClient client(QStringLiteral("unix:path=/nonexistent"));
+    client.center.add(shownNotification, client.collect());
     QVERIFY(client.results.empty());
     QTRY_COMPARE(client.results.size(), std::size_t(1));
     QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::noMessageBus));
@@ -143,10 +143,10 @@ void PortalNotificationCenterTest::failsWithoutABus()
 void PortalNotificationCenterTest::hangingPortalTimesOut()
 {
     PrivateBus bus;
-    FakePortal portal(bus.connect());
+    FakeNotificationPortal portal(bus.connect());
     portal.hangs = true;
-    Client client(bus.address(), std::chrono::milliseconds(100));
-    client.center.add(notification, client.collect());
+    PortalClient client(bus.address(), std::chrono::milliseconds(100));
+    client.center.add(shownNotification, client.collect());
     QTRY_COMPARE(client.results.size(), std::size_t(1));
     QVERIFY(client.lastFailedWith(DesktopServiceError::Kind::timedOut));
     QCOMPARE(client.sounds, 0);
@@ -155,13 +155,13 @@ void PortalNotificationCenterTest::hangingPortalTimesOut()
 void PortalNotificationCenterTest::busThatDiesAndReturns()
 {
     PrivateBus bus;
-    Client client(bus.address());
+    PortalClient client(bus.address());
     QSignalSpy connected(&client.bus, &SessionBus::connected);
     bus.stop();
     bus.start();
     QTRY_COMPARE(connected.size(), 1);
-    FakePortal portal(bus.connect());
-    client.center.add(notification, client.collect());
+    FakeNotificationPortal portal(bus.connect());
+    client.center.add(shownNotification, client.collect());
     QTRY_COMPARE(client.results.size(), std::size_t(1));
     QVERIFY(client.results.back());
     QSignalSpy activated(&client.center, &UserNotificationCenter::activated);

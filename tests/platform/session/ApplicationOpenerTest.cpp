@@ -16,9 +16,9 @@ using namespace tickwise::test;
 namespace {
 
 const QString address = QStringLiteral("tickwise://popover");
-const QString category = QStringLiteral("com.pelmo.tickwise.ApplicationOpener");
+const QString openerCategory = QStringLiteral("com.pelmo.tickwise.ApplicationOpener");
 
-QString applicationId()
+QString openedApplicationId()
 {
     return QStringLiteral("com.pelmo.tickwise.test");
 }
@@ -68,10 +68,10 @@ void ApplicationOpenerTest::runningApplicationIsAsked()
     const Program program;
     const SessionBus widgetBus(bus.address());
     SessionBus applicationBus(bus.address());
-    SingleInstance instance(applicationId(), applicationBus, QString());
+    SingleInstance instance(openedApplicationId(), applicationBus, QString());
     QCOMPARE(instance.claim({}, {}), SingleInstance::Role::first);
     QSignalSpy opened(&instance, &SingleInstance::urlsOpened);
-    ApplicationOpener opener(widgetBus, applicationId(), program.path());
+    ApplicationOpener opener(widgetBus, openedApplicationId(), program.path());
     opener.open(address);
     QTRY_COMPARE(opened.size(), 1);
     QCOMPARE(opened.first().first().toStringList(), QStringList{address});
@@ -82,16 +82,16 @@ void ApplicationOpenerTest::busStartsTheApplication()
 {
     PrivateBus bus;
     const Program program;
-    bus.addActivation(applicationId(), QStringLiteral(SINGLE_INSTANCE_HELPER " ") + applicationId() +
-                                           QStringLiteral(" /nonexistent --once"));
+    bus.addActivation(openedApplicationId(), QStringLiteral(SINGLE_INSTANCE_HELPER " ") + openedApplicationId() +
+                                                 QStringLiteral(" /nonexistent --once"));
     const SessionBus widgetBus(bus.address());
     const LogCapture log;
-    ApplicationOpener opener(widgetBus, applicationId(), program.path());
+    ApplicationOpener opener(widgetBus, openedApplicationId(), program.path());
     opener.open(address);
     // The helper ends after the first address that it was asked to open, and answers before.
     QTRY_VERIFY(opener.findChildren<QObject *>().isEmpty());
     QCOMPARE(program.arguments(), QString());
-    QVERIFY(log.texts(category).isEmpty());
+    QVERIFY(log.texts(openerCategory).isEmpty());
 }
 
 void ApplicationOpenerTest::unknownNameStartsTheProgram()
@@ -99,7 +99,7 @@ void ApplicationOpenerTest::unknownNameStartsTheProgram()
     PrivateBus bus;
     const Program program;
     const SessionBus widgetBus(bus.address());
-    ApplicationOpener opener(widgetBus, applicationId(), program.path());
+    ApplicationOpener opener(widgetBus, openedApplicationId(), program.path());
     opener.open(address);
     QTRY_COMPARE(program.arguments(), address);
 }
@@ -108,7 +108,7 @@ void ApplicationOpenerTest::withoutABusTheProgramIsStarted()
 {
     const Program program;
     const SessionBus noBus(QStringLiteral("unix:path=/nonexistent/bus"));
-    ApplicationOpener opener(noBus, applicationId(), program.path());
+    ApplicationOpener opener(noBus, openedApplicationId(), program.path());
     opener.open(address);
     QTRY_COMPARE(program.arguments(), address);
 }
@@ -117,9 +117,9 @@ void ApplicationOpenerTest::withoutAProgramThereIsALogLine()
 {
     const LogCapture log;
     const SessionBus noBus(QStringLiteral("unix:path=/nonexistent/bus"));
-    ApplicationOpener opener(noBus, applicationId(), QStringLiteral("/nonexistent/program"));
+    ApplicationOpener opener(noBus, openedApplicationId(), QStringLiteral("/nonexistent/program"));
     opener.open(address);
-    QTRY_COMPARE(log.texts(category).size(), 1);
+    QTRY_COMPARE(log.texts(openerCategory).size(), 1);
 }
 
 TICKWISE_TEST(ApplicationOpenerTest)

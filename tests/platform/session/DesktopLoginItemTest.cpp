@@ -3,6 +3,7 @@
 #include "doubles/LogCapture.h"
 #include "doubles/PrivateBus.h"
 #include "doubles/TestProgram.h"
+#include "platform/Files.h"
 #include "platform/dbus/SessionBus.h"
 #include "ui/LaunchAtLoginService.h"
 
@@ -21,7 +22,7 @@ using namespace tickwise::test;
 
 namespace {
 
-QString applicationId()
+QString loginApplicationId()
 {
     return QStringLiteral("com.pelmo.tickwise.test");
 }
@@ -29,19 +30,6 @@ QString applicationId()
 QString reason()
 {
     return QStringLiteral("because");
-}
-
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void put(const QString &path, const QByteArray &text)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(text), text.size());
 }
 
 /// The one result of a call, with the proof that it did not come inside the call.
@@ -68,7 +56,7 @@ QString failureText(const std::optional<Result<void>> &result)
 }
 
 /// A Background portal whose user decides at once.
-class FakePortal : public QObject
+class FakeBackgroundPortal : public QObject
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Background")
@@ -86,7 +74,7 @@ public:
         neverResponds
     };
 
-    FakePortal(QDBusConnection bus, Behaviour behaviour)
+    FakeBackgroundPortal(QDBusConnection bus, Behaviour behaviour)
         : m_bus(std::move(bus))
         , m_behaviour(behaviour)
     {
@@ -175,7 +163,7 @@ private Q_SLOTS:
     void kindFollowsTheSandbox();
 
 private:
-    AutostartLoginItem item(const QString &program) const { return {applicationId(), program, m_folder}; }
+    AutostartLoginItem item(const QString &program) const { return {loginApplicationId(), program, m_folder}; }
 
     std::unique_ptr<QTemporaryDir> m_directory;
     QString m_folder;
@@ -392,7 +380,7 @@ void DesktopLoginItemTest::portal_data()
 {
     QTest::addColumn<int>("behaviour");
     QTest::addColumn<QString>("outcome");
-    using Behaviour = FakePortal::Behaviour;
+    using Behaviour = FakeBackgroundPortal::Behaviour;
     const auto row = [](const char *name, Behaviour behaviour, const char *outcome) {
         QTest::newRow(name) << static_cast<int>(behaviour) << QString::fromUtf8(outcome);
     };
@@ -410,7 +398,7 @@ void DesktopLoginItemTest::portal()
     QFETCH(int, behaviour);
     QFETCH(QString, outcome);
     PrivateBus bus;
-    FakePortal portal(bus.connect(), static_cast<FakePortal::Behaviour>(behaviour));
+    FakeBackgroundPortal portal(bus.connect(), static_cast<FakeBackgroundPortal::Behaviour>(behaviour));
     const SessionBus session(bus.address());
     PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
     const std::optional<Result<void>> result = resultOf(login, true);
@@ -422,7 +410,7 @@ void DesktopLoginItemTest::portal()
 void DesktopLoginItemTest::portalIsTold()
 {
     PrivateBus bus;
-    FakePortal portal(bus.connect(), FakePortal::Behaviour::grants);
+    FakeBackgroundPortal portal(bus.connect(), FakeBackgroundPortal::Behaviour::grants);
     QString text = QStringLiteral("because");
     const SessionBus session(bus.address());
     PortalLoginItem login(session, QStringLiteral("tickwise"), [&] { return text; });
@@ -440,9 +428,9 @@ void DesktopLoginItemTest::portalIsTold()
 void DesktopLoginItemTest::portalStartsTheProgramOfTheSandbox()
 {
     PrivateBus bus;
-    FakePortal portal(bus.connect(), FakePortal::Behaviour::grants);
+    FakeBackgroundPortal portal(bus.connect(), FakeBackgroundPortal::Behaviour::grants);
     const SessionBus session(bus.address());
-    const std::unique_ptr<LoginItem> login = makeLoginItem(applicationId(), session, true, reason);
+    const std::unique_ptr<LoginItem> login = makeLoginItem(loginApplicationId(), session, true, reason);
     QCOMPARE(failureText(resultOf(*login, true)), QStringLiteral("success"));
     QCOMPARE(portal.options.value(QStringLiteral("commandline")).toStringList(),
              QStringList{QStringLiteral("tickwise")});
@@ -455,7 +443,7 @@ void DesktopLoginItemTest::portalWithoutTheMethod()
     QDBusConnection other = bus.connect();
     QObject nothing;
     QVERIFY(other.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &nothing));
-    QVERIFY(other.registerService(FakePortal::service()));
+    QVERIFY(other.registerService(FakeBackgroundPortal::service()));
     const SessionBus session(bus.address());
     PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
     const QString text = failureText(resultOf(login, true));
@@ -482,7 +470,7 @@ void DesktopLoginItemTest::noSessionBus()
 void DesktopLoginItemTest::sessionBusThatEndsMeanwhile()
 {
     PrivateBus bus;
-    FakePortal portal(bus.connect(), FakePortal::Behaviour::neverResponds);
+    FakeBackgroundPortal portal(bus.connect(), FakeBackgroundPortal::Behaviour::neverResponds);
     const SessionBus session(bus.address());
     PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
     std::vector<Result<void>> answers;
@@ -502,15 +490,15 @@ void DesktopLoginItemTest::sessionBusThatReturned()
     bus.stop();
     bus.start();
     QTRY_COMPARE(connected.size(), 1);
-    FakePortal portal(bus.connect(), FakePortal::Behaviour::grants);
+    FakeBackgroundPortal portal(bus.connect(), FakeBackgroundPortal::Behaviour::grants);
     QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
 }
 
 void DesktopLoginItemTest::kindFollowsTheSandbox()
 {
     const SessionBus bus(QStringLiteral("unix:path=/nonexistent"));
-    const std::unique_ptr<LoginItem> outside = makeLoginItem(applicationId(), bus, false, reason);
-    const std::unique_ptr<LoginItem> inside = makeLoginItem(applicationId(), bus, true, reason);
+    const std::unique_ptr<LoginItem> outside = makeLoginItem(loginApplicationId(), bus, false, reason);
+    const std::unique_ptr<LoginItem> inside = makeLoginItem(loginApplicationId(), bus, true, reason);
     QVERIFY(dynamic_cast<AutostartLoginItem *>(outside.get()) != nullptr);
     QVERIFY(dynamic_cast<PortalLoginItem *>(inside.get()) != nullptr);
 }

@@ -16,13 +16,13 @@ const QString appearance = QStringLiteral("org.freedesktop.appearance");
 const QString gnome = QStringLiteral("org.gnome.desktop.interface");
 
 /// A settings portal that knows just some settings.
-class FakePortal : public QObject, protected QDBusContext
+class FakeMotionPortal : public QObject, protected QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
 
 public:
-    explicit FakePortal(PrivateBus &bus)
+    explicit FakeMotionPortal(PrivateBus &bus)
         : m_connection(bus.connect())
     {
         m_connection.registerObject(portalPath(), this, QDBusConnection::ExportAllSlots);
@@ -110,7 +110,7 @@ void DesktopMotionTest::withoutAPortalThereIsMotion()
 void DesktopMotionTest::readsThePortal()
 {
     PrivateBus bus;
-    FakePortal portal(bus);
+    FakeMotionPortal portal(bus);
     portal.settings[gnome + QStringLiteral("enable-animations")] = false;
     SessionBus session(bus.address());
     const DesktopMotion motion(session);
@@ -121,7 +121,7 @@ void DesktopMotionTest::readsThePortal()
 void DesktopMotionTest::followsThePortal()
 {
     PrivateBus bus;
-    FakePortal portal(bus);
+    FakeMotionPortal portal(bus);
     SessionBus session(bus.address());
     const DesktopMotion motion(session);
     QTRY_COMPARE(portal.questions, 3);

@@ -22,9 +22,6 @@ struct Login
     bool layerShell = false;
 };
 
-Q_DECLARE_METATYPE(Login)
-Q_DECLARE_METATYPE(DisplayDecision)
-
 namespace {
 
 /// Sets a variable, or removes it for none, until the end of the scope.

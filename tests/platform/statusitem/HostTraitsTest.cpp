@@ -7,11 +7,6 @@
 
 using namespace tickwise;
 
-Q_DECLARE_METATYPE(tickwise::StatusItemHost)
-Q_DECLARE_METATYPE(tickwise::StatusItemPresentation)
-Q_DECLARE_METATYPE(tickwise::PanelAppearance)
-Q_DECLARE_METATYPE(tickwise::StatusItemAvailability)
-
 class HostTraitsTest : public QObject
 {
     Q_OBJECT

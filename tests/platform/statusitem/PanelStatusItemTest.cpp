@@ -15,7 +15,7 @@ using namespace tickwise::test;
 
 namespace {
 
-StatusItemContent priced(const QString &text)
+StatusItemContent pricedText(const QString &text)
 {
     StatusItemContent content;
     content.logo = false;
@@ -29,7 +29,7 @@ StatusItemContent priced(const QString &text)
     return content;
 }
 
-MenuEntry action(const QString &text, std::function<void()> activate = {})
+MenuEntry actionEntry(const QString &text, std::function<void()> activate = {})
 {
     MenuEntry entry;
     entry.text = text;
@@ -173,7 +173,7 @@ std::unique_ptr<PanelStatusItem> PanelStatusItemTest::makeItem(const QString &ho
     environment.openTray = m_openTray;
     m_session = std::make_unique<SessionBus>(m_bus->address());
     auto item = std::make_unique<PanelStatusItem>(*m_session, environment);
-    item->setContent(priced(QStringLiteral("BTC 67,432")));
+    item->setContent(pricedText(QStringLiteral("BTC 67,432")));
     return item;
 }
 
@@ -260,7 +260,7 @@ void PanelStatusItemTest::theItemStaysWhileAPanelRestarts()
 void PanelStatusItemTest::anotherPanelGetsAWidthOfItsOwn()
 {
     const auto item = makeItem(QStringLiteral("mate-panel"));
-    item->setContent(priced(QStringLiteral("WWWWWW 67,432")));
+    item->setContent(pricedText(QStringLiteral("WWWWWW 67,432")));
     QTRY_VERIFY(hasItems(1));
     const auto widthAt22 = [this] {
         for (const StatusPixmap &pixmap :
@@ -271,7 +271,7 @@ void PanelStatusItemTest::anotherPanelGetsAWidthOfItsOwn()
         return 0;
     };
     const int wide = widthAt22();
-    item->setContent(priced(QStringLiteral("IIIIII 67,432")));
+    item->setContent(pricedText(QStringLiteral("IIIIII 67,432")));
     QCOMPARE(widthAt22(), wide);
     m_host = QStringLiteral("xapp-sn-watcher");
     m_panel.reset();
@@ -314,9 +314,9 @@ void PanelStatusItemTest::withoutABusItSaysSoOnceAndGoesOn()
     SessionBus session(QStringLiteral("unix:path=/nonexistent"));
     PanelStatusItem item(session, {});
     item.setMenu([] { return Menu(); });
-    item.setContent(priced(QStringLiteral("BTC 1")));
+    item.setContent(pricedText(QStringLiteral("BTC 1")));
     QTRY_COMPARE(logLines(log).size(), 1);
-    item.setContent(priced(QStringLiteral("BTC 2")));
+    item.setContent(pricedText(QStringLiteral("BTC 2")));
     QVERIFY(item.appearance() != PanelAppearance::unknown);
 }
 
@@ -329,14 +329,14 @@ void PanelStatusItemTest::aDeafBusDoesNotHoldTheProgram()
     PanelStatusItem::Environment environment;
     environment.process = [](qint64) { return WatcherProcess{QStringLiteral("waybar"), {}}; };
     PanelStatusItem item(session, environment);
-    item.setContent(priced(QStringLiteral("BTC 1")));
+    item.setContent(pricedText(QStringLiteral("BTC 1")));
     const qint64 taken = timer.elapsed();
     m_bus->resume();
     QVERIFY2(taken < 5000, "a call that waits for the bus would take 25 s");
     QTRY_VERIFY(hasItems(1));
     m_bus->pause();
     timer.restart();
-    item.setContent(priced(QStringLiteral("BTC 2")));
+    item.setContent(pricedText(QStringLiteral("BTC 2")));
     QVERIFY(timer.elapsed() < 5000);
     m_bus->resume();
 }
@@ -391,7 +391,7 @@ void PanelStatusItemTest::labelHostsGetTheText()
     for (const StatusPixmap &pixmap : qdbus_cast<QList<StatusPixmap>>(properties.value(QStringLiteral("IconPixmap"))))
         QCOMPARE(pixmap.width, pixmap.height);
     m_panel->takeSignals();
-    item->setContent(priced(QStringLiteral("BTC 67,433")));
+    item->setContent(pricedText(QStringLiteral("BTC 67,433")));
     m_panel->itemProperties();
     QVERIFY(m_panel->takeSignals().contains(QStringLiteral("XAyatanaNewLabel(BTC 67,433,BTC 88,888)")));
 }
@@ -452,13 +452,13 @@ void PanelStatusItemTest::signalsOnlyWhatChanged()
     QTRY_VERIFY(hasItems(1));
     m_panel->itemProperties();
     m_panel->takeSignals();
-    item->setContent(priced(QStringLiteral("BTC 67,432")));
+    item->setContent(pricedText(QStringLiteral("BTC 67,432")));
     m_panel->itemProperties();
     QCOMPARE(m_panel->takeSignals(), QStringList());
-    item->setContent(priced(QStringLiteral("BTC 67,433")));
+    item->setContent(pricedText(QStringLiteral("BTC 67,433")));
     m_panel->itemProperties();
     QCOMPARE(m_panel->takeSignals(), (QStringList{QStringLiteral("NewTitle"), QStringLiteral("NewIcon")}));
-    StatusItemContent content = priced(QStringLiteral("BTC 67,433"));
+    StatusItemContent content = pricedText(QStringLiteral("BTC 67,433"));
     content.toolTipBody = QStringLiteral("later");
     item->setContent(content);
     m_panel->itemProperties();
@@ -489,7 +489,7 @@ void PanelStatusItemTest::aPositionWithinTheItemIsNotPassedOn()
 void PanelStatusItemTest::contextMenuIsShownByOurselves()
 {
     const auto item = makeItem(QStringLiteral("swaybar"));
-    item->setMenu([] { return Menu{action(QStringLiteral("Quit"))}; });
+    item->setMenu([] { return Menu{actionEntry(QStringLiteral("Quit"))}; });
     QTRY_VERIFY(hasItems(1));
     m_panel->callItem(QStringLiteral("ContextMenu"), {5, 6});
     QTRY_COMPARE(m_shownMenus.size(), 1U);
@@ -513,7 +513,7 @@ void PanelStatusItemTest::otherClicksDoNothing()
 void PanelStatusItemTest::menuIsExported()
 {
     const auto item = makeItem(QStringLiteral("waybar"));
-    item->setMenu([] { return Menu{action(QStringLiteral("Settings")), action(QStringLiteral("Quit"))}; });
+    item->setMenu([] { return Menu{actionEntry(QStringLiteral("Settings")), actionEntry(QStringLiteral("Quit"))}; });
     QTRY_VERIFY(hasItems(1));
     const QDBusMessage reply = m_panel->callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()});
     const auto layout = qdbus_cast<DBusMenuLayout>(reply.arguments().value(1));
@@ -532,7 +532,8 @@ void PanelStatusItemTest::menuEntryRunsItsAction()
     int quits = 0;
     const auto item = makeItem(QStringLiteral("waybar"));
     item->setMenu([&quits] {
-        return Menu{action(QStringLiteral("Settings")), action(QStringLiteral("Quit"), [&quits] { ++quits; })};
+        return Menu{actionEntry(QStringLiteral("Settings")),
+                    actionEntry(QStringLiteral("Quit"), [&quits] { ++quits; })};
     });
     QTRY_VERIFY(hasItems(1));
     const auto layout = qdbus_cast<DBusMenuLayout>(
@@ -552,7 +553,7 @@ void PanelStatusItemTest::menuChangesAreToldBeforeItOpens()
 {
     QString text = QStringLiteral("one");
     const auto item = makeItem(QStringLiteral("waybar"));
-    item->setMenu([&text] { return Menu{action(text)}; });
+    item->setMenu([&text] { return Menu{actionEntry(text)}; });
     QTRY_VERIFY(hasItems(1));
     const auto layout = [this] { return m_panel->callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()}); };
     const uint revision = layout().arguments().value(0).toUInt();
@@ -607,9 +608,9 @@ void PanelStatusItemTest::aClickOnAnOldMenuMeansNothing()
     int runs = 0;
     const auto item = makeItem(QStringLiteral("waybar"));
     item->setMenu([&] {
-        Menu menu{action(QStringLiteral("Other"), [&runs] { ++runs; })};
+        Menu menu{actionEntry(QStringLiteral("Other"), [&runs] { ++runs; })};
         if (longer)
-            menu.insert(menu.begin(), action(QStringLiteral("New"), [&runs] { ++runs; }));
+            menu.insert(menu.begin(), actionEntry(QStringLiteral("New"), [&runs] { ++runs; }));
         return menu;
     });
     QTRY_VERIFY(hasItems(1));
@@ -628,7 +629,7 @@ void PanelStatusItemTest::menuGroupCallsTellUnknownIds()
 {
     int runs = 0;
     const auto item = makeItem(QStringLiteral("waybar"));
-    item->setMenu([&runs] { return Menu{action(QStringLiteral("Run"), [&runs] { ++runs; })}; });
+    item->setMenu([&runs] { return Menu{actionEntry(QStringLiteral("Run"), [&runs] { ++runs; })}; });
     QTRY_VERIFY(hasItems(1));
     const auto layout = qdbus_cast<DBusMenuLayout>(
         m_panel->callMenu(QStringLiteral("GetLayout"), {0, -1, QStringList()}).arguments().value(1));
@@ -657,7 +658,7 @@ void PanelStatusItemTest::menuGroupCallsTellUnknownIds()
 void PanelStatusItemTest::labelHostsOpenThePopoverFromTheMenu()
 {
     const auto item = makeItem(QStringLiteral("gnome-shell"));
-    item->setMenu([] { return Menu{action(QStringLiteral("Quit"))}; });
+    item->setMenu([] { return Menu{actionEntry(QStringLiteral("Quit"))}; });
     QSignalSpy clicked(item.get(), &StatusItem::clicked);
     QTRY_VERIFY(hasItems(1));
     const auto layout = qdbus_cast<DBusMenuLayout>(
@@ -699,7 +700,7 @@ void PanelStatusItemTest::pixmapsArePaintedAnewForAnotherAppearance()
 {
     FakeSettingsPortal portal(*m_bus, 1);
     const auto item = makeItem(QStringLiteral("waybar"));
-    StatusItemContent plain = priced(QStringLiteral("BTC 67,432"));
+    StatusItemContent plain = pricedText(QStringLiteral("BTC 67,432"));
     plain.textColor.reset();
     item->setContent(plain);
     QTRY_VERIFY(hasItems(1));
@@ -742,7 +743,7 @@ void PanelStatusItemTest::aTakenNameLeavesTheConnection()
 void PanelStatusItemTest::aBusThatReturnsGetsTheItemAgain()
 {
     const auto item = makeItem(QStringLiteral("waybar"));
-    item->setMenu([] { return Menu{action(QStringLiteral("Quit"))}; });
+    item->setMenu([] { return Menu{actionEntry(QStringLiteral("Quit"))}; });
     QTRY_VERIFY(hasItems(1));
     for (int i = 0; i < 2; ++i) {
         m_panel.reset();

@@ -7,8 +7,6 @@
 
 using namespace tickwise;
 
-Q_DECLARE_METATYPE(tickwise::StatusItemHost)
-
 class StatusItemHostTest : public QObject
 {
     Q_OBJECT

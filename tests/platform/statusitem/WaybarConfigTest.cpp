@@ -1,22 +1,13 @@
 #include "platform/statusitem/WaybarConfig.h"
 
 #include "doubles/TestProgram.h"
+#include "platform/Files.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 
 using namespace tickwise;
-
-namespace {
-
-void write(const QString &path, const QByteArray &text)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-        qFatal("%s cannot be written", qPrintable(path));
-}
-
-} // namespace
+using namespace tickwise::test;
 
 class WaybarConfigTest : public QObject
 {
@@ -111,8 +102,8 @@ void WaybarConfigTest::theCommandLineNamesTheConfiguration()
 {
     QFETCH(QStringList, options);
     QTemporaryDir folder;
-    write(folder.filePath(QStringLiteral("mine")), R"({"tray": {"icon-size": 29}})");
-    write(folder.filePath(QStringLiteral("a=b")), R"({"tray": {"icon-size": 29}})");
+    put(folder.filePath(QStringLiteral("mine")), R"({"tray": {"icon-size": 29}})");
+    put(folder.filePath(QStringLiteral("a=b")), R"({"tray": {"icon-size": 29}})");
     options.replaceInStrings(QStringLiteral("%1"), folder.path());
     options.prepend(QStringLiteral("waybar"));
     QCOMPARE(waybarIconSize(WatcherProcess{QStringLiteral("waybar"), options, folder.path()}), 29);

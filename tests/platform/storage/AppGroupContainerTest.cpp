@@ -1,6 +1,7 @@
 #include "platform/storage/AppGroupContainer.h"
 
 #include "doubles/TestProgram.h"
+#include "platform/Files.h"
 #include "support/files/WholeFile.h"
 
 #include <QDir>
@@ -11,18 +12,11 @@
 #include <sys/stat.h>
 
 using namespace tickwise;
+using namespace tickwise::test;
 
 namespace {
 
 const QString group = QStringLiteral("group.com.pelmo.tickwise");
-
-unsigned mode(const QString &path)
-{
-    struct stat status
-    {
-    };
-    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 07777U : 0U;
-}
 
 } // namespace
 

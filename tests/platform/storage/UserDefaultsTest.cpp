@@ -3,6 +3,7 @@
 #include "doubles/FullDisk.h"
 #include "doubles/LogCapture.h"
 #include "doubles/TestProgram.h"
+#include "platform/Files.h"
 #include "settings/SettingsViewModel.h"
 
 #include <QDir>
@@ -12,6 +13,7 @@
 #include <sys/stat.h>
 
 using namespace tickwise;
+using namespace tickwise::test;
 using tickwise::test::FullDisk;
 using tickwise::test::LogCapture;
 
@@ -24,22 +26,6 @@ QByteArray content(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
-}
-
-void write(const QString &path, const QByteArray &bytes)
-{
-    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
-unsigned mode(const QString &path)
-{
-    struct stat status
-    {
-    };
-    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 07777U : 0U;
 }
 
 AppSettings withInterval(double seconds)
@@ -204,7 +190,7 @@ void UserDefaultsTest::relativeConfigHomeIsIgnored()
 void UserDefaultsTest::followsALink()
 {
     const QString real = m_home->filePath(QStringLiteral("dotfiles.json"));
-    write(real, "{}");
+    put(real, "{}");
     QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
     QVERIFY(QFile::link(real, m_path));
     QCOMPARE(UserDefaults(identifier).data(key), std::optional(QByteArray("{}")));
@@ -219,7 +205,7 @@ void UserDefaultsTest::theFileIsTheSettingsDocument()
     SettingsViewModel model{UserDefaultsSettingsStore(defaults)};
     model.update(withInterval(3));
     QVERIFY(content(m_path).startsWith("{\"launchAtLogin\":false,"));
-    write(m_path, R"({"pollingInterval": 7})");
+    put(m_path, R"({"pollingInterval": 7})");
     QVERIFY(UserDefaultsSettingsStore(defaults).load() == withInterval(7));
 }
 
@@ -275,7 +261,7 @@ void UserDefaultsTest::pathThatCannotBeWritten_data()
 {
     QTest::addColumn<std::function<void()>>("prepare");
     QTest::newRow("below a file") << std::function<void()>(
-        [this] { write(m_home->filePath(QStringLiteral("com.pelmo.tickwise")), "a file"); });
+        [this] { put(m_home->filePath(QStringLiteral("com.pelmo.tickwise")), "a file"); });
     QTest::newRow("file system without files") << std::function<void()>([] { qputenv("XDG_CONFIG_HOME", "/proc"); });
     QTest::newRow("device") << std::function<void()>([] { qputenv("XDG_CONFIG_HOME", "/dev/null"); });
 }
@@ -301,7 +287,7 @@ void UserDefaultsTest::pathThatCannotBeWritten()
 void UserDefaultsTest::refusedValueIsKeptAside()
 {
     const QByteArray damaged("{\"language\": \0\xff", 15);
-    write(m_path, damaged);
+    put(m_path, damaged);
     const LogCapture log;
     UserDefaults defaults(identifier);
     QCOMPARE(defaults.data(key), std::optional(damaged));
@@ -323,7 +309,7 @@ void UserDefaultsTest::refusedValueIsKeptAside()
 
 void UserDefaultsTest::refusedValueIsKeptBeforeItIsRemoved()
 {
-    write(m_path, "damaged");
+    put(m_path, "damaged");
     const LogCapture log;
     UserDefaults defaults(identifier);
     defaults.keepBeforeOverwriting(key);
@@ -334,7 +320,7 @@ void UserDefaultsTest::refusedValueIsKeptBeforeItIsRemoved()
 
 void UserDefaultsTest::refusedValueThatCannotBeKeptAside()
 {
-    write(m_path, "damaged");
+    put(m_path, "damaged");
     QVERIFY(QDir().mkpath(brokenName(m_path) + QStringLiteral("/x")));
     UserDefaults defaults(identifier);
     defaults.keepBeforeOverwriting(key);
@@ -346,7 +332,7 @@ void UserDefaultsTest::refusedValueThatCannotBeKeptAside()
 
 void UserDefaultsTest::refusedValueOnAFullDisk()
 {
-    write(m_path, QByteArray(5000, 'x'));
+    put(m_path, QByteArray(5000, 'x'));
     const LogCapture log;
     UserDefaults defaults(identifier);
     defaults.keepBeforeOverwriting(key);
@@ -368,7 +354,7 @@ void UserDefaultsTest::valueThatCannotBeRead_data()
         QCOMPARE(::mkfifo(QFile::encodeName(m_path).constData(), 0600), 0);
     });
     QTest::newRow("too large") << std::function<void()>(
-        [this] { write(m_path, QByteArray(UserDefaults::largestFile + 1, 'x')); });
+        [this] { put(m_path, QByteArray(UserDefaults::largestFile + 1, 'x')); });
 }
 
 void UserDefaultsTest::valueThatCannotBeRead()
@@ -391,7 +377,7 @@ void UserDefaultsTest::valueThatCannotBeRead()
 
 void UserDefaultsTest::largestValue()
 {
-    write(m_path, QByteArray(UserDefaults::largestFile, 'x'));
+    put(m_path, QByteArray(UserDefaults::largestFile, 'x'));
     const LogCapture log;
     QVERIFY(UserDefaults(identifier).data(key) == QByteArray(UserDefaults::largestFile, 'x'));
     QVERIFY(log.lines().empty());
@@ -423,7 +409,7 @@ void UserDefaultsTest::refusedSettings()
 {
     QFETCH(QByteArray, document);
     QFETCH(QString, text);
-    write(m_path, document);
+    put(m_path, document);
     const LogCapture log;
     UserDefaults defaults(identifier);
     SettingsViewModel model{UserDefaultsSettingsStore(defaults)};

@@ -7,8 +7,6 @@
 using namespace tickwise;
 
 using Strut = std::vector<uint32_t>;
-Q_DECLARE_METATYPE(Strut)
-
 class PanelStrutTest : public QObject
 {
     Q_OBJECT

@@ -6,12 +6,12 @@ using namespace tickwise;
 
 namespace {
 
-constexpr QSize size(320, 298);
+constexpr QSize popoverSize(320, 298);
 constexpr int margin = 30;
 constexpr int panelHeight = 30;
 
 /// A screen in logical pixels, with a panel at its top.
-PopoverScreen screen(QRect geometry)
+PopoverScreen screenAt(QRect geometry)
 {
     return {geometry, geometry.adjusted(0, panelHeight, 0, 0)};
 }
@@ -29,7 +29,7 @@ struct World
     bool click(QPoint at)
     {
         pointer = at;
-        return surface.show(window, size, margin, {PopoverAnchor::Cause::click, std::nullopt, at});
+        return surface.show(window, popoverSize, margin, {PopoverAnchor::Cause::click, std::nullopt, at});
     }
     /// The popover on the screen.
     QRect popover() const { return place.panel.translated(window.geometry().topLeft()); }
@@ -42,10 +42,10 @@ struct World
 };
 
 // A screen drawn at twice the size has half the logical pixels; one at 1.5 leaves a gap to its neighbor.
-const PopoverScreen usual = screen({0, 0, 1920, 1080});
-const PopoverScreen doubled = screen({1920, 0, 1280, 720});
-const PopoverScreen oneAndAHalf = screen({3840, 200, 1707, 960});
-const PopoverScreen above = screen({-200, -768, 1024, 768});
+const PopoverScreen usual = screenAt({0, 0, 1920, 1080});
+const PopoverScreen doubled = screenAt({1920, 0, 1280, 720});
+const PopoverScreen oneAndAHalf = screenAt({3840, 200, 1707, 960});
+const PopoverScreen above = screenAt({-200, -768, 1024, 768});
 
 } // namespace
 
@@ -81,7 +81,7 @@ void WindowPopoverSurfaceTest::screensOfDifferentScale()
     QFETCH(QRect, screen);
     World world({usual, doubled, oneAndAHalf, above});
     QVERIFY(world.click(click));
-    QCOMPARE(world.popover().size(), size);
+    QCOMPARE(world.popover().size(), popoverSize);
     QVERIFY(screen.contains(world.popover()));
     QVERIFY(world.popover().left() - 8 <= click.x() && click.x() <= world.popover().right() + 8);
 }
@@ -91,8 +91,8 @@ void WindowPopoverSurfaceTest::aScreenThatGoesWhileItIsOpen()
     World world({usual, doubled});
     QVERIFY(world.click(QPoint(2500, 10)));
     world.screens = {usual};
-    world.surface.resize(size + QSize(0, 104));
-    QCOMPARE(world.popover().size(), size + QSize(0, 104));
+    world.surface.resize(popoverSize + QSize(0, 104));
+    QCOMPARE(world.popover().size(), popoverSize + QSize(0, 104));
     QVERIFY(usual.available.contains(world.popover()));
 }
 
@@ -103,7 +103,7 @@ void WindowPopoverSurfaceTest::aRequestOpensWhereTheItemWas()
     const QRect clicked = world.popover();
     world.surface.hide();
     world.pointer = QPoint(100, 900);
-    QVERIFY(world.surface.show(world.window, size, margin, {PopoverAnchor::Cause::request}));
+    QVERIFY(world.surface.show(world.window, popoverSize, margin, {PopoverAnchor::Cause::request}));
     QCOMPARE(world.popover(), clicked);
 }
 
@@ -130,7 +130,7 @@ void WindowPopoverSurfaceTest::withoutACompositorThereIsNoMargin()
 {
     World world({usual}, false, false);
     QVERIFY(world.click(QPoint(1900, 10)));
-    QCOMPARE(world.place.panel, QRect(QPoint(), size));
+    QCOMPARE(world.place.panel, QRect(QPoint(), popoverSize));
     QVERIFY(!world.place.isTranslucent);
 }
 

@@ -18,14 +18,14 @@ using namespace tickwise::test;
 
 namespace {
 
-struct World
+struct CoinPopoverViewWorld
 {
-    explicit World(int watched = 2)
-        : World(validCoins(std::max(watched, 200)), watched)
+    explicit CoinPopoverViewWorld(int watched = 2)
+        : CoinPopoverViewWorld(validCoins(std::max(watched, 200)), watched)
     {
     }
 
-    World(std::vector<CoinMetadata> records, int watched)
+    CoinPopoverViewWorld(std::vector<CoinMetadata> records, int watched)
         : coins(std::move(records), watched)
     {
         const auto clock = [this] {
@@ -170,7 +170,7 @@ void CoinPopoverViewTest::sizes()
 
 void CoinPopoverViewTest::listsTheCoinsInTheirOrder()
 {
-    World world(8);
+    CoinPopoverViewWorld world(8);
     const QAbstractItemModel &model = *world.view->list().model();
     QCOMPARE(model.rowCount(), 8);
     for (int row = 0; row < 8; ++row)
@@ -183,7 +183,7 @@ void CoinPopoverViewTest::listsTheCoinsInTheirOrder()
 
 void CoinPopoverViewTest::emptyWatchlistHasItsOwnState()
 {
-    World world(0);
+    CoinPopoverViewWorld world(0);
     QVERIFY(!world.view->list().isVisible());
     QVERIFY(world.button("addCoins").isVisible());
     QTest::mouseClick(&world.button("addCoins"), Qt::LeftButton);
@@ -205,21 +205,21 @@ void CoinPopoverViewTest::buttonsLeadOn()
 {
     QFETCH(QByteArray, name);
     QFETCH(int, tab);
-    World world;
+    CoinPopoverViewWorld world;
     QTest::mouseClick(&world.button(name.constData()), Qt::LeftButton);
     QCOMPARE(world.tabs, std::vector{SettingsTab(tab)});
 }
 
 void CoinPopoverViewTest::quitAsksToQuit()
 {
-    World world;
+    CoinPopoverViewWorld world;
     QTest::mouseClick(&world.button("quit"), Qt::LeftButton);
     QCOMPARE(world.quits, 1);
 }
 
 void CoinPopoverViewTest::updateButtonOnlyWhileOneIsAvailable()
 {
-    World world;
+    CoinPopoverViewWorld world;
     QVERIFY(!world.button("update").isVisible());
     world.updates.setUpdateAvailable(true);
     QVERIFY(world.button("update").isVisible());
@@ -244,7 +244,7 @@ void CoinPopoverViewTest::updateButtonStartsTheUpdate()
         QProperty<bool> can{true};
         QProperty<bool> automatic{false};
     };
-    World world;
+    CoinPopoverViewWorld world;
     int checks = 0;
     world.updates.attach(std::make_unique<Backend>(checks));
     world.updates.setUpdateAvailable(true);
@@ -254,7 +254,7 @@ void CoinPopoverViewTest::updateButtonStartsTheUpdate()
 
 void CoinPopoverViewTest::newPricesKeepRowsAndScroll()
 {
-    World world(50);
+    CoinPopoverViewWorld world(50);
     world.coins.price(100);
     QScrollBar &bar = *world.view->list().verticalScrollBar();
     QTRY_VERIFY(bar.maximum() > 0);
@@ -268,7 +268,7 @@ void CoinPopoverViewTest::newPricesKeepRowsAndScroll()
 
 void CoinPopoverViewTest::digitsStayInTheirPlace()
 {
-    World world;
+    CoinPopoverViewWorld world;
     world.coins.price(67431);
     const QImage before = world.picture();
     world.coins.price(67438);
@@ -284,7 +284,7 @@ void CoinPopoverViewTest::digitsStayInTheirPlace()
 
 void CoinPopoverViewTest::pricesHaveTheirColor()
 {
-    World world;
+    CoinPopoverViewWorld world;
     world.coins.price(67431, 2);
     QVERIFY(columnsOf(world.picture(), world.row(0), green).isValid());
     world.coins.price(67431, -2);
@@ -294,7 +294,7 @@ void CoinPopoverViewTest::pricesHaveTheirColor()
 
 void CoinPopoverViewTest::pricesFollowTheSettings()
 {
-    World world;
+    CoinPopoverViewWorld world;
     world.coins.price(67431, 2);
     world.coins.change([](AppSettings &settings) { settings.priceColorEnabled = false; });
     QVERIFY(!columnsOf(world.picture(), world.row(0), green).isValid());
@@ -319,7 +319,7 @@ void CoinPopoverViewTest::longTextsDoNotOverlap()
 {
     QFETCH(QString, symbol);
     QFETCH(double, price);
-    World world(oneCoin(symbol), 1);
+    CoinPopoverViewWorld world(oneCoin(symbol), 1);
     world.coins.price(price);
     const QRect words = world.row(0).adjusted(56, 0, 0, 0);
     const QImage picture = world.picture();
@@ -343,7 +343,7 @@ void CoinPopoverViewTest::oddSymbolsAreDrawn_data()
 void CoinPopoverViewTest::oddSymbolsAreDrawn()
 {
     QFETCH(QString, symbol);
-    World world(oneCoin(symbol), 2);
+    CoinPopoverViewWorld world(oneCoin(symbol), 2);
     world.coins.price(1);
     const QImage picture = world.picture();
     const QRect words = world.row(0).adjusted(56, 0, -100, 0);
@@ -354,7 +354,7 @@ void CoinPopoverViewTest::oddSymbolsAreDrawn()
 
 void CoinPopoverViewTest::longListPaintsOnlyWhatIsSeen()
 {
-    World world(1000);
+    CoinPopoverViewWorld world(1000);
     world.coins.price(5);
     world.picture();
     world.clockReadings = 0;
@@ -365,7 +365,7 @@ void CoinPopoverViewTest::longListPaintsOnlyWhatIsSeen()
 
 void CoinPopoverViewTest::statusTellsLoadingAgeAndTrouble()
 {
-    World world;
+    CoinPopoverViewWorld world;
     QCOMPARE(world.status(), QStringLiteral("Loading prices…"));
     world.coins.price(5);
     QCOMPARE(world.status(), QStringLiteral("Updated just now"));
@@ -379,7 +379,7 @@ void CoinPopoverViewTest::statusTellsLoadingAgeAndTrouble()
 
 void CoinPopoverViewTest::agesOnlyWhileVisible()
 {
-    World world;
+    CoinPopoverViewWorld world;
     const QTimer *const timer = world.view->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
     QVERIFY(timer && timer->isActive());
     world.view->hide();
@@ -388,7 +388,7 @@ void CoinPopoverViewTest::agesOnlyWhileVisible()
 
 void CoinPopoverViewTest::tabGoesThroughEverything()
 {
-    World world(3);
+    CoinPopoverViewWorld world(3);
     world.updates.setUpdateAvailable(true);
     world.view->rewind();
     QApplication::setActiveWindow(world.view.get());
@@ -402,7 +402,7 @@ void CoinPopoverViewTest::tabGoesThroughEverything()
 
 void CoinPopoverViewTest::arrowsMoveThroughTheRows()
 {
-    World world(20);
+    CoinPopoverViewWorld world(20);
     world.view->rewind();
     QApplication::setActiveWindow(world.view.get());
     QTest::keyClick(world.view.get(), Qt::Key_Down);
@@ -419,7 +419,7 @@ void CoinPopoverViewTest::arrowsMoveThroughTheRows()
 
 void CoinPopoverViewTest::returnPressesAButton()
 {
-    World world;
+    CoinPopoverViewWorld world;
     QTest::keyClick(&world.button("settings"), Qt::Key_Return);
     QTest::keyClick(&world.button("watchlist"), Qt::Key_Space);
     QCOMPARE(world.tabs, (std::vector{SettingsTab::general, SettingsTab::watchlist}));
@@ -427,7 +427,7 @@ void CoinPopoverViewTest::returnPressesAButton()
 
 void CoinPopoverViewTest::focusIsVisible()
 {
-    World world(3);
+    CoinPopoverViewWorld world(3);
     world.view->rewind();
     QApplication::setActiveWindow(world.view.get());
     const QImage before = world.picture();
@@ -441,7 +441,7 @@ void CoinPopoverViewTest::focusIsVisible()
 
 void CoinPopoverViewTest::screenReadersHearTheRows()
 {
-    World world(1000);
+    CoinPopoverViewWorld world(1000);
     world.coins.price(67432.4, 1.23);
     QAccessibleInterface *const list = QAccessible::queryAccessibleInterface(&world.view->list());
     QVERIFY(list);
@@ -454,7 +454,7 @@ void CoinPopoverViewTest::screenReadersHearTheRows()
 
 void CoinPopoverViewTest::screenReadersHearTheButtons()
 {
-    World world;
+    CoinPopoverViewWorld world;
     world.updates.setUpdateAvailable(true);
     const std::vector<std::pair<const char *, QString>> names{{"update", QStringLiteral("Update")},
                                                               {"watchlist", QStringLiteral("Edit the watchlist")},
@@ -474,7 +474,7 @@ void CoinPopoverViewTest::screenReadersHearTheButtons()
 
 void CoinPopoverViewTest::languageChangesWhileOpen()
 {
-    World world;
+    CoinPopoverViewWorld world;
     world.coins.price(5);
     useLanguage(AppLanguage::zhHans);
     world.view->refresh();
@@ -486,7 +486,7 @@ void CoinPopoverViewTest::languageChangesWhileOpen()
 void CoinPopoverViewTest::followsADarkPalette()
 {
     QGuiApplication::setPalette(QPalette(Qt::white, Qt::black, Qt::gray, Qt::darkGray, Qt::gray, Qt::white, Qt::black));
-    World world;
+    CoinPopoverViewWorld world;
     world.coins.price(5);
     const QImage picture = world.picture();
     const QRect symbol = world.row(0).adjusted(56, 0, -100, 0);
@@ -495,7 +495,7 @@ void CoinPopoverViewTest::followsADarkPalette()
 
 void CoinPopoverViewTest::rowsHaveToolTips()
 {
-    World world;
+    CoinPopoverViewWorld world;
     world.coins.price(67432.4);
     const QString text = world.view->list().model()->index(0, 0).data(Qt::ToolTipRole).toString();
     QVERIFY2(text.contains(QStringLiteral("67,432.4 USD")), qPrintable(text));

@@ -17,9 +17,10 @@ using namespace tickwise::test;
 
 namespace {
 
-struct World
+struct PopoverOddListWorld
 {
-    explicit World(const QString &symbol = QStringLiteral("BTC"), const QString &name = QStringLiteral("Bitcoin"))
+    explicit PopoverOddListWorld(const QString &symbol = QStringLiteral("BTC"),
+                                 const QString &name = QStringLiteral("Bitcoin"))
         : coins(manyCoins(symbol, name), 1)
         , view({*coins.coinList, coins.settings, updates, nullptr, [](SettingsTab) {}, [] {}, coins.clock.clock()})
     {
@@ -74,7 +75,7 @@ private Q_SLOTS:
 
 void PopoverOddListTest::unknownCoinsHaveNoRow()
 {
-    World world;
+    PopoverOddListWorld world;
     world.watch({QStringLiteral("no-such-coin"), QStringLiteral("ethereum"), QString(), QStringLiteral("bitcoin")});
     QCOMPARE(world.symbols(), (QStringList{QStringLiteral("ETH"), QStringLiteral("BTC")}));
     QCOMPARE(world.coins.settings.settings().watchlistCoins.size(), std::size_t(4));
@@ -82,7 +83,7 @@ void PopoverOddListTest::unknownCoinsHaveNoRow()
 
 void PopoverOddListTest::duplicatesHaveRowsOfTheirOwn()
 {
-    World world;
+    PopoverOddListWorld world;
     world.watch({QStringLiteral("bitcoin"), QStringLiteral("ethereum"), QStringLiteral("bitcoin")});
     world.coins.price(100);
     QCOMPARE(world.symbols().size(), 3);
@@ -91,7 +92,7 @@ void PopoverOddListTest::duplicatesHaveRowsOfTheirOwn()
 
 void PopoverOddListTest::aListOfUnknownCoinsIsEmpty()
 {
-    World world;
+    PopoverOddListWorld world;
     world.watch({QStringLiteral("one"), QStringLiteral("two")});
     QVERIFY(!world.view.list().isVisible());
     world.watch({QStringLiteral("one"), QStringLiteral("ethereum")});
@@ -100,7 +101,7 @@ void PopoverOddListTest::aListOfUnknownCoinsIsEmpty()
 
 void PopoverOddListTest::fiveThousandCoins()
 {
-    World world;
+    PopoverOddListWorld world;
     world.coins.watch(5000);
     world.coins.price(100);
     QCOMPARE(world.view.list().model()->rowCount(), 5000);
@@ -129,7 +130,7 @@ void PopoverOddListTest::oddPrices_data()
 void PopoverOddListTest::oddPrices()
 {
     QFETCH(double, price);
-    World world;
+    PopoverOddListWorld world;
     world.watch({QStringLiteral("bitcoin"), QStringLiteral("ethereum")});
     const QImage before = world.row(0);
     world.coins.price(price);
@@ -152,7 +153,7 @@ void PopoverOddListTest::oddNames()
 {
     QFETCH(QString, symbol);
     QFETCH(QString, name);
-    World world(symbol, name);
+    PopoverOddListWorld world(symbol, name);
     world.watch({QStringLiteral("ethereum"), QStringLiteral("bitcoin"), QStringLiteral("ethereum")});
     world.coins.price(100);
     const QModelIndex index = world.view.list().model()->index(1, 0);
@@ -164,7 +165,7 @@ void PopoverOddListTest::oddNames()
 
 void PopoverOddListTest::aListThatShrinksUnderTheUser()
 {
-    World world;
+    PopoverOddListWorld world;
     world.coins.watch(500);
     QScrollBar &bar = *world.view.list().verticalScrollBar();
     QTRY_VERIFY(bar.maximum() > 0);

@@ -12,18 +12,18 @@ using namespace tickwise;
 
 namespace {
 
-const QRect panel(100, 60, 200, 150);
+const QRect panelOf(100, 60, 200, 150);
 
-struct World
+struct PopoverWindowWorld
 {
-    explicit World(bool hasChildWindows = true)
+    explicit PopoverWindowWorld(bool hasChildWindows = true)
     {
         auto *const content = new QWidget;
         button = new QPushButton(content);
         button->setToolTip(QStringLiteral("help"));
         window = std::make_unique<PopoverWindow>(content);
         window->resize(400, 300);
-        window->place({panel, true, hasChildWindows});
+        window->place({panelOf, true, hasChildWindows});
         window->show();
     }
 
@@ -64,8 +64,8 @@ private Q_SLOTS:
 
 void PopoverWindowTest::contentCoversThePanel()
 {
-    const World world;
-    QCOMPARE(world.button->parentWidget()->geometry(), panel);
+    const PopoverWindowWorld world;
+    QCOMPARE(world.button->parentWidget()->geometry(), panelOf);
     QVERIFY(world.button->parentWidget()->isVisible());
     world.window->unplace();
     QVERIFY(!world.button->parentWidget()->isVisible());
@@ -75,9 +75,9 @@ void PopoverWindowTest::clickOutsideDismisses_data()
 {
     QTest::addColumn<QPoint>("place");
     QTest::addColumn<int>("count");
-    QTest::newRow("inside") << panel.center() << 0;
-    QTest::newRow("at the corner") << panel.topLeft() << 0;
-    QTest::newRow("in the shadow") << panel.topLeft() - QPoint(1, 1) << 1;
+    QTest::newRow("inside") << panelOf.center() << 0;
+    QTest::newRow("at the corner") << panelOf.topLeft() << 0;
+    QTest::newRow("in the shadow") << panelOf.topLeft() - QPoint(1, 1) << 1;
     QTest::newRow("far away") << QPoint(1, 1) << 1;
     QTest::newRow("beyond the window") << QPoint(-50, 1000) << 1;
 }
@@ -85,14 +85,14 @@ void PopoverWindowTest::clickOutsideDismisses_data()
 void PopoverWindowTest::clickOutsideDismisses()
 {
     QFETCH(QPoint, place);
-    const World world;
+    const PopoverWindowWorld world;
     for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton, Qt::MiddleButton})
         QTEST(world.dismissals([&] { QTest::mouseClick(world.window.get(), button, {}, place); }), "count");
 }
 
 void PopoverWindowTest::escapeDismisses()
 {
-    const World world;
+    const PopoverWindowWorld world;
     QCOMPARE(world.dismissals([&] { QTest::keyClick(world.window.get(), Qt::Key_Escape); }), 1);
     QCOMPARE(world.dismissals([&] { QTest::keyClick(world.window.get(), Qt::Key_A); }), 0);
     world.button->setFocus();
@@ -101,14 +101,14 @@ void PopoverWindowTest::escapeDismisses()
 
 void PopoverWindowTest::closingDismisses()
 {
-    const World world;
+    const PopoverWindowWorld world;
     QCOMPARE(world.dismissals([&] { world.window->close(); }), 1);
     QVERIFY(!world.window->isVisible());
 }
 
 void PopoverWindowTest::doesNotKeepTheApplicationFromQuitting()
 {
-    const World world;
+    const PopoverWindowWorld world;
     QCloseEvent event;
     QCoreApplication::sendEvent(world.window.get(), &event);
     QVERIFY(event.isAccepted());
@@ -116,35 +116,35 @@ void PopoverWindowTest::doesNotKeepTheApplicationFromQuitting()
 
 void PopoverWindowTest::paintsPanelBorderAndShadow()
 {
-    World world;
+    PopoverWindowWorld world;
     world.window->setAttribute(Qt::WA_TranslucentBackground);
     world.button->parentWidget()->hide();
     QImage picture(world.window->size(), QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
     world.window->render(&picture, QPoint(), QRegion(), QWidget::DrawChildren);
-    QCOMPARE(picture.pixelColor(panel.center()), world.window->palette().color(QPalette::Window));
-    QVERIFY(picture.pixelColor(panel.center().x(), panel.top()) != picture.pixelColor(panel.center()));
-    const int below = qAlpha(picture.pixel(panel.center().x(), panel.bottom() + 3));
+    QCOMPARE(picture.pixelColor(panelOf.center()), world.window->palette().color(QPalette::Window));
+    QVERIFY(picture.pixelColor(panelOf.center().x(), panelOf.top()) != picture.pixelColor(panelOf.center()));
+    const int below = qAlpha(picture.pixel(panelOf.center().x(), panelOf.bottom() + 3));
     QVERIFY2(below > 10 && below < 120, qPrintable(QString::number(below)));
     QCOMPARE(qAlpha(picture.pixel(1, 1)), 0);
-    QVERIFY2(qAlpha(picture.pixel(panel.topLeft())) < 120, "the corner is not round");
+    QVERIFY2(qAlpha(picture.pixel(panelOf.topLeft())) < 120, "the corner is not round");
 }
 
 void PopoverWindowTest::paintsNothingBeforeItIsPlaced()
 {
-    World world;
+    PopoverWindowWorld world;
     world.window->unplace();
     QImage picture(world.window->size(), QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
     world.window->render(&picture, QPoint(), QRegion(), QWidget::RenderFlags());
-    QCOMPARE(qAlpha(picture.pixel(panel.center())), 0);
+    QCOMPARE(qAlpha(picture.pixel(panelOf.center())), 0);
 }
 
 void PopoverWindowTest::drawsToolTipsInsideWhereNoWindowMay()
 {
-    const World usual;
+    const PopoverWindowWorld usual;
     QVERIFY(!usual.toolTip());
-    const World world(false);
+    const PopoverWindowWorld world(false);
     world.askForToolTip();
     QVERIFY(world.toolTip() && world.toolTip()->isVisible());
     QCOMPARE(world.toolTip()->text(), QStringLiteral("help"));

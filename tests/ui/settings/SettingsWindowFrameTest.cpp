@@ -6,9 +6,6 @@ using namespace tickwise;
 
 using Frame = std::optional<QRect>;
 using Screens = std::vector<QRect>;
-Q_DECLARE_METATYPE(Frame)
-Q_DECLARE_METATYPE(Screens)
-
 class SettingsWindowFrameTest : public QObject
 {
     Q_OBJECT

@@ -13,7 +13,7 @@ using enum tickwise::UpdatePhase;
 
 namespace {
 
-constexpr double secondsPerDay = 86400;
+constexpr double oneDay = 86400;
 
 } // namespace
 
@@ -61,7 +61,7 @@ void SparkleUpdaterBackendTest::remind(UpdateWorld &world)
 
 void SparkleUpdaterBackendTest::nextDay(UpdateWorld &world)
 {
-    world.clock.advance(secondsPerDay);
+    world.clock.advance(oneDay);
     world.backend().reconsiderSchedule();
 }
 
@@ -255,7 +255,7 @@ void SparkleUpdaterBackendTest::checksOnceADay()
     world.start();
     QTRY_VERIFY(world.stored().lastCheck == world.clock.now());
     QCOMPARE(world.backend().plannedInterval().value(), std::chrono::milliseconds(24h + 1s));
-    world.clock.advance(secondsPerDay - 1);
+    world.clock.advance(oneDay - 1);
     world.backend().reconsiderSchedule();
     QVERIFY(world.backend().plannedInterval().value() <= 2s);
     QCOMPARE(world.feedRequests(), 1);
@@ -285,7 +285,7 @@ void SparkleUpdaterBackendTest::clockJumps()
     world.start();
     QTRY_VERIFY(world.stored().lastCheck == world.clock.now());
     QCOMPARE(world.feedRequests(), 1);
-    world.clock.advance(-10 * secondsPerDay);
+    world.clock.advance(-10 * oneDay);
     world.backend().reconsiderSchedule();
     QTRY_COMPARE(world.feedRequests(), 2);
     QTRY_VERIFY(world.stored().lastCheck == world.clock.now());

@@ -11,8 +11,6 @@
 using namespace tickwise;
 using namespace tickwise::test;
 
-Q_DECLARE_METATYPE(tickwise::UpdateFailureKind)
-
 namespace {
 
 using DownloadResult = tl::expected<QString, UpdateFailure>;

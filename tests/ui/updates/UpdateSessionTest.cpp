@@ -9,8 +9,6 @@ using namespace tickwise;
 using namespace tickwise::test;
 using enum tickwise::UpdatePhase;
 
-Q_DECLARE_METATYPE(tickwise::UpdateFailureKind)
-
 namespace {
 
 QString category()

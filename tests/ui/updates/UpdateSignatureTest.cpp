@@ -9,8 +9,6 @@
 using namespace tickwise;
 using namespace tickwise::test;
 
-Q_DECLARE_METATYPE(tickwise::SignatureCheck)
-
 class UpdateSignatureTest : public QObject
 {
     Q_OBJECT

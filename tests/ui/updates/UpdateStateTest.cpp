@@ -4,9 +4,6 @@
 
 using namespace tickwise;
 
-Q_DECLARE_METATYPE(tickwise::Error)
-Q_DECLARE_METATYPE(tickwise::UpdateFailureKind)
-
 class UpdateStateTest : public QObject
 {
     Q_OBJECT

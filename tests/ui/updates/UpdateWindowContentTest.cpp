@@ -5,8 +5,6 @@
 
 using namespace tickwise;
 
-Q_DECLARE_METATYPE(tickwise::UpdateFailureKind)
-
 namespace {
 
 using Actions = std::vector<UpdateAction>;

@@ -11,7 +11,7 @@ using namespace tickwise;
 
 namespace {
 
-UpdateState stateOf(UpdatePhase phase)
+UpdateState shortStateOf(UpdatePhase phase)
 {
     return {.phase = phase, .runningVersion = QStringLiteral("1.0"), .item = AppcastItem{QStringLiteral("1.2")}};
 }
@@ -37,10 +37,10 @@ void UpdateWindowPresenterTest::opensOneWindow()
 {
     UpdateWindowPresenter presenter;
     QVERIFY(!presenter.window());
-    presenter.show(stateOf(UpdatePhase::checking));
+    presenter.show(shortStateOf(UpdatePhase::checking));
     UpdateWindow *window = presenter.window();
     QVERIFY(window->isVisible());
-    presenter.show(stateOf(UpdatePhase::upToDate));
+    presenter.show(shortStateOf(UpdatePhase::upToDate));
     QCOMPARE(presenter.window(), window);
 }
 
@@ -48,7 +48,7 @@ void UpdateWindowPresenterTest::passesOnWhatTheUserChose()
 {
     UpdateWindowPresenter presenter;
     const QSignalSpy chosen(&presenter, &UpdateUserDriver::chosen);
-    presenter.show(stateOf(UpdatePhase::available));
+    presenter.show(shortStateOf(UpdatePhase::available));
     QTest::mouseClick(presenter.window()->findChild<QPushButton *>(), Qt::LeftButton);
     QCOMPARE(chosen.size(), 1);
 }
@@ -57,7 +57,7 @@ void UpdateWindowPresenterTest::theUserClosesThroughTheSession()
 {
     UpdateWindowPresenter presenter;
     const QSignalSpy chosen(&presenter, &UpdateUserDriver::chosen);
-    presenter.show(stateOf(UpdatePhase::available));
+    presenter.show(shortStateOf(UpdatePhase::available));
     presenter.window()->close();
     QCOMPARE(chosen.size(), 1);
     QCOMPARE(chosen.front().front().value<UpdateAction>(), UpdateAction::remindLater);
@@ -67,14 +67,14 @@ void UpdateWindowPresenterTest::dismissDeletesTheWindowLater()
 {
     UpdateWindowPresenter presenter;
     const QSignalSpy chosen(&presenter, &UpdateUserDriver::chosen);
-    presenter.show(stateOf(UpdatePhase::available));
+    presenter.show(shortStateOf(UpdatePhase::available));
     const QPointer<UpdateWindow> window = presenter.window();
     presenter.dismiss();
     QVERIFY(!presenter.window());
     QVERIFY(window && !window->isVisible());
     QTRY_VERIFY(!window);
     QCOMPARE(chosen.size(), 0);
-    presenter.show(stateOf(UpdatePhase::checking));
+    presenter.show(shortStateOf(UpdatePhase::checking));
     QVERIFY(presenter.window()->isVisible());
 }
 
@@ -82,7 +82,7 @@ void UpdateWindowPresenterTest::aButtonMayDismiss()
 {
     UpdateWindowPresenter presenter;
     connect(&presenter, &UpdateUserDriver::chosen, &presenter, [&] { presenter.dismiss(); });
-    presenter.show(stateOf(UpdatePhase::upToDate));
+    presenter.show(shortStateOf(UpdatePhase::upToDate));
     const QPointer<UpdateWindow> window = presenter.window();
     QTest::mouseClick(window->findChild<QPushButton *>(), Qt::LeftButton);
     QVERIFY(!presenter.window());
@@ -101,7 +101,7 @@ void UpdateWindowPresenterTest::withoutAWindow()
 void UpdateWindowPresenterTest::retranslates()
 {
     UpdateWindowPresenter presenter;
-    presenter.show(stateOf(UpdatePhase::available));
+    presenter.show(shortStateOf(UpdatePhase::available));
     const QString english = presenter.window()->windowTitle();
     test::useLanguage(AppLanguage::zhHans);
     presenter.retranslate();

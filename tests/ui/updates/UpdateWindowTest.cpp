@@ -11,11 +11,9 @@
 
 using namespace tickwise;
 
-Q_DECLARE_METATYPE(tickwise::UpdatePhase)
-
 namespace {
 
-UpdateState stateOf(UpdatePhase phase)
+UpdateState fullStateOf(UpdatePhase phase)
 {
     UpdateState state{.phase = phase, .runningVersion = QStringLiteral("1.0")};
     state.item = AppcastItem{QStringLiteral("1.2")};
@@ -99,7 +97,7 @@ void UpdateWindowTest::phases()
 
 void UpdateWindowTest::open(UpdateWindow &window, UpdatePhase phase)
 {
-    window.setContent(updateWindowContent(stateOf(phase)));
+    window.setContent(updateWindowContent(fullStateOf(phase)));
     window.show();
     window.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&window));
@@ -113,7 +111,7 @@ void UpdateWindowTest::showsWhatTheStateNeeds_data()
 void UpdateWindowTest::showsWhatTheStateNeeds()
 {
     QFETCH(UpdatePhase, phase);
-    const UpdateWindowContent content = updateWindowContent(stateOf(phase));
+    const UpdateWindowContent content = updateWindowContent(fullStateOf(phase));
     UpdateWindow window;
     open(window, phase);
     QCOMPARE(window.windowTitle(), content.title);
@@ -134,7 +132,7 @@ void UpdateWindowTest::clicksChoose_data()
 void UpdateWindowTest::clicksChoose()
 {
     QFETCH(UpdatePhase, phase);
-    for (const UpdateButton &button : updateWindowContent(stateOf(phase)).buttons) {
+    for (const UpdateButton &button : updateWindowContent(fullStateOf(phase)).buttons) {
         UpdateWindow window;
         open(window, phase);
         const QSignalSpy chosen(&window, &UpdateWindow::chosen);
@@ -157,7 +155,7 @@ void UpdateWindowTest::returnPressesTheFirstButton()
     const QSignalSpy chosen(&window, &UpdateWindow::chosen);
     QTest::keyClick(window.focusWidget(), Qt::Key_Return);
     QCOMPARE(chosen.size(), 1);
-    QCOMPARE(actionOf(chosen), updateWindowContent(stateOf(phase)).buttons.front().action);
+    QCOMPARE(actionOf(chosen), updateWindowContent(fullStateOf(phase)).buttons.front().action);
 }
 
 void UpdateWindowTest::escapeAndClosing_data()
@@ -173,15 +171,15 @@ void UpdateWindowTest::escapeAndClosing()
     const QSignalSpy chosen(&window, &UpdateWindow::chosen);
     QTest::keyClick(&window, Qt::Key_Escape);
     QCOMPARE(chosen.size(), 1);
-    QCOMPARE(actionOf(chosen), updateWindowContent(stateOf(phase)).escapeAction);
+    QCOMPARE(actionOf(chosen), updateWindowContent(fullStateOf(phase)).escapeAction);
     window.close();
     QCOMPARE(chosen.size(), 2);
-    QCOMPARE(actionOf(chosen), updateWindowContent(stateOf(phase)).escapeAction);
+    QCOMPARE(actionOf(chosen), updateWindowContent(fullStateOf(phase)).escapeAction);
 }
 
 void UpdateWindowTest::remoteTextsAreNeverMarkup()
 {
-    UpdateState state = stateOf(UpdatePhase::available);
+    UpdateState state = fullStateOf(UpdatePhase::available);
     state.item->shortVersion = QStringLiteral("<img src='file:///etc/passwd'>");
     UpdateWindow window;
     window.setContent(updateWindowContent(state));
@@ -214,7 +212,7 @@ void UpdateWindowTest::progressKeepsTheFocus()
     UpdateWindow window;
     open(window, UpdatePhase::downloading);
     const QList<QPushButton *> before = buttonsOf(window);
-    UpdateState state = stateOf(UpdatePhase::downloading);
+    UpdateState state = fullStateOf(UpdatePhase::downloading);
     state.percent = 43;
     window.setContent(updateWindowContent(state));
     QCOMPARE(window.findChild<QProgressBar *>()->value(), 43);
@@ -227,7 +225,7 @@ void UpdateWindowTest::aButtonMayChangeTheButtons()
     UpdateWindow window;
     open(window, UpdatePhase::available);
     connect(&window, &UpdateWindow::chosen, &window,
-            [&] { window.setContent(updateWindowContent(stateOf(UpdatePhase::downloading))); });
+            [&] { window.setContent(updateWindowContent(fullStateOf(UpdatePhase::downloading))); });
     QTest::keyClick(window.focusWidget(), Qt::Key_Return);
     QCOMPARE(buttonsOf(window).size(), 1);
     QCOMPARE(window.focusWidget(), buttonsOf(window).front());
@@ -238,10 +236,10 @@ void UpdateWindowTest::installingHasNoButtons()
 {
     UpdateWindow window;
     open(window, UpdatePhase::ready);
-    window.setContent(updateWindowContent(stateOf(UpdatePhase::installing)));
+    window.setContent(updateWindowContent(fullStateOf(UpdatePhase::installing)));
     QVERIFY(buttonsOf(window).isEmpty());
     QVERIFY(window.findChild<QProgressBar *>()->isVisible());
-    window.setContent(updateWindowContent(stateOf(UpdatePhase::restartNeeded)));
+    window.setContent(updateWindowContent(fullStateOf(UpdatePhase::restartNeeded)));
     QCOMPARE(buttonsOf(window).size(), 2);
 }
 
@@ -250,7 +248,7 @@ void UpdateWindowTest::thePathCanBeCopied()
     UpdateWindow window;
     open(window, UpdatePhase::manualInstallation);
     auto *text = window.findChild<QLabel *>(QStringLiteral("updateText"));
-    QVERIFY(text->text().contains(stateOf(UpdatePhase::manualInstallation).packagePath));
+    QVERIFY(text->text().contains(fullStateOf(UpdatePhase::manualInstallation).packagePath));
     QVERIFY(text->textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
 }
 
@@ -270,9 +268,9 @@ void UpdateWindowTest::tabReachesEverything()
 void UpdateWindowTest::everythingHasAnAccessibleName()
 {
     UpdateWindow window;
-    window.setContent(updateWindowContent(stateOf(UpdatePhase::available)));
+    window.setContent(updateWindowContent(fullStateOf(UpdatePhase::available)));
     QCOMPARE(window.findChild<QPlainTextEdit *>()->accessibleName(), localized(QStringLiteral("update.releaseNotes")));
-    window.setContent(updateWindowContent(stateOf(UpdatePhase::downloading)));
+    window.setContent(updateWindowContent(fullStateOf(UpdatePhase::downloading)));
     QVERIFY(!window.findChild<QProgressBar *>()->accessibleName().isEmpty());
 }
 

@@ -8,8 +8,6 @@
 using namespace tickwise;
 using namespace tickwise::test;
 
-Q_DECLARE_METATYPE(tickwise::UpdaterSettings)
-
 class UpdaterSettingsTest : public QObject
 {
     Q_OBJECT

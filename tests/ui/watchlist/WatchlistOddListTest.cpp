@@ -19,10 +19,10 @@ using namespace tickwise::test;
 
 namespace {
 
-struct World
+struct WatchlistOddListWorld
 {
-    explicit World(const QStringList &ids, const QString &symbol = QStringLiteral("BTC"),
-                   const QString &name = QStringLiteral("Bitcoin"))
+    explicit WatchlistOddListWorld(const QStringList &ids, const QString &symbol = QStringLiteral("BTC"),
+                                   const QString &name = QStringLiteral("Bitcoin"))
         : catalog(manyCoins(symbol, name))
         , view({settings, catalog, viewModel, nullptr, &motion})
     {
@@ -105,7 +105,7 @@ private Q_SLOTS:
 
 void WatchlistOddListTest::aDraggedDuplicateLeavesTheOtherInPlace()
 {
-    World world({bitcoin, ethereum, bitcoin, QStringLiteral("coin-2")});
+    WatchlistOddListWorld world({bitcoin, ethereum, bitcoin, QStringLiteral("coin-2")});
     world.drag(2, 30);
     QCOMPARE(world.view.session().sourceIndex(), 2);
     QCOMPARE(world.view.rows().rowAt(0)->y(), 0);
@@ -116,7 +116,7 @@ void WatchlistOddListTest::aDraggedDuplicateLeavesTheOtherInPlace()
 
 void WatchlistOddListTest::reorderingDuplicatesLosesNothing()
 {
-    World world({bitcoin, QStringLiteral("no-such-coin"), bitcoin, QString()});
+    WatchlistOddListWorld world({bitcoin, QStringLiteral("no-such-coin"), bitcoin, QString()});
     AppSettings settings = world.settings.settings();
     for (std::size_t i = 0; i < 4; ++i)
         settings.watchlistCoins[i].notificationThreshold = double(i);
@@ -132,7 +132,7 @@ void WatchlistOddListTest::reorderingDuplicatesLosesNothing()
 
 void WatchlistOddListTest::fiveThousandEntries()
 {
-    World world(numberedCoins(4998));
+    WatchlistOddListWorld world(numberedCoins(4998));
     QScrollBar &bar = *world.view.rows().verticalScrollBar();
     bar.setValue(bar.maximum());
     QVERIFY(world.view.rows().rowAt(4997));
@@ -158,9 +158,9 @@ void WatchlistOddListTest::oddNamesStayInTheirColumn()
 {
     QFETCH(QString, symbol);
     QFETCH(QString, name);
-    World usual({bitcoin, ethereum});
-    World odd({bitcoin, ethereum}, symbol, name);
-    const auto controls = [](World &world) {
+    WatchlistOddListWorld usual({bitcoin, ethereum});
+    WatchlistOddListWorld odd({bitcoin, ethereum}, symbol, name);
+    const auto controls = [](WatchlistOddListWorld &world) {
         WatchlistRow *const row = world.view.rows().rowAt(0);
         return row->grab(QRect(row->width() - 240, 0, 240, row->height())).toImage();
     };
@@ -171,7 +171,7 @@ void WatchlistOddListTest::oddNamesStayInTheirColumn()
 
 void WatchlistOddListTest::theDesktopDecidesAboutMotion()
 {
-    World world({bitcoin, ethereum, QStringLiteral("coin-2")});
+    WatchlistOddListWorld world({bitcoin, ethereum, QStringLiteral("coin-2")});
     world.drag(0, 88);
     world.drop(0);
     QCOMPARE(world.ids().back(), bitcoin);
@@ -184,7 +184,7 @@ void WatchlistOddListTest::theDesktopDecidesAboutMotion()
 
 void WatchlistOddListTest::theHandleIsNotHoveredAfterADrop()
 {
-    World world({bitcoin, ethereum, QStringLiteral("coin-2")});
+    WatchlistOddListWorld world({bitcoin, ethereum, QStringLiteral("coin-2")});
     IconButton *const handle = world.handle(0);
     QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), handle->mapToGlobal(QPointF(5, 5)));
     QCoreApplication::sendEvent(handle, &enter);
@@ -196,7 +196,7 @@ void WatchlistOddListTest::theHandleIsNotHoveredAfterADrop()
 
 void WatchlistOddListTest::anEditFromElsewhereKeepsADrag()
 {
-    World world({bitcoin, ethereum, QStringLiteral("coin-2")});
+    WatchlistOddListWorld world({bitcoin, ethereum, QStringLiteral("coin-2")});
     world.drag(0, 44);
     AppSettings settings = world.settings.settings();
     settings.watchlistCoins[2].notificationThreshold = 9;
@@ -211,7 +211,7 @@ void WatchlistOddListTest::anEditFromElsewhereKeepsADrag()
 
 void WatchlistOddListTest::aListEmptiedDuringADrag()
 {
-    World world({bitcoin, ethereum});
+    WatchlistOddListWorld world({bitcoin, ethereum});
     IconButton *const handle = world.handle(0);
     world.drag(0, 44);
     world.watch({});
@@ -225,7 +225,7 @@ void WatchlistOddListTest::aListEmptiedDuringADrag()
 
 void WatchlistOddListTest::aWatchlistChangedDuringASearch()
 {
-    World world({bitcoin});
+    WatchlistOddListWorld world({bitcoin});
     world.view.openSearch();
     auto *const panel = world.view.findChild<WatchlistAddCoinPanel *>();
     auto *const field = panel->findChild<QLineEdit *>();
@@ -244,7 +244,7 @@ void WatchlistOddListTest::aWatchlistChangedDuringASearch()
 
 void WatchlistOddListTest::theWindowGoesDuringADrag()
 {
-    auto world = std::make_unique<World>(QStringList{bitcoin, ethereum});
+    auto world = std::make_unique<WatchlistOddListWorld>(QStringList{bitcoin, ethereum});
     world->motion.reduced = false;
     world->drag(0, 44);
     world->drop(0);

@@ -15,8 +15,8 @@ using namespace tickwise::test;
 
 namespace {
 
-const QString bitcoin = QStringLiteral("bitcoin");
-const QString ethereum = QStringLiteral("ethereum");
+const QString bitcoinId = QStringLiteral("bitcoin");
+const QString ethereumId = QStringLiteral("ethereum");
 
 QStringList symbols(const std::vector<CoinMetadata> &coins)
 {
@@ -87,7 +87,7 @@ void WatchlistViewModelTest::recommendsCoinsOfTheWatchlistToo()
     QCOMPARE(model.recommendedSymbols(),
              (QStringList{QStringLiteral("C7"), QStringLiteral("UNKNOWN"), QStringLiteral("BTC")}));
     QCOMPARE(symbols(model.recommendedCoins()), (QStringList{QStringLiteral("C7"), QStringLiteral("BTC")}));
-    QVERIFY(model.isAdded(bitcoin));
+    QVERIFY(model.isAdded(bitcoinId));
     QVERIFY(!model.isAdded(QStringLiteral("coin-7")));
 }
 
@@ -129,7 +129,7 @@ void WatchlistViewModelTest::followsTheCatalog()
     catalog.publish(validCoins(), noImages);
     QCOMPARE(changed.count(), 1);
     QCOMPARE(model.visibleCoins(), catalog.coins());
-    QCOMPARE(model.recommendedCoins().front().id, bitcoin);
+    QCOMPARE(model.recommendedCoins().front().id, bitcoinId);
 }
 
 void WatchlistViewModelTest::toggleSavesTheWatchlist()
@@ -156,19 +156,19 @@ void WatchlistViewModelTest::toggleEndsADragWithoutItsOrder()
     session.setReduceMotion(true);
     session.setViewportHeight(1000);
     int commits = 0;
-    const QStringList order{bitcoin, ethereum};
-    session.begin(bitcoin, 0, 0, order, [&](const QStringList &) { ++commits; });
+    const QStringList order{bitcoinId, ethereumId};
+    session.begin(bitcoinId, 0, 0, order, [&](const QStringList &) { ++commits; });
     session.drag(1000);
-    QCOMPARE(session.draggedID(), std::optional(bitcoin));
-    std::optional<QString> draggedWhenPublished = bitcoin;
+    QCOMPARE(session.draggedID(), std::optional(bitcoinId));
+    std::optional<QString> draggedWhenPublished = bitcoinId;
     connect(&m_settings, &SettingsViewModel::settingsChanged, &session,
             [&] { draggedWhenPublished = session.draggedID(); });
-    model.toggle(ethereum, &session);
+    model.toggle(ethereumId, &session);
     QCOMPARE(draggedWhenPublished, std::nullopt);
     session.end();
     QCOMPARE(commits, 0);
-    QVERIFY(!model.isAdded(ethereum));
-    QVERIFY(model.isAdded(bitcoin));
+    QVERIFY(!model.isAdded(ethereumId));
+    QVERIFY(model.isAdded(bitcoinId));
 }
 
 TICKWISE_TEST(WatchlistViewModelTest)

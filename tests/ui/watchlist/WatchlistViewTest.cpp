@@ -23,9 +23,9 @@ using namespace tickwise::test;
 
 namespace {
 
-struct World
+struct WatchlistViewWorld
 {
-    explicit World(int watched)
+    explicit WatchlistViewWorld(int watched)
     {
         AppSettings chosen = settings.settings();
         chosen.watchlistCoins.clear();
@@ -61,7 +61,7 @@ struct World
     std::unique_ptr<WatchlistView> view;
 };
 
-void drag(World &world, int row, int dy)
+void drag(WatchlistViewWorld &world, int row, int dy)
 {
     IconButton *const handle = world.handle(row);
     const QPoint from = world.center(*handle);
@@ -105,7 +105,7 @@ private Q_SLOTS:
 
 void WatchlistViewTest::showsARowAnEntry()
 {
-    const World world(3);
+    const WatchlistViewWorld world(3);
     QCOMPARE(world.view->rows().rows().size(), size_t(3));
     QCOMPARE(world.view->rows().rowAt(1)->content().coin.symbol, QStringLiteral("ETH"));
     QCOMPARE(world.view->rows().rowAt(1)->height(), 44);
@@ -114,7 +114,7 @@ void WatchlistViewTest::showsARowAnEntry()
 
 void WatchlistViewTest::longListsHaveFewWidgets()
 {
-    World world(200);
+    WatchlistViewWorld world(200);
     QVERIFY(world.view->findChildren<WatchlistRow *>().size() < 30);
     world.view->rows().verticalScrollBar()->setValue(100 * 44);
     QVERIFY(world.view->rows().rowAt(100));
@@ -124,7 +124,7 @@ void WatchlistViewTest::longListsHaveFewWidgets()
 
 void WatchlistViewTest::deletesARow()
 {
-    World world(3);
+    WatchlistViewWorld world(3);
     world.view->rows().rowAt(0)->findChild<IconButton *>(QStringLiteral("watchlist.delete"))->click();
     QCOMPARE(world.ids(), (QStringList{QStringLiteral("ethereum"), QStringLiteral("coin-2")}));
     QCOMPARE(world.settings.settings().displayedCoinId, QStringLiteral("ethereum"));
@@ -134,7 +134,7 @@ void WatchlistViewTest::deletesARow()
 
 void WatchlistViewTest::editsTheAlert()
 {
-    World world(2);
+    WatchlistViewWorld world(2);
     const WatchlistRow *const row = world.view->rows().rowAt(1);
     auto *const kind = row->findChild<QComboBox *>();
     auto *const number = row->findChild<QLineEdit *>();
@@ -153,7 +153,7 @@ void WatchlistViewTest::editsTheAlert()
 
 void WatchlistViewTest::deletingDuringADragCancelsIt()
 {
-    World world(4);
+    WatchlistViewWorld world(4);
     drag(world, 0, 88);
     QVERIFY(world.view->session().draggedID());
     world.view->rows().rowAt(2)->findChild<IconButton *>(QStringLiteral("watchlist.delete"))->click();
@@ -164,7 +164,7 @@ void WatchlistViewTest::deletingDuringADragCancelsIt()
 
 void WatchlistViewTest::keyboardMovesARow()
 {
-    World world(3);
+    WatchlistViewWorld world(3);
     world.handle(0)->setFocus();
     QTest::keyClick(world.handle(0), Qt::Key_Down, Qt::AltModifier);
     QCOMPARE(world.ids(),
@@ -177,7 +177,7 @@ void WatchlistViewTest::keyboardMovesARow()
 
 void WatchlistViewTest::keyboardStopsAtTheEnds()
 {
-    World world(2);
+    WatchlistViewWorld world(2);
     const int writes = world.defaults.writes;
     QTest::keyClick(world.handle(0), Qt::Key_Up, Qt::AltModifier);
     QTest::keyClick(world.handle(1), Qt::Key_Down, Qt::AltModifier);
@@ -187,7 +187,7 @@ void WatchlistViewTest::keyboardStopsAtTheEnds()
 
 void WatchlistViewTest::dragCommitsTheOrder()
 {
-    World world(4);
+    WatchlistViewWorld world(4);
     AppSettings settings = world.settings.settings();
     settings.watchlistCoins[0].notificationThreshold = 7;
     world.settings.update(settings);
@@ -203,7 +203,7 @@ void WatchlistViewTest::dragCommitsTheOrder()
 
 void WatchlistViewTest::aClickOnTheHandleIsNoDrag()
 {
-    World world(3);
+    WatchlistViewWorld world(3);
     const int writes = world.defaults.writes;
     QTest::mouseClick(world.handle(1), Qt::LeftButton);
     QVERIFY(!world.view->session().draggedID());
@@ -212,7 +212,7 @@ void WatchlistViewTest::aClickOnTheHandleIsNoDrag()
 
 void WatchlistViewTest::changeFromElsewhereEndsADrag()
 {
-    World world(3);
+    WatchlistViewWorld world(3);
     drag(world, 0, 44);
     AppSettings settings = world.settings.settings();
     settings.watchlistCoins.pop_back();
@@ -224,7 +224,7 @@ void WatchlistViewTest::changeFromElsewhereEndsADrag()
 
 void WatchlistViewTest::recommendedRowsToggle()
 {
-    World world(1);
+    WatchlistViewWorld world(1);
     auto *const list = world.view->findChild<CoinToggleList *>(QStringLiteral("watchlist.recommended"));
     QVERIFY(list->model()->rowCount() >= 2);
     const QModelIndex ethereum = list->model()->index(1, 0);
@@ -239,7 +239,7 @@ void WatchlistViewTest::recommendedRowsToggle()
 
 void WatchlistViewTest::emptyListSaysSo()
 {
-    World world(1);
+    WatchlistViewWorld world(1);
     world.view->rows().rowAt(0)->findChild<IconButton *>(QStringLiteral("watchlist.delete"))->click();
     QVERIFY(world.ids().isEmpty());
     QVERIFY(!world.view->rows().isVisible());
@@ -248,7 +248,7 @@ void WatchlistViewTest::emptyListSaysSo()
 
 void WatchlistViewTest::unknownCoinsAndDuplicatesAreShown()
 {
-    World world(1);
+    WatchlistViewWorld world(1);
     AppSettings settings = world.settings.settings();
     settings.watchlistCoins.push_back({QStringLiteral("no-such-coin")});
     settings.watchlistCoins.push_back({QStringLiteral("bitcoin")});
@@ -261,7 +261,7 @@ void WatchlistViewTest::unknownCoinsAndDuplicatesAreShown()
 
 void WatchlistViewTest::searchFindsAndAdds()
 {
-    World world(1);
+    WatchlistViewWorld world(1);
     world.view->findChild<QPushButton *>(QStringLiteral("watchlist.addCoin"))->click();
     auto *const panel = world.view->findChild<WatchlistAddCoinPanel *>();
     QVERIFY(panel && panel->isVisible());
@@ -282,7 +282,7 @@ void WatchlistViewTest::searchFindsAndAdds()
 
 void WatchlistViewTest::searchMarksTheCurrentRow()
 {
-    World world(1);
+    WatchlistViewWorld world(1);
     world.view->openSearch();
     auto *const panel = world.view->findChild<WatchlistAddCoinPanel *>();
     auto *const field = panel->findChild<QLineEdit *>();
@@ -302,7 +302,7 @@ void WatchlistViewTest::searchMarksTheCurrentRow()
 
 void WatchlistViewTest::searchKeepsItsText()
 {
-    World world(1);
+    WatchlistViewWorld world(1);
     world.view->openSearch();
     auto *const panel = world.view->findChild<WatchlistAddCoinPanel *>();
     QTest::keyClicks(panel->findChild<QLineEdit *>(), QStringLiteral("eth"));
@@ -314,7 +314,7 @@ void WatchlistViewTest::searchKeepsItsText()
 
 void WatchlistViewTest::escapeClosesTheSearch()
 {
-    World world(1);
+    WatchlistViewWorld world(1);
     world.view->openSearch();
     auto *const panel = world.view->findChild<WatchlistAddCoinPanel *>();
     QTest::keyClick(panel->findChild<QLineEdit *>(), Qt::Key_Escape);
@@ -324,7 +324,7 @@ void WatchlistViewTest::escapeClosesTheSearch()
 
 void WatchlistViewTest::escapeEndsACompositionFirst()
 {
-    World world(1);
+    WatchlistViewWorld world(1);
     world.view->openSearch();
     auto *const panel = world.view->findChild<WatchlistAddCoinPanel *>();
     auto *const field = panel->findChild<QLineEdit *>();
@@ -340,7 +340,7 @@ void WatchlistViewTest::escapeEndsACompositionFirst()
 
 void WatchlistViewTest::togglingInTheSearchCancelsADrag()
 {
-    World world(3);
+    WatchlistViewWorld world(3);
     drag(world, 0, 88);
     QVERIFY(world.view->session().draggedID());
     world.viewModel.toggle(QStringLiteral("coin-9"), &world.view->session());
@@ -351,7 +351,7 @@ void WatchlistViewTest::togglingInTheSearchCancelsADrag()
 
 void WatchlistViewTest::languageChangeWritesTheTexts()
 {
-    World world(2);
+    WatchlistViewWorld world(2);
     drag(world, 0, 44);
     useLanguage(AppLanguage::zhHans);
     QEvent change(QEvent::LanguageChange);
@@ -365,7 +365,7 @@ void WatchlistViewTest::languageChangeWritesTheTexts()
 
 void WatchlistViewTest::rowsHaveNames()
 {
-    const World world(2);
+    const WatchlistViewWorld world(2);
     const WatchlistRow *const row = world.view->rows().rowAt(1);
     QCOMPARE(row->accessibleName(), QStringLiteral("ETH, ETH"));
     for (const QWidget *const widget : row->findChildren<QWidget *>()) {

@@ -16,7 +16,7 @@ using namespace tickwise::test;
 
 namespace {
 
-const QString category = QStringLiteral("com.pelmo.tickwise.Widget");
+const QString widgetCategory = QStringLiteral("com.pelmo.tickwise.Widget");
 
 WidgetSnapshot snapshotOf(std::vector<QString> watchlist, double price = 67432)
 {
@@ -85,7 +85,7 @@ void WidgetModelTest::withoutAContainer()
     WidgetModel model({}, shippedCoins);
     model.reload();
     QCOMPARE(model.content(), WidgetEntryContent());
-    QCOMPARE(log.texts(category).size(), 1);
+    QCOMPARE(log.texts(widgetCategory).size(), 1);
 }
 
 void WidgetModelTest::showsTheSnapshot()
@@ -144,7 +144,7 @@ void WidgetModelTest::unusableFileLeavesTheLastContent()
     write(bytes);
     model.reload();
     QCOMPARE(model.content(), before);
-    QCOMPARE(log.texts(category).size(), 1);
+    QCOMPARE(log.texts(widgetCategory).size(), 1);
     write(documentOf(snapshotOf({QStringLiteral("bitcoin")}, 2)));
     model.reload();
     QCOMPARE(model.content().rows.front().price, std::optional(2.0));
@@ -170,11 +170,11 @@ void WidgetModelTest::failureIsLoggedOnce()
     write("{");
     model.reload();
     model.reload();
-    QCOMPARE(log.texts(category).size(), 1);
-    QVERIFY(log.texts(category).front().startsWith(QStringLiteral("Widget snapshot not read: ")));
+    QCOMPARE(log.texts(widgetCategory).size(), 1);
+    QVERIFY(log.texts(widgetCategory).front().startsWith(QStringLiteral("Widget snapshot not read: ")));
     write("[]");
     model.reload();
-    QCOMPARE(log.texts(category).size(), 2);
+    QCOMPARE(log.texts(widgetCategory).size(), 2);
 }
 
 void WidgetModelTest::unknownFieldsAreIgnored()

@@ -1,29 +1,14 @@
 #include "platform/session/packages/AppImageReplacement.h"
 
 #include "doubles/TestProgram.h"
+#include "platform/Files.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 using namespace tickwise;
-
-namespace {
-
-void put(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), content.size());
-}
-
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
+using namespace tickwise::test;
 
 class AppImageReplacementTest : public QObject
 {

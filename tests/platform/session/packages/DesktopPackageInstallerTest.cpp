@@ -1,6 +1,7 @@
 #include "platform/session/packages/DesktopPackageInstaller.h"
 
 #include "doubles/TestProgram.h"
+#include "platform/Files.h"
 #include "platform/session/packages/PackageOpening.h"
 
 #include <QFile>
@@ -10,21 +11,14 @@
 #include <optional>
 
 using namespace tickwise;
+using namespace tickwise::test;
 using namespace std::chrono_literals;
 
 namespace {
 
-QByteArray contents(const QString &path)
+void putProgram(const QString &path, const QByteArray &content)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void put(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), content.size());
+    put(path, content);
     QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
 }
 
@@ -61,7 +55,7 @@ void DesktopPackageInstallerTest::init()
 {
     m_directory = std::make_unique<QTemporaryDir>();
     m_path = qgetenv("PATH");
-    put(file("tickwise.deb"), "!<arch>\ndebian-binary");
+    putProgram(file("tickwise.deb"), "!<arch>\ndebian-binary");
 }
 
 void DesktopPackageInstallerTest::cleanup()
@@ -71,8 +65,8 @@ void DesktopPackageInstallerTest::cleanup()
 
 void DesktopPackageInstallerTest::desktop(const QByteArray &handlerQuery, const QByteArray &opening) const
 {
-    put(file("xdg-mime"), "#!/bin/sh\n" + handlerQuery);
-    put(file("xdg-open"), "#!/bin/sh\n" + opening);
+    putProgram(file("xdg-mime"), "#!/bin/sh\n" + handlerQuery);
+    putProgram(file("xdg-open"), "#!/bin/sh\n" + opening);
     qputenv("PATH", QFile::encodeName(m_directory->path()) + ':' + m_path);
 }
 
@@ -134,17 +128,17 @@ void DesktopPackageInstallerTest::aHandlerThatGoesOnHasOpenedIt()
         QVERIFY(answer->has_value());
     }
     QVERIFY(!QFile::exists(file("ended")));
-    put(file("proceed"), {});
+    putProgram(file("proceed"), {});
     QTRY_VERIFY(QFile::exists(file("ended")));
 }
 
 void DesktopPackageInstallerTest::replacesTheRunningAppImage()
 {
-    put(file("tickwise.deb"), QByteArray("\x7f"
-                                         "ELF\x02\x01\x01\x00"
-                                         "AI\x02new",
-                                         14));
-    put(file("Tickwise.AppImage"), "old");
+    putProgram(file("tickwise.deb"), QByteArray("\x7f"
+                                                "ELF\x02\x01\x01\x00"
+                                                "AI\x02new",
+                                                14));
+    putProgram(file("Tickwise.AppImage"), "old");
     const auto result = install(file("Tickwise.AppImage"));
     QVERIFY(result && result->has_value());
     QCOMPARE(**result, PackageInstallation::replaced);
@@ -154,7 +148,7 @@ void DesktopPackageInstallerTest::replacesTheRunningAppImage()
 void DesktopPackageInstallerTest::otherPackagesOfAnAppImageAreOpened()
 {
     desktop("echo installer.desktop", "exit 0");
-    put(file("Tickwise.AppImage"), "old");
+    putProgram(file("Tickwise.AppImage"), "old");
     const auto result = install(file("Tickwise.AppImage"));
     QVERIFY(result && result->has_value());
     QCOMPARE(**result, PackageInstallation::opened);
@@ -163,17 +157,17 @@ void DesktopPackageInstallerTest::otherPackagesOfAnAppImageAreOpened()
 
 void DesktopPackageInstallerTest::anAppImageThatCannotBeReplaced()
 {
-    put(file("tickwise.deb"), QByteArray("\x7f"
-                                         "ELF\x02\x01\x01\x00"
-                                         "AI\x02new",
-                                         14));
+    putProgram(file("tickwise.deb"), QByteArray("\x7f"
+                                                "ELF\x02\x01\x01\x00"
+                                                "AI\x02new",
+                                                14));
     const auto result = install(QStringLiteral("/dev/null/Tickwise.AppImage"));
     QVERIFY(result && !result->has_value());
 }
 
 void DesktopPackageInstallerTest::restarts()
 {
-    put(file("Tickwise.AppImage"), "#!/bin/sh\necho > '" + QFile::encodeName(file("started")) + "'\n");
+    putProgram(file("Tickwise.AppImage"), "#!/bin/sh\necho > '" + QFile::encodeName(file("started")) + "'\n");
     int quits = 0;
     DesktopPackageInstaller installer(file("Tickwise.AppImage"), [&] { ++quits; });
     installer.restart();
@@ -183,7 +177,7 @@ void DesktopPackageInstallerTest::restarts()
 
 void DesktopPackageInstallerTest::startsAfterTheProcess()
 {
-    put(file("next"), "#!/bin/sh\necho > '" + QFile::encodeName(file("started")) + "'\n");
+    putProgram(file("next"), "#!/bin/sh\necho > '" + QFile::encodeName(file("started")) + "'\n");
     QProcess running;
     running.start(QStringLiteral("cat"), {});
     QVERIFY(running.waitForStarted());

@@ -4,8 +4,6 @@
 
 using namespace tickwise;
 
-Q_DECLARE_METATYPE(tickwise::UpdateOutcome)
-
 namespace {
 
 /// Items written as "version" or "version@minimum system", with blanks between them.
