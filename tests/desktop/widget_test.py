@@ -244,6 +244,16 @@ class X11Test(WidgetChecks, unittest.TestCase):
                 self.assertIn(f"_NET_WM_STATE_{state}", states)
             self.assertEqual(widget.stop(), 0)
 
+    def test_loads_nothing_that_only_the_application_needs(self):
+        with self.make_session() as desktop:
+            widget = Widget(desktop)
+            widget.wait_for_color(is_green, *self.corner(desktop))
+            loaded = read(f"/proc/{widget.process.pid}/maps")
+            self.assertIn("libQt6Widgets", loaded)
+            for library in ("libcurl", "libproxy", "libsodium", "libssl"):
+                self.assertNotIn(library, loaded)
+            self.assertEqual(widget.stop(), 0)
+
     def test_reads_its_rows_out(self):
         with self.make_session() as desktop:
             tree = AccessibleTree(desktop)
