@@ -10,8 +10,8 @@ using Frames = std::vector<DesktopRect>;
 using Corner = std::optional<DesktopOverlayOrigin>;
 namespace {
 
-const DesktopRect left{0, 40, 1000, 760};
-const DesktopRect right{1000, 0, 1600, 900};
+const DesktopRect leftScreen{0, 40, 1000, 760};
+const DesktopRect rightScreen{1000, 0, 1600, 900};
 
 } // namespace
 
@@ -61,24 +61,24 @@ void DesktopOverlayPlacementTest::places_data()
     const double notANumber = std::numeric_limits<double>::quiet_NaN();
     row("no screens", at(50, 60), {}, 0, 0);
     row("no screens, nothing saved", {}, {}, 0, 0);
-    row("nothing saved: top right of the first", {}, {left, right}, 576, 576);
-    row("nothing saved: the first in order", {}, {right, left}, 2176, 676);
-    row("where it was", at(100, 700), {left, right}, 100, 500);
-    row("over the left edge", at(-30, 700), {left, right}, 0, 500);
-    row("over the bottom edge", at(100, 100), {left}, 100, 40);
-    row("over the top edge", at(100, 900), {left}, 100, 600);
-    row("over the right edge", at(900, 700), {left}, 600, 500);
-    row("mostly on the left", at(700, 700), {left, right}, 600, 500);
-    row("mostly on the right", at(900, 700), {left, right}, 1000, 500);
-    row("half on each: the earlier", at(800, 700), {left, right}, 600, 500);
-    row("half on each: the earlier, turned", at(800, 700), {right, left}, 1000, 500);
-    row("off every screen: the nearest", at(5000, 5000), {left, right}, 2200, 700);
-    row("off every screen, to the left", at(-5000, 300), {left, right}, 0, 100);
-    row("touching an edge is off the screen", at(-400, 300), {left, right}, 0, 100);
+    row("nothing saved: top right of the first", {}, {leftScreen, rightScreen}, 576, 576);
+    row("nothing saved: the first in order", {}, {rightScreen, leftScreen}, 2176, 676);
+    row("where it was", at(100, 700), {leftScreen, rightScreen}, 100, 500);
+    row("over the left edge", at(-30, 700), {leftScreen, rightScreen}, 0, 500);
+    row("over the bottom edge", at(100, 100), {leftScreen}, 100, 40);
+    row("over the top edge", at(100, 900), {leftScreen}, 100, 600);
+    row("over the right edge", at(900, 700), {leftScreen}, 600, 500);
+    row("mostly on the left", at(700, 700), {leftScreen, rightScreen}, 600, 500);
+    row("mostly on the right", at(900, 700), {leftScreen, rightScreen}, 1000, 500);
+    row("half on each: the earlier", at(800, 700), {leftScreen, rightScreen}, 600, 500);
+    row("half on each: the earlier, turned", at(800, 700), {rightScreen, leftScreen}, 1000, 500);
+    row("off every screen: the nearest", at(5000, 5000), {leftScreen, rightScreen}, 2200, 700);
+    row("off every screen, to the left", at(-5000, 300), {leftScreen, rightScreen}, 0, 100);
+    row("touching an edge is off the screen", at(-400, 300), {leftScreen, rightScreen}, 0, 100);
     row("equally far: the earlier", at(800, 5000), {{0, 0, 1000, 800}, {1000, 0, 1000, 800}}, 600, 600);
-    row("far away", at(1e9, -1e9), {left, right}, 2200, 0);
-    row("not a number counts as nothing saved", at(notANumber, 100), {left}, 576, 576);
-    row("infinite counts as nothing saved", at(100, std::numeric_limits<double>::infinity()), {left}, 576, 576);
+    row("far away", at(1e9, -1e9), {leftScreen, rightScreen}, 2200, 0);
+    row("not a number counts as nothing saved", at(notANumber, 100), {leftScreen}, 576, 576);
+    row("infinite counts as nothing saved", at(100, std::numeric_limits<double>::infinity()), {leftScreen}, 576, 576);
     row("a screen that is too small: its left bottom corner", at(700, 700), {{20, 30, 300, 100}}, 20, 30);
 }
 

@@ -137,9 +137,9 @@ void AppSettingsTest::titlesFollowTheLanguage()
 
 void AppSettingsTest::equalityCoversEveryField_data()
 {
-    using Change = std::function<void(AppSettings &)>;
-    QTest::addColumn<Change>("change");
-    const auto row = [](const char *name, Change change) { QTest::newRow(name) << change; };
+    using SettingsChange = std::function<void(AppSettings &)>;
+    QTest::addColumn<SettingsChange>("change");
+    const auto row = [](const char *name, SettingsChange change) { QTest::newRow(name) << change; };
     row("launchAtLogin", [](AppSettings &s) { s.launchAtLogin = true; });
     row("language", [](AppSettings &s) { s.language = AppLanguage::en; });
     row("baseCurrency", [](AppSettings &s) { s.baseCurrency = BaseCurrency::gbp; });

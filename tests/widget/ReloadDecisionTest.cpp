@@ -10,7 +10,7 @@ using Edit = std::function<void(WidgetSnapshot &)>;
 namespace {
 
 const QString bitcoinId = QStringLiteral("bitcoin");
-const QString ethereum = QStringLiteral("ethereum");
+const QString ethereumId = QStringLiteral("ethereum");
 
 WidgetSnapshot lastSnapshot()
 {
@@ -65,7 +65,7 @@ void ReloadDecisionTest::decides_data()
     row("down color", true, [](WidgetSnapshot &snapshot) { snapshot.downColorHex = QStringLiteral("#000000"); });
     row("swapped colors", true,
         [](WidgetSnapshot &snapshot) { std::swap(snapshot.upColorHex, snapshot.downColorHex); });
-    row("displayed coin", true, [](WidgetSnapshot &snapshot) { snapshot.displayedCoinId = ethereum; });
+    row("displayed coin", true, [](WidgetSnapshot &snapshot) { snapshot.displayedCoinId = ethereumId; });
     row("watchlist shorter", true, [](WidgetSnapshot &snapshot) { snapshot.watchlist.pop_back(); });
     row("watchlist order", true, [](WidgetSnapshot &snapshot) { std::ranges::reverse(snapshot.watchlist); });
     row("1 % up", false, priced(101));
@@ -75,7 +75,7 @@ void ReloadDecisionTest::decides_data()
     row("price gone to zero", true, priced(0));
     row("change only", false, [](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoinId].change24hPercent = 50; });
     row("change gone", false, [](WidgetSnapshot &snapshot) { snapshot.quotes[bitcoinId].change24hPercent.reset(); });
-    row("coin gained its price", true, [](WidgetSnapshot &snapshot) { snapshot.quotes[ethereum] = {1, 1}; });
+    row("coin gained its price", true, [](WidgetSnapshot &snapshot) { snapshot.quotes[ethereumId] = {1, 1}; });
     row("coin lost its price", false, [](WidgetSnapshot &snapshot) { snapshot.quotes.clear(); });
 }
 

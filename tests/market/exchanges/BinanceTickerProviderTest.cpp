@@ -11,7 +11,7 @@ using namespace tickwise::test;
 
 namespace {
 
-const auto root = QStringLiteral("https://api.example.test/api/v3");
+const auto apiRoot = QStringLiteral("https://api.example.test/api/v3");
 
 /// One element with its values as JSON, as they are to stand in the body.
 QByteArray binanceElement(const QByteArray &symbol, const QByteArray &price = "\"1.5\"",
@@ -68,14 +68,14 @@ private:
     static Result<TickerQuotes> parseAt(double secondsSince1970, const QByteArray &body, const QStringList &symbols);
 
     test::TestClock m_clock;
-    BinanceTickerProvider m_provider{root, m_clock.clock()};
+    BinanceTickerProvider m_provider{apiRoot, m_clock.clock()};
 };
 
 Result<TickerQuotes> BinanceTickerProviderTest::parseAt(double secondsSince1970, const QByteArray &body,
                                                         const QStringList &symbols)
 {
     test::TestClock clock(secondsSince1970);
-    return BinanceTickerProvider(root, clock.clock()).parseQuotes(body, symbols);
+    return BinanceTickerProvider(apiRoot, clock.clock()).parseQuotes(body, symbols);
 }
 
 void BinanceTickerProviderTest::requestAddress_data()
@@ -98,7 +98,7 @@ void BinanceTickerProviderTest::requestAddress()
 {
     QFETCH(QStringList, symbols);
     QFETCH(QString, query);
-    QCOMPARE(addressOf(m_provider.makeRequest(symbols)), root + QStringLiteral("/ticker/24hr?") + query);
+    QCOMPARE(addressOf(m_provider.makeRequest(symbols)), apiRoot + QStringLiteral("/ticker/24hr?") + query);
 }
 
 void BinanceTickerProviderTest::requestKeepsNoTimeToWait()
@@ -109,7 +109,7 @@ void BinanceTickerProviderTest::requestKeepsNoTimeToWait()
 
 void BinanceTickerProviderTest::allTickersRequest()
 {
-    QCOMPARE(addressOf(m_provider.makeAllTickersRequest()), root + QStringLiteral("/ticker/24hr"));
+    QCOMPARE(addressOf(m_provider.makeAllTickersRequest()), apiRoot + QStringLiteral("/ticker/24hr"));
     QCOMPARE(m_provider.providerName(), QStringLiteral("binance"));
 }
 
@@ -363,7 +363,7 @@ void BinanceTickerProviderTest::ownClock()
     const auto now = std::chrono::duration_cast<std::chrono::milliseconds>(systemClock().time_since_epoch()).count();
     const QByteArray body =
         '[' + binanceElement("\"BTCUSDT\"", "\"1\"", "\"1\"", QByteArray::number(qint64(now))) + ']';
-    QCOMPARE(BinanceTickerProvider(root).parseQuotes(body, bitcoinOnly)->size(), 1);
+    QCOMPARE(BinanceTickerProvider(apiRoot).parseQuotes(body, bitcoinOnly)->size(), 1);
 }
 
 TICKWISE_TEST(BinanceTickerProviderTest)
