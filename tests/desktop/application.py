@@ -66,6 +66,11 @@ class Application:
         self.tell("price", symbol, usd, change)
         return self.poll()
 
+    def open_popover(self):
+        """Asks for it as a second start does."""
+        self.desktop.bus.call(IDENTIFIER, "/" + IDENTIFIER.replace(".", "/"), "org.freedesktop.Application", "Activate",
+                              "(a{sv})", ({},))
+
     def content(self):
         """What the status item shows."""
         contents = self.events("content")
