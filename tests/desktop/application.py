@@ -93,6 +93,10 @@ class Application:
         """The open windows that say something."""
         return [window for window in self.all_windows() if window["texts"]]
 
+    def window_with_button(self, text):
+        """The open window that has the button, or None."""
+        return next((window for window in self.all_windows() if text in window["buttons"]), None)
+
     def wait_for_window_text(self, text):
         """The window that shows the text."""
         def shown():

@@ -17,9 +17,7 @@ class ScaleTest(unittest.TestCase):
     """HEADLESS-1 of usual and HEADLESS-2, at its right, of double scale."""
 
     def start_session(self):
-        desktop = SwaySession("waybar", notifications=None)
-        desktop.width, desktop.height = 800, 500
-        desktop.start()
+        desktop = SwaySession("waybar", notifications=None, width=800, height=500).start()
         self.addCleanup(desktop.stop)
         desktop.add_output(f"mode {SCALE * desktop.width}x{SCALE * desktop.height}", f"scale {SCALE}")
         return desktop

@@ -44,8 +44,10 @@ class SwaySession(DesktopSession):
     """A headless sway with a bar: "waybar", "swaybar" or None. It refuses to run as root, so that a test that does run as
     root gives the whole session, programs included, to an unprivileged user."""
 
-    def __init__(self, bar="waybar", notifications="dunst"):
+    def __init__(self, bar="waybar", notifications="dunst", width=1280, height=800):
         super().__init__(notifications, UNPRIVILEGED_ID if os.getuid() == 0 else None)
+        self.width = width
+        self.height = height
         self._bar_kind = bar
         self._pointer = None
         self.compositor = None
