@@ -24,6 +24,13 @@ bool isNearAnEdge(QSize screen, QPoint point)
     return !QRect(QPoint(), screen).adjusted(panelDepth, panelDepth, -panelDepth, -panelDepth).contains(point);
 }
 
+/// Where panels have their items: Plasma's at the bottom, those of other desktops with layers mostly at the top.
+QPoint usualItemPlace(QSize screen)
+{
+    return {screen.width(),
+            qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QStringLiteral("KDE")) ? screen.height() : 0};
+}
+
 bool hasSeveralScreens()
 {
     return QGuiApplication::screens().size() > 1;
@@ -171,8 +178,10 @@ void LayerPopoverSurface::place()
     if (!m_window || !m_surface)
         return;
     const QSize size = m_surface->size();
-    const QPoint topRight(size.width(), 0);
-    const PopoverScreen screen{QRect(QPoint(), size), availableArea(size, m_usable, m_click.value_or(topRight))};
+    const QPoint item = m_click.value_or(usualItemPlace(size));
+    // Plasma's panels are no layer surfaces: nothing is taken from the screen for them.
+    const QSize usable = m_anchor.hasStatusItem && m_usable == size ? usableBesideUnknownPanel(size, item) : m_usable;
+    const PopoverScreen screen{QRect(QPoint(), size), availableArea(size, usable, item)};
     QRect panel;
     if (!m_anchor.hasStatusItem)
         panel = popoverInMiddle(screen, m_popover);
