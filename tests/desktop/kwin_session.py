@@ -75,11 +75,14 @@ class KwinSession(DesktopSession):
     def _start_desktop(self):
         make_socket_directory()
         self.environment.update(_PLASMA)
-        program = shutil.copy(shutil.which("kwin_wayland") or "kwin_wayland", self.make_directory(os.path.join(self.directory, "bin")))
+        folder = self.make_directory(os.path.join(self.directory, "bin"))
+        shutil.copy(shutil.which("kwin_wayland") or "kwin_wayland", folder)
         name = "tickwise-kwin"
         free = {"KWIN_SCREENSHOT_NO_PERMISSION_CHECKS": "1", "KWIN_WAYLAND_NO_PERMISSION_CHECKS": "1"}
-        self.compositor = self.start_process("kwin_wayland", [program, "--virtual", "--no-lockscreen", "--width", str(self.width),
-                                                              "--height", str(self.height), "--socket", name, "--xwayland"], free)
+        environment = {**free, "PATH": os.pathsep.join([folder, self.environment["PATH"]])}
+        size = ["--width", str(self.width), "--height", str(self.height)]
+        self.compositor = self.start_process("kwin_wayland", ["kwin_wayland", "--virtual", "--no-lockscreen", *size, "--socket", name,
+                                                              "--xwayland"], environment)
         socket_path = os.path.join(self.environment["XDG_RUNTIME_DIR"], name)
         self.wait_for(lambda: self.compositor.is_running() and os.path.exists(socket_path), what="KWin's socket")
         self.environment.update({"WAYLAND_DISPLAY": name, "QT_QPA_PLATFORM": "wayland"})
@@ -102,8 +105,9 @@ class KwinSession(DesktopSession):
             raise SessionError("KWin's pictures are converted to PNG only")
         reader, writer = os.pipe()
         with os.fdopen(reader, "rb") as pipe:
+            options = {"native-resolution": GLib.Variant("b", True)}
             found = self.bus.call_with_file("org.kde.KWin", "/org/kde/KWin/ScreenShot2", "org.kde.KWin.ScreenShot2",
-                                            "CaptureActiveScreen", "(a{sv}h)", ({"native-resolution": GLib.Variant("b", True)}, 0), writer)
+                                            "CaptureActiveScreen", "(a{sv}h)", (options, 0), writer)
             pixels = pipe.read()
         path = os.path.join(self.directory, "home", "screen")
         with open(path, "wb") as file:
