@@ -48,7 +48,7 @@ HOSTS = {
 POPOVERS = {
     "popover-xfce": (FurnishedSession, (560, 0, 720, 460)),
     "popover-waybar": (lambda: SwaySession("waybar", notifications=None), (800, 0, 480, 460)),
-    "popover-gnome": (GnomeSession, (800, 0, 480, 460)),
+    "popover-gnome": (GnomeSession, (920, 0, 360, 460)),
     "popover-plasma": (x11("plasma", "kwin_x11"), (800, 340, 480, 460)),
     "popover-plasma-wayland": (KwinSession, (800, 340, 480, 460)),
 }

@@ -1,5 +1,6 @@
 #include "platform/statusitem/XEmbedStatusWindow.h"
 
+#include "support/Localization.h"
 #include "support/Markup.h"
 
 #include <QHelpEvent>
@@ -36,6 +37,8 @@ void XEmbedStatusWindow::setContent(const StatusItemContent &content, const Stat
 {
     m_content = content;
     m_style = style;
+    setAccessibleName(content.title);
+    setAccessibleDescription(localized(QStringLiteral("a11y.statusItem")));
     fit();
     update();
 }
