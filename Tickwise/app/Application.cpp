@@ -27,8 +27,8 @@ namespace tickwise {
 
 namespace {
 
-/// A name by which compositors leave the overlay on the screen when they show the desktop.
-constexpr char overlaySurfaceName[] = "desktop";
+/// Not "desktop": KWin stacks a surface of that name with the wallpaper, which covers it at the next click.
+constexpr char overlaySurfaceName[] = "tickwise-overlay";
 
 Q_LOGGING_CATEGORY(lcApplication, "com.pelmo.tickwise.Application")
 

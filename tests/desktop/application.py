@@ -66,6 +66,11 @@ class Application:
         self.tell("price", symbol, usd, change)
         return self.poll()
 
+    def open_popover(self):
+        """Asks for it as a second start does."""
+        self.desktop.bus.call(IDENTIFIER, "/" + IDENTIFIER.replace(".", "/"), "org.freedesktop.Application", "Activate",
+                              "(a{sv})", ({},))
+
     def content(self):
         """What the status item shows."""
         contents = self.events("content")
@@ -87,6 +92,10 @@ class Application:
     def windows(self):
         """The open windows that say something."""
         return [window for window in self.all_windows() if window["texts"]]
+
+    def window_with_button(self, text):
+        """The open window that has the button, or None."""
+        return next((window for window in self.all_windows() if text in window["buttons"]), None)
 
     def wait_for_window_text(self, text):
         """The window that shows the text."""

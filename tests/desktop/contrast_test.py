@@ -1,20 +1,26 @@
 #!/usr/bin/python3
 """Every text of every window has enough contrast, in light and in dark."""
 
+import os
 import time
 import unittest
 
 from accessible_tree import AccessibleTree
-from application import Application, Texts, coin, keep_picture
+from application import BUILD, Application, Texts, coin, keep_picture
 from color_schemes import use_dark_portal, use_scheme
 from contrast import ENOUGH, Area, contrast, text_contrasts
 from desktop_session import X11Session
 from panel_pixels import GREEN, middle, wait_for_box
 from settings_window import open_settings
+from widget_test import snapshot, write_snapshot
 
 ENGLISH = Texts("en")
+DELISTED = [f"fault {exchange} missing:SOL" for exchange in ("binanceMain", "binanceData", "okx", "bybit")]
 WHEEL_DOWN = 5
 SAME_CLICK = 0.3  # seconds
+
+
+WIDGET = os.path.join(BUILD, "tickwise-widget")
 
 
 class Scene:
@@ -23,10 +29,11 @@ class Scene:
     def __init__(self, desktop, use):
         self.desktop = desktop
         self._tree = AccessibleTree(desktop)
-        environment = {**self._tree.environment, **use(desktop)}
-        self._application = Application(desktop, (("BTC", 67432.4, 1.5), ("ETH", 3188, -2)), env=environment,
-                                        commands=["updater"], addedCoins=[coin("bitcoin"), coin("ethereum")],
-                                        colorScheme="custom")
+        self._program = "app_probe"
+        self._environment = {**self._tree.environment, **use(desktop)}
+        self._application = Application(desktop, (("BTC", 67432.4, 1.5), ("ETH", 3188, -2)), env=self._environment,
+                                        commands=["updater", *DELISTED], colorScheme="custom",
+                                        addedCoins=[coin("bitcoin"), coin("ethereum"), coin("solana")])
         self._application.wait_for_content(text="BTC 67,432")
         self._item = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 40))
 
@@ -40,6 +47,11 @@ class Scene:
         self.desktop.press_key("Escape")
         time.sleep(SAME_CLICK)
         self.desktop.click(*self._item)
+
+    def hovered_row(self):
+        """The row that has secondary text."""
+        row = next(node for node, _ in self.nodes() if node.name.startswith("Solana") and node.role == "list item")
+        self.desktop.move_pointer(*row.middle())
 
     def general(self):
         self.desktop.press_key("Escape")
@@ -56,9 +68,32 @@ class Scene:
     def search(self):
         self.node(ENGLISH.text("watchlist.addCoin"), "push button").press()
 
+    def hovered_result(self):
+        panel = ENGLISH.text("watchlist.addCoin")
+        row = next(node for node, _ in self.shown_nodes(panel, "Bitcoin, BTC") if node.name.startswith("Bitcoin, BTC"))
+        self.desktop.move_pointer(*row.middle())
+
     def about(self):
         self.desktop.press_key("Escape")
         self.node(ENGLISH.text("settings.tab.about"), "page tab").press()
+
+    def overlay(self):
+        self.desktop.press_key("Escape")
+        self._application.change_settings(desktopOverlayEnabled=True)
+        return self._list_area()
+
+    def widget(self):
+        self._application.stop()
+        written = snapshot(1.5)
+        written["quotes"].pop("solana")
+        write_snapshot(self.desktop, written)
+        self.desktop.run(WIDGET, env=self._environment)
+        self._program = "tickwise-widget"
+        return self._list_area()
+
+    def _list_area(self):
+        """The list draws more texts than it has rows."""
+        return Area("widget list", self.node(ENGLISH.text("widget.list.title"), "list").extents())
 
     def node(self, name, role=None):
         """The node of that name, once it is there."""
@@ -67,7 +102,7 @@ class Scene:
         return self.desktop.wait_for(found, what=name)
 
     def nodes(self):
-        return self._tree.nodes_with_ancestors("app_probe", only_shown=True)
+        return self._tree.nodes_with_ancestors(self._program, only_shown=True)
 
     def shown_nodes(self, root, text):
         """What is below the node of the name `root`, once the text is among it and shown."""
@@ -90,12 +125,16 @@ class Scene:
 # tree lacks is the area that showing it returns.
 SURFACES = (
     (Scene.status_menu, None, None),
+    (Scene.overlay, None, None),
     (Scene.popover, "Tickwise", "Bitcoin, 67,432"),
+    (Scene.hovered_row, "Tickwise", "Bitcoin, 67,432"),
     (Scene.general, ENGLISH.text("window.settings.title"), ENGLISH.text("general.launch.atLogin")),
     (Scene.general_below, ENGLISH.text("window.settings.title"), ENGLISH.text("general.language.label")),
     (Scene.watchlist, ENGLISH.text("window.settings.title"), ENGLISH.text("watchlist.recommended")),
     (Scene.search, ENGLISH.text("watchlist.addCoin"), "Bitcoin, BTC"),
+    (Scene.hovered_result, ENGLISH.text("watchlist.addCoin"), "Bitcoin, BTC"),
     (Scene.about, ENGLISH.text("window.settings.title"), ENGLISH.text("about.section.updates")),
+    (Scene.widget, None, None),
 )
 
 

@@ -13,10 +13,11 @@ Nothing here skips: a program that is missing or does not start raises SessionEr
 from desktop_base import WATCHER, DesktopSession
 from message_bus import GLib, MessageBus
 from notification_services import NOTIFICATIONS, DunstNotifications, RecordingNotifications
+from nested_sway_session import NestedSwaySession
 from picture import Picture
 from session_process import Process, SessionError, is_alive
 from sway_session import SwaySession
 from x11_session import X11Session
 
-__all__ = ["NOTIFICATIONS", "WATCHER", "DesktopSession", "DunstNotifications", "GLib", "MessageBus", "Picture", "Process",
-           "RecordingNotifications", "SessionError", "SwaySession", "X11Session", "is_alive"]
+__all__ = ["NOTIFICATIONS", "WATCHER", "DesktopSession", "DunstNotifications", "GLib", "MessageBus", "NestedSwaySession", "Picture",
+           "Process", "RecordingNotifications", "SessionError", "SwaySession", "X11Session", "is_alive"]

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Makes the pictures of docs/pictures: the application on private desktops, with prices that are always the same.
 
-Usage: make_pictures.py FOLDER [PICTURE...]   (a host of HOSTS below, "alert", "widget", or a desktop of POPOVERS as "popover-xfce")"""
+Usage: make_pictures.py FOLDER [PICTURE...]   (a host of HOSTS below, "alert", "overlay-xfce", "widget", or one of POPOVERS)"""
 
 import json
 import os
@@ -10,9 +10,11 @@ import sys
 import time
 
 from application import IDENTIFIER, Application, Texts, coin
+from color_schemes import use_scheme
 from desktop_session import SwaySession, X11Session
 from furnished_session import FurnishedSession
 from gnome_session import GnomeSession
+from kwin_session import KwinSession
 from widget_test import Widget, write_snapshot
 
 STRIP_WIDTH = 360
@@ -46,34 +48,20 @@ HOSTS = {
 POPOVERS = {
     "popover-xfce": (FurnishedSession, (560, 0, 720, 460)),
     "popover-waybar": (lambda: SwaySession("waybar", notifications=None), (800, 0, 480, 460)),
-    "popover-gnome": (GnomeSession, (800, 0, 480, 460)),
+    "popover-gnome": (GnomeSession, (920, 0, 360, 460)),
     "popover-plasma": (x11("plasma", "kwin_x11"), (800, 340, 480, 460)),
+    "popover-plasma-wayland": (KwinSession, (800, 340, 480, 460)),
 }
 POPOVER_PRICES = (*PRICES, ("SOL", 150.25, 0.4), ("DOGE", 0.1234, -0.5), ("XRP", 0.52, 0), ("ADA", 0.4512, 3.2))
 POPOVER_COINS = [coin(name) for name in ("bitcoin", "ethereum", "solana", "dogecoin", "ripple", "cardano")]
-USUAL = ("xfce", "waybar", "alert", "popover-xfce", "popover-waybar", "widget")
+OVERLAY_AREA = (0, 0, 1280, 460)
+USUAL = ("xfce", "waybar", "alert", "popover-xfce", "popover-waybar", "overlay-xfce", "widget")
 
 WIDGET_SIZES = {"small": (170, 166), "medium": (364, 166), "large": (364, 439)}
 WIDGET_QUOTES = {"bitcoin": (67432.4, 1.52), "ethereum": (3188.07, -2.1), "solana": (150.25, 0.43), "binancecoin": (602.5, 0),
                  "ripple": (0.5213, -0.87), "dogecoin": (0.1234, 4.06), "tron": (0.1187, None), "cardano": (0.4471, 1.12),
                  "chainlink": (14.38, -3.4), "monero": (None, None)}
-# Languages and color schemes of the widget's pictures.
-WIDGET_LOOKS = {"light": ("en", False), "dark": ("en", True), "chinese": ("zh-Hans", False), "traditional": ("zh-Hant", True)}
-# The toolkit reads these colors on KDE's desktop.
-DARK_DESKTOP = {"XDG_CURRENT_DESKTOP": "KDE", "KDE_SESSION_VERSION": "5"}
-DARK_COLORS = """[Colors:Window]
-BackgroundNormal=42,46,50
-ForegroundNormal=252,252,252
-[Colors:View]
-BackgroundNormal=27,30,32
-ForegroundNormal=252,252,252
-[Colors:Button]
-BackgroundNormal=49,54,59
-ForegroundNormal=252,252,252
-[Colors:Selection]
-BackgroundNormal=61,174,233
-ForegroundNormal=252,252,252
-"""
+LANGUAGES = ("en", "zh-Hans", "zh-Hant")
 
 
 def convert(*arguments, data=None):
@@ -149,7 +137,8 @@ def picture_of_popover(path, name):
                          "(a{sv})", ({},))
         application.wait_for_window_text(Texts("en").text("popover.watchlist"))
         with open(path, "wb") as file:
-            file.write(convert("png:-", "-colors", "255", "PNG8:-", data=changed_crop(desktop, area, unlike)))
+            picture = changed_crop(desktop, area, unlike)
+            file.write(convert("png:-", "+dither", "-colors", "255", "PNG8:-", data=picture))
 
 
 def widget_snapshot(language):
@@ -159,26 +148,50 @@ def widget_snapshot(language):
             "watchlist": list(WIDGET_QUOTES), "quotes": quotes}
 
 
-def picture_of_widget(path, language, dark):
-    """Its three sizes side by side."""
+def picture_of_widget(path, scheme):
+    """Its three sizes side by side, the languages one below the other."""
     with SwaySession(None, notifications=None) as desktop:
-        settings = desktop.environment["XDG_CONFIG_HOME"]
-        if dark:
-            desktop.write_file(os.path.join(settings, "kdeglobals"), DARK_COLORS)
-        write_snapshot(desktop, widget_snapshot(language))
+        environment = use_scheme(desktop, scheme)
         desktop.move_pointer(desktop.width - 1, desktop.height - 1)
-        unlike, columns = [], []
-        for size, (width, height) in WIDGET_SIZES.items():
-            area = (20, 20, width + 40, height + 40)
-            unlike.append(pixels(crop(desktop, *area)))
-            place = {"size": size, "topLeft": {"x": 40, "y": desktop.height - 40}}
-            desktop.write_file(os.path.join(settings, "com.pelmo.tickwise.widget", "widget.json"), json.dumps(place))
-            widget = Widget(desktop, change=None, env=DARK_DESKTOP if dark else None)
-            columns.append(os.path.join(desktop.directory, f"{size}.png"))
-            with open(columns[-1], "wb") as file:
-                file.write(settled_crop(desktop, area, unlike))
-            widget.stop()
-        convert(*columns, "-background", "#3f3f3f", "+append", "-colors", "255", f"PNG8:{path}")
+        rows = []
+        for language in LANGUAGES:
+            write_snapshot(desktop, widget_snapshot(language))
+            rows.append(os.path.join(desktop.directory, f"{language}.png"))
+            convert(*widget_sizes(desktop, environment, language), "-background", "#3f3f3f", "+append", rows[-1])
+        convert(*rows, "-append", "-strip", "+dither", "-colors", "255", f"PNG8:{path}")
+
+
+def widget_sizes(desktop, environment, language):
+    """The files with the widget in each size."""
+    unlike, files = [], []
+    for size, (width, height) in WIDGET_SIZES.items():
+        area = (20, 20, width + 40, height + 40)
+        unlike.append(pixels(crop(desktop, *area)))
+        place = json.dumps({"size": size, "topLeft": {"x": 40, "y": desktop.height - 40}})
+        preferences = os.path.join(desktop.environment["XDG_CONFIG_HOME"], "com.pelmo.tickwise.widget", "widget.json")
+        desktop.write_file(preferences, place)
+        widget = Widget(desktop, change=None, env=environment)
+        files.append(os.path.join(desktop.directory, f"{language}-{size}.png"))
+        with open(files[-1], "wb") as file:
+            file.write(settled_crop(desktop, area, unlike))
+        widget.stop()
+    return files
+
+
+def picture_of_overlay(path):
+    """On a desktop in use, half transparent."""
+    with FurnishedSession() as desktop:
+        for note in desktop.processes("note"):
+            desktop.stop_process(note)
+        unlike = []
+        settled_crop(desktop, OVERLAY_AREA, unlike)
+        place = {"x": 440, "y": desktop.height - 110}
+        application = Application(desktop, POPOVER_PRICES, addedCoins=POPOVER_COINS, desktopOverlayEnabled=True,
+                                  desktopOverlayBackgroundOpacity=0.85, desktopOverlayTopLeft=place)
+        application.wait_for_content(text="BTC 67,432")
+        with open(path, "wb") as file:
+            picture = settled_crop(desktop, OVERLAY_AREA, unlike)
+            file.write(convert("png:-", "+dither", "-colors", "255", "PNG8:-", data=picture))
 
 
 def main():
@@ -191,9 +204,12 @@ def main():
             path = os.path.join(folder, f"{name}.png")
             picture_of_popover(path, name)
         elif name == "widget":
-            for look, (language, dark) in WIDGET_LOOKS.items():
-                path = os.path.join(folder, f"widget-{look}.png")
-                picture_of_widget(path, language, dark)
+            for scheme in ("light", "dark"):
+                path = os.path.join(folder, f"widget-{scheme}.png")
+                picture_of_widget(path, scheme)
+        elif name == "overlay-xfce":
+            path = os.path.join(folder, f"{name}.png")
+            picture_of_overlay(path)
         else:
             path = os.path.join(folder, f"panel-{name}.png")
             picture_of_panel(path, name)

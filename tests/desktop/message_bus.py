@@ -76,6 +76,14 @@ class MessageBus:
         return self._connection.call_sync(service, path, interface, method, parameters, None,
                                           Gio.DBusCallFlags.NO_AUTO_START, int(timeout * 1000), None).unpack()
 
+    def call_with_file(self, service, path, interface, method, signature, arguments, file):
+        """The same for a method that takes a file as the argument 0 of type h. Closes it. Returns the first result."""
+        parameters = GLib.Variant(signature, arguments)
+        files = Gio.UnixFDList.new_from_array([file])
+        answer, _ = self._connection.call_with_unix_fd_list_sync(
+            service, path, interface, method, parameters, None, Gio.DBusCallFlags.NO_AUTO_START, 10000, files, None)
+        return answer.unpack()[0]
+
     def property(self, service, path, interface, name):
         return self.call(service, path, "org.freedesktop.DBus.Properties", "Get", "(ss)", (interface, name))[0]
 

@@ -191,6 +191,33 @@ class WaybarTest(StatusItemChecks, unittest.TestCase):
         desktop.wait_for(lambda: changed_box(before, desktop.picture()) is None, what="the menu's end")
 
 
+class ScaledTest(StatusItemChecks, unittest.TestCase):
+    """Programs drawn larger than the panel: its height stays, and so does the text's whole width."""
+
+    def check_text_is_whole(self, scale):
+        with X11Session("xfce4-panel", notifications=None) as desktop:
+            probe = desktop.run(PROBE, env={"QT_SCALE_FACTOR": scale})
+            for content, color, narrowest in ((UP, GREEN, 75), (DOWN, RED, 65), (PILL, GREEN, 75)):
+                self.show(probe, content)
+                desktop.wait_for(lambda: self.is_whole(desktop, color, narrowest), what=f"all of {content['text']}")
+
+    def is_whole(self, desktop, color, narrowest):
+        """Whether the text or pill is as wide as its window but for a margin, and ends inside of it."""
+        box = box_of(desktop.picture(), coloured(color))
+        windows = [desktop.window_geometry(window) for window in desktop.windows("statusitem_probe")]
+        if not box or len(windows) != 1:
+            return False
+        left, top, width, height = windows[0]
+        is_inside = left <= box[0] and top <= box[1] and box[0] + box[2] <= left + width and box[1] + box[3] <= top + height
+        return is_inside and height <= 30 and narrowest <= box[2] and width - box[2] < 20
+
+    def test_at_one_and_a_half(self):
+        self.check_text_is_whole("1.5")
+
+    def test_at_double(self):
+        self.check_text_is_whole("2")
+
+
 class SwaybarTest(StatusItemChecks, unittest.TestCase):
     def test_compact_icon(self):
         with SwaySession("swaybar", notifications=None) as desktop:

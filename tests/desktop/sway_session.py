@@ -4,16 +4,17 @@ import json
 import os
 
 from desktop_base import WATCHER, DesktopSession, make_socket_directory
+from picture import Picture
 from session_process import SessionError
 from virtual_pointer import VirtualPointer
 
 UNPRIVILEGED_ID = 65534
 
-_SWAY = """output HEADLESS-1 mode {width}x{height}
+_SWAY = """{outputs}
 xwayland enable
 default_border normal
 focus_follows_mouse no
-{bar}
+{lines}
 exec printf '%s %s %s\\n' "$SWAYSOCK" "$WAYLAND_DISPLAY" "$DISPLAY" > {ready}
 """
 
@@ -43,8 +44,10 @@ class SwaySession(DesktopSession):
     """A headless sway with a bar: "waybar", "swaybar" or None. It refuses to run as root, so that a test that does run as
     root gives the whole session, programs included, to an unprivileged user."""
 
-    def __init__(self, bar="waybar", notifications="dunst"):
+    def __init__(self, bar="waybar", notifications="dunst", width=1280, height=800):
         super().__init__(notifications, UNPRIVILEGED_ID if os.getuid() == 0 else None)
+        self.width = width
+        self.height = height
         self._bar_kind = bar
         self._pointer = None
         self.compositor = None
@@ -66,18 +69,25 @@ class SwaySession(DesktopSession):
         """Sends a command or, with "-t", a question to sway; returns its JSON answer."""
         return json.loads(self.tool(["swaymsg", "-r", *words]))
 
-    def add_output(self):
-        """Adds an output at the right of the others."""
-        before = len(self.message("-t", "get_outputs"))
+    def add_output(self, *settings):
+        """Adds an output at the right of the others, with sway's settings for it."""
+        before = {output["name"] for output in self.outputs()}
         self.message("create_output")
-        outputs = self.wait_for(lambda: self._outputs(before + 1), what="another output")
-        self._pointer.set_extent(max(each["x"] + each["width"] for each in outputs),
-                                 max(each["y"] + each["height"] for each in outputs))
+        self.wait_for(lambda: len(self.outputs()) > len(before), what="another output")
+        (name,) = {output["name"] for output in self.outputs()} - before
+        for setting in settings:
+            self.message(f"output {name} {setting}")
+        self.measure_outputs()
 
-    def _outputs(self, count):
-        """The places of all outputs once there are so many."""
-        places = [output["rect"] for output in self.message("-t", "get_outputs")]
-        return places if len(places) == count else None
+    def outputs(self):
+        """The outputs as sway describes them."""
+        return self.message("-t", "get_outputs")
+
+    def measure_outputs(self):
+        """Tells the pointer where the outputs are."""
+        places = [output["rect"] for output in self.outputs()]
+        self._pointer.set_extent(max(each["x"] + each["width"] for each in places),
+                                 max(each["y"] + each["height"] for each in places))
 
     def windows(self, name):
         """The windows of the layout whose title or application id contains the text, as sway describes them."""
@@ -112,20 +122,18 @@ class SwaySession(DesktopSession):
     def press_key(self, key):
         self.tool(["wtype", "-k", key])
 
+    def picture_of(self, output):
+        """What that output shows, in its own pixels."""
+        return Picture(self.tool(["grim", "-o", output, "-t", "ppm", "-"]))
+
     def _capture(self, kind):
         return self.tool(["grim", "-t", kind, "-"])
 
     def _start_desktop(self):
         make_socket_directory()
         self.environment["XDG_CURRENT_DESKTOP"] = "sway"
-        ready = os.path.join(self.directory, "ready")
-        bar = _SWAYBAR if self._bar_kind == "swaybar" else ""
-        configuration = self.write_file("sway.conf", _SWAY.format(width=self.width, height=self.height, bar=bar, ready=ready))
-        headless = {"WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1", "WLR_RENDERER": "pixman"}
-        self.compositor = self.start_process("sway", ["sway", "-c", configuration], headless)
-        words = self.wait_for(lambda: self._read_ready(ready), what="sway")
-        self.environment.update(zip(("SWAYSOCK", "WAYLAND_DISPLAY", "DISPLAY"), words))
         self.environment["XDG_SESSION_TYPE"] = "wayland"
+        self._start_compositor()
         socket_path = os.path.join(self.environment["XDG_RUNTIME_DIR"], self.environment["WAYLAND_DISPLAY"])
         self._pointer = VirtualPointer(socket_path, self.width, self.height)
         # A seat has the keyboard only while a client holds one.
@@ -136,16 +144,32 @@ class SwaySession(DesktopSession):
         elif self._bar_kind == "swaybar":
             self._wait_for_item_host()
 
-    def _read_ready(self, path):
-        if not self.compositor.is_running():
-            raise SessionError(f"sway did not start\n{self.compositor.log()}")
-        if not os.path.exists(path):
-            return None
-        with open(path, encoding="utf-8") as file:
-            words = file.read().split()
-        return words if len(words) == 3 else None
+    def _start_compositor(self):
+        headless = {"WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1"}
+        bar = _SWAYBAR if self._bar_kind == "swaybar" else ""
+        outputs = f"output HEADLESS-1 mode {self.width}x{self.height}"
+        self.compositor, found = self.start_sway("sway", outputs, bar, headless)
+        self.environment.update(found)
+
+    def start_sway(self, name, outputs, lines, environment):
+        """Starts a sway with these lines in its configuration. Returns its process and what programs need to reach it."""
+        ready = os.path.join(self.directory, f"{name}.ready")
+        configuration = self.write_file(f"{name}.conf", _SWAY.format(outputs=outputs, lines=lines, ready=ready))
+        process = self.start_process(name, ["sway", "-c", configuration], {"WLR_RENDERER": "pixman", **environment})
+        words = self.wait_for(lambda: _read_ready(process, ready), what=name)
+        return process, dict(zip(("SWAYSOCK", "WAYLAND_DISPLAY", "DISPLAY"), words))
 
     def _stop_desktop(self):
         if self._pointer is not None:
             self._pointer.close()
             self._pointer = None
+
+
+def _read_ready(process, path):
+    if not process.is_running():
+        raise SessionError(f"sway did not start\n{process.log()}")
+    if not os.path.exists(path):
+        return None
+    with open(path, encoding="utf-8") as file:
+        words = file.read().split()
+    return words if len(words) == 3 else None

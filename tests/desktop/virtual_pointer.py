@@ -1,4 +1,4 @@
-"""A pointer for a Wayland compositor that runs without input devices."""
+"""Input for Wayland compositors that run without input devices."""
 
 import socket
 import struct
@@ -6,18 +6,17 @@ import time
 
 _DISPLAY = 1
 _REGISTRY = 2
-_MANAGER = "zwlr_virtual_pointer_manager_v1"
 
 
-class VirtualPointer:
-    """A client of zwlr_virtual_pointer_manager_v1, written out message by message: the protocol's description is not
-    among the files that a machine usually has. It has to live as long as its pointer is wanted."""
+class WaylandInput:
+    """A client of a compositor's interface for input, written out message by message: the protocols' descriptions are not
+    among the files that a machine usually has. It has to live as long as its devices are wanted."""
 
     BUTTONS = {1: 0x110, 2: 0x112, 3: 0x111}
+    interface = ""
+    version = 1
 
-    def __init__(self, socket_path, width, height):
-        self._width = width
-        self._height = height
+    def __init__(self, socket_path):
         self._socket = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
         self._socket.settimeout(5)
         self._socket.connect(socket_path)
@@ -25,27 +24,14 @@ class VirtualPointer:
         self._next_id = 3
         self._send(_DISPLAY, 1, struct.pack("=I", _REGISTRY))
         globals_ = self._list_globals()
-        if _MANAGER not in globals_:
-            raise RuntimeError(f"the compositor has no {_MANAGER}: {sorted(globals_)}")
-        manager = self._new_id()
-        interface = _string(_MANAGER)
-        self._send(_REGISTRY, 0, struct.pack("=I", globals_[_MANAGER]) + interface + struct.pack("=II", 1, manager))
-        self._pointer = self._new_id()
-        self._send(manager, 0, struct.pack("=II", 0, self._pointer))
-        self._round_trip()
+        if self.interface not in globals_:
+            raise RuntimeError(f"the compositor has no {self.interface}: {sorted(globals_)}")
+        self._manager = self._new_id()
+        name = struct.pack("=I", globals_[self.interface])
+        self._send(_REGISTRY, 0, name + string(self.interface) + struct.pack("=II", self.version, self._manager))
 
     def close(self):
         self._socket.close()
-
-    def set_extent(self, width, height):
-        """The size of all outputs together: what positions are measured in."""
-        self._width = width
-        self._height = height
-
-    def move(self, x, y):
-        position = struct.pack("=IIIII", _milliseconds(), int(x), int(y), self._width, self._height)
-        self._send(self._pointer, 1, position)
-        self._frame()
 
     def press(self, button):
         self._button(button, 1)
@@ -53,22 +39,8 @@ class VirtualPointer:
     def release(self, button):
         self._button(button, 0)
 
-    def scroll(self, steps):
-        """Positive steps scroll down."""
-        source_wheel = 0
-        vertical = 0
-        fixed = int(steps * 15 * 256)
-        self._send(self._pointer, 5, struct.pack("=I", source_wheel))
-        self._send(self._pointer, 7, struct.pack("=IIii", _milliseconds(), vertical, fixed, steps))
-        self._frame()
-
     def _button(self, button, state):
-        self._send(self._pointer, 2, struct.pack("=III", _milliseconds(), self.BUTTONS[button], state))
-        self._frame()
-
-    def _frame(self):
-        self._send(self._pointer, 4, b"")
-        self._round_trip()
+        raise NotImplementedError
 
     def _new_id(self):
         self._next_id += 1
@@ -112,7 +84,48 @@ class VirtualPointer:
         return result
 
 
-def _string(text):
+class VirtualPointer(WaylandInput):
+    """A pointer of zwlr_virtual_pointer_manager_v1."""
+
+    interface = "zwlr_virtual_pointer_manager_v1"
+
+    def __init__(self, socket_path, width, height):
+        super().__init__(socket_path)
+        self._width = width
+        self._height = height
+        self._pointer = self._new_id()
+        self._send(self._manager, 0, struct.pack("=II", 0, self._pointer))
+        self._round_trip()
+
+    def set_extent(self, width, height):
+        """The size of all outputs together: what positions are measured in."""
+        self._width = width
+        self._height = height
+
+    def move(self, x, y):
+        position = struct.pack("=IIIII", _milliseconds(), int(x), int(y), self._width, self._height)
+        self._send(self._pointer, 1, position)
+        self._frame()
+
+    def scroll(self, steps):
+        """Positive steps scroll down."""
+        source_wheel = 0
+        vertical = 0
+        fixed = int(steps * 15 * 256)
+        self._send(self._pointer, 5, struct.pack("=I", source_wheel))
+        self._send(self._pointer, 7, struct.pack("=IIii", _milliseconds(), vertical, fixed, steps))
+        self._frame()
+
+    def _button(self, button, state):
+        self._send(self._pointer, 2, struct.pack("=III", _milliseconds(), self.BUTTONS[button], state))
+        self._frame()
+
+    def _frame(self):
+        self._send(self._pointer, 4, b"")
+        self._round_trip()
+
+
+def string(text):
     data = text.encode() + b"\0"
     return struct.pack("=I", len(data)) + data + b"\0" * (-len(data) % 4)
 

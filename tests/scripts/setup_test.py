@@ -23,6 +23,7 @@ NOT_NEEDED = {"no-such-program", "sudo"}
 # Panels that only `scripts/pictures --all-desktops` starts, so that no machine needs to have them, and the listed package that
 # brings each.
 OTHER_DESKTOPS = {"mate-panel": "mate-panel", "lxqt-panel": "lxqt-panel", "gnome-shell": "gnome-shell", "kwin_x11": "kwin-x11",
+                  "kwin_wayland": "kwin-wayland",
                   "plasmashell": "plasma-workspace", "kded5": "plasma-workspace", "org.kde.ActivityManager": "plasma-workspace"}
 
 

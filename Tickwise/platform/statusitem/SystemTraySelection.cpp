@@ -23,6 +23,16 @@ std::optional<uint32_t> newParent(const xcb_generic_event_t &event, uint32_t win
     return reparent.parent;
 }
 
+/// Where the window is in its parent.
+std::optional<QRect> geometryOf(xcb_connection_t *connection, uint32_t window)
+{
+    const Reply<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
+    if (!geometry)
+        return std::nullopt;
+    return QRect(geometry->x, geometry->y, geometry->width, geometry->height);
+}
+
 /// Waits until the X server knows the windows that Qt has made: they were made on Qt's connection, not on ours.
 void synchronizeOwnWindows()
 {
@@ -85,6 +95,7 @@ void SystemTraySelection::readEvents()
 {
     bool ownerMayDiffer = false;
     bool colorsMayDiffer = false;
+    bool wasMoved = false;
     std::optional<uint32_t> parent;
     while (const MallocPointer<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
         const int type = event->response_type & 0x7f;
@@ -94,9 +105,12 @@ void SystemTraySelection::readEvents()
         colorsMayDiffer |= type == XCB_PROPERTY_NOTIFY;
         if (const auto told = newParent(*event, m_window))
             parent = told;
+        wasMoved |= type == XCB_CONFIGURE_NOTIFY;
     }
     if (parent)
         reportParent(*parent);
+    if (m_isDocked && (parent || wasMoved))
+        keepInTray();
     if (ownerMayDiffer)
         findOwner();
     else if (colorsMayDiffer)
@@ -110,6 +124,21 @@ void SystemTraySelection::reportParent(uint32_t parent)
         Q_EMIT docked();
     else
         Q_EMIT undocked();
+}
+
+/// Qt takes the tray's window for the screen when it resizes or shows ours, which then lies beside what it is to fill.
+void SystemTraySelection::keepInTray()
+{
+    const Reply<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_window), nullptr));
+    const std::optional<QRect> tray = tree ? geometryOf(m_connection, tree->parent) : std::nullopt;
+    const std::optional<QRect> window = geometryOf(m_connection, m_window);
+    if (tray && window && !window->topLeft().isNull() && !QRect(QPoint(), tray->size()).contains(*window)) {
+        const uint32_t corner[] = {0, 0};
+        xcb_configure_window(m_connection, m_window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, corner);
+        xcb_flush(m_connection);
+    }
+    readEventsLater();
 }
 
 void SystemTraySelection::findOwner()

@@ -35,6 +35,7 @@ private:
     uint32_t atom(const QByteArray &name) const;
     void readEvents();
     void reportParent(uint32_t parent);
+    void keepInTray();
     void findOwner();
     void readColors();
     void readEventsLater();

@@ -1,5 +1,6 @@
 #include "platform/statusitem/XEmbedStatusWindow.h"
 
+#include "support/Localization.h"
 #include "support/Markup.h"
 
 #include <QHelpEvent>
@@ -13,7 +14,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr int usualHeight = 22;
+constexpr int usualHeight = 22; // device pixels: panels do not follow the toolkit's scale
 // The tray moves the window into place; until then it must not show on the desktop.
 constexpr QPoint beyondTheScreen(-2000, -2000);
 
@@ -28,7 +29,7 @@ XEmbedStatusWindow::XEmbedStatusWindow(Shape shape)
     setAttribute(Qt::WA_AlwaysShowToolTips);
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(QStringLiteral("Tickwise"));
-    setMinimumSize(usualHeight, usualHeight);
+    setMinimumSize(minimumHeight(), minimumHeight());
     setGeometry(QRect(beyondTheScreen, minimumSize()));
 }
 
@@ -36,6 +37,8 @@ void XEmbedStatusWindow::setContent(const StatusItemContent &content, const Stat
 {
     m_content = content;
     m_style = style;
+    setAccessibleName(content.title);
+    setAccessibleDescription(localized(QStringLiteral("a11y.statusItem")));
     fit();
     update();
 }
@@ -47,8 +50,14 @@ void XEmbedStatusWindow::fit()
     const double needed = statusItemWidth(m_content, m_style.font, height());
     const int width =
         int(m_content.logo ? needed : m_widths.widthFor(m_style.font, height(), m_content.text.size(), needed));
-    setMinimumSize(width, usualHeight);
+    setMinimumSize(width, minimumHeight());
     resize(width, height());
+}
+
+/// Panels make a window narrower in proportion that asks for more height than they have.
+int XEmbedStatusWindow::minimumHeight() const
+{
+    return int(usualHeight / devicePixelRatioF());
 }
 
 bool XEmbedStatusWindow::event(QEvent *event)

@@ -39,6 +39,7 @@ protected:
 
 private:
     void fit();
+    int minimumHeight() const;
 
     Shape m_shape;
     StatusItemContent m_content;

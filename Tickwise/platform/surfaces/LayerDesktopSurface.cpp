@@ -17,6 +17,13 @@ int area(const QRect &rect)
     return rect.isEmpty() ? 0 : rect.width() * rect.height();
 }
 
+QRect movedInto(const QRect &area, QRect frame)
+{
+    frame.moveLeft(std::max(area.left(), std::min(frame.left(), area.right() - frame.width() + 1)));
+    frame.moveTop(std::max(area.top(), std::min(frame.top(), area.bottom() - frame.height() + 1)));
+    return frame;
+}
+
 } // namespace
 
 LayerDesktopSurface::LayerDesktopSurface(std::unique_ptr<LayerShell> shell, DesktopSurfaceOptions options)
@@ -99,6 +106,9 @@ void LayerDesktopSurface::attach()
     m_screen = screenFor(m_frame);
     if (!m_screen)
         return;
+    // The screen that showed it may have gone.
+    if (!m_screen->geometry().intersects(m_frame))
+        m_frame = movedInto(visibleFrame(*m_screen), m_frame);
     const Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint;
     if (m_window->windowFlags() != flags)
         m_window->setParent(nullptr, flags);
@@ -108,6 +118,7 @@ void LayerDesktopSurface::attach()
     QWindow *const handle = m_window->windowHandle();
     handle->setScreen(m_screen);
     handle->create();
+    m_sentMargins = margins();
     const LayerSurfaceRequest request{.name = m_options.name.constData(),
                                       .layer =
                                           m_isInteractive ? LayerSurfaceRequest::overlay : LayerSurfaceRequest::bottom,
@@ -115,7 +126,7 @@ void LayerDesktopSurface::attach()
                                       .takesKeyboard = m_isInteractive,
                                       .screen = m_screen,
                                       .size = m_frame.size(),
-                                      .margins = margins()};
+                                      .margins = m_sentMargins};
     m_surface = m_shell->makeSurface(*handle, request);
     if (!m_surface)
         return;
@@ -189,7 +200,8 @@ void LayerDesktopSurface::sendPlace()
 {
     m_isPlacing = true;
     m_isPlaceOld = false;
-    m_surface->setPlace(m_frame.size(), margins());
+    m_sentMargins = margins();
+    m_surface->setPlace(m_frame.size(), m_sentMargins);
     m_surface->commit([this, position = m_frame.topLeft()] {
         m_isPlacing = false;
         m_applied = position;
@@ -237,7 +249,8 @@ void LayerDesktopSurface::setInteractive(bool interactive)
 void LayerDesktopSurface::screensMayDiffer()
 {
     m_usableArea.refresh();
-    if (m_window && (!m_surface || !m_screen))
+    // The compositor has moved a window whose margins are old. Some do not redraw one that is moved back.
+    if (m_window && (!m_surface || !m_screen || margins() != m_sentMargins))
         reattach();
     if (onScreensChanged)
         onScreensChanged();

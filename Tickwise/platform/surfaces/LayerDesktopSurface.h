@@ -57,6 +57,7 @@ private:
     QTimer m_appear;
     std::unique_ptr<LayerPointer> m_pointer; ///< where clicks are taken
     QRect m_frame;
+    QMargins m_sentMargins;
     QPoint m_applied; ///< where the compositor has the window
     bool m_isInteractive = false;
     bool m_isPlacing = false;  ///< the compositor has not yet applied the last place

@@ -50,7 +50,7 @@ const wl_pointer_listener LayerPointer::listener = {
             static_cast<LayerPointer *>(self)->press(state == WL_POINTER_BUTTON_STATE_PRESSED);
         },
     .axis = [](void *, wl_pointer *, uint32_t, uint32_t, wl_fixed_t) {},
-    .frame = [](void *, wl_pointer *) {},
+    .frame = [](void *self, wl_pointer *) { static_cast<LayerPointer *>(self)->endFrame(); },
     .axis_source = [](void *, wl_pointer *, uint32_t) {},
     .axis_stop = [](void *, wl_pointer *, uint32_t, uint32_t) {},
     .axis_discrete = [](void *, wl_pointer *, uint32_t, int32_t) {},
@@ -88,11 +88,22 @@ void LayerPointer::move(QPointF inside)
 {
     if (m_isInside && (m_pressed == 0 || !m_relative))
         m_position = m_origin() + inside;
+    else
+        m_moved = inside;
+}
+
+/// Not every compositor tells relative motions of devices that know only places, as those of virtual machines.
+void LayerPointer::endFrame()
+{
+    const std::optional<QPointF> moved = std::exchange(m_moved, std::nullopt);
+    if (!std::exchange(m_movedRelatively, false) && moved && m_isInside)
+        m_position = m_origin() + *moved;
 }
 
 void LayerPointer::relativeMotion(void *self, wl_proxy *, uint32_t, uint32_t, int32_t x, int32_t y, int32_t, int32_t)
 {
     auto &pointer = *static_cast<LayerPointer *>(self);
+    pointer.m_movedRelatively = true;
     const QScreen *const screen = pointer.m_window.screen();
     if (pointer.m_isInside && pointer.m_pressed > 0 && screen)
         pointer.m_position = inside(screen->virtualGeometry(), pointer.m_position + point(x, y));

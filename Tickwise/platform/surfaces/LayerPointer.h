@@ -39,6 +39,7 @@ private:
     static void relativeMotion(void *self, wl_proxy *, uint32_t, uint32_t, int32_t x, int32_t y, int32_t, int32_t);
     void enter(wl_surface *surface, QPointF inside);
     void move(QPointF inside);
+    void endFrame();
     void press(bool pressed);
 
     const QWindow &m_window;
@@ -46,6 +47,8 @@ private:
     std::function<QPoint()> m_origin;
     QPointF m_position;
     QPointF m_pressPosition;
+    std::optional<QPointF> m_moved; ///< to there in the window, since the last frame
+    bool m_movedRelatively = false; ///< since the last frame
     bool m_isInside = false;
     int m_pressed = 0;                              ///< buttons
     std::unique_ptr<wl_pointer, Release> m_pointer; ///< none without a pointing device

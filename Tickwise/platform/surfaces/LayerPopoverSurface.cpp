@@ -3,6 +3,8 @@
 #include "platform/surfaces/PopoverPlacement.h"
 
 #include <QEnterEvent>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QWindow>
 
 #include <chrono>
@@ -13,11 +15,25 @@ namespace {
 
 constexpr char surfaceName[] = "tickwise-popover";
 constexpr std::chrono::milliseconds pointerComes{100};
+constexpr std::chrono::milliseconds pointerComesSomewhere{500};
+constexpr std::chrono::milliseconds screenIsKnown{200};
 constexpr int panelDepth = 64; // no panel's items are farther from the screen's edge
 
 bool isNearAnEdge(QSize screen, QPoint point)
 {
     return !QRect(QPoint(), screen).adjusted(panelDepth, panelDepth, -panelDepth, -panelDepth).contains(point);
+}
+
+/// Where panels have their items: Plasma's at the bottom, those of other desktops with layers mostly at the top.
+QPoint usualItemPlace(QSize screen)
+{
+    return {screen.width(),
+            qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QStringLiteral("KDE")) ? screen.height() : 0};
+}
+
+bool hasSeveralScreens()
+{
+    return QGuiApplication::screens().size() > 1;
 }
 
 } // namespace
@@ -26,8 +42,10 @@ LayerPopoverSurface::LayerPopoverSurface(std::unique_ptr<LayerShell> shell)
     : m_shell(std::move(shell))
 {
     m_pointerIsAway.setSingleShot(true);
-    m_pointerIsAway.setInterval(pointerComes);
-    connect(&m_pointerIsAway, &QTimer::timeout, this, &LayerPopoverSurface::place);
+    connect(&m_pointerIsAway, &QTimer::timeout, this, &LayerPopoverSurface::pointerIsAway);
+    m_isOnItsScreen.setSingleShot(true);
+    m_isOnItsScreen.setInterval(screenIsKnown);
+    connect(&m_isOnItsScreen, &QTimer::timeout, this, &LayerPopoverSurface::coverScreens);
 }
 
 LayerPopoverSurface::~LayerPopoverSurface()
@@ -40,54 +58,115 @@ bool LayerPopoverSurface::show(QWidget &window, QSize popover, int, const Popove
     hide();
     m_anchor = anchor;
     m_popover = popover;
-    if (!attach(window))
-        return false;
     m_window = &window;
-    window.installEventFilter(this);
-    window.resize(m_surface->size());
-    window.show();
-    if (anchor.cause == PopoverAnchor::Cause::click)
-        m_pointerIsAway.start();
+    const bool wasClicked = anchor.cause == PopoverAnchor::Cause::click;
+    if (wasClicked && hasSeveralScreens()) {
+        coverScreens();
+        m_pointerIsAway.start(pointerComesSomewhere);
+        return true;
+    }
+    if (!attach(nullptr)) {
+        hide();
+        return false;
+    }
+    if (wasClicked)
+        m_pointerIsAway.start(pointerComes);
     else
         place();
     return true;
 }
 
-bool LayerPopoverSurface::attach(QWidget &window)
+/// Shows the window on that screen; null: the compositor chooses.
+bool LayerPopoverSurface::attach(QScreen *screen)
 {
     const Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint;
-    if (window.windowFlags() != flags)
-        window.setParent(nullptr, flags);
-    window.setAttribute(Qt::WA_TranslucentBackground);
-    window.winId();
-    QWindow *const handle = window.windowHandle();
+    if (m_window->windowFlags() != flags)
+        m_window->setParent(nullptr, flags);
+    m_window->setAttribute(Qt::WA_TranslucentBackground);
+    m_window->winId();
+    QWindow *const handle = m_window->windowHandle();
+    if (screen)
+        handle->setScreen(screen);
     handle->create();
-    LayerSurfaceRequest request{.name = surfaceName, .takesKeyboard = true};
-    m_surface = m_shell->makeSurface(*handle, request);
-    if (!m_surface || !m_surface->configure()) {
-        m_surface.reset();
-        handle->destroy();
+    connect(handle, &QWindow::screenChanged, this, &LayerPopoverSurface::findItsScreen, Qt::UniqueConnection);
+    m_surface = m_shell->makeSurface(*handle,
+                                     LayerSurfaceRequest{.name = surfaceName, .takesKeyboard = true, .screen = screen});
+    if (!m_surface || !m_surface->configure())
         return false;
-    }
     m_usable = m_surface->size();
     m_surface->setExclusiveZone(LayerSurfaceRequest::overPanels);
     m_surface->configure();
-    m_surface->onResized = [this](QSize screen) { follow(screen); };
-    m_surface->onClosed = [this] {
-        QTimer::singleShot(0, this, [this] {
-            if (onTakenAway)
-                onTakenAway();
-        });
-    };
+    m_surface->onResized = [this](QSize size) { follow(size); };
+    m_surface->onClosed = [this] { takeAwayLater(); };
+    m_window->installEventFilter(this);
+    m_window->resize(m_surface->size());
+    m_window->show();
+    findItsScreen();
     return true;
+}
+
+void LayerPopoverSurface::takeAwayLater()
+{
+    QTimer::singleShot(0, this, [this] {
+        if (onTakenAway)
+            onTakenAway();
+    });
+}
+
+/// The compositor may have chosen the screen: it tells which when it has drawn the window.
+void LayerPopoverSurface::findItsScreen()
+{
+    m_covers.clear();
+    if (m_surface && hasSeveralScreens())
+        m_isOnItsScreen.start();
+}
+
+void LayerPopoverSurface::coverScreens()
+{
+    const QScreen *const own = m_surface ? m_window->windowHandle()->screen() : nullptr;
+    for (QScreen *const screen : QGuiApplication::screens()) {
+        if (screen == own || !hasOutput(*screen))
+            continue;
+        const auto entered = [this, guarded = QPointer(screen)](QPoint position) {
+            QTimer::singleShot(0, this, [this, guarded, position] {
+                if (guarded && m_pointerIsAway.isActive())
+                    openAt(guarded, position);
+            });
+        };
+        m_covers.push_back(std::make_unique<LayerClickCatcher>(
+            *m_shell, *screen, LayerClickCatcher::Events{entered, [this] { takeAwayLater(); }}));
+    }
+}
+
+void LayerPopoverSurface::pointerIsAway()
+{
+    if (m_surface)
+        place();
+    else
+        openAt(nullptr, std::nullopt);
+}
+
+void LayerPopoverSurface::openAt(QScreen *screen, std::optional<QPoint> pointer)
+{
+    m_pointerIsAway.stop();
+    m_covers.clear();
+    if (!attach(screen))
+        return takeAwayLater();
+    if (pointer)
+        noteClick(*pointer);
+    place();
+}
+
+void LayerPopoverSurface::noteClick(QPoint pointer)
+{
+    if (isNearAnEdge(m_surface->size(), pointer))
+        m_click = pointer;
 }
 
 bool LayerPopoverSurface::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_window && event->type() == QEvent::Enter && m_pointerIsAway.isActive()) {
-        const QPoint pointer = static_cast<QEnterEvent *>(event)->position().toPoint();
-        if (isNearAnEdge(m_surface->size(), pointer))
-            m_click = pointer;
+        noteClick(static_cast<QEnterEvent *>(event)->position().toPoint());
         place();
     }
     return QObject::eventFilter(watched, event);
@@ -99,8 +178,10 @@ void LayerPopoverSurface::place()
     if (!m_window || !m_surface)
         return;
     const QSize size = m_surface->size();
-    const QPoint topRight(size.width(), 0);
-    const PopoverScreen screen{QRect(QPoint(), size), availableArea(size, m_usable, m_click.value_or(topRight))};
+    const QPoint item = m_click.value_or(usualItemPlace(size));
+    // Plasma's panels are no layer surfaces: nothing is taken from the screen for them.
+    const QSize usable = m_anchor.hasStatusItem && m_usable == size ? usableBesideUnknownPanel(size, item) : m_usable;
+    const PopoverScreen screen{QRect(QPoint(), size), availableArea(size, usable, item)};
     QRect panel;
     if (!m_anchor.hasStatusItem)
         panel = popoverInMiddle(screen, m_popover);
@@ -132,15 +213,21 @@ void LayerPopoverSurface::resize(QSize popover)
 
 void LayerPopoverSurface::hide()
 {
+    if (m_window)
+        detach();
+    m_window = nullptr;
+}
+
+void LayerPopoverSurface::detach()
+{
     m_pointerIsAway.stop();
+    m_isOnItsScreen.stop();
+    m_covers.clear();
     m_surface.reset();
-    if (!m_window)
-        return;
     m_window->removeEventFilter(this);
     m_window->hide();
     if (m_window->windowHandle())
         m_window->windowHandle()->destroy();
-    m_window = nullptr;
 }
 
 } // namespace tickwise

@@ -7,6 +7,7 @@ namespace tickwise {
 namespace {
 
 constexpr int gap = 4; // between the popover and whatever ends the free part
+constexpr int usualPanelDepth = 44;
 
 enum class Edge
 {
@@ -135,6 +136,16 @@ QRect availableArea(QSize screen, QSize usable, QPoint pointer)
     else
         area.setWidth(screen.width() - taken.width());
     return area;
+}
+
+QSize usableBesideUnknownPanel(QSize screen, QPoint pointer)
+{
+    const int toTopOrBottom = std::min(pointer.y(), screen.height() - pointer.y());
+    // In a corner it is more likely a panel along the longer edge.
+    if (toTopOrBottom <= usualPanelDepth)
+        return screen - QSize(0, usualPanelDepth);
+    const int toSide = std::min(pointer.x(), screen.width() - pointer.x());
+    return toSide <= usualPanelDepth ? screen - QSize(usualPanelDepth, 0) : screen;
 }
 
 } // namespace tickwise

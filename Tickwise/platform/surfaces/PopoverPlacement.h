@@ -30,4 +30,7 @@ QRect popoverInMiddle(const PopoverScreen &screen, QSize size);
 /// The screen's free part where only its size is known: panels are taken to be on the sides that the pointer is near.
 QRect availableArea(QSize screen, QSize usable, QPoint pointer);
 
+/// The size of the free part beside a panel that does not tell its depth but has the pointer over it.
+QSize usableBesideUnknownPanel(QSize screen, QPoint pointer);
+
 } // namespace tickwise

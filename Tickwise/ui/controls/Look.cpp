@@ -11,6 +11,7 @@ namespace tickwise::look {
 namespace {
 
 constexpr float secondaryOpacity = 0.65F;
+constexpr float hoveredSecondaryOpacity = 0.70F;
 constexpr float separatorOpacity = 0.12F;
 constexpr float hoverOpacity = 0.06F;
 constexpr float pressedOpacity = 0.10F;
@@ -55,9 +56,9 @@ QColor text(const QPalette &palette)
     return palette.color(QPalette::WindowText);
 }
 
-QColor secondaryText(const QPalette &palette)
+QColor secondaryText(const QPalette &palette, Ground ground)
 {
-    return textAt(palette, secondaryOpacity);
+    return textAt(palette, ground == Ground::hovered ? hoveredSecondaryOpacity : secondaryOpacity);
 }
 
 QColor separator(const QPalette &palette)

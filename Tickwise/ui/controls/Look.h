@@ -27,8 +27,15 @@ int scaled(double points);
 /// The desktop's font at that size.
 QFont font(int points, QFont::Weight weight = QFont::Normal);
 
+/// What a text stands on.
+enum class Ground
+{
+    plain,
+    hovered ///< takes some of the contrast, which a stronger secondary text gives back
+};
+
 QColor text(const QPalette &palette);
-QColor secondaryText(const QPalette &palette);
+QColor secondaryText(const QPalette &palette, Ground ground = Ground::plain);
 QColor separator(const QPalette &palette);
 QColor hover(const QPalette &palette);
 QColor pressed(const QPalette &palette);

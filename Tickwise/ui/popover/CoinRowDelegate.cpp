@@ -74,7 +74,7 @@ void CoinRowDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const double ratio = painter->device()->devicePixelRatioF();
     painter->drawPixmap(box.left(), box.top() + (box.height() - side) / 2,
                         coinLogoPixmap(m_model.coin(index.row()), m_logos, look::accent(option.palette), side, ratio));
-    const int numbers = paintNumbers(*painter, box, content, option.palette);
+    const int numbers = paintNumbers(*painter, box, content, option);
     const QRect words = box.adjusted(side + look::scaled(columnGap), 0, -numbers - look::scaled(columnGap), 0);
     painter->setFont(m_fonts.symbol);
     painter->setPen(look::text(option.palette));
@@ -100,7 +100,7 @@ void CoinRowDelegate::paintGround(QPainter &painter, const QStyleOptionViewItem 
 
 /// Returns the width of the wider line.
 int CoinRowDelegate::paintNumbers(QPainter &painter, const QRect &box, const CoinRowContent &content,
-                                  const QPalette &palette) const
+                                  const QStyleOptionViewItem &option) const
 {
     const QFontMetrics price(m_fonts.price);
     const QFontMetrics change(m_fonts.change);
@@ -108,12 +108,15 @@ int CoinRowDelegate::paintNumbers(QPainter &painter, const QRect &box, const Coi
     const int height = price.ascent() + (hasChange ? look::scaled(lineGap) + change.ascent() : 0);
     const int priceLine = box.top() + (box.height() - height) / 2 + price.ascent() - price.descent() / 2;
     const QRect column = box.adjusted(box.width() - int(box.width() * widestNumber), 0, 0, 0);
-    const QColor color = content.priceColor.value_or(look::text(palette));
+    const QColor color = content.priceColor.value_or(look::text(option.palette));
+    const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
+    const QColor secondary =
+        look::secondaryText(option.palette, isHovered ? look::Ground::hovered : look::Ground::plain);
     const bool hasPrice = content.price != QStringLiteral("--");
-    painter.setPen(hasPrice ? color : look::secondaryText(palette));
+    painter.setPen(hasPrice ? color : secondary);
     int width = drawNumber(painter, column, priceLine, content.price, m_fonts.price, m_fonts.priceText);
     if (hasChange) {
-        painter.setPen(content.isDelisted ? look::secondaryText(palette) : color);
+        painter.setPen(content.isDelisted ? secondary : color);
         const int changeLine = priceLine + look::scaled(lineGap) + change.ascent();
         width = std::max(width,
                          drawNumber(painter, column, changeLine, content.change, m_fonts.change, m_fonts.changeText));

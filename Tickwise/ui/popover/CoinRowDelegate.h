@@ -37,7 +37,8 @@ private:
 
     static Fonts currentFonts();
     void paintGround(QPainter &painter, const QStyleOptionViewItem &option) const;
-    int paintNumbers(QPainter &painter, const QRect &box, const CoinRowContent &content, const QPalette &palette) const;
+    int paintNumbers(QPainter &painter, const QRect &box, const CoinRowContent &content,
+                     const QStyleOptionViewItem &option) const;
 
     const CoinRowModel &m_model;
     CoinLogoStore *m_logos;

@@ -53,7 +53,7 @@ public:
     virtual void hide() = 0;
 
     std::function<void(const PopoverPlace &place)> onPlaced;
-    std::function<void()> onTakenAway; ///< the desktop has removed the window, as when its screen goes
+    std::function<void()> onTakenAway; ///< its screen has gone, or the user has clicked on another screen
 };
 
 } // namespace tickwise

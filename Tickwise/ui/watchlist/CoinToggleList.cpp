@@ -72,7 +72,7 @@ void CoinToggleDelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
                         symbolPixmap(symbol.name, colorOf(symbol.color, option.palette), side, scale));
     painter->setOpacity(1);
     paintTexts(*painter, box.adjusted(logo + look::scaled(toggleSpacing), 0, -side - look::scaled(toggleSpacing), 0),
-               coin, option.palette);
+               coin, option);
     if (isMarked(option, index))
         look::drawFocusRing(*painter, option.rect, radius, option.palette);
     painter->restore();
@@ -87,7 +87,7 @@ bool CoinToggleDelegate::isMarked(const QStyleOptionViewItem &option, const QMod
 }
 
 void CoinToggleDelegate::paintTexts(QPainter &painter, const QRect &box, const CoinMetadata &coin,
-                                    const QPalette &palette) const
+                                    const QStyleOptionViewItem &option) const
 {
     const QFont symbolFont = look::font(look::bodySize, QFont::Medium);
     const QFont nameFont = look::font(look::captionSize);
@@ -95,11 +95,12 @@ void CoinToggleDelegate::paintTexts(QPainter &painter, const QRect &box, const C
     const QFontMetrics nameMetrics(nameFont);
     const int top = box.center().y() - (symbolMetrics.height() + nameMetrics.height()) / 2;
     painter.setFont(symbolFont);
-    painter.setPen(look::text(palette));
+    painter.setPen(look::text(option.palette));
     painter.drawText(QRect(box.left(), top, box.width(), symbolMetrics.height()), int(Qt::AlignLeft),
                      symbolMetrics.elidedText(coin.symbol, Qt::ElideRight, box.width()));
     painter.setFont(nameFont);
-    painter.setPen(look::secondaryText(palette));
+    const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
+    painter.setPen(look::secondaryText(option.palette, isHovered ? look::Ground::hovered : look::Ground::plain));
     painter.drawText(QRect(box.left(), top + symbolMetrics.height(), box.width(), nameMetrics.height()),
                      int(Qt::AlignLeft), nameMetrics.elidedText(coin.name, Qt::ElideRight, box.width()));
 }

@@ -31,7 +31,8 @@ Q_SIGNALS:
 
 private:
     bool isMarked(const QStyleOptionViewItem &option, const QModelIndex &index) const;
-    void paintTexts(QPainter &painter, const QRect &box, const CoinMetadata &coin, const QPalette &palette) const;
+    void paintTexts(QPainter &painter, const QRect &box, const CoinMetadata &coin,
+                    const QStyleOptionViewItem &option) const;
 
     const CoinToggleModel &m_model;
     CoinLogoStore *m_logos;

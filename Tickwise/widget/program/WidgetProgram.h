@@ -6,6 +6,7 @@
 #include "platform/session/SingleInstance.h"
 #include "platform/session/TerminationSignals.h"
 #include "platform/session/WidgetCenter.h"
+#include "platform/session/WindowPalette.h"
 #include "platform/storage/UserDefaults.h"
 #include "widget/program/FileWatcher.h"
 #include "widget/program/WidgetController.h"
@@ -35,6 +36,7 @@ private:
     std::optional<QString> m_container;
     TerminationSignals m_signals;
     SessionBus m_bus;
+    WindowPalette m_windowPalette{m_bus};
     SingleInstance m_singleInstance;
     UserDefaults m_storage;
     WidgetLogos m_logos;

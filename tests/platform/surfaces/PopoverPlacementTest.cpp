@@ -38,6 +38,7 @@ private Q_SLOTS:
     void middle();
     void screenOfAPoint();
     void availableAreaIsOnThePointersSide();
+    void besideAPanelOfUnknownDepth();
 };
 
 void PopoverPlacementTest::beside_data()
@@ -143,6 +144,16 @@ void PopoverPlacementTest::availableAreaIsOnThePointersSide()
     QCOMPARE(availableArea(whole, usable, {5, 790}), QRect(40, 0, 1240, 770));
     QCOMPARE(availableArea(whole, whole, {5, 790}), QRect(0, 0, 1280, 800));
     QCOMPARE(availableArea(usable, whole, {5, 5}), QRect(0, 0, 1240, 770));
+}
+
+void PopoverPlacementTest::besideAPanelOfUnknownDepth()
+{
+    const QSize screen(1280, 800);
+    QCOMPARE(usableBesideUnknownPanel(screen, {1070, 785}), QSize(1280, 756));
+    QCOMPARE(usableBesideUnknownPanel(screen, {1279, 0}), QSize(1280, 756));
+    QCOMPARE(usableBesideUnknownPanel(screen, {10, 400}), QSize(1236, 800));
+    QCOMPARE(usableBesideUnknownPanel(screen, {1270, 400}), QSize(1236, 800));
+    QCOMPARE(usableBesideUnknownPanel(screen, {640, 400}), screen);
 }
 
 TICKWISE_TEST(PopoverPlacementTest)

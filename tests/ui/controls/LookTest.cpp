@@ -16,6 +16,15 @@ QPalette paletteOf(const QColor &text, const QColor &ground, const QColor &link)
     return palette;
 }
 
+/// The color of the paint on an opaque ground.
+QColor over(const QColor &ground, const QColor &paint)
+{
+    const float share = paint.alphaF();
+    const auto mix = [share](float below, float above) { return below * (1 - share) + above * share; };
+    return QColor::fromRgbF(mix(ground.redF(), paint.redF()), mix(ground.greenF(), paint.greenF()),
+                            mix(ground.blueF(), paint.blueF()));
+}
+
 } // namespace
 
 class LookTest : public QObject
@@ -27,6 +36,8 @@ private Q_SLOTS:
     void contrastOfTwoColors();
     void aLinkThatCannotBeReadHasTheTextsColor();
     void secondaryTextFollowsThePalette();
+    void secondaryTextCanBeReadOnAHoveredRow_data();
+    void secondaryTextCanBeReadOnAHoveredRow();
 };
 
 void LookTest::contrastOfTwoColors_data()
@@ -51,6 +62,26 @@ void LookTest::aLinkThatCannotBeReadHasTheTextsColor()
 {
     QCOMPARE(look::link(paletteOf(Qt::black, Qt::white, Qt::blue)), QColor(Qt::blue));
     QCOMPARE(look::link(paletteOf(Qt::white, Qt::black, Qt::blue)), QColor(Qt::white));
+}
+
+void LookTest::secondaryTextCanBeReadOnAHoveredRow_data()
+{
+    QTest::addColumn<QColor>("text");
+    QTest::addColumn<QColor>("window");
+    QTest::newRow("light") << QColor(35, 38, 41) << QColor(239, 240, 241);
+    QTest::newRow("dark") << QColor(252, 252, 252) << QColor(42, 46, 50);
+}
+
+void LookTest::secondaryTextCanBeReadOnAHoveredRow()
+{
+    QFETCH(QColor, text);
+    QFETCH(QColor, window);
+    const QPalette palette = paletteOf(text, window, Qt::blue);
+    const QColor plain = over(window, look::secondaryText(palette));
+    QVERIFY(look::contrast(plain, window) >= 4.5);
+    const QColor row = over(window, look::hover(palette));
+    const QColor hovered = over(row, look::secondaryText(palette, look::Ground::hovered));
+    QVERIFY(look::contrast(hovered, row) >= 4.5);
 }
 
 void LookTest::secondaryTextFollowsThePalette()
