@@ -15,10 +15,11 @@ from whole_process import (OKX_LIST, SETTLE_SECONDS, Market, X11Session, call_ap
                            start_application, wait_for_line)
 
 ROUNDS = 9
+SURFACE_ROUNDS = 3
 COINS = (2, 8, 25)
 BUDGET = 2.0
-POLLS = 60
-POLL_PAUSE = 100  # milliseconds: every surface has followed before the next poll
+POLLS = 12
+POLL_PAUSE = 1300  # milliseconds: the application writes the file of the widget a second after a poll
 SURFACES_BUDGET = 3.0
 GROUPS = ("group.com.pelmo.tickwise.bench", "group.com.pelmo.tickwise")  # the application's, the widget's
 
@@ -94,7 +95,7 @@ def measure_surfaces(desktop, programs):
     market = Market(desktop, programs, OKX_LIST)
     polls = Polls(desktop, programs, market)
     rounds = []
-    for _ in range(ROUNDS // 2):
+    for _ in range(SURFACE_ROUNDS):
         none, _ = polls.measure()
         polls.show()
         rounds.append((none, *polls.measure()))

@@ -11,7 +11,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr qsizetype keptShapes = 64; // prices need about twenty
+constexpr std::size_t keptShapes = 64; // prices need about twenty
 
 bool isAsciiDigit(QChar character)
 {
@@ -44,15 +44,19 @@ TabularText::TabularText(const QFont &font)
 {
 }
 
+void TabularText::forgetMany() const
+{
+    if (m_shapes.size() > keptShapes)
+        m_shapes.clear();
+}
+
 const TabularText::Shape &TabularText::shapeOf(QStringView part) const
 {
     const QString borrowed = QString::fromRawData(part.data(), part.size());
-    if (const auto known = m_shapes.constFind(borrowed); known != m_shapes.constEnd())
-        return *known;
-    if (m_shapes.size() >= keptShapes)
-        m_shapes.clear();
+    if (const auto known = m_shapes.find(borrowed); known != m_shapes.end())
+        return known->second;
     const QString own = part.toString();
-    return *m_shapes.insert(own, shaped(own));
+    return m_shapes.emplace(own, shaped(own)).first->second;
 }
 
 TabularText::Shape TabularText::shaped(const QString &part) const
@@ -84,6 +88,7 @@ std::size_t TabularText::indexOf(const QRawFont &font) const
 
 double TabularText::width(QStringView text) const
 {
+    forgetMany();
     double total = 0;
     while (!text.isEmpty()) {
         const QStringView part = firstPart(text);
@@ -95,13 +100,14 @@ double TabularText::width(QStringView text) const
 
 std::vector<TabularText::Part> TabularText::parts(QStringView text, double x) const
 {
+    forgetMany();
     std::vector<Part> parts;
     while (!text.isEmpty()) {
         const QStringView part = firstPart(text);
-        const double advance = shapeOf(part).advance;
+        const Shape &shape = shapeOf(part);
         const bool isDigit = isAsciiDigit(part.front());
-        parts.push_back({part, isDigit ? x + std::round((m_cell - advance) / 2) : x});
-        x += isDigit ? m_cell : std::round(advance);
+        parts.push_back({part, isDigit ? x + std::round((m_cell - shape.advance) / 2) : x, &shape});
+        x += isDigit ? m_cell : std::round(shape.advance);
         text = text.sliced(part.size());
     }
     return parts;
@@ -111,7 +117,7 @@ void TabularText::draw(QPainter &painter, double x, double baseline, QStringView
 {
     Glyphs line; // as many as possible at once
     for (const Part &part : parts(text, x)) {
-        for (const Glyphs &glyphs : shapeOf(part.text).glyphs) {
+        for (const Glyphs &glyphs : part.shape->glyphs) {
             if (glyphs.font != line.font) {
                 drawGlyphs(painter, line);
                 line = {.font = glyphs.font};

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <QFontMetricsF>
-#include <QHash>
 #include <QPointF>
 #include <QRawFont>
 #include <QString>
 
+#include <unordered_map>
 #include <vector>
 
 class QPainter;
@@ -26,16 +26,17 @@ public:
     /// Draws with the painter's pen; `x` is the left end, `baseline` the line under the digits.
     void draw(QPainter &painter, double x, double baseline, QStringView text) const;
 
-    /// What is drawn for itself: a digit, or all that stands between two digits.
+    struct Shape;
+    /// What is drawn for itself: a digit, or all that stands between two digits. It is valid until the next call.
     struct Part
     {
         QStringView text;
         double left = 0;
+        const Shape *shape = nullptr;
     };
     /// The parts of the text that starts at `x`.
     std::vector<Part> parts(QStringView text, double x) const;
 
-private:
     /// Glyphs of one font, their places from the part's left end on the baseline.
     struct Glyphs
     {
@@ -43,12 +44,15 @@ private:
         std::vector<quint32> indexes;
         std::vector<QPointF> places;
     };
+    /// A part that has been shaped.
     struct Shape
     {
         double advance = 0;
         std::vector<Glyphs> glyphs;
     };
 
+private:
+    void forgetMany() const;
     const Shape &shapeOf(QStringView part) const;
     Shape shaped(const QString &part) const;
     std::size_t indexOf(const QRawFont &font) const;
@@ -57,7 +61,7 @@ private:
     QFont m_font;
     QFontMetricsF m_metrics;
     double m_cell;
-    mutable QHash<QString, Shape> m_shapes;
+    mutable std::unordered_map<QString, Shape> m_shapes;
     mutable std::vector<QRawFont> m_rawFonts; ///< the font and those that stand in for characters it lacks
 };
 

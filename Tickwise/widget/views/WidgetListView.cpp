@@ -109,11 +109,11 @@ void WidgetListView::setLegibility(const WidgetLegibility &legibility)
 
 void WidgetListView::refresh()
 {
-    const WidgetListText text = widgetListText(m_content, m_clock(), QTimeZone::systemTimeZone());
+    WidgetListText text = widgetListText(m_content, m_clock(), QTimeZone::systemTimeZone());
     waitForStaleness();
     if (m_text == text)
         return;
-    m_text = text;
+    m_text = std::move(text);
     describe();
     arrange();
 }

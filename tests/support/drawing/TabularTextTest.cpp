@@ -36,8 +36,8 @@ class TabularTextTest : public QObject
 
 private Q_SLOTS:
     void digitsAreEquallyWide();
-    void widthIsWhereTheTextEnds_data();
-    void widthIsWhereTheTextEnds();
+    void eachPartStartsWhereTheOthersEnd_data();
+    void eachPartStartsWhereTheOthersEnd();
     void drawsWhatAPainterDraws_data();
     void drawsWhatAPainterDraws();
     void forgetsNoText();
@@ -51,7 +51,7 @@ void TabularTextTest::digitsAreEquallyWide()
     QCOMPARE(text.width(u""), 0.0);
 }
 
-void TabularTextTest::widthIsWhereTheTextEnds_data()
+void TabularTextTest::eachPartStartsWhereTheOthersEnd_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QStringList>("parts");
@@ -66,14 +66,14 @@ void TabularTextTest::widthIsWhereTheTextEnds_data()
     add(u"下午3", {QStringLiteral("下午"), QStringLiteral("3")});
 }
 
-void TabularTextTest::widthIsWhereTheTextEnds()
+void TabularTextTest::eachPartStartsWhereTheOthersEnd()
 {
     QFETCH(QString, text);
     QFETCH(QStringList, parts);
     const TabularText tabular(fontOf(13));
     QStringList found;
     for (const TabularText::Part &part : tabular.parts(text, 100)) {
-        const double before = tabular.width(QStringView(text).first(part.text.data() - text.data()));
+        const double before = tabular.width(QStringView(text).first(part.text.data() - text.constData()));
         QVERIFY(std::abs(part.left - 100 - before) <= 1); // digits stand in the middle of their cells
         found.append(part.text.toString());
     }
