@@ -2,7 +2,9 @@
 // input is a JSON object: "endpoints", "authorities" (PEM), "coins" (ids of the watchlist) and "pollingInterval"
 // (seconds). Then commands:
 //
-//   polls N   polls N times back to back and prints "polls N <CPU seconds of this process>"
+//   polls N [MILLISECONDS]   polls N times, with that pause after each or none, and prints
+//                            "polls N <CPU seconds of this process>"
+//   overlay 0|1              hides or shows the desktop overlay
 //   quit
 //
 // Prints "content <CLOCK_MONOTONIC seconds>" when the status item first shows a price.
@@ -17,6 +19,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <array>
 #include <cstdio>
@@ -100,19 +103,22 @@ void printFirstPrice(const MenuBarViewModel &menuBar)
     std::fflush(stdout);
 }
 
-/// Polls back to back.
+/// Polls one after the other.
 class PollRun : public QObject
 {
 public:
     explicit PollRun(CoinListViewModel &coins)
         : m_coins(coins)
     {
+        m_pause.setSingleShot(true);
+        connect(&m_pause, &QTimer::timeout, &coins, &CoinListViewModel::fetchPrices);
         connect(&coins, &CoinListViewModel::isLoadingChanged, this, &PollRun::next, Qt::QueuedConnection);
     }
 
-    void start(int count)
+    void start(int count, std::chrono::milliseconds pause)
     {
         m_count = m_left = count;
+        m_pause.setInterval(pause);
         m_before = cpuSeconds();
         next();
     }
@@ -123,22 +129,33 @@ private:
         if (m_count == 0 || m_coins.isLoading())
             return;
         if (m_left-- > 0)
-            return m_coins.fetchPrices();
+            return m_pause.interval() > 0 ? m_pause.start() : m_coins.fetchPrices();
         std::printf("polls %d %.6f\n", m_count, cpuSeconds() - m_before);
         std::fflush(stdout);
         m_count = 0;
     }
 
     CoinListViewModel &m_coins;
+    QTimer m_pause;
     int m_count = 0;
     int m_left = 0;
     double m_before = 0;
 };
 
-void obey(const QByteArray &command, PollRun &polls)
+void showOverlay(SettingsViewModel &viewModel, bool shown)
 {
-    if (command.startsWith("polls "))
-        polls.start(command.mid(6).toInt());
+    AppSettings settings = viewModel.settings();
+    settings.desktopOverlayEnabled = shown;
+    viewModel.update(settings);
+}
+
+void obey(const QByteArray &command, Application &application, PollRun &polls)
+{
+    const QList<QByteArray> words = command.split(' ');
+    if (words.first() == "polls")
+        polls.start(words.value(1).toInt(), std::chrono::milliseconds(words.value(2).toInt()));
+    else if (words.first() == "overlay")
+        showOverlay(application.delegate().settingsViewModel(), words.value(1) == "1");
     else
         QCoreApplication::quit();
 }
@@ -171,7 +188,7 @@ int main(int argc, char **argv)
     QObject::connect(&input, &QSocketNotifier::activated, [&] {
         if (!polls)
             polls.emplace(application.delegate().coinListViewModel());
-        obey(readSome(), *polls);
+        obey(readSome(), application, *polls);
     });
     return application.run();
 }

@@ -4,6 +4,7 @@
 
 class QAbstractButton;
 class QLabel;
+class QVBoxLayout;
 
 namespace tickwise {
 
@@ -15,9 +16,11 @@ class DesktopOverlayAdjustControls : public QWidget
 public:
     explicit DesktopOverlayAdjustControls(QWidget *parent = nullptr);
 
-    QAbstractButton &doneButton() { return *m_done; }
+    QAbstractButton &doneButton();
     /// The size for a window of that width.
     QSize sizeWithin(int width) const;
+    /// Draws everything so much larger; 1 at first.
+    void setScale(double scale);
     /// Takes the texts anew.
     void retranslate();
 
@@ -28,8 +31,12 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    class DoneButton;
+
     QLabel *m_hint;
-    QAbstractButton *m_done;
+    DoneButton *m_done;
+    QVBoxLayout *m_stack;
+    double m_scale = 1;
 };
 
 } // namespace tickwise

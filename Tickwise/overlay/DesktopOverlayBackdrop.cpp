@@ -2,8 +2,10 @@
 
 #include "overlay/ContinuousRect.h"
 
+#include <QPaintEvent>
 #include <QPainter>
 
+#include <cmath>
 #include <utility>
 
 namespace tickwise {
@@ -11,6 +13,16 @@ namespace tickwise {
 namespace {
 
 constexpr float backdropBorderOpacity = 0.12F;
+constexpr double cornerDepth = 0.3; ///< in radii: how far a corner reaches into the sheet, from both edges
+
+/// Qt gives taller translucent areas to a pool of threads, whose waking costs more than filling them.
+constexpr int tallestStrip = 64;
+
+void fillInStrips(QPainter &painter, const QRect &area, const QColor &color)
+{
+    for (int top = area.top(); top <= area.bottom(); top += tallestStrip)
+        painter.fillRect(QRect(area.left(), top, area.width(), tallestStrip) & area, color);
+}
 
 } // namespace
 
@@ -18,6 +30,12 @@ DesktopOverlayBackdrop::DesktopOverlayBackdrop(QWidget *parent)
     : QWidget(parent)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void DesktopOverlayBackdrop::setRadius(double radius)
+{
+    if (std::exchange(m_radius, radius) != radius)
+        update();
 }
 
 void DesktopOverlayBackdrop::setOpacity(double opacity)
@@ -32,21 +50,31 @@ void DesktopOverlayBackdrop::setFillsCorners(bool fills)
         update();
 }
 
-void DesktopOverlayBackdrop::paintEvent(QPaintEvent *)
+/// An area that neither the corners nor the border reach.
+QRect DesktopOverlayBackdrop::inside() const
+{
+    const int margin = int(std::ceil(m_radius * cornerDepth)) + 2;
+    return rect().adjusted(margin, margin, -margin, -margin);
+}
+
+void DesktopOverlayBackdrop::paintEvent(QPaintEvent *event)
 {
     if (m_opacity <= 0)
         return;
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(m_opacity);
+    const QColor ground = palette().color(QPalette::Window);
+    // The usual update needs no shapes.
+    if (inside().contains(event->rect()))
+        return fillInStrips(painter, event->rect(), ground);
+    painter.setRenderHint(QPainter::Antialiasing);
     QColor border = palette().color(QPalette::WindowText);
     border.setAlphaF(backdropBorderOpacity);
-    const QColor ground = palette().color(QPalette::Window);
     if (m_fillsCorners)
         painter.fillRect(rect(), ground);
     else
-        painter.fillPath(continuousRect(rect(), radius), ground);
-    painter.strokePath(continuousRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5), QPen(border, 1));
+        painter.fillPath(continuousRect(rect(), m_radius), ground);
+    painter.strokePath(continuousRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), m_radius - 0.5), QPen(border, 1));
 }
 
 } // namespace tickwise

@@ -10,10 +10,10 @@ class DesktopOverlayBackdrop : public QWidget
     Q_OBJECT
 
 public:
-    static constexpr double radius = 22;
-
     explicit DesktopOverlayBackdrop(QWidget *parent = nullptr);
 
+    double radius() const { return m_radius; }
+    void setRadius(double radius);
     double opacity() const { return m_opacity; }
     void setOpacity(double opacity);
     /// Whether what lies outside the corners is painted, too: for a window whose corners are cut off.
@@ -23,6 +23,9 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    QRect inside() const;
+
+    double m_radius = 0;
     double m_opacity = 1;
     bool m_fillsCorners = false;
 };

@@ -89,6 +89,7 @@ void DesktopOverlayController::createWindow()
 
 void DesktopOverlayController::place()
 {
+    m_window->view().setScale(m_context.textScale());
     const QRect frame =
         m_model.isAdjusting() ? QRect(m_surface->frame().topLeft(), size()) : placed(m_settings.desktopOverlayTopLeft);
     if (!m_surface->isShown())
@@ -99,7 +100,8 @@ void DesktopOverlayController::place()
 
 QSize DesktopOverlayController::size() const
 {
-    return desktopOverlaySize(m_model.textSize(), int(m_model.content().rows.size())).toSize();
+    const QSizeF points = desktopOverlaySize(m_model.textSize(), int(m_model.content().rows.size()));
+    return (points * m_context.textScale()).toSize();
 }
 
 QRect DesktopOverlayController::placed(const std::optional<DesktopOverlayOrigin> &topLeft) const

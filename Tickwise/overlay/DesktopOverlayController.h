@@ -6,6 +6,7 @@
 #include "overlay/DesktopOverlayWindow.h"
 #include "pipeline/CoinListViewModel.h"
 #include "settings/SettingsViewModel.h"
+#include "support/drawing/TextScale.h"
 #include "widget/views/DesktopSurface.h"
 
 #include <memory>
@@ -22,6 +23,8 @@ struct DesktopOverlayContext
     /// Called when the overlay is first needed; none, or a result of none: this desktop has no place for it.
     std::function<std::unique_ptr<DesktopSurface>()> makeSurface;
     Clock clock = systemClock;
+    /// How much larger than usual the desktop draws text.
+    std::function<double()> textScale = tickwise::textScale;
 };
 
 /// The watchlist on the desktop: shows and hides it as the settings say, keeps its size and place, and lets the user
@@ -43,8 +46,8 @@ public:
     void finishAdjusting();
     /// Ends that and puts the overlay back.
     void cancelAdjusting();
-    /// Computes the frame anew, unless the user adjusts it: after changes of the screens, and of what the machine did
-    /// while it slept.
+    /// Computes the frame anew, unless the user adjusts it: after changes of the screens and of the text scale, and of
+    /// what the machine did while it slept.
     void reposition();
     /// Takes the language anew.
     void retranslate();

@@ -2,12 +2,17 @@
 
 #include <QAbstractButton>
 
+#include <cmath>
+#include <utility>
+
 namespace tickwise {
 
 namespace {
 
-constexpr int listPadding = 14;
-constexpr int controlsMargin = 4; // the least that the overlay shows around its controls
+// In points.
+constexpr double cornerRadius = 22;
+constexpr double listPadding = 14;
+constexpr double controlsMargin = 4; // the least that the overlay shows around its controls
 
 } // namespace
 
@@ -24,6 +29,7 @@ DesktopOverlayView::DesktopOverlayView(DesktopOverlayModel &model, WidgetListVie
         if (m_model.onDoneAdjusting)
             m_model.onDoneAdjusting();
     });
+    m_backdrop->setRadius(cornerRadius);
     refresh();
 }
 
@@ -32,6 +38,16 @@ void DesktopOverlayView::setTranslucent(bool translucent)
     m_isTranslucent = translucent;
     m_backdrop->setFillsCorners(!translucent);
     refresh();
+}
+
+void DesktopOverlayView::setScale(double scale)
+{
+    if (std::exchange(m_scale, scale) == scale)
+        return;
+    m_backdrop->setRadius(cornerRadius * scale);
+    m_list->setScale(scale);
+    m_adjustControls->setScale(scale);
+    arrange();
 }
 
 void DesktopOverlayView::retranslate()
@@ -52,6 +68,7 @@ void DesktopOverlayView::refresh()
     m_adjustControls->setVisible(m_model.isAdjusting());
     m_adjustControls->doneButton().setFocus();
     arrange();
+    update(); // at every ratio of pixels to points, wherever the controls are
 }
 
 void DesktopOverlayView::resizeEvent(QResizeEvent *event)
@@ -63,10 +80,11 @@ void DesktopOverlayView::resizeEvent(QResizeEvent *event)
 void DesktopOverlayView::arrange()
 {
     m_backdrop->setGeometry(rect());
-    m_list->setGeometry(rect().adjusted(listPadding, listPadding, -listPadding, -listPadding));
+    const int padding = int(std::lround(listPadding * m_scale));
+    m_list->setGeometry(rect().adjusted(padding, padding, -padding, -padding));
     if (!m_adjustControls->isVisibleTo(this))
         return;
-    QRect controls(QPoint(), m_adjustControls->sizeWithin(width() - 2 * controlsMargin));
+    QRect controls(QPoint(), m_adjustControls->sizeWithin(width() - int(2 * controlsMargin * m_scale)));
     controls.moveCenter(rect().center());
     m_adjustControls->setGeometry(controls);
 }

@@ -20,6 +20,8 @@ public:
 
     /// Whether the desktop can be seen through what is not painted.
     void setTranslucent(bool translucent);
+    /// Draws everything so much larger, as the desktop draws its texts; 1 at first.
+    void setScale(double scale);
     /// Takes the texts anew.
     void retranslate();
 
@@ -39,6 +41,7 @@ private:
     WidgetListView *m_list;
     DesktopOverlayAdjustControls *m_adjustControls;
     bool m_isTranslucent = true;
+    double m_scale = 1;
 };
 
 } // namespace tickwise

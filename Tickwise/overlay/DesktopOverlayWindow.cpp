@@ -53,7 +53,7 @@ void DesktopOverlayWindow::cut()
 {
     if (m_isTranslucent)
         return clearMask();
-    setMask(QRegion(continuousRect(rect(), DesktopOverlayBackdrop::radius).toFillPolygon().toPolygon()));
+    setMask(QRegion(continuousRect(rect(), m_view->backdrop().radius()).toFillPolygon().toPolygon()));
 }
 
 void DesktopOverlayWindow::resizeEvent(QResizeEvent *event)

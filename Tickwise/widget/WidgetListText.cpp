@@ -12,11 +12,6 @@ namespace {
 constexpr QChar upTriangle(0x25b2);
 constexpr QChar downTriangle(0x25bc);
 
-QString changeWithTriangle(double percent)
-{
-    return (percent >= 0 ? upTriangle : downTriangle) + QLatin1Char(' ') + changeText(percent);
-}
-
 WidgetRowText rowText(const WidgetRow &row, const WidgetEntryContent &content, const LocalizationBundle &bundle)
 {
     WidgetRowText text{.symbol = row.symbol, .name = row.name};
@@ -26,34 +21,48 @@ WidgetRowText rowText(const WidgetRow &row, const WidgetEntryContent &content, c
         text.accessibleText = text.name + QStringLiteral(", ") + text.change;
         return text;
     }
-    if (row.price)
-        text.price = formatPrice(*row.price);
-    if (row.change24hPercent) {
-        text.change = changeWithTriangle(*row.change24hPercent);
-        if (content.colorByChange)
-            text.changeColorHex = *row.change24hPercent >= 0 ? content.upColorHex : content.downColorHex;
-    }
     text.accessibleText = text.name;
-    if (row.price)
+    if (row.price) {
+        text.price = formatPrice(*row.price);
         text.accessibleText += QStringLiteral(", ") + text.price + QLatin1Char(' ') + rawValue(content.currency);
-    if (row.change24hPercent)
-        text.accessibleText += QStringLiteral(", ") + changeText(*row.change24hPercent);
+    }
+    if (row.change24hPercent) {
+        const QString change = changeText(*row.change24hPercent);
+        const bool isRising = *row.change24hPercent >= 0;
+        text.change = (isRising ? upTriangle : downTriangle) + QLatin1Char(' ') + change;
+        if (content.colorByChange)
+            text.changeColorHex = isRising ? content.upColorHex : content.downColorHex;
+        text.accessibleText += QStringLiteral(", ") + change;
+    }
     return text;
+}
+
+AppLanguage shownLanguage(AppLanguage language)
+{
+    return language == AppLanguage::system ? effectiveLanguage(language, preferredLanguages()) : language;
+}
+
+/// Opens the table of a language only when another one was asked for before: lists follow each other in one language.
+const LocalizationBundle &bundleOf(AppLanguage language)
+{
+    static AppLanguage last = AppLanguage::system;
+    static LocalizationBundle bundle;
+    if (!bundle || std::exchange(last, language) != language)
+        bundle = openLocalizationBundle(rawValue(language));
+    return bundle ? bundle : (bundle = mainLocalizationBundle());
 }
 
 } // namespace
 
 LocalizationBundle widgetTexts(AppLanguage language)
 {
-    const LocalizationBundle bundle =
-        openLocalizationBundle(rawValue(effectiveLanguage(language, preferredLanguages())));
-    return bundle ? bundle : mainLocalizationBundle();
+    return bundleOf(shownLanguage(language));
 }
 
 WidgetListText widgetListText(const WidgetEntryContent &content, TimePoint now, const QTimeZone &zone)
 {
-    const AppLanguage language = effectiveLanguage(content.language, preferredLanguages());
-    const LocalizationBundle bundle = widgetTexts(language);
+    const AppLanguage language = shownLanguage(content.language);
+    const LocalizationBundle &bundle = bundleOf(language);
     WidgetListText text;
     text.title = localized(QStringLiteral("widget.list.title"), bundle);
     text.emptyText = localized(QStringLiteral("widget.empty"), bundle);

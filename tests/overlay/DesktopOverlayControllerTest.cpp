@@ -39,7 +39,7 @@ struct OverlayControllerWorld
                                       surface = made.get();
                                       return made;
                                   },
-                                  coins.clock.clock()});
+                                  coins.clock.clock(), [this] { return textScale; }});
     }
 
     /// What was asked of the surface since the last question.
@@ -71,6 +71,7 @@ struct OverlayControllerWorld
     ScriptedHttpClient http;
     CoinLogoStore logos{CoinLogoCache::inContainer(container.path()), http};
     bool hasPlace = true;
+    double textScale = 1;
     int surfacesMade = 0;
     QStringList calls;
     RecordingDesktopSurface *surface = nullptr;
@@ -97,6 +98,9 @@ private Q_SLOTS:
     void appliesTheSameTwiceWithoutAFrame();
     void sizes_data();
     void sizes();
+    void growsWithTheDesktopsTexts_data();
+    void growsWithTheDesktopsTexts();
+    void followsTheTextScale();
     void followsPricesAndSettings();
     void keepsTheWindow();
     void adjustsOnlyWhatIsShown();
@@ -170,6 +174,51 @@ void DesktopOverlayControllerTest::sizes()
     world.coins.change([textSize](AppSettings &settings) { settings.desktopOverlayTextSize = textSize; });
     QTEST(world.surface->frame().size(), "size");
     QTEST(world.controller->window()->size(), "size");
+}
+
+void DesktopOverlayControllerTest::growsWithTheDesktopsTexts_data()
+{
+    QTest::addColumn<double>("textScale");
+    QTest::addColumn<int>("watched");
+    QTest::addColumn<DesktopOverlayTextSize>("textSize");
+    QTest::addColumn<QRect>("frame");
+    QTest::newRow("usual") << 1.0 << 3 << DesktopOverlayTextSize::normal << QRect(892, 54, 364, 166);
+    QTest::newRow("a quarter larger") << 1.25 << 3 << DesktopOverlayTextSize::normal << QRect(801, 54, 455, 208);
+    QTest::newRow("half as large again") << 1.5 << 3 << DesktopOverlayTextSize::normal << QRect(710, 54, 546, 249);
+    QTest::newRow("twice as large") << 2.0 << 3 << DesktopOverlayTextSize::large << QRect(456, 54, 800, 358);
+    QTest::newRow("empty") << 1.5 << 0 << DesktopOverlayTextSize::normal << QRect(710, 54, 546, 255);
+}
+
+void DesktopOverlayControllerTest::growsWithTheDesktopsTexts()
+{
+    QFETCH(double, textScale);
+    QFETCH(int, watched);
+    QFETCH(DesktopOverlayTextSize, textSize);
+    World world(watched, false);
+    world.textScale = textScale;
+    world.coins.change([textSize](AppSettings &settings) { settings.desktopOverlayTextSize = textSize; });
+    world.setEnabled(true);
+    QTEST(world.surface->frame(), "frame");
+    QCOMPARE(world.controller->window()->view().list().shownRows(), watched);
+}
+
+/// It keeps the corner that is saved, on the screen, and what the user does not move again.
+void DesktopOverlayControllerTest::followsTheTextScale()
+{
+    World world;
+    world.save(700, 700);
+    world.takeCalls();
+    world.textScale = 1.5;
+    world.surface->onScreensChanged();
+    QCOMPARE(world.takeCalls(), words({"place 700,100 546x249"}));
+    QCOMPARE(world.controller->window()->view().backdrop().radius(), 33.0);
+    world.textScale = 2;
+    world.surface->onScreensChanged();
+    QCOMPARE(world.takeCalls(), words({"place 552,100 728x332"}));
+    QCOMPARE(world.saved(), (DesktopOverlayOrigin{700, 700}));
+    world.textScale = 1;
+    world.coins.price(100);
+    QCOMPARE(world.takeCalls(), words({"place 700,100 364x166"}));
 }
 
 void DesktopOverlayControllerTest::followsPricesAndSettings()

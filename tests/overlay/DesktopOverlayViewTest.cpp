@@ -33,7 +33,13 @@ struct OverlayViewWorld
         for (int i = 0; i < rows; ++i)
             content.rows.push_back({.id = QString::number(i), .symbol = QStringLiteral("C%1").arg(i)});
         model.setContent(content);
-        view.resize(desktopOverlaySize(model.textSize(), rows).toSize());
+        view.resize((desktopOverlaySize(model.textSize(), rows) * scale).toSize());
+    }
+    void setScale(double newScale)
+    {
+        scale = newScale;
+        view.setScale(scale);
+        setRows(3);
     }
     /// The view as it stands on nothing.
     QImage painted()
@@ -44,6 +50,7 @@ struct OverlayViewWorld
         return image;
     }
 
+    double scale = 1;
     TestClock clock;
     DesktopOverlayModel model;
     DesktopOverlayView view{model, {}, clock.clock()};
@@ -68,6 +75,7 @@ private Q_SLOTS:
     void buttonCallsTheModel();
     void legibility();
     void retranslates();
+    void growsWithTheDesktopsTexts();
 };
 
 void DesktopOverlayViewTest::cleanup()
@@ -149,9 +157,12 @@ void DesktopOverlayViewTest::controlsFit_data()
 {
     QTest::addColumn<AppLanguage>("language");
     QTest::addColumn<int>("rows");
+    QTest::addColumn<double>("scale");
     for (const AppLanguage language : {AppLanguage::en, AppLanguage::zhHans, AppLanguage::zhHant}) {
         for (const int rows : {0, 1, 5}) {
-            QTest::addRow("%s, %d rows", qPrintable(rawValue(language)), rows) << language << rows;
+            for (const double scale : {1.0, 1.5, 2.0})
+                QTest::addRow("%s, %d rows, %g", qPrintable(rawValue(language)), rows, scale)
+                    << language << rows << scale;
         }
     }
 }
@@ -160,8 +171,10 @@ void DesktopOverlayViewTest::controlsFit()
 {
     QFETCH(AppLanguage, language);
     QFETCH(int, rows);
+    QFETCH(double, scale);
     OverlayViewWorld world;
     useLanguage(language);
+    world.setScale(scale);
     world.view.retranslate();
     world.setRows(rows);
     world.model.setAdjusting(true);
@@ -171,8 +184,10 @@ void DesktopOverlayViewTest::controlsFit()
     QVERIFY(done.width() >= done.sizeHint().width() && done.height() >= done.sizeHint().height());
     const auto *const hint = controls.findChild<QLabel *>();
     QVERIFY(hint->height() >= hint->heightForWidth(hint->width()));
-    QCOMPARE(done.geometry().top() - hint->geometry().bottom() - 1, 8);
-    QVERIFY(hint->geometry().top() >= 12 && controls.height() - 1 - done.geometry().bottom() >= 12);
+    QCOMPARE(done.geometry().top() - hint->geometry().bottom() - 1, int(8 * scale));
+    const int padding = int(12 * scale);
+    QVERIFY(hint->geometry().top() >= padding && controls.height() - 1 - done.geometry().bottom() >= padding);
+    QCOMPARE(hint->font().pixelSize(), padding);
 }
 
 void DesktopOverlayViewTest::buttonCallsTheModel()
@@ -209,6 +224,30 @@ void DesktopOverlayViewTest::retranslates()
     useLanguage(AppLanguage::zhHans);
     world.view.retranslate();
     QVERIFY(hint->text() != english && !hint->text().isEmpty());
+}
+
+/// Each point is four pixels where texts are twice as large: corners, gaps, texts and lines.
+void DesktopOverlayViewTest::growsWithTheDesktopsTexts()
+{
+    OverlayViewWorld world;
+    const QImage usual = world.painted();
+    world.setScale(2);
+    const QImage large = world.painted();
+    QCOMPARE(large.size(), usual.size() * 2);
+    QCOMPARE(world.view.list().geometry(), world.view.rect().adjusted(28, 28, -28, -28));
+    QCOMPARE(world.view.list().shownRows(), 3);
+    QCOMPARE(large.pixelColor(10, 10).alpha(), 0);
+    QCOMPARE(large.pixelColor(16, 16).alpha(), 255);
+    const auto darkness = [](const QImage &image) {
+        qint64 sum = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                sum += 255 - qGray(image.pixel(x, y));
+        }
+        return double(sum) / image.height() / image.width();
+    };
+    QVERIFY2(std::abs(darkness(large) / darkness(usual) - 1) < 0.1,
+             qPrintable(QStringLiteral("%1, %2").arg(darkness(usual)).arg(darkness(large))));
 }
 
 TICKWISE_WIDGET_TEST(DesktopOverlayViewTest)

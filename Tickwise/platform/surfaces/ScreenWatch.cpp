@@ -24,6 +24,7 @@ void ScreenWatch::follow(QScreen *screen)
 {
     connect(screen, &QScreen::geometryChanged, this, &ScreenWatch::touch);
     connect(screen, &QScreen::availableGeometryChanged, this, &ScreenWatch::touch);
+    connect(screen, &QScreen::logicalDotsPerInchChanged, this, &ScreenWatch::touch);
 }
 
 } // namespace tickwise

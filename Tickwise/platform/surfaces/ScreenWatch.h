@@ -9,7 +9,8 @@ class QScreen;
 
 namespace tickwise {
 
-/// Calls back after screens came, went, moved or changed their size or free part; once for changes that come together.
+/// Calls back after screens came, went, moved or changed their size, free part or text scale; once for changes that
+/// come together.
 class ScreenWatch : public QObject
 {
 public:

@@ -1,12 +1,17 @@
 #include "support/drawing/TabularText.h"
 
+#include <QGlyphRun>
 #include <QPainter>
+#include <QTextLayout>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tickwise {
 
 namespace {
+
+constexpr std::size_t keptShapes = 64; // prices need about twenty
 
 bool isAsciiDigit(QChar character)
 {
@@ -21,18 +26,13 @@ double widestDigit(const QFontMetricsF &metrics)
     return std::round(widest);
 }
 
-/// Calls `visit` with each single digit and with each run of other characters, which are shaped together.
-void forEachRun(const QString &text, const std::function<void(const QString &, bool)> &visit)
+/// The first part of a text that is not empty.
+QStringView firstPart(QStringView text)
 {
-    qsizetype start = 0;
-    while (start < text.size()) {
-        const bool digit = isAsciiDigit(text[start]);
-        qsizetype end = start + 1;
-        while (!digit && end < text.size() && !isAsciiDigit(text[end]))
-            ++end;
-        visit(text.mid(start, end - start), digit);
-        start = end;
-    }
+    qsizetype length = 1;
+    while (!isAsciiDigit(text.front()) && length < text.size() && !isAsciiDigit(text[length]))
+        ++length;
+    return text.first(length);
 }
 
 } // namespace
@@ -44,28 +44,100 @@ TabularText::TabularText(const QFont &font)
 {
 }
 
-// A single character is measured without shaping, which is the most expensive step.
-double TabularText::advanceOf(const QString &run) const
+void TabularText::forgetMany() const
 {
-    return run.size() == 1 ? m_metrics.horizontalAdvance(run.front()) : m_metrics.horizontalAdvance(run);
+    if (m_shapes.size() > keptShapes)
+        m_shapes.clear();
 }
 
-double TabularText::width(const QString &text) const
+const TabularText::Shape &TabularText::shapeOf(QStringView part) const
 {
+    const QString borrowed = QString::fromRawData(part.data(), part.size());
+    if (const auto known = m_shapes.find(borrowed); known != m_shapes.end())
+        return known->second;
+    const QString own = part.toString();
+    return m_shapes.emplace(own, shaped(own)).first->second;
+}
+
+TabularText::Shape TabularText::shaped(const QString &part) const
+{
+    QTextLayout layout(part, m_font);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    Shape shape{.advance = m_metrics.horizontalAdvance(part)};
+    for (const QGlyphRun &run : layout.glyphRuns()) {
+        Glyphs glyphs{.font = indexOf(run.rawFont())};
+        for (const quint32 index : run.glyphIndexes())
+            glyphs.indexes.push_back(index);
+        for (const QPointF place : run.positions())
+            glyphs.places.push_back(place - QPointF(0, line.ascent()));
+        shape.glyphs.push_back(std::move(glyphs));
+    }
+    return shape;
+}
+
+std::size_t TabularText::indexOf(const QRawFont &font) const
+{
+    const auto known = std::ranges::find(m_rawFonts, font);
+    const auto index = std::size_t(known - m_rawFonts.begin());
+    if (known == m_rawFonts.end())
+        m_rawFonts.push_back(font);
+    return index;
+}
+
+double TabularText::width(QStringView text) const
+{
+    forgetMany();
     double total = 0;
-    forEachRun(text, [&](const QString &run, bool digit) { total += digit ? m_cell : std::round(advanceOf(run)); });
+    while (!text.isEmpty()) {
+        const QStringView part = firstPart(text);
+        total += isAsciiDigit(part.front()) ? m_cell : std::round(shapeOf(part).advance);
+        text = text.sliced(part.size());
+    }
     return total;
 }
 
-void TabularText::draw(QPainter &painter, double x, double baseline, const QString &text) const
+std::vector<TabularText::Part> TabularText::parts(QStringView text, double x) const
 {
-    painter.setFont(m_font);
-    forEachRun(text, [&](const QString &run, bool digit) {
-        const double advance = advanceOf(run);
-        const double inset = digit ? std::round((m_cell - advance) / 2) : 0;
-        painter.drawText(QPointF(x + inset, baseline), run);
-        x += digit ? m_cell : std::round(advance);
-    });
+    forgetMany();
+    std::vector<Part> parts;
+    while (!text.isEmpty()) {
+        const QStringView part = firstPart(text);
+        const Shape &shape = shapeOf(part);
+        const bool isDigit = isAsciiDigit(part.front());
+        parts.push_back({part, isDigit ? x + std::round((m_cell - shape.advance) / 2) : x, &shape});
+        x += isDigit ? m_cell : std::round(shape.advance);
+        text = text.sliced(part.size());
+    }
+    return parts;
+}
+
+void TabularText::draw(QPainter &painter, double x, double baseline, QStringView text) const
+{
+    Glyphs line; // as many as possible at once
+    for (const Part &part : parts(text, x)) {
+        for (const Glyphs &glyphs : part.shape->glyphs) {
+            if (glyphs.font != line.font) {
+                drawGlyphs(painter, line);
+                line = {.font = glyphs.font};
+            }
+            line.indexes.insert(line.indexes.end(), glyphs.indexes.begin(), glyphs.indexes.end());
+            for (const QPointF place : glyphs.places)
+                line.places.push_back(place + QPointF(part.left, baseline));
+        }
+    }
+    drawGlyphs(painter, line);
+}
+
+void TabularText::drawGlyphs(QPainter &painter, const Glyphs &glyphs) const
+{
+    if (glyphs.indexes.empty())
+        return;
+    QGlyphRun run;
+    run.setRawFont(m_rawFonts[glyphs.font]);
+    run.setRawData(glyphs.indexes.data(), glyphs.places.data(), int(glyphs.indexes.size()));
+    painter.drawGlyphRun(QPointF(), run);
 }
 
 } // namespace tickwise

@@ -41,7 +41,6 @@ WidgetWindow::WidgetWindow(WidgetListView::LogoSource logos, PointerPosition poi
     setWindowTitle(QGuiApplication::applicationDisplayName());
     setFocusPolicy(Qt::StrongFocus);
     m_list.setAttribute(Qt::WA_TransparentForMouseEvents);
-    m_list.setScale(textScale());
 }
 
 QSize WidgetWindow::scaledSize(WidgetSize size)
@@ -81,6 +80,7 @@ void WidgetWindow::paintEvent(QPaintEvent *)
 
 void WidgetWindow::resizeEvent(QResizeEvent *)
 {
+    m_list.setScale(textScale());
     const int padding = scaled(widgetPadding);
     m_list.setGeometry(rect().adjusted(padding, padding, -padding, -padding));
     shape();

@@ -49,7 +49,8 @@ public:
     /// Whether what the window does not paint shows the desktop.
     virtual bool isTranslucent() const = 0;
 
-    std::function<void()> onScreensChanged; ///< `screens` may answer otherwise, and the window may have been moved
+    std::function<void()>
+        onScreensChanged; ///< `screens` or the text scale may be others, and the window may have been moved
     std::function<void()> onTranslucencyChanged;
 };
 

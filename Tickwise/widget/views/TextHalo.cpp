@@ -1,15 +1,13 @@
 #include "widget/views/TextHalo.h"
 
-#include "support/drawing/TabularText.h"
-
-#include <QCache>
-#include <QImage>
 #include <QPainter>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <memory>
 #include <numeric>
+#include <vector>
 
 namespace tickwise {
 
@@ -23,18 +21,8 @@ struct Shadow
 };
 
 constexpr std::array shadows{Shadow{0.15, 3, 0}, Shadow{0.45, 1.5, 0.5}};
-constexpr double shadowReach = 8; ///< points around the text that its shadows may cover
-
-void drawRun(QPainter &painter, double x, double baseline, const WidgetTextRun &run)
-{
-    if (run.tabular)
-        return TabularText(run.font).draw(painter, x, baseline, run.text);
-    painter.setFont(run.font);
-    painter.drawText(QPointF(x, baseline), run.text);
-}
-
 constexpr int weightSum = 1 << 16;
-constexpr int keptHaloBytes = 512 * 1024;
+constexpr int keptBytes = 256 * 1024;
 
 /// The weights of a Gaussian curve with that deviation and that middle, in pixels; their sum is `weightSum`.
 std::vector<int> gaussianKernel(double deviation, double middle)
@@ -74,18 +62,6 @@ QImage blurredAndTransposed(const QImage &image, const std::vector<int> &kernel)
     return result;
 }
 
-/// The text in black, with room for its shadows.
-QImage textImage(const WidgetTextRun &run, const QSizeF &size, double baseline, double scale)
-{
-    QImage image((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(scale);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    painter.setPen(Qt::black);
-    drawRun(painter, shadowReach, baseline, run);
-    return image;
-}
-
 /// Both shadows of the text in one image.
 QImage haloImage(const QImage &text, double scale)
 {
@@ -107,52 +83,46 @@ QImage haloImage(const QImage &text, double scale)
     return halo;
 }
 
-void drawShadows(QPainter &painter, double x, double baseline, const WidgetTextRun &run)
-{
-    // Most texts of a list stay when its prices change.
-    static QCache<QString, QImage> halos(keptHaloBytes);
-    const double scale = painter.device()->devicePixelRatioF() * painter.worldTransform().m11();
-    const QFontMetricsF metrics(run.font);
-    const double innerBaseline = shadowReach + metrics.ascent();
-    const QString key = QStringLiteral("%1 %2 %3 %4").arg(run.font.key()).arg(scale).arg(run.tabular).arg(run.text);
-    if (!halos.contains(key)) {
-        const QSizeF size(widgetTextWidth(run) + 2 * shadowReach, metrics.height() + 2 * shadowReach);
-        const QImage text = textImage(run, size, innerBaseline, scale).convertToFormat(QImage::Format_Alpha8);
-        auto halo = std::make_unique<QImage>(haloImage(text, scale));
-        const auto cost = int(std::min<qsizetype>(halo->sizeInBytes(), keptHaloBytes));
-        halos.insert(key, halo.release(), cost);
-    }
-    if (const QImage *const halo = halos.object(key))
-        painter.drawImage(QPointF(x - shadowReach, baseline - innerBaseline), *halo);
-}
-
 } // namespace
 
-double widgetTextWidth(const WidgetTextRun &run)
+TextHalo::TextHalo(const QFont &font)
+    : m_font(font)
+    , m_metrics(font)
+    , m_ascent(m_metrics.ascent())
+    , m_images(keptBytes)
 {
-    return run.tabular ? TabularText(run.font).width(run.text) : QFontMetricsF(run.font).horizontalAdvance(run.text);
 }
 
-void paintWidgetText(QPainter &painter, const QRectF &box, Qt::Alignment alignment, const WidgetTextRun &run, bool halo)
+QImage TextHalo::imageOf(const QString &text, double scale) const
 {
-    const QFontMetricsF metrics(run.font);
-    WidgetTextRun shown = run;
-    double width = widgetTextWidth(run);
-    if (width > box.width()) {
-        shown.text = metrics.elidedText(run.text, Qt::ElideRight, box.width());
-        width = widgetTextWidth(shown);
+    const QSizeF size(m_metrics.horizontalAdvance(text) + 2 * reach, m_metrics.height() + 2 * reach);
+    QImage image((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setFont(m_font);
+    painter.setPen(Qt::black);
+    painter.drawText(QPointF(reach, reach + m_ascent), text);
+    painter.end();
+    // Painters blend this format fastest.
+    return haloImage(image.convertToFormat(QImage::Format_Alpha8), scale)
+        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+void TextHalo::draw(QPainter &painter, double x, double baseline, QStringView text) const
+{
+    const double scale = painter.device()->devicePixelRatioF() * painter.worldTransform().m11();
+    const std::pair borrowed(QString::fromRawData(text.data(), text.size()), scale);
+    const QImage *image = m_images.object(borrowed);
+    if (!image) {
+        const QString own = text.toString();
+        auto made = std::make_unique<QImage>(imageOf(own, scale));
+        const auto cost = int(std::min<qsizetype>(made->sizeInBytes(), keptBytes));
+        m_images.insert({own, scale}, made.release(), cost);
+        image = m_images.object(borrowed);
     }
-    const double free = box.width() - width;
-    const double x = alignment.testFlag(Qt::AlignRight)     ? box.left() + free
-                     : alignment.testFlag(Qt::AlignHCenter) ? box.left() + free / 2
-                                                            : box.left();
-    const double baseline = std::round(box.center().y() + (metrics.ascent() - metrics.descent()) / 2);
-    painter.save();
-    if (halo)
-        drawShadows(painter, x, baseline, shown);
-    painter.setPen(shown.color);
-    drawRun(painter, x, baseline, shown);
-    painter.restore();
+    if (image)
+        painter.drawImage(QPointF(x - reach, baseline - reach - m_ascent), *image);
 }
 
 } // namespace tickwise

@@ -1,11 +1,13 @@
 #pragma once
 
-#include <QColor>
-#include <QFont>
+#include <QCache>
+#include <QFontMetricsF>
+#include <QImage>
 #include <QString>
 
+#include <utility>
+
 class QPainter;
-class QRectF;
 
 namespace tickwise {
 
@@ -17,21 +19,25 @@ struct WidgetLegibility
     bool operator==(const WidgetLegibility &) const = default;
 };
 
-/// A line of text on an image of its own: everything that a shadow needs.
-struct WidgetTextRun
+/// The two shadows of texts in one font. Those last drawn are kept, up to 256 KiB. Main thread only.
+class TextHalo
 {
-    QString text;
-    QFont font; ///< with a pixel size
-    QColor color;
-    bool tabular = false; ///< digits all as wide as the widest
+public:
+    static constexpr double reach = 8; ///< points around a text that its shadows may cover
+
+    /// `font` must have a pixel size.
+    explicit TextHalo(const QFont &font);
+
+    /// Draws the shadows of the text that starts at `x` on that baseline.
+    void draw(QPainter &painter, double x, double baseline, QStringView text) const;
+
+private:
+    QImage imageOf(const QString &text, double scale) const;
+
+    QFont m_font;
+    QFontMetricsF m_metrics;
+    double m_ascent;
+    mutable QCache<std::pair<QString, double>, QImage> m_images; ///< by text and pixels a point
 };
-
-/// The width that the text takes.
-double widgetTextWidth(const WidgetTextRun &run);
-
-/// Draws the text, elided to the box, aligned horizontally as asked and centered vertically; with its shadows when
-/// `halo`.
-void paintWidgetText(QPainter &painter, const QRectF &box, Qt::Alignment alignment, const WidgetTextRun &run,
-                     bool halo);
 
 } // namespace tickwise

@@ -1,50 +1,41 @@
 #include "widget/views/WidgetListView.h"
 
 #include "catalog/logos/CoinLogoPainting.h"
-#include "settings/HexColor.h"
 #include "support/drawing/SvgPainting.h"
 #include "widget/views/WidgetListAccessible.h"
 
 #include <QEvent>
+#include <QPaintEvent>
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace tickwise {
 
 namespace {
 
-constexpr double rowInset = 6;
-constexpr double spacing = 8;
-constexpr double separator = 1;
-constexpr double rowSlack = 2; ///< may be missing below the last row: windows lose a pixel at fractional scales
-constexpr double logoSide = 24;
-constexpr double headerLogoSide = 16;
-constexpr double emptyLogoSide = 40;
-constexpr double compactWidth = 220; ///< below, a line shows the change under the price and no name
-constexpr QColor staleColor(255, 149, 0);
+constexpr float separatorOpacity = 0.12F;
 /// The longest wait for the time to turn orange: clocks are set, and machines sleep.
 constexpr std::chrono::minutes longestWait{1};
 
-struct Metrics
-{
-    double header;
-    double row;
-    int large; ///< pixel size of symbols and prices
-    int small; ///< pixel size of names and changes
-};
+/// Ratios of pixels to points at which these points are whole pixels, and their multiples.
+constexpr int wholePoints = 4;
 
-Metrics metricsFor(DesktopOverlayTextSize size)
+/// The smallest rectangle around this one whose edges are whole pixels.
+QRect onWholePixels(const QRectF &rect)
 {
-    return size == DesktopOverlayTextSize::large ? Metrics{23, 42, 15, 12} : Metrics{22, 38, 13, 11};
+    const QRectF units(rect.topLeft() / wholePoints, rect.size() / wholePoints);
+    const QRect aligned = units.toAlignedRect();
+    return {aligned.topLeft() * wholePoints, aligned.size() * wholePoints};
 }
 
-QFont fontOf(const QWidget &widget, int pixels, QFont::Weight weight = QFont::Normal)
+/// The same coins in the same places, with the same logos.
+bool showsSameCoins(const WidgetEntryContent &a, const WidgetEntryContent &b)
 {
-    QFont font = widget.font();
-    font.setPixelSize(pixels);
-    font.setWeight(weight);
-    return font;
+    return std::ranges::equal(a.rows, b.rows, [](const WidgetRow &one, const WidgetRow &other) {
+        return one.id == other.id && one.logoAssetName == other.logoAssetName && one.symbol == other.symbol;
+    });
 }
 
 void paintAppLogo(QPainter &painter, const QRectF &box)
@@ -58,6 +49,7 @@ WidgetListView::WidgetListView(LogoSource logos, Clock clock, QWidget *parent)
     : QWidget(parent)
     , m_logos(std::move(logos))
     , m_clock(std::move(clock))
+    , m_faces(font(), WidgetListMetrics::of(m_textSize))
 {
     WidgetListAccessible::install();
     m_staleness.setSingleShot(true);
@@ -67,21 +59,22 @@ WidgetListView::WidgetListView(LogoSource logos, Clock clock, QWidget *parent)
 
 double WidgetListView::heightOf(DesktopOverlayTextSize size, int rows)
 {
-    const Metrics metrics = metricsFor(size);
-    return metrics.header + metrics.row * rows + separator * std::max(rows - 1, 0);
+    return WidgetListLayout::heightOf(size, rows);
+}
+
+WidgetListLayout WidgetListView::layoutOfList() const
+{
+    return {m_textSize, QSizeF(size()) / m_scale};
 }
 
 int WidgetListView::shownRows() const
 {
-    const Metrics metrics = metricsFor(m_textSize);
-    const double room = height() / m_scale - metrics.header + separator + rowSlack;
-    return std::clamp(int(room / (metrics.row + separator)), 0, int(m_text.rows.size()));
+    return layoutOfList().shownRows(int(m_text.rows.size()));
 }
 
 QRectF WidgetListView::rowRect(int index) const
 {
-    const Metrics metrics = metricsFor(m_textSize);
-    const QRectF points(0, metrics.header + index * (metrics.row + separator), width() / m_scale, metrics.row);
+    const QRectF points = layoutOfList().row(index);
     return {points.topLeft() * m_scale, points.size() * m_scale};
 }
 
@@ -89,20 +82,21 @@ void WidgetListView::setContent(const WidgetEntryContent &content)
 {
     if (m_content == content)
         return;
-    m_content = content;
+    if (!showsSameCoins(std::exchange(m_content, content), content))
+        update();
     refresh();
 }
 
 void WidgetListView::setTextSize(DesktopOverlayTextSize size)
 {
     if (std::exchange(m_textSize, size) != size)
-        update();
+        restyle();
 }
 
 void WidgetListView::setScale(double scale)
 {
     if (std::exchange(m_scale, scale) != scale)
-        update();
+        restyle();
 }
 
 void WidgetListView::setLegibility(const WidgetLegibility &legibility)
@@ -110,19 +104,55 @@ void WidgetListView::setLegibility(const WidgetLegibility &legibility)
     if (m_legibility == legibility)
         return;
     m_legibility = legibility;
-    update();
+    restyle();
 }
 
 void WidgetListView::refresh()
 {
-    const WidgetListText text = widgetListText(m_content, m_clock(), QTimeZone::systemTimeZone());
+    WidgetListText text = widgetListText(m_content, m_clock(), QTimeZone::systemTimeZone());
     waitForStaleness();
     if (m_text == text)
         return;
-    m_text = text;
-    setAccessibleName(m_text.title);
-    setAccessibleDescription(m_text.rows.empty() ? m_text.emptyText : m_text.updated);
+    m_text = std::move(text);
+    describe();
+    arrange();
+}
+
+/// Tells assistive technologies, which hear of each call, only what is new.
+void WidgetListView::describe()
+{
+    const QString &description = m_text.rows.empty() ? m_text.emptyText : m_text.updated;
+    if (accessibleName() != m_text.title)
+        setAccessibleName(m_text.title);
+    if (accessibleDescription() != description)
+        setAccessibleDescription(description);
+}
+
+/// Takes fonts and colors anew, and paints everything.
+void WidgetListView::restyle()
+{
+    m_faces = WidgetListFaces(font(), WidgetListMetrics::of(m_textSize));
+    arrange();
     update();
+}
+
+/// Gives the texts their places, and paints those that are others.
+void WidgetListView::arrange()
+{
+    updateArea(replaceTexts(m_placed, layoutOfList().texts(m_text, m_faces, colors()), m_legibility.halo));
+}
+
+// At edges between two pixels, what is cleared and what is painted would differ by a line.
+void WidgetListView::updateArea(const QRectF &area)
+{
+    if (area.isEmpty())
+        return;
+    const double ratio = devicePixelRatioF() * wholePoints;
+    if (ratio != std::floor(ratio))
+        return update();
+    const QPoint place = mapTo(window(), QPoint());
+    const QRectF changed(area.topLeft() * m_scale + place, area.size() * m_scale);
+    update(onWholePixels(changed).translated(-place));
 }
 
 /// The time turns orange by itself while it is shown.
@@ -134,6 +164,13 @@ void WidgetListView::waitForStaleness()
     const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*m_content.updatedAt + staleAge - m_clock());
     if (wait >= std::chrono::milliseconds(0))
         m_staleness.start(std::min<std::chrono::milliseconds>(wait, longestWait) + std::chrono::milliseconds(1));
+}
+
+void WidgetListView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    arrange();
+    update();
 }
 
 void WidgetListView::showEvent(QShowEvent *event)
@@ -151,104 +188,52 @@ void WidgetListView::hideEvent(QHideEvent *event)
 void WidgetListView::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
-        update();
+        restyle();
     QWidget::changeEvent(event);
 }
 
-QColor WidgetListView::textColor() const
+WidgetListColors WidgetListView::colors() const
 {
-    return m_legibility.boost ? QColor(Qt::white) : palette().color(QPalette::WindowText);
+    const QColor text = m_legibility.boost ? QColor(Qt::white) : palette().color(QPalette::WindowText);
+    QColor secondary = text;
+    secondary.setAlphaF(m_legibility.boost ? 0.85F : 0.65F);
+    return {text, secondary};
 }
 
-QColor WidgetListView::secondaryColor() const
-{
-    QColor color = textColor();
-    color.setAlphaF(m_legibility.boost ? 0.85F : 0.65F);
-    return color;
-}
-
-void WidgetListView::paintEvent(QPaintEvent *)
+void WidgetListView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
     painter.scale(m_scale, m_scale);
-    const QRectF area(QPointF(), QSizeF(size()) / m_scale);
-    if (m_text.rows.empty())
-        return paintEmpty(painter, area);
-    const Metrics metrics = metricsFor(m_textSize);
-    paintHeader(painter, QRectF(area.left(), area.top(), area.width(), metrics.header));
-    paintRows(painter, area.adjusted(0, metrics.header, 0, 0));
-}
-
-void WidgetListView::paintHeader(QPainter &painter, const QRectF &box) const
-{
-    const QRectF inner = box.adjusted(rowInset, 0, -rowInset, -4);
-    paintAppLogo(painter,
-                 QRectF(inner.left(), inner.center().y() - headerLogoSide / 2, headerLogoSide, headerLogoSide));
-    const WidgetTextRun updated{m_text.updated, fontOf(*this, 11), m_text.isStale ? staleColor : secondaryColor(),
-                                true};
-    const double updatedWidth = widgetTextWidth(updated);
-    paintWidgetText(painter, inner, Qt::AlignRight, updated, m_legibility.halo);
-    const WidgetTextRun title{m_text.title, fontOf(*this, 12, QFont::DemiBold), textColor()};
-    paintWidgetText(painter, inner.adjusted(headerLogoSide + rowInset, 0, -updatedWidth - spacing, 0), Qt::AlignLeft,
-                    title, m_legibility.halo);
-}
-
-void WidgetListView::paintEmpty(QPainter &painter, const QRectF &box) const
-{
-    const QFont font = fontOf(*this, 12);
-    const double textHeight = QFontMetricsF(font).height();
-    const double top = (box.height() - emptyLogoSide - spacing - textHeight) / 2;
-    paintAppLogo(painter, QRectF((box.width() - emptyLogoSide) / 2, top, emptyLogoSide, emptyLogoSide));
-    const QRectF line(0, top + emptyLogoSide + spacing, box.width(), textHeight);
-    paintWidgetText(painter, line, Qt::AlignHCenter, {m_text.emptyText, font, secondaryColor()}, m_legibility.halo);
-}
-
-void WidgetListView::paintRows(QPainter &painter, const QRectF &box) const
-{
-    const Metrics metrics = metricsFor(m_textSize);
-    double changeWidth = 0;
-    for (const WidgetRowText &row : m_text.rows)
-        changeWidth = std::max(changeWidth, widgetTextWidth({row.change, fontOf(*this, metrics.small), {}, true}));
-    QColor line = textColor();
-    line.setAlphaF(0.12F);
-    QRectF row(box.left() + rowInset, box.top(), box.width() - 2 * rowInset, metrics.row);
-    for (int i = 0; i < shownRows(); ++i) {
-        if (i > 0)
-            painter.fillRect(QRectF(row.left(), row.top() - separator, row.width(), separator), line);
-        paintRow(painter, row, static_cast<std::size_t>(i), changeWidth);
-        row.translate(0, metrics.row + separator);
+    const QRectF area(QPointF(event->rect().topLeft()) / m_scale, QSizeF(event->rect().size()) / m_scale);
+    paintLogos(painter, layoutOfList(), area);
+    for (const PlacedWidgetText &text : m_placed) {
+        if (text.ink(m_legibility.halo).intersects(area))
+            text.paint(painter, m_legibility.halo);
     }
 }
 
-void WidgetListView::paintRow(QPainter &painter, const QRectF &box, size_t index, double changeWidth) const
+/// Draws the logos in that area, and the lines between the rows.
+void WidgetListView::paintLogos(QPainter &painter, const WidgetListLayout &layout, const QRectF &area) const
+{
+    const QRectF appLogo = m_text.rows.empty() ? layout.emptyLogo(*m_faces.empty) : layout.headerLogo();
+    if (appLogo.intersects(area))
+        paintAppLogo(painter, appLogo);
+    QColor line = colors().text;
+    line.setAlphaF(separatorOpacity);
+    for (int i = 0; i < shownRows(); ++i) {
+        if (i > 0 && layout.separatorAbove(i).intersects(area))
+            painter.fillRect(layout.separatorAbove(i), line);
+        if (layout.logo(i).intersects(area))
+            paintLogo(painter, layout.logo(i), std::size_t(i));
+    }
+}
+
+void WidgetListView::paintLogo(QPainter &painter, const QRectF &box, std::size_t index) const
 {
     const WidgetRow &coin = m_content.rows[index];
-    const WidgetRowText &row = m_text.rows[index];
-    const Metrics metrics = metricsFor(m_textSize);
-    const bool isCompact = box.width() + 2 * rowInset < compactWidth;
-    const bool halo = m_legibility.halo;
-    paintCoinLogo(painter, QRectF(box.left(), box.center().y() - logoSide / 2, logoSide, logoSide), coin.logoAssetName,
-                  m_logos ? m_logos(coin.id) : std::nullopt, coin.symbol, palette().color(QPalette::Highlight));
-
-    const WidgetTextRun price{row.price, fontOf(*this, metrics.large, QFont::DemiBold), textColor(), true};
-    const std::optional<QColor> changeColor = colorFromHex(row.changeColorHex);
-    const WidgetTextRun change{row.change, fontOf(*this, metrics.small),
-                               row.isDelisted ? secondaryColor() : changeColor.value_or(textColor()), true};
-    const QRectF upper = box.adjusted(0, 2, 0, -box.height() / 2);
-    const QRectF lower = box.adjusted(0, box.height() / 2 - 1, 0, -3);
-    const QRectF priceBox = isCompact ? upper : box.adjusted(0, 0, -changeWidth - spacing, 0);
-    paintWidgetText(painter, priceBox, Qt::AlignRight, price, halo);
-    paintWidgetText(painter, isCompact ? lower : box, Qt::AlignRight, change, halo);
-
-    const double left = logoSide + spacing;
-    const double right = box.right() - priceBox.right() + widgetTextWidth(price) + spacing;
-    const WidgetTextRun symbol{row.symbol, fontOf(*this, metrics.large, QFont::DemiBold), textColor()};
-    if (isCompact)
-        return paintWidgetText(painter, box.adjusted(left, 0, -right, 0), Qt::AlignLeft, symbol, halo);
-    paintWidgetText(painter, upper.adjusted(left, 0, -right, 0), Qt::AlignLeft, symbol, halo);
-    paintWidgetText(painter, lower.adjusted(left, 0, -right, 0), Qt::AlignLeft,
-                    {row.name, fontOf(*this, metrics.small), secondaryColor()}, halo);
+    paintCoinLogo(painter, box, coin.logoAssetName, m_logos ? m_logos(coin.id) : std::nullopt, coin.symbol,
+                  palette().color(QPalette::Highlight));
 }
 
 } // namespace tickwise

@@ -3,7 +3,7 @@
 #include "settings/AppSettings.h"
 #include "support/Clock.h"
 #include "widget/WidgetListText.h"
-#include "widget/views/TextHalo.h"
+#include "widget/views/WidgetListLayout.h"
 
 #include <QImage>
 #include <QTimer>
@@ -14,7 +14,8 @@
 namespace tickwise {
 
 /// The list of the desktop widget and of the desktop overlay: a header with the time of the prices, one line a coin, or
-/// the empty state. It paints one content on a transparent ground; lines that do not fit are cut at the bottom.
+/// the empty state. It paints one content on a transparent ground; lines that do not fit are cut at the bottom. Another
+/// content of the same coins repaints only the area of the texts that are others.
 class WidgetListView : public QWidget
 {
     Q_OBJECT
@@ -46,6 +47,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -53,12 +55,14 @@ protected:
 private:
     void refresh();
     void waitForStaleness();
-    QColor textColor() const;
-    QColor secondaryColor() const;
-    void paintHeader(QPainter &painter, const QRectF &box) const;
-    void paintEmpty(QPainter &painter, const QRectF &box) const;
-    void paintRows(QPainter &painter, const QRectF &box) const;
-    void paintRow(QPainter &painter, const QRectF &box, size_t index, double changeWidth) const;
+    void describe();
+    WidgetListLayout layoutOfList() const;
+    WidgetListColors colors() const;
+    void arrange();
+    void restyle();
+    void updateArea(const QRectF &area);
+    void paintLogos(QPainter &painter, const WidgetListLayout &layout, const QRectF &area) const;
+    void paintLogo(QPainter &painter, const QRectF &box, std::size_t index) const;
 
     LogoSource m_logos;
     Clock m_clock;
@@ -67,6 +71,8 @@ private:
     DesktopOverlayTextSize m_textSize = DesktopOverlayTextSize::normal;
     double m_scale = 1;
     WidgetLegibility m_legibility;
+    WidgetListFaces m_faces;
+    std::vector<PlacedWidgetText> m_placed;
     QTimer m_staleness;
 };
 

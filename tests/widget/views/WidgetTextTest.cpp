@@ -1,0 +1,138 @@
+#include "widget/views/WidgetText.h"
+
+#include "doubles/TestProgram.h"
+
+#include <QPainter>
+
+using namespace tickwise;
+
+namespace {
+
+std::shared_ptr<const WidgetFace> face(int pixels)
+{
+    QFont font;
+    font.setPixelSize(pixels);
+    return std::make_shared<const WidgetFace>(font);
+}
+
+struct World
+{
+    std::shared_ptr<const WidgetFace> small = face(11);
+    WidgetText price{QStringLiteral("1,234"), face(13), Qt::black, true, QRectF(100, 0, 100, 38), Qt::AlignRight};
+    WidgetText name{QStringLiteral("Bitcoin"), small, Qt::gray, false, QRectF(0, 0, 100, 38)};
+    std::vector<PlacedWidgetText> placed;
+
+    QRectF replace(bool halo = false) { return replaceTexts(placed, {price, name}, halo); }
+};
+
+} // namespace
+
+class WidgetTextTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sameTextsChangeNothing();
+    void anotherTextChangesItsPlace();
+    void anotherColorChangesItsPlace();
+    void roomThatIsNotNeededChangesNothing();
+    void fewerAndMoreTexts();
+    void halosTakeRoom();
+    void shadowsOfPartsAreThoseOfTheWhole();
+};
+
+void WidgetTextTest::sameTextsChangeNothing()
+{
+    World world;
+    QVERIFY(!world.replace().isEmpty());
+    QVERIFY(world.replace().isNull());
+}
+
+void WidgetTextTest::anotherTextChangesItsPlace()
+{
+    World world;
+    world.replace();
+    const QRectF oldInk = world.placed.front().ink(false);
+    world.price.text = QStringLiteral("9,999,999");
+    const QRectF changed = world.replace();
+    QCOMPARE(changed, oldInk | world.placed.front().ink(false));
+    QVERIFY(changed.left() > 100 && changed.right() >= 200 && changed.width() > oldInk.width());
+    world.price.text = QStringLiteral("1");
+    QCOMPARE(world.replace(), changed);
+}
+
+void WidgetTextTest::anotherColorChangesItsPlace()
+{
+    World world;
+    world.replace();
+    world.name.color = Qt::red;
+    QCOMPARE(world.replace(), world.placed.back().ink(false));
+}
+
+void WidgetTextTest::roomThatIsNotNeededChangesNothing()
+{
+    World world;
+    world.replace();
+    world.name.box.setRight(90);
+    QVERIFY(world.replace().isNull());
+    world.name.box.setRight(20);
+    QVERIFY(!world.replace().isNull());
+    QVERIFY(world.placed.back().ink(false).right() < 30);
+}
+
+void WidgetTextTest::fewerAndMoreTexts()
+{
+    World world;
+    world.replace();
+    const QRectF name = world.placed.back().ink(false);
+    QCOMPARE(replaceTexts(world.placed, {world.price}, false), name);
+    QCOMPARE(world.placed.size(), std::size_t(1));
+    QCOMPARE(world.replace(), name);
+    QCOMPARE(world.placed.size(), std::size_t(2));
+}
+
+void WidgetTextTest::halosTakeRoom()
+{
+    World world;
+    world.replace();
+    const PlacedWidgetText &price = world.placed.front();
+    QVERIFY(price.ink(true).contains(price.ink(false)));
+    world.price.text.clear();
+    world.replace(true);
+    QVERIFY(price.ink(true).isNull());
+}
+
+/// The shadows of a number are put together from those of its digits.
+void WidgetTextTest::shadowsOfPartsAreThoseOfTheWhole()
+{
+    const auto own = face(13);
+    const QString text = QStringLiteral("8,888");
+    const auto shadow = [&](const std::function<void(QPainter &)> &draw) {
+        QImage image(120, 60, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        draw(painter);
+        return image.convertToFormat(QImage::Format_Alpha8);
+    };
+    const QImage parts = shadow([&](QPainter &painter) {
+        for (const TabularText::Part &part : own->tabular.parts(text, 20))
+            own->halo.draw(painter, part.left, 35, part.text);
+    });
+    const QImage ground = shadow([&](QPainter &painter) {
+        painter.setFont(own->font);
+        own->tabular.draw(painter, 20, 35, text);
+    });
+    int darkest = 0;
+    for (int y = 0; y < ground.height(); ++y) {
+        for (int x = 0; x < ground.width(); ++x) {
+            const int alpha = parts.constScanLine(y)[x];
+            darkest = std::max(darkest, alpha);
+            if (ground.constScanLine(y)[x] == 255)
+                QVERIFY2(alpha > 40, qPrintable(QStringLiteral("%1,%2: %3").arg(x).arg(y).arg(alpha)));
+        }
+    }
+    QVERIFY2(darkest > 60 && darkest < 150, qPrintable(QString::number(darkest)));
+}
+
+TICKWISE_WIDGET_TEST(WidgetTextTest)
+#include "WidgetTextTest.moc"
