@@ -2,7 +2,7 @@
 add_library(tickwise_options INTERFACE)
 
 target_compile_options(tickwise_options INTERFACE
-    -pthread -Wall -Wextra -Wno-missing-field-initializers -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused
+    -pthread -Wall -Wextra -Wno-missing-field-initializers -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused
     -Wnull-dereference -Wdouble-promotion -Wformat=2 -Werror)
 
 target_compile_definitions(tickwise_options INTERFACE
@@ -10,12 +10,17 @@ target_compile_definitions(tickwise_options INTERFACE
     QT_NO_KEYWORDS QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_STRICT_ITERATORS QT_USE_QSTRINGBUILDER
     SD_JOURNAL_SUPPRESS_LOCATION)
 
+# Where sources are compiled in batches, g++ takes all of them for headers, whose names may be shadowed and whose types are used.
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(tickwise_options INTERFACE -Wshadow=local -Wno-subobject-linkage)
+else()
+    target_compile_options(tickwise_options INTERFACE -Wshadow)
+endif()
+
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(tickwise_options INTERFACE -Wredundant-decls -Wsuggest-override)
     # These two report Qt's and the standard library's own inlined code with g++ 12.
     target_compile_options(tickwise_options INTERFACE -Wno-null-dereference -Wno-restrict)
-    # Where sources are compiled in batches, g++ takes all of them for headers.
-    target_compile_options(tickwise_options INTERFACE $<$<BOOL:${CMAKE_UNITY_BUILD}>:-Wno-subobject-linkage>)
 endif()
 
 # Each program keeps only the functions that it uses, and links only the libraries that these use: an object may hold several sources.

@@ -194,7 +194,7 @@ void DesktopOverlayControllerTest::growsWithTheDesktopsTexts()
     QFETCH(double, textScale);
     QFETCH(int, watched);
     QFETCH(DesktopOverlayTextSize, textSize);
-    World world(watched, false);
+    OverlayControllerWorld world(watched, false);
     world.textScale = textScale;
     world.coins.change([textSize](AppSettings &settings) { settings.desktopOverlayTextSize = textSize; });
     world.setEnabled(true);
@@ -205,7 +205,7 @@ void DesktopOverlayControllerTest::growsWithTheDesktopsTexts()
 /// It keeps the corner that is saved, on the screen, and what the user does not move again.
 void DesktopOverlayControllerTest::followsTheTextScale()
 {
-    World world;
+    OverlayControllerWorld world;
     world.save(700, 700);
     world.takeCalls();
     world.textScale = 1.5;

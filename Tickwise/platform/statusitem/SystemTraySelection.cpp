@@ -26,7 +26,7 @@ std::optional<uint32_t> newParent(const xcb_generic_event_t &event, uint32_t win
 /// Where the window is in its parent.
 std::optional<QRect> geometryOf(xcb_connection_t *connection, uint32_t window)
 {
-    const Reply<xcb_get_geometry_reply_t> geometry(
+    const MallocPointer<xcb_get_geometry_reply_t> geometry(
         xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
     if (!geometry)
         return std::nullopt;
@@ -129,7 +129,7 @@ void SystemTraySelection::reportParent(uint32_t parent)
 /// Qt takes the tray's window for the screen when it resizes or shows ours, which then lies beside what it is to fill.
 void SystemTraySelection::keepInTray()
 {
-    const Reply<xcb_query_tree_reply_t> tree(
+    const MallocPointer<xcb_query_tree_reply_t> tree(
         xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_window), nullptr));
     const std::optional<QRect> tray = tree ? geometryOf(m_connection, tree->parent) : std::nullopt;
     const std::optional<QRect> window = geometryOf(m_connection, m_window);

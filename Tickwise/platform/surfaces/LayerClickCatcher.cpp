@@ -9,7 +9,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr char surfaceName[] = "tickwise-click-catcher";
+constexpr char catcherName[] = "tickwise-click-catcher";
 
 } // namespace
 
@@ -23,7 +23,7 @@ LayerClickCatcher::LayerClickCatcher(const LayerShell &shell, QScreen &screen, E
     setScreen(&screen);
     setGeometry(screen.geometry());
     create();
-    const LayerSurfaceRequest request{.name = surfaceName,
+    const LayerSurfaceRequest request{.name = catcherName,
                                       .layer = LayerSurfaceRequest::overlay,
                                       .exclusiveZone = LayerSurfaceRequest::overPanels,
                                       .screen = &screen};

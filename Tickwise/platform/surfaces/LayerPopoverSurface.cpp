@@ -13,7 +13,7 @@ namespace tickwise {
 
 namespace {
 
-constexpr char surfaceName[] = "tickwise-popover";
+constexpr char popoverSurfaceName[] = "tickwise-popover";
 constexpr std::chrono::milliseconds pointerComes{100};
 constexpr std::chrono::milliseconds pointerComesSomewhere{500};
 constexpr std::chrono::milliseconds screenIsKnown{200};
@@ -90,7 +90,7 @@ bool LayerPopoverSurface::attach(QScreen *screen)
     handle->create();
     connect(handle, &QWindow::screenChanged, this, &LayerPopoverSurface::findItsScreen, Qt::UniqueConnection);
     m_surface = m_shell->makeSurface(*handle,
-                                     LayerSurfaceRequest{.name = surfaceName, .takesKeyboard = true, .screen = screen});
+                                     LayerSurfaceRequest{.name = popoverSurfaceName, .takesKeyboard = true, .screen = screen});
     if (!m_surface || !m_surface->configure())
         return false;
     m_usable = m_surface->size();

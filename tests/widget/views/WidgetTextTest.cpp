@@ -15,7 +15,7 @@ std::shared_ptr<const WidgetFace> face(int pixels)
     return std::make_shared<const WidgetFace>(font);
 }
 
-struct World
+struct TextWorld
 {
     std::shared_ptr<const WidgetFace> small = face(11);
     WidgetText price{QStringLiteral("1,234"), face(13), Qt::black, true, QRectF(100, 0, 100, 38), Qt::AlignRight};
@@ -43,14 +43,14 @@ private Q_SLOTS:
 
 void WidgetTextTest::sameTextsChangeNothing()
 {
-    World world;
+    TextWorld world;
     QVERIFY(!world.replace().isEmpty());
     QVERIFY(world.replace().isNull());
 }
 
 void WidgetTextTest::anotherTextChangesItsPlace()
 {
-    World world;
+    TextWorld world;
     world.replace();
     const QRectF oldInk = world.placed.front().ink(false);
     world.price.text = QStringLiteral("9,999,999");
@@ -63,7 +63,7 @@ void WidgetTextTest::anotherTextChangesItsPlace()
 
 void WidgetTextTest::anotherColorChangesItsPlace()
 {
-    World world;
+    TextWorld world;
     world.replace();
     world.name.color = Qt::red;
     QCOMPARE(world.replace(), world.placed.back().ink(false));
@@ -71,7 +71,7 @@ void WidgetTextTest::anotherColorChangesItsPlace()
 
 void WidgetTextTest::roomThatIsNotNeededChangesNothing()
 {
-    World world;
+    TextWorld world;
     world.replace();
     world.name.box.setRight(90);
     QVERIFY(world.replace().isNull());
@@ -82,7 +82,7 @@ void WidgetTextTest::roomThatIsNotNeededChangesNothing()
 
 void WidgetTextTest::fewerAndMoreTexts()
 {
-    World world;
+    TextWorld world;
     world.replace();
     const QRectF name = world.placed.back().ink(false);
     QCOMPARE(replaceTexts(world.placed, {world.price}, false), name);
@@ -93,7 +93,7 @@ void WidgetTextTest::fewerAndMoreTexts()
 
 void WidgetTextTest::halosTakeRoom()
 {
-    World world;
+    TextWorld world;
     world.replace();
     const PlacedWidgetText &price = world.placed.front();
     QVERIFY(price.ink(true).contains(price.ink(false)));
