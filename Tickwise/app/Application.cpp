@@ -239,7 +239,10 @@ int Application::run()
     m_delegate.applicationDidFinishLaunching();
     // The system bus is opened while the first prices are on their way.
     QTimer::singleShot(0, &m_delegate, [this] { followSystemEvents(); });
-    QTimer::singleShot(startUpDuration, qApp, releaseUnusedMemory);
+    QTimer::singleShot(startUpDuration, &m_delegate, [this] {
+        m_delegate.catalog().repack();
+        releaseUnusedMemory();
+    });
     return QCoreApplication::exec();
 }
 
