@@ -83,6 +83,7 @@ bool prepareProcess()
 {
     installLogHandler();
     keepMemoryOfPolls();
+    shareHeapAmongThreads();
     if (prepareDisplay().backend != DisplayBackend::none)
         return true;
     std::fprintf(stderr, "%s\n", noDisplayMessage);

@@ -19,7 +19,7 @@ using std::chrono::steady_clock;
 
 constexpr int maximumRedirects = 5;
 constexpr qsizetype parserPadding = 64; // lets a parser that reads past the end do without a copy of the body
-constexpr qsizetype firstBodyCapacity = qsizetype{16} * 1024; // of a body of unknown length
+constexpr qsizetype firstBodyCapacity = qsizetype{64} * 1024; // of a body of unknown length
 
 bool isHttp(const QUrl &url)
 {
