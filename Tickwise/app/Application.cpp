@@ -2,6 +2,7 @@
 
 #include "app/LocalizationManager.h"
 #include "app/SystemEvents.h"
+#include "platform/dbus/SystemBus.h"
 #include "platform/notifications/PortalNotificationCenter.h"
 #include "platform/session/DesktopLoginItem.h"
 #include "platform/session/DisplayServer.h"
@@ -16,7 +17,6 @@
 #include "support/LogCategories.h"
 
 #include <QApplication>
-#include <QDBusConnection>
 #include <QStandardPaths>
 #include <QTimer>
 #include <QWidget>
@@ -83,6 +83,7 @@ bool prepareProcess()
 {
     installLogHandler();
     keepMemoryOfPolls();
+    shareHeapAmongThreads();
     if (prepareDisplay().backend != DisplayBackend::none)
         return true;
     std::fprintf(stderr, "%s\n", noDisplayMessage);
@@ -93,7 +94,6 @@ Application::Application(ApplicationConfiguration configuration)
     : m_configuration(std::move(configuration))
     , m_singleInstance(m_configuration.identifier, m_sessionBus,
                        SingleInstance::defaultLockDirectory(m_configuration.identifier))
-    , m_sleepMonitor(QDBusConnection::systemBus())
     , m_defaults(m_configuration.identifier)
     , m_httpClient(m_configuration.authorities)
     , m_soundPlayer(QString::fromLatin1(appInfo::displayName), m_configuration.identifier)
@@ -138,7 +138,12 @@ void Application::connectServices()
     QObject::connect(&m_singleInstance, &SingleInstance::activated, &m_delegate, &AppDelegate::activate);
     QObject::connect(&m_singleInstance, &SingleInstance::urlsOpened, &m_delegate, &AppDelegate::openUrls);
     QObject::connect(&m_singleInstance, &SingleInstance::actionActivated, &m_delegate, &AppDelegate::performAction);
-    connectSystemEvents(m_sleepMonitor, m_networkWatch, m_delegate, [this] { networkMayHaveChanged(); });
+}
+
+void Application::followSystemEvents()
+{
+    m_sleepMonitor.emplace(openSystemBus());
+    connectSystemEvents(*m_sleepMonitor, m_networkWatch, m_delegate, [this] { networkMayHaveChanged(); });
 }
 
 AppEnvironment Application::makeEnvironment()
@@ -233,7 +238,12 @@ void Application::networkMayHaveChanged()
 int Application::run()
 {
     m_delegate.applicationDidFinishLaunching();
-    QTimer::singleShot(startUpDuration, qApp, releaseUnusedMemory);
+    // The system bus is opened while the first prices are on their way.
+    QTimer::singleShot(0, &m_delegate, [this] { followSystemEvents(); });
+    QTimer::singleShot(startUpDuration, &m_delegate, [this] {
+        m_delegate.catalog().repack();
+        releaseUnusedMemory();
+    });
     return QCoreApplication::exec();
 }
 

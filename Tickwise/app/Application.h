@@ -54,6 +54,7 @@ private:
     bool isSecondCopy();
     void attachUpdater(UpdateController &controller);
     void connectServices();
+    void followSystemEvents();
     /// Forgets connections of the old route and lets the updater look at its schedule.
     void networkMayHaveChanged();
     QString portalReason();
@@ -64,7 +65,7 @@ private:
     SessionBus m_sessionBus;
     WindowPalette m_windowPalette{m_sessionBus};
     SingleInstance m_singleInstance;
-    SleepMonitor m_sleepMonitor;
+    std::optional<SleepMonitor> m_sleepMonitor; ///< none before `followSystemEvents`
     NetworkWatch m_networkWatch;
     UserDefaults m_defaults;
     NetworkHttpClient m_httpClient;

@@ -21,8 +21,7 @@ std::vector<CoinMetadata> coinsWithIds(const QStringList &ids, const CoinCatalog
 {
     std::vector<CoinMetadata> coins;
     for (const QString &id : ids) {
-        const auto coin = catalog.byID().constFind(id);
-        if (coin != catalog.byID().constEnd())
+        if (const CoinMetadata *const coin = catalog.byID().value(id))
             coins.push_back(*coin);
     }
     return coins;

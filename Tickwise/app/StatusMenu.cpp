@@ -28,8 +28,8 @@ MenuEntry coinChoice(const AppSettings &settings, const CoinCatalog &catalog, co
     choice.kind = MenuEntry::Kind::submenu;
     choice.text = localized(QStringLiteral("menu.change"));
     for (const WatchlistCoin &watched : settings.watchlistCoins) {
-        const auto coin = catalog.byID().constFind(watched.coinId);
-        if (coin == catalog.byID().constEnd())
+        const CoinMetadata *const coin = catalog.byID().value(watched.coinId);
+        if (!coin)
             continue;
         MenuEntry entry;
         entry.text = coin->symbol + QStringLiteral(" - ") + coin->name;

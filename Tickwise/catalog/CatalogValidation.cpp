@@ -17,8 +17,6 @@ constexpr qsizetype mostListed = 1000;
 constexpr qsizetype longestSymbol = 15;
 constexpr qsizetype longestName = 60;
 
-using Index = QHash<QString, const CoinMetadata *>;
-
 bool isUpperAlphanumeric(QChar c)
 {
     return (c >= QLatin1Char('A') && c <= QLatin1Char('Z')) || (c >= QLatin1Char('0') && c <= QLatin1Char('9'));
@@ -35,7 +33,7 @@ bool isName(const QString &text)
     return !text.isEmpty() && characterCount(text) <= longestName;
 }
 
-QString migrationProblem(const CoinMetadata &coin, const Index &byId)
+QString migrationProblem(const CoinMetadata &coin, const CoinIndex &byId)
 {
     const CoinMetadata *const target = coin.migratedTo ? byId.value(*coin.migratedTo) : nullptr;
     if (!target)
@@ -43,7 +41,7 @@ QString migrationProblem(const CoinMetadata &coin, const Index &byId)
     return target->status == CoinStatus::active ? QString() : QStringLiteral(": migration target not active");
 }
 
-void checkRecord(const CoinMetadata &coin, const Index &byId, QStringList &problems)
+void checkRecord(const CoinMetadata &coin, const CoinIndex &byId, QStringList &problems)
 {
     const auto check = [&](bool holds, const QString &suffix) {
         if (!holds)
@@ -61,16 +59,10 @@ void checkRecord(const CoinMetadata &coin, const Index &byId, QStringList &probl
     }
 }
 
-Index indexById(const std::vector<CoinMetadata> &coins, QStringList &problems)
+void checkUniqueIds(const std::vector<CoinMetadata> &coins, const CoinIndex &byId, QStringList &problems)
 {
-    Index byId;
-    for (const CoinMetadata &coin : coins) {
-        if (byId.contains(coin.id))
-            problems.append(QStringLiteral("duplicate id"));
-        else
-            byId.insert(coin.id, &coin);
-    }
-    return byId;
+    const std::size_t duplicates = coins.size() - static_cast<std::size_t>(byId.size());
+    problems.append(QStringList(static_cast<qsizetype>(duplicates), QStringLiteral("duplicate id")));
 }
 
 void checkListedCount(const std::vector<CoinMetadata> &coins, QStringList &problems)
@@ -80,7 +72,7 @@ void checkListedCount(const std::vector<CoinMetadata> &coins, QStringList &probl
         problems.append(QStringLiteral("listed count %1").arg(listed));
 }
 
-void checkTradable(const QString &id, const Index &byId, QStringList &problems)
+void checkTradable(const QString &id, const CoinIndex &byId, QStringList &problems)
 {
     const CoinMetadata *const coin = byId.value(id);
     if (!coin || !coin->listed || coin->status != CoinStatus::active)
@@ -108,7 +100,8 @@ QStringList validateCatalog(std::int64_t schemaVersion, const std::vector<CoinMe
     if (schemaVersion != supportedSchema)
         return {QStringLiteral("schemaVersion %1").arg(schemaVersion)};
     QStringList problems;
-    const Index byId = indexById(coins, problems);
+    const CoinIndex byId = indexById(coins);
+    checkUniqueIds(coins, byId, problems);
     checkListedCount(coins, problems);
     checkTradable(QStringLiteral("bitcoin"), byId, problems);
     checkTradable(QStringLiteral("ethereum"), byId, problems);

@@ -42,6 +42,15 @@ std::size_t qHash(const CoinMetadata &coin, std::size_t seed)
     return hashOf(coin.logoAssetName, seed);
 }
 
+CoinIndex indexById(const std::vector<CoinMetadata> &coins)
+{
+    CoinIndex index;
+    index.reserve(static_cast<qsizetype>(coins.size()));
+    for (auto coin = coins.rbegin(); coin != coins.rend(); ++coin)
+        index.insert(coin->id, &*coin);
+    return index;
+}
+
 std::size_t qHash(const Coin &coin, std::size_t seed)
 {
     seed = qHash(static_cast<const CoinMetadata &>(coin), seed);

@@ -3,6 +3,7 @@
 #include "support/Clock.h"
 #include "support/RawValue.h"
 
+#include <QHash>
 #include <QString>
 
 #include <cstdint>
@@ -41,6 +42,12 @@ struct CoinMetadata
 
 /// The hash over all fields.
 std::size_t qHash(const CoinMetadata &coin, std::size_t seed = 0);
+
+/// Records of a list by id. Valid while the list is there and unchanged.
+using CoinIndex = QHash<QString, const CoinMetadata *>;
+
+/// The index of a list; of several records with one id the first.
+CoinIndex indexById(const std::vector<CoinMetadata> &coins);
 
 /// A catalog coin with its live market fields.
 struct Coin : CoinMetadata

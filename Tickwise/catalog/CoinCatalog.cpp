@@ -36,6 +36,12 @@ Result<std::vector<CoinMetadata>> validated(CoinCatalogDocument document)
     return std::move(document.coins);
 }
 
+/// Copies the characters to a new place.
+void moveText(QString &text)
+{
+    text = QString(text.constData(), text.size());
+}
+
 /// The entry as the successor's: a US-dollar level of the old coin means nothing for it.
 WatchlistCoin migratedEntry(const WatchlistCoin &entry, const QString &target)
 {
@@ -58,15 +64,29 @@ CoinCatalog::CoinCatalog(const QString &path, const ImageExists &imageExists, QO
 void CoinCatalog::publish(std::vector<CoinMetadata> coins, const ImageExists &imageExists)
 {
     requireMainThread();
-    QHash<QString, CoinMetadata> byID;
-    byID.reserve(static_cast<qsizetype>(coins.size()));
     for (CoinMetadata &coin : coins) {
         const QString asset = QStringLiteral("coin-") + coin.id;
         coin.logoAssetName = imageExists(asset) ? std::optional(asset) : std::nullopt;
-        byID.insert(coin.id, coin);
     }
-    m_byID = std::move(byID);
+    if (coins == m_coins.value())
+        return;
+    m_byID = indexById(coins); // moving the list leaves its records where they are
     m_coins = std::move(coins);
+}
+
+void CoinCatalog::repack()
+{
+    std::vector<CoinMetadata> coins = m_coins.value();
+    for (CoinMetadata &coin : coins) {
+        for (QString *const text : {&coin.id, &coin.symbol, &coin.name})
+            moveText(*text);
+        for (std::optional<QString> *const text : {&coin.logoURL, &coin.migratedTo, &coin.logoAssetName}) {
+            if (*text)
+                moveText(**text);
+        }
+    }
+    m_byID = indexById(coins);
+    m_coins.setValueBypassingBindings(std::move(coins));
 }
 
 std::optional<AppSettings> CoinCatalog::reconcile(const AppSettings &settings) const
@@ -75,9 +95,8 @@ std::optional<AppSettings> CoinCatalog::reconcile(const AppSettings &settings) c
     bool changed = false;
     auto &entries = reconciled.watchlistCoins;
     for (std::size_t i = 0; i < entries.size();) {
-        const auto coin = m_byID.constFind(entries[i].coinId);
-        if (coin == m_byID.constEnd() || coin->status != CoinStatus::migrated || !coin->migratedTo ||
-            !m_byID.contains(*coin->migratedTo)) {
+        const CoinMetadata *const coin = m_byID.value(entries[i].coinId);
+        if (!coin || coin->status != CoinStatus::migrated || !coin->migratedTo || !m_byID.contains(*coin->migratedTo)) {
             ++i;
             continue;
         }

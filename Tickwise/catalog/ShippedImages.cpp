@@ -1,17 +1,34 @@
 #include "catalog/ShippedImages.h"
 
-#include <QFile>
+#include <QDir>
+#include <QSet>
 
 namespace tickwise {
 
+namespace {
+
+constexpr QLatin1String folder(":/logos/");
+constexpr QLatin1String suffix(".svg");
+
+/// The file names of the shipped images. A look-up of each catalog record in the resources would cost more than
+/// decoding the catalog.
+const QSet<QString> &shippedFiles()
+{
+    static const QStringList names = QDir(folder).entryList(QDir::Files);
+    static const QSet<QString> files(names.begin(), names.end());
+    return files;
+}
+
+} // namespace
+
 QString shippedImagePath(const QString &name)
 {
-    return QStringLiteral(":/logos/%1.svg").arg(name);
+    return folder + name + suffix;
 }
 
 bool shippedImageExists(const QString &name)
 {
-    return QFile::exists(shippedImagePath(name));
+    return shippedFiles().contains(name + suffix);
 }
 
 } // namespace tickwise

@@ -1,6 +1,7 @@
 #include "market/JsonResponse.h"
 
 #include "support/DecimalText.h"
+#include "support/json/JsonNumber.h"
 
 #include <algorithm>
 #include <memory>
@@ -36,53 +37,6 @@ simdjson::error_code parseInto(simdjson::dom::element &root, const QByteArray &b
     return threadParser()->parse(body.constData(), static_cast<std::size_t>(body.size()), needsCopy).get(root);
 }
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-bool startsNumber(char c)
-{
-    return isDigit(c) || c == '-';
-}
-
-bool isNumberCharacter(char c)
-{
-    return isDigit(c) || c == '-' || c == '+' || c == '.' || c == 'e' || c == 'E';
-}
-
-std::size_t digitsAt(std::string_view text, std::size_t at)
-{
-    const char *const begin = text.data() + std::min(at, text.size());
-    return static_cast<std::size_t>(std::find_if_not(begin, text.data() + text.size(), isDigit) - begin);
-}
-
-/// Whether the text is a number by JSON's grammar.
-bool isJsonNumber(std::string_view text)
-{
-    std::size_t at = text.starts_with('-') ? 1 : 0;
-    const std::size_t whole = digitsAt(text, at);
-    if (whole == 0 || (whole > 1 && text[at] == '0'))
-        return false;
-    at += whole;
-    if (at < text.size() && text[at] == '.') {
-        const std::size_t fraction = digitsAt(text, ++at);
-        if (fraction == 0)
-            return false;
-        at += fraction;
-    }
-    if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
-        ++at;
-        if (at < text.size() && (text[at] == '+' || text[at] == '-'))
-            ++at;
-        const std::size_t exponent = digitsAt(text, at);
-        if (exponent == 0)
-            return false;
-        at += exponent;
-    }
-    return at == text.size();
-}
-
 void appendBounded(QByteArray &json, std::string_view number)
 {
     const auto size = static_cast<qsizetype>(number.size());
@@ -112,7 +66,7 @@ qsizetype endOfString(const QByteArray &json, qsizetype start)
 /// The position of the next string or number.
 qsizetype endOfPunctuation(const QByteArray &json, qsizetype start)
 {
-    const auto startsValue = [](char c) { return c == '"' || startsNumber(c); };
+    const auto startsValue = [](char c) { return c == '"' || startsJsonNumber(c); };
     return std::find_if(json.begin() + start, json.end(), startsValue) - json.begin();
 }
 
@@ -124,8 +78,8 @@ QByteArray withBoundedNumbers(const QByteArray &json)
     bounded.reserve(json.size() + json.size() / 8 + padding);
     for (qsizetype at = 0; at < json.size();) {
         const qsizetype start = at;
-        if (startsNumber(json[at])) {
-            at = std::find_if_not(json.begin() + at, json.end(), isNumberCharacter) - json.begin();
+        if (startsJsonNumber(json[at])) {
+            at = std::find_if_not(json.begin() + at, json.end(), isJsonNumberCharacter) - json.begin();
             appendBounded(bounded, {json.constData() + start, static_cast<std::size_t>(at - start)});
             continue;
         }

@@ -100,8 +100,8 @@ void CoinListViewModel::rebuildCoins()
     std::vector<Coin> rebuilt;
     rebuilt.reserve(settings.watchlistCoins.size());
     for (const WatchlistCoin &entry : settings.watchlistCoins) {
-        const auto metadata = m_catalog.byID().constFind(entry.coinId);
-        if (metadata == m_catalog.byID().constEnd())
+        const CoinMetadata *const metadata = m_catalog.byID().value(entry.coinId);
+        if (!metadata)
             continue;
         Coin &coin = rebuilt.emplace_back(Coin{*metadata});
         const Coin *const before = held.value(coin.id);

@@ -29,7 +29,7 @@ std::optional<TimePoint> newestUpdate(const std::vector<Coin> &coins)
 
 } // namespace
 
-WidgetEntryContent widgetEntryContent(const WidgetSnapshot &snapshot, const QHash<QString, CoinMetadata> &catalog)
+WidgetEntryContent widgetEntryContent(const WidgetSnapshot &snapshot, const CoinIndex &catalog)
 {
     WidgetEntryContent content{.currency = snapshot.currency,
                                .updatedAt = snapshot.writtenAt,
@@ -38,14 +38,14 @@ WidgetEntryContent widgetEntryContent(const WidgetSnapshot &snapshot, const QHas
                                .upColorHex = snapshot.upColorHex,
                                .downColorHex = snapshot.downColorHex};
     for (const QString &id : snapshot.watchlist) {
-        if (const auto coin = catalog.constFind(id); coin != catalog.constEnd())
+        if (const CoinMetadata *const coin = catalog.value(id))
             content.rows.push_back(makeRow(*coin, snapshot.quotes));
     }
     return content;
 }
 
 WidgetEntryContent widgetEntryContent(const std::vector<Coin> &coins, const AppSettings &settings,
-                                      const QHash<QString, CoinMetadata> &catalog)
+                                      const CoinIndex &catalog)
 {
     WidgetEntryContent content = widgetEntryContent(makeWidgetSnapshot(coins, settings, TimePoint()), catalog);
     content.updatedAt = newestUpdate(coins);

@@ -2,8 +2,6 @@
 
 #include "widget/WidgetSnapshot.h"
 
-#include <QHash>
-
 namespace tickwise {
 
 /// One coin of the widget's list.
@@ -33,10 +31,10 @@ struct WidgetEntryContent
 };
 
 /// The snapshot joined with the catalog (by coin id): one row per watchlist coin that the catalog knows, in order.
-WidgetEntryContent widgetEntryContent(const WidgetSnapshot &snapshot, const QHash<QString, CoinMetadata> &catalog);
+WidgetEntryContent widgetEntryContent(const WidgetSnapshot &snapshot, const CoinIndex &catalog);
 
 /// The same from the live values. `updatedAt` is when the newest of the prices was set; none without a price.
 WidgetEntryContent widgetEntryContent(const std::vector<Coin> &coins, const AppSettings &settings,
-                                      const QHash<QString, CoinMetadata> &catalog);
+                                      const CoinIndex &catalog);
 
 } // namespace tickwise

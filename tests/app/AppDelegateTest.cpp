@@ -646,7 +646,7 @@ void AppDelegateTest::logosFollowTheWatchlist()
     AppDelegateWorld world;
     world.launch();
     const auto askedFor = [&world](const QString &id) {
-        const std::optional<QString> address = world.delegate->catalog().byID().value(id).logoURL;
+        const std::optional<QString> address = world.delegate->catalog().byID().value(id)->logoURL;
         return address && !world.http.urls(*address).empty();
     };
     // Neither has a shipped logo.
@@ -667,7 +667,7 @@ void AppDelegateTest::logosOfTheStartsWatchlist()
     stored.watchlistCoins.push_back({QStringLiteral("stellar")});
     UserDefaultsSettingsStore(world.storage).save(stored);
     world.launch();
-    QTRY_VERIFY(!world.http.urls(*world.delegate->catalog().byID().value(QStringLiteral("stellar")).logoURL).empty());
+    QTRY_VERIFY(!world.http.urls(*world.delegate->catalog().byID().value(QStringLiteral("stellar"))->logoURL).empty());
 }
 
 void AppDelegateTest::withoutACatalog_data()

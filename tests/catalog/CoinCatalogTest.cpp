@@ -21,6 +21,8 @@ private Q_SLOTS:
     void unusableFileLeavesAnEmptyCatalogAndOneFaultLine_data();
     void unusableFileLeavesAnEmptyCatalogAndOneFaultLine();
     void publishingTellsSubscribers();
+    void idsLeadToTheRecordsOfTheList();
+    void repackingMovesTheTextsAndChangesNothing();
     void reconcile_data();
     void reconcile();
     void reconcileMovesTheDisplayedCoin();
@@ -44,7 +46,7 @@ void CoinCatalogTest::shippedCatalogLoads()
     QCOMPARE(catalog.coins().size(), 750U);
     QCOMPARE(catalog.byID().size(), 750);
     QCOMPARE(catalog.coins().front().id, QStringLiteral("bitcoin"));
-    QCOMPARE(catalog.byID().value(QStringLiteral("ethereum")).symbol, QStringLiteral("ETH"));
+    QCOMPARE(catalog.byID().value(QStringLiteral("ethereum"))->symbol, QStringLiteral("ETH"));
 }
 
 void CoinCatalogTest::shippedImagesAreNamed()
@@ -52,9 +54,9 @@ void CoinCatalogTest::shippedImagesAreNamed()
     const CoinCatalog catalog(QStringLiteral(":/coins.json"),
                               [](const QString &name) { return name == QStringLiteral("coin-bitcoin"); });
     QCOMPARE(catalog.coins().front().logoAssetName, std::optional(QStringLiteral("coin-bitcoin")));
-    QCOMPARE(catalog.byID().value(QStringLiteral("bitcoin")).logoAssetName,
+    QCOMPARE(catalog.byID().value(QStringLiteral("bitcoin"))->logoAssetName,
              std::optional(QStringLiteral("coin-bitcoin")));
-    QVERIFY(!catalog.byID().value(QStringLiteral("ethereum")).logoAssetName);
+    QVERIFY(!catalog.byID().value(QStringLiteral("ethereum"))->logoAssetName);
 }
 
 void CoinCatalogTest::unusableFileLeavesAnEmptyCatalogAndOneFaultLine_data()
@@ -99,6 +101,37 @@ void CoinCatalogTest::publishingTellsSubscribers()
     catalog.publish(validCoins(201), noImages);
     QCOMPARE(changed.count(), 1);
     QCOMPARE(catalog.byID().size(), 201);
+    catalog.publish(validCoins(201), noImages);
+    QCOMPARE(changed.count(), 1);
+}
+
+void CoinCatalogTest::idsLeadToTheRecordsOfTheList()
+{
+    FixedCatalog catalog(validCoins());
+    for (const int listed : {200, 201, 201, 202}) {
+        catalog.publish(validCoins(listed), noImages);
+        QCOMPARE(catalog.byID().size(), listed);
+        for (const CoinMetadata &coin : catalog.coins())
+            QCOMPARE(catalog.byID().value(coin.id), &coin);
+    }
+}
+
+void CoinCatalogTest::repackingMovesTheTextsAndChangesNothing()
+{
+    CoinCatalog catalog(QStringLiteral(":/coins.json"), [](const QString &) { return true; });
+    const std::vector<CoinMetadata> before = catalog.coins();
+    QSignalSpy changed(&catalog, &CoinCatalog::coinsChanged);
+    catalog.repack();
+    QVERIFY(catalog.coins() == before);
+    QCOMPARE(changed.count(), 0);
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const CoinMetadata &coin = catalog.coins()[i];
+        QVERIFY(coin.id.constData() != before[i].id.constData());
+        QVERIFY(!coin.logoURL || coin.logoURL->constData() != before[i].logoURL->constData());
+        QVERIFY(coin.logoAssetName->constData() != before[i].logoAssetName->constData());
+        QCOMPARE(catalog.byID().value(coin.id), &coin);
+        QCOMPARE(catalog.byID().constFind(coin.id).key().constData(), coin.id.constData());
+    }
 }
 
 std::vector<CoinMetadata> CoinCatalogTest::migrating()

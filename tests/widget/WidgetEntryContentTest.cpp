@@ -17,11 +17,18 @@ CoinMetadata record(const char *id, const char *symbol)
     return coin;
 }
 
-QHash<QString, CoinMetadata> catalog()
+std::vector<CoinMetadata> records()
 {
     CoinMetadata bitcoin = record("bitcoin", "BTC");
     bitcoin.logoAssetName = QStringLiteral("coin-bitcoin");
-    return {{QStringLiteral("bitcoin"), bitcoin}, {QStringLiteral("ethereum"), record("ethereum", "ETH")}};
+    return {bitcoin, record("ethereum", "ETH")};
+}
+
+const CoinIndex &catalog()
+{
+    static const std::vector<CoinMetadata> coins = records();
+    static const CoinIndex index = indexById(coins);
+    return index;
 }
 
 Coin priced(const char *id, std::optional<double> price, std::optional<TimePoint> updated)

@@ -19,6 +19,7 @@ using std::chrono::steady_clock;
 
 constexpr int maximumRedirects = 5;
 constexpr qsizetype parserPadding = 64; // lets a parser that reads past the end do without a copy of the body
+constexpr qsizetype firstBodyCapacity = qsizetype{64} * 1024; // of a body of unknown length
 
 bool isHttp(const QUrl &url)
 {
@@ -224,10 +225,21 @@ bool HttpRequestOperation::isOversized(qint64 bytes)
     return true;
 }
 
+// A body of unknown length grows by `reserve`, which nearly always extends it in place; `append` alone would copy it
+// into a new array for each doubling. The parser's spare capacity stays at the end.
+void HttpRequestOperation::appendToBody(const char *bytes, qint64 count)
+{
+    QByteArray &body = m_response.body;
+    const qsizetype needed = body.size() + count + parserPadding;
+    if (body.capacity() < needed)
+        body.reserve(std::max({needed, body.capacity() * 2, firstBodyCapacity}));
+    body.append(bytes, count);
+}
+
 bool HttpRequestOperation::deliver(const char *bytes, qint64 count)
 {
     if (!goesToSink()) {
-        m_response.body.append(bytes, count);
+        appendToBody(bytes, count);
         return true;
     }
     // A slot of the sink's signals may drop the handle.

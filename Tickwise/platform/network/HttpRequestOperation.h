@@ -48,6 +48,7 @@ private:
     bool isOversized(qint64 bytes);
     bool decode(const char *bytes, qint64 count);
     bool store(const char *bytes, qint64 count);
+    void appendToBody(const char *bytes, qint64 count);
     bool deliver(const char *bytes, qint64 count);
     void reportProgress();
     void failWithoutHead(int status);

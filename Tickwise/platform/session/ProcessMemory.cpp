@@ -17,6 +17,11 @@ void keepMemoryOfPolls()
     mallopt(M_TRIM_THRESHOLD, pollBytes);
 }
 
+void shareHeapAmongThreads()
+{
+    mallopt(M_ARENA_MAX, 1);
+}
+
 void releaseUnusedMemory()
 {
     malloc_trim(0);

@@ -75,7 +75,7 @@ Result<QByteArray> encodeJson(const JsonDocument &document, qsizetype largest)
     return bytes;
 }
 
-QString textFromUtf8(const std::string &utf8)
+QString textFromUtf8(std::string_view utf8)
 {
     const QByteArrayView bytes(utf8.data(), static_cast<qsizetype>(utf8.size()));
     if (!bytes.startsWith("\xEF\xBB\xBF"))

@@ -7,6 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <string_view>
+
 namespace tickwise {
 
 /// A parsed document of our own. Not `ordered_json`: that one searches the whole object for every key that it parses
@@ -37,7 +39,7 @@ Result<JsonValue> parseJson(const QByteArray &document, JsonFaults faults = Json
 Result<QByteArray> encodeJson(const JsonDocument &document, qsizetype largest = largestJsonDocument);
 
 /// The text as it is, where `QString::fromUtf8` drops a U+FEFF at its start.
-QString textFromUtf8(const std::string &utf8);
+QString textFromUtf8(std::string_view utf8);
 
 /// The text as a JSON string takes it.
 inline std::string utf8(const QString &text)

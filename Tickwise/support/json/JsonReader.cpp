@@ -48,8 +48,8 @@ Result<std::int64_t> decodeJson<std::int64_t>(const JsonValue &json)
 {
     if (json.is_number_integer() && !isTooLarge(json))
         return json.get<std::int64_t>();
-    if (json.is_number_float() && isExactInteger(json.get<double>()))
-        return static_cast<std::int64_t>(json.get<double>());
+    if (json.is_number_float())
+        return integerOf(json.get<double>());
     return mismatch(QStringLiteral("not an integer"));
 }
 
@@ -61,27 +61,22 @@ Result<QString> decodeJson<QString>(const JsonValue &json)
     return textFromUtf8(json.get_ref<const std::string &>());
 }
 
-JsonReader::JsonReader(const JsonValue &value, QString place)
-    : m_value(value)
-    , m_place(std::move(place))
+Result<std::int64_t> integerOf(double number)
 {
-    if (!m_value.is_object())
-        m_error = DecodingError{m_place.isEmpty() ? QStringLiteral("not an object")
-                                                  : m_place + QStringLiteral(": not an object")};
+    if (isExactInteger(number))
+        return static_cast<std::int64_t>(number);
+    return mismatch(QStringLiteral("not an integer"));
 }
 
-const JsonValue *JsonReader::member(const char *key) const
+DecodingError memberError(const QString &place, const char *key, const QString &problem)
 {
-    const auto found = m_value.find(key);
-    return found == m_value.end() ? nullptr : &*found;
+    const QString name = place.isEmpty() ? QString::fromUtf8(key) : place + u'.' + QString::fromUtf8(key);
+    return {name + QStringLiteral(": ") + problem};
 }
 
-void JsonReader::fail(const char *key, const QString &problem)
+DecodingError objectError(const QString &place)
 {
-    if (m_error)
-        return;
-    const QString name = m_place.isEmpty() ? QString::fromUtf8(key) : m_place + u'.' + QString::fromUtf8(key);
-    m_error = DecodingError{name + QStringLiteral(": ") + problem};
+    return {place.isEmpty() ? QStringLiteral("not an object") : place + QStringLiteral(": not an object")};
 }
 
 const JsonValue &JsonReader::array(const char *key)

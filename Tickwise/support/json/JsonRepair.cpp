@@ -1,5 +1,7 @@
 #include "support/json/JsonRepair.h"
 
+#include "support/json/JsonNumber.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -11,48 +13,6 @@ namespace tickwise {
 namespace {
 
 constexpr std::size_t escapeLength = 6; // \uXXXX
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-bool isNumberCharacter(char c)
-{
-    return isDigit(c) || c == '-' || c == '+' || c == '.' || c == 'e' || c == 'E';
-}
-
-std::size_t digitsAt(std::string_view text, std::size_t start)
-{
-    const std::string_view rest = text.substr(start);
-    return static_cast<std::size_t>(std::ranges::find_if_not(rest, isDigit) - rest.begin());
-}
-
-/// Whether the whole token follows the grammar of a JSON number.
-bool isJsonNumber(std::string_view token)
-{
-    std::size_t i = token.starts_with('-') ? 1 : 0;
-    const std::size_t integer = digitsAt(token, i);
-    if (integer == 0 || (integer > 1 && token[i] == '0'))
-        return false;
-    i += integer;
-    if (i < token.size() && token[i] == '.') {
-        const std::size_t fraction = digitsAt(token, ++i);
-        if (fraction == 0)
-            return false;
-        i += fraction;
-    }
-    if (i < token.size() && (token[i] == 'e' || token[i] == 'E')) {
-        ++i;
-        if (i < token.size() && (token[i] == '+' || token[i] == '-'))
-            ++i;
-        const std::size_t exponent = digitsAt(token, i);
-        if (exponent == 0)
-            return false;
-        i += exponent;
-    }
-    return i == token.size();
-}
 
 std::int64_t exponentOf(std::string_view number)
 {
@@ -128,7 +88,7 @@ public:
         for (std::size_t i = 0; i < m_text.size();) {
             if (m_text[i] == '"')
                 i = passString(i + 1);
-            else if (m_text[i] == '-' || isDigit(m_text[i]))
+            else if (startsJsonNumber(m_text[i]))
                 i = passNumber(i);
             else
                 ++i;
@@ -148,7 +108,7 @@ private:
     std::size_t passNumber(std::size_t start)
     {
         std::size_t end = start;
-        while (end < m_text.size() && isNumberCharacter(m_text[end]))
+        while (end < m_text.size() && isJsonNumberCharacter(m_text[end]))
             ++end;
         if (overflows(m_text.substr(start, end - start))) {
             replace(start, "null");

@@ -33,8 +33,8 @@ int percent(double share)
 
 QString coinTitle(const QString &id, const CoinCatalog &catalog)
 {
-    const auto coin = catalog.byID().constFind(id);
-    return coin == catalog.byID().constEnd() ? id : coin->symbol + QStringLiteral(" - ") + coin->name;
+    const CoinMetadata *const coin = catalog.byID().value(id);
+    return coin ? coin->symbol + QStringLiteral(" - ") + coin->name : id;
 }
 
 bool shows(const QComboBox &picker, const std::vector<WatchlistCoin> &coins, const CoinCatalog &catalog)

@@ -25,7 +25,7 @@ constexpr int textLeft = watchlistRowInset + 28 + rowSpacing + rowLogoSide + row
 
 } // namespace
 
-std::vector<WatchlistRowContent> watchlistRows(const AppSettings &settings, const QHash<QString, CoinMetadata> &catalog)
+std::vector<WatchlistRowContent> watchlistRows(const AppSettings &settings, const CoinIndex &catalog)
 {
     std::vector<WatchlistRowContent> rows;
     rows.reserve(settings.watchlistCoins.size());
@@ -33,7 +33,7 @@ std::vector<WatchlistRowContent> watchlistRows(const AppSettings &settings, cons
         CoinMetadata unknown;
         unknown.id = entry.coinId;
         unknown.name = entry.coinId;
-        rows.push_back({entry, catalog.value(entry.coinId, unknown)});
+        rows.push_back({entry, *catalog.value(entry.coinId, &unknown)});
     }
     return rows;
 }

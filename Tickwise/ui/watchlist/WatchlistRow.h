@@ -20,8 +20,7 @@ struct WatchlistRowContent
 };
 
 /// The rows for these settings, one an entry, in order.
-std::vector<WatchlistRowContent> watchlistRows(const AppSettings &settings,
-                                               const QHash<QString, CoinMetadata> &catalog);
+std::vector<WatchlistRowContent> watchlistRows(const AppSettings &settings, const CoinIndex &catalog);
 
 /// One row of the watchlist tab: handle, logo, symbol and name, alert controls, delete button.
 class WatchlistRow : public QWidget

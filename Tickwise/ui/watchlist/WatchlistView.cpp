@@ -124,8 +124,8 @@ void WatchlistView::openSearch()
 
 void WatchlistView::ensureLogo(const QString &id)
 {
-    const auto coin = m_context.catalog.byID().constFind(id);
-    if (m_context.logos && coin != m_context.catalog.byID().constEnd())
+    const CoinMetadata *const coin = m_context.catalog.byID().value(id);
+    if (m_context.logos && coin)
         m_context.logos->ensureLogo(*coin);
 }
 

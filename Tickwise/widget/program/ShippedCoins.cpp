@@ -33,16 +33,16 @@ CoinMetadata recordOf(const QString &id, const JsonReader &reader)
 
 } // namespace
 
-QHash<QString, CoinMetadata> shippedCoins(const std::vector<QString> &ids)
+std::vector<CoinMetadata> shippedCoins(const std::vector<QString> &ids)
 {
     const QSet<QString> wanted(ids.begin(), ids.end());
-    QHash<QString, CoinMetadata> found;
+    std::vector<CoinMetadata> found;
     const JsonValue records = catalogRecords();
     for (const JsonValue &record : records) {
         const JsonReader reader(record);
         const QString id = reader.valueOr("id", QString());
         if (wanted.contains(id))
-            found.insert(id, recordOf(id, reader));
+            found.push_back(recordOf(id, reader));
     }
     return found;
 }

@@ -2,14 +2,12 @@
 
 #include "catalog/Coin.h"
 
-#include <QHash>
-
 #include <vector>
 
 namespace tickwise {
 
 /// The records of these coins in the shipped catalog: id, symbol, name and shipped logo, no more; unknown ids are left
 /// out. The catalog is in memory only for as long as this takes. Its validation is the application's.
-QHash<QString, CoinMetadata> shippedCoins(const std::vector<QString> &ids);
+std::vector<CoinMetadata> shippedCoins(const std::vector<QString> &ids);
 
 } // namespace tickwise

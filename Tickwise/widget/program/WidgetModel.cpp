@@ -37,7 +37,7 @@ void WidgetModel::show(const WidgetSnapshot &snapshot)
         m_watchlist = snapshot.watchlist;
         m_coins = m_lookup(m_watchlist);
     }
-    WidgetEntryContent content = widgetEntryContent(snapshot, m_coins);
+    WidgetEntryContent content = widgetEntryContent(snapshot, indexById(m_coins));
     const auto most = static_cast<std::size_t>(rowCount(WidgetSize::large));
     content.rows.resize(std::min(content.rows.size(), most));
     m_content = content;

@@ -11,7 +11,7 @@
 namespace tickwise {
 
 /// Finds the records of coins by id; unknown ids are left out.
-using CoinLookup = std::function<QHash<QString, CoinMetadata>(const std::vector<QString> &ids)>;
+using CoinLookup = std::function<std::vector<CoinMetadata>(const std::vector<QString> &ids)>;
 
 /// What the widget shows: the content of the snapshot file and nothing else. A file that is missing or cannot be used
 /// leaves the last content; before the first one that can, the list is empty.
@@ -39,7 +39,7 @@ private:
     WidgetSnapshotStore m_store;
     CoinLookup m_lookup;
     std::vector<QString> m_watchlist; ///< the ids that `m_coins` was looked up for
-    QHash<QString, CoinMetadata> m_coins;
+    std::vector<CoinMetadata> m_coins;
     QString m_failure;
     Q_OBJECT_BINDABLE_PROPERTY(WidgetModel, WidgetEntryContent, m_content, &WidgetModel::contentChanged)
 };

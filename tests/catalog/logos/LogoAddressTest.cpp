@@ -22,6 +22,13 @@ void LogoAddressTest::isLogoAddress_data()
     };
     row("https://coin-images.coingecko.com/coins/images/1/large/bitcoin.png?1696501400", true);
     row("https://assets.coingecko.com/coins/images/1/large/bitcoin.png", true);
+    row("https://assets.coingecko.com/", true);
+    row("https://assets.coingecko.com/coins/1/a_b-c.D.png", true);
+    row("https://assets.coingecko.com/../a//b", true);
+    row("https://assets.coingecko.com/%zz", false);
+    row("https://assets.coingecko.com/a\"b", false);
+    row("https://assets.coingecko.com.", false);
+    row("https://assets.coingecko.commerce/a.png", false);
     row("HTTPS://assets.coingecko.com/a.png", false);
     row("Https://assets.coingecko.com/a.png", false);
     row("https://ASSETS.coingecko.com/a.png", false);

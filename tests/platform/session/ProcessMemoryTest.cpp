@@ -5,6 +5,7 @@
 #include <QFile>
 
 #include <memory>
+#include <thread>
 #include <vector>
 
 using namespace tickwise;
@@ -24,6 +25,22 @@ int anonymousKilobytes()
     qFatal("no anonymous memory");
 }
 
+/// Whether the address is in the process's first heap, which the system grows in place.
+bool isOnTheHeap(const void *address)
+{
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    if (!maps.open(QIODevice::ReadOnly))
+        qFatal("no list of mappings");
+    for (QByteArray line = maps.readLine(); !line.isEmpty(); line = maps.readLine()) {
+        if (!line.contains("[heap]"))
+            continue;
+        const QByteArrayList ends = line.split(' ').front().split('-');
+        const auto place = reinterpret_cast<quintptr>(address); // NOLINT(cppcoreguidelines-pro-type-reinterpret-cast)
+        return place >= ends[0].toULongLong(nullptr, 16) && place < ends[1].toULongLong(nullptr, 16);
+    }
+    qFatal("no heap");
+}
+
 } // namespace
 
 class ProcessMemoryTest : public QObject
@@ -32,6 +49,7 @@ class ProcessMemoryTest : public QObject
 
 private Q_SLOTS:
     void returnsFreeMemoryBelowWhatIsInUse();
+    void threadsShareTheHeap();
 };
 
 void ProcessMemoryTest::returnsFreeMemoryBelowWhatIsInUse()
@@ -49,6 +67,14 @@ void ProcessMemoryTest::returnsFreeMemoryBelowWhatIsInUse()
     releaseUnusedMemory();
     const int after = anonymousKilobytes();
     QVERIFY2(after < before - 24 * 1024, qPrintable(QStringLiteral("%1 of %2").arg(after).arg(before)));
+}
+
+void ProcessMemoryTest::threadsShareTheHeap()
+{
+    shareHeapAmongThreads();
+    std::unique_ptr<char[]> block;
+    std::thread([&block] { block = std::make_unique<char[]>(3000); }).join();
+    QVERIFY(isOnTheHeap(block.get()));
 }
 
 TICKWISE_TEST(ProcessMemoryTest)

@@ -17,10 +17,11 @@ private Q_SLOTS:
 
 void ShippedCoinsTest::findsOnlyWhatIsAskedFor()
 {
-    QVERIFY(shippedCoins({}).isEmpty());
+    QVERIFY(shippedCoins({}).empty());
     const QString bitcoin = QStringLiteral("bitcoin");
-    const QHash<QString, CoinMetadata> coins = shippedCoins({bitcoin, bitcoin, QStringLiteral("no-such-coin")});
-    QCOMPARE(coins.keys(), QStringList{bitcoin});
+    const std::vector<CoinMetadata> coins = shippedCoins({bitcoin, bitcoin, QStringLiteral("no-such-coin")});
+    QCOMPARE(coins.size(), 1U);
+    QCOMPARE(coins.front().id, bitcoin);
 }
 
 void ShippedCoinsTest::agreesWithTheCatalog()
@@ -29,11 +30,13 @@ void ShippedCoinsTest::agreesWithTheCatalog()
     std::vector<QString> ids;
     for (const CoinMetadata &coin : catalog.coins())
         ids.push_back(coin.id);
-    const QHash<QString, CoinMetadata> coins = shippedCoins(ids);
+    const std::vector<CoinMetadata> coins = shippedCoins(ids);
     QVERIFY(coins.size() > 100);
-    QCOMPARE(std::size_t(coins.size()), ids.size());
+    QCOMPARE(coins.size(), ids.size());
+    const CoinIndex index = indexById(coins);
     for (const CoinMetadata &coin : catalog.coins()) {
-        const CoinMetadata &found = coins[coin.id];
+        QVERIFY(index.contains(coin.id));
+        const CoinMetadata &found = *index[coin.id];
         QCOMPARE(found.symbol, coin.symbol);
         QCOMPARE(found.name, coin.name);
         QCOMPARE(found.logoAssetName, coin.logoAssetName);
