@@ -8,7 +8,7 @@ namespace tickwise {
 namespace {
 
 constexpr QLatin1String folder(":/logos/");
-constexpr QLatin1String suffix(".svg");
+constexpr QLatin1String assetSuffix(".svg");
 
 /// The file names of the shipped images. A look-up of each catalog record in the resources would cost more than
 /// decoding the catalog.
@@ -23,12 +23,12 @@ const QSet<QString> &shippedFiles()
 
 QString shippedImagePath(const QString &name)
 {
-    return folder + name + suffix;
+    return folder + name + assetSuffix;
 }
 
 bool shippedImageExists(const QString &name)
 {
-    return shippedFiles().contains(name + suffix);
+    return shippedFiles().contains(name + assetSuffix);
 }
 
 } // namespace tickwise

@@ -22,7 +22,7 @@ std::optional<DesktopOverlayOrigin> migratedOverlayOrigin(const JsonReader &read
     return origin;
 }
 
-std::vector<WatchlistCoin> decodeWatchlist(const JsonValue &json)
+std::vector<WatchlistCoin> decodeWatchlistCoins(const JsonValue &json)
 {
     std::vector<WatchlistCoin> coins;
     if (!json.is_array())
@@ -77,7 +77,7 @@ AppSettings decodeRecord(const JsonReader &reader)
     read("displayedCoinId", settings.displayedCoinId);
     decodeOverlayFields(reader, settings);
     if (const JsonValue *const coins = reader.member("addedCoins"))
-        settings.watchlistCoins = decodeWatchlist(*coins);
+        settings.watchlistCoins = decodeWatchlistCoins(*coins);
     return settings;
 }
 

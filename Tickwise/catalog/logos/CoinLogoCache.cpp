@@ -11,7 +11,7 @@ namespace tickwise {
 namespace {
 
 constexpr QLatin1String directoryName("CoinLogos");
-constexpr QLatin1String suffix(".img");
+constexpr QLatin1String cacheSuffix(".img");
 
 } // namespace
 
@@ -31,8 +31,8 @@ QSet<QString> CoinLogoCache::cachedIDs() const
     const QStringList names =
         QDir(*directory).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QString &name : names) {
-        if (name.endsWith(suffix))
-            ids.insert(name.chopped(suffix.size()));
+        if (name.endsWith(cacheSuffix))
+            ids.insert(name.chopped(cacheSuffix.size()));
     }
     return ids;
 }
@@ -41,7 +41,7 @@ std::optional<QString> CoinLogoCache::path(const QString &id) const
 {
     if (!directory || !isCoinId(id))
         return std::nullopt;
-    return QDir(*directory).filePath(id + suffix);
+    return QDir(*directory).filePath(id + cacheSuffix);
 }
 
 std::optional<QByteArray> CoinLogoCache::read(const QString &id) const
@@ -65,7 +65,7 @@ Result<void> CoinLogoCache::write(const QString &id, const QByteArray &bytes) co
 void CoinLogoCache::remove(const QString &id) const
 {
     if (directory && !id.contains(u'/'))
-        QFile::remove(QDir(*directory).filePath(id + suffix));
+        QFile::remove(QDir(*directory).filePath(id + cacheSuffix));
 }
 
 } // namespace tickwise

@@ -6,15 +6,15 @@ using namespace tickwise;
 
 namespace {
 
-enum class Color
+enum class ElementColor
 {
     green,
     red
 };
 
-QString rawValue(Color color)
+QString rawValue(ElementColor color)
 {
-    return color == Color::green ? QStringLiteral("green") : QStringLiteral("red");
+    return color == ElementColor::green ? QStringLiteral("green") : QStringLiteral("red");
 }
 
 /// What a strict reader makes of the member "it": the texts of the values that it decodes as, or of the errors.
@@ -37,15 +37,15 @@ QStringList readings(const Value &document)
     reader.forEach("it", [&count](const Value &) { return ++count < 2; });
     return {read(true), read(std::int64_t()), read(QString()),
             QString::number(count) + (reader.error() ? description(*reader.error()) : QString()),
-            QString::number(int(StrictJsonReader<Value>(document).template required<Color>("it")))};
+            QString::number(int(StrictJsonReader<Value>(document).template required<ElementColor>("it")))};
 }
 
 } // namespace
 
 template<>
-std::vector<Color> tickwise::allCases<Color>()
+std::vector<ElementColor> tickwise::allCases<ElementColor>()
 {
-    return {Color::green, Color::red};
+    return {ElementColor::green, ElementColor::red};
 }
 
 class JsonElementTest : public QObject
