@@ -23,6 +23,14 @@ constexpr int rowSpacing = 8;
 constexpr int watchlistRowInset = 8;
 constexpr int textLeft = watchlistRowInset + 28 + rowSpacing + rowLogoSide + rowSpacing;
 
+/// The name, and that nobody trades the coin any more: its alert will never come.
+QString nameLine(const CoinMetadata &coin)
+{
+    if (coin.status != CoinStatus::delisted)
+        return coin.name;
+    return localized(QStringLiteral("a11y.list")).arg(coin.name, localized(QStringLiteral("coin.status.delisted")));
+}
+
 } // namespace
 
 std::vector<WatchlistRowContent> watchlistRows(const AppSettings &settings, const CoinIndex &catalog)
@@ -99,7 +107,8 @@ void WatchlistRow::focusHandle()
 void WatchlistRow::writeTexts()
 {
     const QString &name = m_content.coin.name;
-    setAccessibleName(m_content.coin.symbol.isEmpty() ? name : m_content.coin.symbol + QStringLiteral(", ") + name);
+    const QString line = nameLine(m_content.coin);
+    setAccessibleName(m_content.coin.symbol.isEmpty() ? line : m_content.coin.symbol + QStringLiteral(", ") + line);
     m_handle->setHelp(localized(QStringLiteral("watchlist.reorder")));
     m_handle->setAccessibleName(localized(QStringLiteral("a11y.reorder")).arg(name));
     m_delete->setHelp(localized(QStringLiteral("watchlist.delete")));
@@ -203,7 +212,7 @@ void WatchlistRow::paintTexts(QPainter &painter) const
     painter.setFont(nameFont);
     painter.setPen(look::secondaryText(palette()));
     painter.drawText(QRect(box.left(), top, box.width(), nameMetrics.height()), int(Qt::AlignLeft),
-                     nameMetrics.elidedText(m_content.coin.name, Qt::ElideRight, box.width()));
+                     nameMetrics.elidedText(nameLine(m_content.coin), Qt::ElideRight, box.width()));
 }
 
 } // namespace tickwise

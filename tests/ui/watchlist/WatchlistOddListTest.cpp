@@ -7,6 +7,7 @@
 #include "doubles/TestProgram.h"
 #include "ui/controls/IconButton.h"
 #include "ui/watchlist/CoinToggleList.h"
+#include "ui/watchlist/WatchlistRow.h"
 #include "ui/watchlist/WatchlistRows.h"
 #include "ui/watchlist/WatchlistView.h"
 
@@ -95,6 +96,7 @@ private Q_SLOTS:
     void fiveThousandEntries();
     void oddNamesStayInTheirColumn_data();
     void oddNamesStayInTheirColumn();
+    void aDelistedCoinSaysSo();
     void theDesktopDecidesAboutMotion();
     void theHandleIsNotHoveredAfterADrop();
     void anEditFromElsewhereKeepsADrag();
@@ -167,6 +169,20 @@ void WatchlistOddListTest::oddNamesStayInTheirColumn()
     QVERIFY(odd.view.rows().rowAt(0)->grab().toImage() != usual.view.rows().rowAt(0)->grab().toImage());
     QCOMPARE(controls(odd), controls(usual));
     QCOMPARE(odd.view.rows().rowAt(1)->grab().toImage(), usual.view.rows().rowAt(1)->grab().toImage());
+}
+
+void WatchlistOddListTest::aDelistedCoinSaysSo()
+{
+    WatchlistRow row(nullptr);
+    row.resize(600, 44);
+    CoinMetadata coin = coinRecord(bitcoin, QStringLiteral("BTC"));
+    row.setContent({{bitcoin}, coin});
+    QCOMPARE(row.accessibleName(), QStringLiteral("BTC, BTC"));
+    const QImage active = row.grab().toImage();
+    coin.status = CoinStatus::delisted;
+    row.setContent({{bitcoin}, coin});
+    QCOMPARE(row.accessibleName(), QStringLiteral("BTC, BTC, Delisted"));
+    QVERIFY(row.grab().toImage() != active);
 }
 
 void WatchlistOddListTest::theDesktopDecidesAboutMotion()
