@@ -89,8 +89,8 @@ bool LayerPopoverSurface::attach(QScreen *screen)
         handle->setScreen(screen);
     handle->create();
     connect(handle, &QWindow::screenChanged, this, &LayerPopoverSurface::findItsScreen, Qt::UniqueConnection);
-    m_surface = m_shell->makeSurface(*handle,
-                                     LayerSurfaceRequest{.name = popoverSurfaceName, .takesKeyboard = true, .screen = screen});
+    m_surface = m_shell->makeSurface(
+        *handle, LayerSurfaceRequest{.name = popoverSurfaceName, .takesKeyboard = true, .screen = screen});
     if (!m_surface || !m_surface->configure())
         return false;
     m_usable = m_surface->size();
