@@ -2,6 +2,7 @@
 
 #include "overlay/ContinuousRect.h"
 #include "support/Localization.h"
+#include "support/drawing/Contrast.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>
@@ -91,7 +92,7 @@ protected:
         painter.setPen(Qt::NoPen);
         painter.setBrush(ground);
         painter.drawRoundedRect(rect(), radius, radius);
-        painter.setPen(palette().color(QPalette::HighlightedText));
+        painter.setPen(readableOn(ground, palette().color(QPalette::HighlightedText)));
         painter.drawText(rect(), int(Qt::AlignCenter), text());
         if (!hasFocus())
             return;

@@ -82,6 +82,9 @@ class Scene:
         self._application.change_settings(desktopOverlayEnabled=True)
         return self._list_area()
 
+    def adjusting(self):
+        self._application.tell("adjustOverlay")
+
     def widget(self):
         self._application.stop()
         written = snapshot(1.5)
@@ -126,6 +129,7 @@ class Scene:
 SURFACES = (
     (Scene.status_menu, None, None),
     (Scene.overlay, None, None),
+    (Scene.adjusting, "app_probe", ENGLISH.text("desktop.adjust.done")),
     (Scene.popover, "Tickwise", "Bitcoin, 67,432"),
     (Scene.hovered_row, "Tickwise", "Bitcoin, 67,432"),
     (Scene.general, ENGLISH.text("window.settings.title"), ENGLISH.text("general.launch.atLogin")),

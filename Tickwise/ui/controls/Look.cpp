@@ -1,5 +1,7 @@
 #include "ui/controls/Look.h"
 
+#include "support/drawing/Contrast.h"
+
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPalette>
@@ -16,24 +18,12 @@ constexpr float separatorOpacity = 0.12F;
 constexpr float hoverOpacity = 0.06F;
 constexpr float pressedOpacity = 0.10F;
 constexpr double focusWidth = 2;
-constexpr double readableContrast = 4.5;
 
 QColor textAt(const QPalette &palette, float opacity)
 {
     QColor color = text(palette);
     color.setAlphaF(opacity);
     return color;
-}
-
-double linear(double channel)
-{
-    return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-}
-
-double luminance(const QColor &color)
-{
-    return 0.2126 * linear(double(color.redF())) + 0.7152 * linear(double(color.greenF())) +
-           0.0722 * linear(double(color.blueF()));
 }
 
 } // namespace
@@ -81,21 +71,10 @@ QColor accent(const QPalette &palette)
     return palette.color(QPalette::Highlight);
 }
 
-QColor accentText(const QPalette &palette)
-{
-    return palette.color(QPalette::HighlightedText);
-}
-
 QColor link(const QPalette &palette)
 {
     const QColor color = palette.color(QPalette::Link);
     return contrast(color, palette.color(QPalette::Window)) < readableContrast ? text(palette) : color;
-}
-
-double contrast(const QColor &a, const QColor &b)
-{
-    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
-    return (lighter + 0.05) / (darker + 0.05);
 }
 
 void drawFocusRing(QPainter &painter, const QRectF &box, double radius, const QPalette &palette)

@@ -40,12 +40,8 @@ QColor separator(const QPalette &palette);
 QColor hover(const QPalette &palette);
 QColor pressed(const QPalette &palette);
 QColor accent(const QPalette &palette);
-QColor accentText(const QPalette &palette);
 /// The palette's link color where it can be read on the window, else that of the text.
 QColor link(const QPalette &palette);
-
-/// How well the two are told apart, from 1 to 21; text needs 4.5.
-double contrast(const QColor &a, const QColor &b);
 
 /// The sign of the keyboard's focus: a line inside the box's edge.
 void drawFocusRing(QPainter &painter, const QRectF &box, double radius, const QPalette &palette);

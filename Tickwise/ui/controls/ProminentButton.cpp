@@ -1,5 +1,6 @@
 #include "ui/controls/ProminentButton.h"
 
+#include "support/drawing/Contrast.h"
 #include "ui/controls/Look.h"
 
 #include <QKeyEvent>
@@ -54,10 +55,11 @@ void ProminentButton::paintEvent(QPaintEvent *)
     const int radius = look::scaled(look::rowRadius);
     const QRectF box = hasFocus() ? QRectF(rect()).adjusted(focusGap, focusGap, -focusGap, -focusGap) : QRectF(rect());
     painter.setPen(Qt::NoPen);
-    painter.setBrush(ground(*this));
+    const QColor filling = ground(*this);
+    painter.setBrush(filling);
     painter.drawRoundedRect(box, radius, radius);
     painter.setFont(look::font(look::bodySize, QFont::DemiBold));
-    painter.setPen(look::accentText(palette()));
+    painter.setPen(readableOn(filling, palette().color(QPalette::HighlightedText)));
     painter.drawText(rect(), int(Qt::AlignCenter), text());
     if (hasFocus())
         look::drawFocusRing(painter, rect(), radius, palette());

@@ -1,6 +1,7 @@
 #include "ui/controls/Look.h"
 
 #include "doubles/TestProgram.h"
+#include "support/drawing/Contrast.h"
 #include "ui/controls/SecondaryLabel.h"
 
 #include <QPalette>
@@ -32,31 +33,11 @@ class LookTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void contrastOfTwoColors_data();
-    void contrastOfTwoColors();
     void aLinkThatCannotBeReadHasTheTextsColor();
     void secondaryTextFollowsThePalette();
     void secondaryTextCanBeReadOnAHoveredRow_data();
     void secondaryTextCanBeReadOnAHoveredRow();
 };
-
-void LookTest::contrastOfTwoColors_data()
-{
-    QTest::addColumn<QColor>("color");
-    QTest::addColumn<double>("onWhite");
-    QTest::newRow("black") << QColor(Qt::black) << 21.0;
-    QTest::newRow("white") << QColor(Qt::white) << 1.0;
-    QTest::newRow("the lightest gray that can be read") << QColor(0x76, 0x76, 0x76) << 4.54;
-    QTest::newRow("blue") << QColor(Qt::blue) << 8.59;
-}
-
-void LookTest::contrastOfTwoColors()
-{
-    QFETCH(QColor, color);
-    QFETCH(double, onWhite);
-    QVERIFY(std::abs(look::contrast(color, Qt::white) - onWhite) < 0.01);
-    QCOMPARE(look::contrast(Qt::white, color), look::contrast(color, Qt::white));
-}
 
 void LookTest::aLinkThatCannotBeReadHasTheTextsColor()
 {
@@ -78,10 +59,10 @@ void LookTest::secondaryTextCanBeReadOnAHoveredRow()
     QFETCH(QColor, window);
     const QPalette palette = paletteOf(text, window, Qt::blue);
     const QColor plain = over(window, look::secondaryText(palette));
-    QVERIFY(look::contrast(plain, window) >= 4.5);
+    QVERIFY(contrast(plain, window) >= readableContrast);
     const QColor row = over(window, look::hover(palette));
     const QColor hovered = over(row, look::secondaryText(palette, look::Ground::hovered));
-    QVERIFY(look::contrast(hovered, row) >= 4.5);
+    QVERIFY(contrast(hovered, row) >= readableContrast);
 }
 
 void LookTest::secondaryTextFollowsThePalette()
