@@ -83,7 +83,9 @@ class Scene:
         return self._list_area()
 
     def adjusting(self):
+        """What lies on the list then."""
         self._application.tell("adjustOverlay")
+        return [(self.node(ENGLISH.text(key)), []) for key in ("desktop.adjust.hint", "desktop.adjust.done")]
 
     def widget(self):
         self._application.stop()
@@ -129,7 +131,6 @@ class Scene:
 SURFACES = (
     (Scene.status_menu, None, None),
     (Scene.overlay, None, None),
-    (Scene.adjusting, "app_probe", ENGLISH.text("desktop.adjust.done")),
     (Scene.popover, "Tickwise", "Bitcoin, 67,432"),
     (Scene.hovered_row, "Tickwise", "Bitcoin, 67,432"),
     (Scene.general, ENGLISH.text("window.settings.title"), ENGLISH.text("general.launch.atLogin")),
@@ -172,6 +173,18 @@ class ContrastTest(unittest.TestCase):
 
     def test_dark_by_the_portal(self):
         self.check("dark-portal", use_dark_portal)
+
+    def test_adjusting(self):
+        for scheme in ("light", "dark"):
+            with X11Session("xfce4-panel", notifications=None) as desktop, self.subTest(scheme=scheme):
+                scene = Scene(desktop, lambda desktop: use_scheme(desktop, scheme))
+                scene.overlay()
+                controls = scene.adjusting()
+                picture = scene.settled_picture()
+                keep_picture(desktop, f"contrast-{scheme}-adjusting.png")
+                measured = text_contrasts(picture, controls)
+                self.assertEqual({name for _, name, _ in measured}, {node.name for node, _ in controls})
+                self.assertEqual([row for row in measured if row[0] < ENOUGH], [])
 
     def test_measure(self):
         self.assertAlmostEqual(contrast((255, 255, 255), (0, 0, 0)), 21)
