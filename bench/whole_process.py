@@ -210,8 +210,8 @@ def call_application(desktop, method, signature, arguments):
     desktop.bus.call(IDENTIFIER, path, "org.freedesktop.Application", method, signature, arguments)
 
 
-def measure_popover(desktop, programs):
-    """Memory before the popover was opened for the first time, while it is open, and after it was closed."""
+def measure_surface(desktop, programs, show, hide):
+    """Memory before the surface was shown for the first time, while it is shown, and after it was hidden."""
     market = Market(desktop, programs, OKX_LIST)
     process, _ = start_application(desktop, programs, market.endpoints)
     wait_for_line(desktop, process, "content")
@@ -220,14 +220,24 @@ def measure_popover(desktop, programs):
     market.stop()
     time.sleep(1)
     memories = [Memory(process.pid)]
-    call_application(desktop, "Activate", "(a{sv})", ({},))
+    show(process)
     time.sleep(2)
     memories.append(Memory(process.pid))
-    desktop.press_key("Escape")
+    hide(process)
     time.sleep(SETTLE_SECONDS)
     memories.append(Memory(process.pid))
     desktop.stop_process(process)
     return memories
+
+
+def measure_popover(desktop, programs):
+    return measure_surface(desktop, programs, lambda _: call_application(desktop, "Activate", "(a{sv})", ({},)),
+                           lambda _: desktop.press_key("Escape"))
+
+
+def measure_overlay(desktop, programs):
+    return measure_surface(desktop, programs, lambda process: process.write_line("overlay 1"),
+                           lambda process: process.write_line("overlay 0"))
 
 
 def measure_empty(desktop, programs):
@@ -251,9 +261,9 @@ def print_memory(memory, floor):
         print(f"  {name:32}{kilobytes / 1024:10.2f}{floor.pss_of_files.get(name, 0) / 1024:10.2f}")
 
 
-def print_popover(memories):
+def print_surface(surface, memories):
     for moment, memory in zip(("never opened", "open", "closed"), memories):
-        print(f"{f'popover {moment}: anonymous, PSS, MB':44}{memory.anonymous / 1024:10.2f}{memory.pss / 1024:10.2f}", flush=True)
+        print(f"{f'{surface} {moment}: anonymous, PSS, MB':44}{memory.anonymous / 1024:10.2f}{memory.pss / 1024:10.2f}", flush=True)
 
 
 def measure(desktop, programs):
@@ -266,7 +276,8 @@ def measure(desktop, programs):
               f"empty program {ready * 1000:.1f}, first round trip {trip * 1000:.1f}")
     count, memory = measure_idle(desktop, programs)
     print_memory(memory, measure_empty(desktop, programs))
-    print_popover(measure_popover(desktop, programs))
+    print_surface("popover", measure_popover(desktop, programs))
+    print_surface("overlay", measure_overlay(desktop, programs))
     print(f"{f'wake-ups in {IDLE_SECONDS} idle seconds':34}{count:10}{0:10}")
 
 
