@@ -47,7 +47,8 @@ const LocalizationBundle &bundleOf(AppLanguage language)
 {
     static AppLanguage last = AppLanguage::system;
     static LocalizationBundle bundle;
-    if (!bundle || std::exchange(last, language) != language)
+    const bool isOther = std::exchange(last, language) != language;
+    if (!bundle || isOther)
         bundle = openLocalizationBundle(rawValue(language));
     return bundle ? bundle : (bundle = mainLocalizationBundle());
 }

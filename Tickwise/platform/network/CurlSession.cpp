@@ -8,13 +8,6 @@
 
 #include <poll.h>
 
-// libcurl's protocols that are not used here bring GnuTLS, which builds its tables at the start of every program unless
-// the program has this function. A library that does use GnuTLS initializes it by itself.
-extern "C" Q_DECL_EXPORT int _gnutls_global_init_skip() // NOLINT(bugprone-reserved-identifier): GnuTLS gives the name
-{
-    return 1;
-}
-
 namespace tickwise {
 
 namespace {

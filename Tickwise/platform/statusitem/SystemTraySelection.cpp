@@ -13,6 +13,7 @@ namespace {
 constexpr uint32_t requestDock = 0;
 constexpr uint32_t xembedVersion = 0;
 constexpr uint32_t xembedMapped = 1;
+constexpr int mostMoves = 8; // of a window of one size
 
 /// The new parent of the window, if the event tells one.
 std::optional<uint32_t> newParent(const xcb_generic_event_t &event, uint32_t window)
@@ -120,6 +121,7 @@ void SystemTraySelection::readEvents()
 void SystemTraySelection::reportParent(uint32_t parent)
 {
     m_isDocked = parent != m_root;
+    m_movedSize = QSize();
     if (m_isDocked)
         Q_EMIT docked();
     else
@@ -133,12 +135,22 @@ void SystemTraySelection::keepInTray()
         xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_window), nullptr));
     const std::optional<QRect> tray = tree ? geometryOf(m_connection, tree->parent) : std::nullopt;
     const std::optional<QRect> window = geometryOf(m_connection, m_window);
-    if (tray && window && !window->topLeft().isNull() && !QRect(QPoint(), tray->size()).contains(*window)) {
+    const bool isBeside =
+        tray && window && !window->topLeft().isNull() && !QRect(QPoint(), tray->size()).contains(*window);
+    if (isBeside && mayBeMoved(window->size())) {
         const uint32_t corner[] = {0, 0};
         xcb_configure_window(m_connection, m_window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, corner);
         xcb_flush(m_connection);
     }
     readEventsLater();
+}
+
+/// A tray that wants its windows elsewhere is not contradicted for ever.
+bool SystemTraySelection::mayBeMoved(QSize window)
+{
+    if (std::exchange(m_movedSize, window) != window)
+        m_moves = 0;
+    return m_moves++ < mostMoves;
 }
 
 void SystemTraySelection::findOwner()

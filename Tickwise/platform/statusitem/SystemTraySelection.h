@@ -36,6 +36,7 @@ private:
     void readEvents();
     void reportParent(uint32_t parent);
     void keepInTray();
+    bool mayBeMoved(QSize window);
     void findOwner();
     void readColors();
     void readEventsLater();
@@ -46,6 +47,8 @@ private:
     uint32_t m_owner = 0;
     uint32_t m_window = 0; ///< the one that was last handed to a tray
     bool m_isDocked = false;
+    QSize m_movedSize; ///< of the window when it was last put back into its tray
+    int m_moves = 0;   ///< at that size
     PanelAppearance m_appearance = PanelAppearance::unknown;
 };
 

@@ -29,7 +29,7 @@ XEmbedStatusWindow::XEmbedStatusWindow(Shape shape)
     setAttribute(Qt::WA_AlwaysShowToolTips);
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(QStringLiteral("Tickwise"));
-    setMinimumSize(minimumHeight(), minimumHeight());
+    setMinimumSize(leastHeight(), leastHeight());
     setGeometry(QRect(beyondTheScreen, minimumSize()));
 }
 
@@ -50,12 +50,12 @@ void XEmbedStatusWindow::fit()
     const double needed = statusItemWidth(m_content, m_style.font, height());
     const int width =
         int(m_content.logo ? needed : m_widths.widthFor(m_style.font, height(), m_content.text.size(), needed));
-    setMinimumSize(width, minimumHeight());
+    setMinimumSize(width, leastHeight());
     resize(width, height());
 }
 
 /// Panels make a window narrower in proportion that asks for more height than they have.
-int XEmbedStatusWindow::minimumHeight() const
+int XEmbedStatusWindow::leastHeight() const
 {
     return int(usualHeight / devicePixelRatioF());
 }

@@ -39,7 +39,7 @@ protected:
 
 private:
     void fit();
-    int minimumHeight() const;
+    int leastHeight() const;
 
     Shape m_shape;
     StatusItemContent m_content;

@@ -250,7 +250,8 @@ void LayerDesktopSurface::screensMayDiffer()
 {
     m_usableArea.refresh();
     // The compositor has moved a window whose margins are old. Some do not redraw one that is moved back.
-    if (m_window && (!m_surface || !m_screen || margins() != m_sentMargins))
+    const bool isMoved = !m_isPlaceOld && margins() != m_sentMargins;
+    if (m_window && (!m_surface || !m_screen || isMoved))
         reattach();
     if (onScreensChanged)
         onScreensChanged();

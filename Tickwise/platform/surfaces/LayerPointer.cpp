@@ -92,11 +92,13 @@ void LayerPointer::move(QPointF inside)
         m_moved = inside;
 }
 
-/// Not every compositor tells relative motions of devices that know only places, as those of virtual machines.
+/// Not every compositor tells relative motions of devices that know only places, as those of virtual machines. Where
+/// one does, a place without a relative motion may come of the surface that moved under the pointer.
 void LayerPointer::endFrame()
 {
     const std::optional<QPointF> moved = std::exchange(m_moved, std::nullopt);
-    if (!std::exchange(m_movedRelatively, false) && moved && m_isInside)
+    const bool isDragged = m_pressed > 0 && m_tellsRelativeMotion;
+    if (!std::exchange(m_movedRelatively, false) && moved && m_isInside && !isDragged)
         m_position = m_origin() + *moved;
 }
 
@@ -104,6 +106,7 @@ void LayerPointer::relativeMotion(void *self, wl_proxy *, uint32_t, uint32_t, in
 {
     auto &pointer = *static_cast<LayerPointer *>(self);
     pointer.m_movedRelatively = true;
+    pointer.m_tellsRelativeMotion = true;
     const QScreen *const screen = pointer.m_window.screen();
     if (pointer.m_isInside && pointer.m_pressed > 0 && screen)
         pointer.m_position = inside(screen->virtualGeometry(), pointer.m_position + point(x, y));

@@ -49,6 +49,7 @@ private:
     QPointF m_pressPosition;
     std::optional<QPointF> m_moved; ///< to there in the window, since the last frame
     bool m_movedRelatively = false; ///< since the last frame
+    bool m_tellsRelativeMotion = false;
     bool m_isInside = false;
     int m_pressed = 0;                              ///< buttons
     std::unique_ptr<wl_pointer, Release> m_pointer; ///< none without a pointing device

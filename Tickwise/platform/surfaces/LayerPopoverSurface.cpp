@@ -14,9 +14,9 @@ namespace tickwise {
 namespace {
 
 constexpr char popoverSurfaceName[] = "tickwise-popover";
-constexpr std::chrono::milliseconds pointerComes{100};
-constexpr std::chrono::milliseconds pointerComesSomewhere{500};
-constexpr std::chrono::milliseconds screenIsKnown{200};
+constexpr std::chrono::milliseconds pointerWait{100};
+constexpr std::chrono::milliseconds anyScreenPointerWait{500};
+constexpr std::chrono::milliseconds screenSettleTime{200};
 constexpr int panelDepth = 64; // no panel's items are farther from the screen's edge
 
 bool isNearAnEdge(QSize screen, QPoint point)
@@ -44,7 +44,7 @@ LayerPopoverSurface::LayerPopoverSurface(std::unique_ptr<LayerShell> shell)
     m_pointerIsAway.setSingleShot(true);
     connect(&m_pointerIsAway, &QTimer::timeout, this, &LayerPopoverSurface::pointerIsAway);
     m_isOnItsScreen.setSingleShot(true);
-    m_isOnItsScreen.setInterval(screenIsKnown);
+    m_isOnItsScreen.setInterval(screenSettleTime);
     connect(&m_isOnItsScreen, &QTimer::timeout, this, &LayerPopoverSurface::coverScreens);
 }
 
@@ -62,7 +62,7 @@ bool LayerPopoverSurface::show(QWidget &window, QSize popover, int, const Popove
     const bool wasClicked = anchor.cause == PopoverAnchor::Cause::click;
     if (wasClicked && hasSeveralScreens()) {
         coverScreens();
-        m_pointerIsAway.start(pointerComesSomewhere);
+        m_pointerIsAway.start(anyScreenPointerWait);
         return true;
     }
     if (!attach(nullptr)) {
@@ -70,7 +70,7 @@ bool LayerPopoverSurface::show(QWidget &window, QSize popover, int, const Popove
         return false;
     }
     if (wasClicked)
-        m_pointerIsAway.start(pointerComes);
+        m_pointerIsAway.start(pointerWait);
     else
         place();
     return true;
@@ -123,14 +123,19 @@ void LayerPopoverSurface::findItsScreen()
 
 void LayerPopoverSurface::coverScreens()
 {
+    if (!m_window)
+        return;
     const QScreen *const own = m_surface ? m_window->windowHandle()->screen() : nullptr;
-    for (QScreen *const screen : QGuiApplication::screens()) {
-        if (screen == own || !hasOutput(*screen))
+    const QList<QScreen *> all = QGuiApplication::screens();
+    // One may go while a cover waits for the compositor.
+    const QList<QPointer<QScreen>> screens(all.cbegin(), all.cend());
+    for (const QPointer<QScreen> &screen : screens) {
+        if (!screen || screen.data() == own || !hasOutput(*screen))
             continue;
-        const auto entered = [this, guarded = QPointer(screen)](QPoint position) {
-            QTimer::singleShot(0, this, [this, guarded, position] {
-                if (guarded && m_pointerIsAway.isActive())
-                    openAt(guarded, position);
+        const auto entered = [this, screen](QPoint position) {
+            QTimer::singleShot(0, this, [this, screen, position] {
+                if (screen && m_pointerIsAway.isActive())
+                    openAt(screen, position);
             });
         };
         m_covers.push_back(std::make_unique<LayerClickCatcher>(
@@ -150,7 +155,7 @@ void LayerPopoverSurface::openAt(QScreen *screen, std::optional<QPoint> pointer)
 {
     m_pointerIsAway.stop();
     m_covers.clear();
-    if (!attach(screen))
+    if (!m_window || !attach(screen))
         return takeAwayLater();
     if (pointer)
         noteClick(*pointer);
@@ -213,6 +218,10 @@ void LayerPopoverSurface::resize(QSize popover)
 
 void LayerPopoverSurface::hide()
 {
+    m_pointerIsAway.stop();
+    m_isOnItsScreen.stop();
+    m_covers.clear();
+    m_surface.reset();
     if (m_window)
         detach();
     m_window = nullptr;
@@ -220,10 +229,6 @@ void LayerPopoverSurface::hide()
 
 void LayerPopoverSurface::detach()
 {
-    m_pointerIsAway.stop();
-    m_isOnItsScreen.stop();
-    m_covers.clear();
-    m_surface.reset();
     m_window->removeEventFilter(this);
     m_window->hide();
     if (m_window->windowHandle())

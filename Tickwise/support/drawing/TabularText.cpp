@@ -44,7 +44,7 @@ TabularText::TabularText(const QFont &font)
 {
 }
 
-void TabularText::forgetMany() const
+void TabularText::trimShapes() const
 {
     if (m_shapes.size() > keptShapes)
         m_shapes.clear();
@@ -88,7 +88,7 @@ std::size_t TabularText::indexOf(const QRawFont &font) const
 
 double TabularText::width(QStringView text) const
 {
-    forgetMany();
+    trimShapes();
     double total = 0;
     while (!text.isEmpty()) {
         const QStringView part = firstPart(text);
@@ -100,7 +100,7 @@ double TabularText::width(QStringView text) const
 
 std::vector<TabularText::Part> TabularText::parts(QStringView text, double x) const
 {
-    forgetMany();
+    trimShapes();
     std::vector<Part> parts;
     while (!text.isEmpty()) {
         const QStringView part = firstPart(text);

@@ -52,7 +52,7 @@ public:
     };
 
 private:
-    void forgetMany() const;
+    void trimShapes() const;
     const Shape &shapeOf(QStringView part) const;
     Shape shaped(const QString &part) const;
     std::size_t indexOf(const QRawFont &font) const;

@@ -2,6 +2,8 @@
 
 #include "catalog/logos/LogoDecoding.h"
 
+#include <algorithm>
+
 namespace tickwise {
 
 WidgetLogos::WidgetLogos(CoinLogoCache cache)
@@ -17,9 +19,16 @@ std::optional<QImage> WidgetLogos::image(const QString &coinId)
     return *m_images.insert(coinId, bytes ? decodeLogo(*bytes) : std::nullopt);
 }
 
-void WidgetLogos::forgetMissing()
+bool WidgetLogos::findMissing()
 {
-    m_images.removeIf([](QHash<QString, std::optional<QImage>>::iterator entry) { return !entry.value(); });
+    QStringList missing;
+    for (auto entry = m_images.cbegin(); entry != m_images.cend(); ++entry) {
+        if (!entry.value())
+            missing.append(entry.key());
+    }
+    for (const QString &coinId : missing)
+        m_images.remove(coinId);
+    return std::count_if(missing.cbegin(), missing.cend(), [this](const QString &id) { return bool(image(id)); }) > 0;
 }
 
 } // namespace tickwise

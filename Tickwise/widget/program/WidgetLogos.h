@@ -7,7 +7,7 @@
 
 namespace tickwise {
 
-/// The logos that the application has downloaded. Each file is read and decoded once, until `forgetMissing`.
+/// The logos that the application has downloaded. Each file is read and decoded once.
 class WidgetLogos
 {
 public:
@@ -16,8 +16,8 @@ public:
     /// The coin's logo; none without a file that can be decoded.
     std::optional<QImage> image(const QString &coinId);
 
-    /// Looks again for the logos that were not there, which the application may have downloaded since.
-    void forgetMissing();
+    /// Looks again for the logos that were not there, which the application may have downloaded since. True: one is.
+    bool findMissing();
 
 private:
     CoinLogoCache m_cache;

@@ -93,7 +93,8 @@ void WidgetProgram::connectServices()
 
 void WidgetProgram::reload()
 {
-    m_logos.forgetMissing();
+    if (m_logos.findMissing())
+        m_controller.window().list().update();
     m_model.reload();
 }
 

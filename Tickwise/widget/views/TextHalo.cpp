@@ -22,7 +22,7 @@ struct Shadow
 
 constexpr std::array shadows{Shadow{0.15, 3, 0}, Shadow{0.45, 1.5, 0.5}};
 constexpr int weightSum = 1 << 16;
-constexpr int keptBytes = 256 * 1024;
+constexpr int keptPoints = 64 * 1024; // square points of images
 
 /// The weights of a Gaussian curve with that deviation and that middle, in pixels; their sum is `weightSum`.
 std::vector<int> gaussianKernel(double deviation, double middle)
@@ -89,7 +89,7 @@ TextHalo::TextHalo(const QFont &font)
     : m_font(font)
     , m_metrics(font)
     , m_ascent(m_metrics.ascent())
-    , m_images(keptBytes)
+    , m_images(keptPoints)
 {
 }
 
@@ -117,7 +117,8 @@ void TextHalo::draw(QPainter &painter, double x, double baseline, QStringView te
     if (!image) {
         const QString own = text.toString();
         auto made = std::make_unique<QImage>(imageOf(own, scale));
-        const auto cost = int(std::min<qsizetype>(made->sizeInBytes(), keptBytes));
+        const QSizeF size = made->deviceIndependentSize();
+        const int cost = std::min(int(std::ceil(size.width() * size.height())), keptPoints);
         m_images.insert({own, scale}, made.release(), cost);
         image = m_images.object(borrowed);
     }

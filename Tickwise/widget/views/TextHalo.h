@@ -19,7 +19,8 @@ struct WidgetLegibility
     bool operator==(const WidgetLegibility &) const = default;
 };
 
-/// The two shadows of texts in one font. Those last drawn are kept, up to 256 KiB. Main thread only.
+/// The two shadows of texts in one font. Those last drawn are kept, up to 256 KiB at one pixel a point. Main thread
+/// only.
 class TextHalo
 {
 public:

@@ -38,7 +38,8 @@ void ContrastTest::readableColors_data()
     QTest::addColumn<QColor>("ground");
     QTest::addColumn<QColor>("preferred");
     QTest::addColumn<QColor>("expected");
-    QTest::newRow("the preferred one") << QColor(0x15, 0x53, 0x9e) << QColor(0xfc, 0xfc, 0xfc) << QColor(0xfc, 0xfc, 0xfc);
+    QTest::newRow("the preferred one") << QColor(0x15, 0x53, 0x9e) << QColor(0xfc, 0xfc, 0xfc)
+                                       << QColor(0xfc, 0xfc, 0xfc);
     QTest::newRow("white on a light blue") << QColor(0x3d, 0xae, 0xe9) << QColor(Qt::white) << QColor(Qt::black);
     QTest::newRow("white on a middle blue") << QColor(0x30, 0x8c, 0xc6) << QColor(Qt::white) << QColor(Qt::black);
     QTest::newRow("black on a dark blue") << QColor(0x15, 0x53, 0x9e) << QColor(Qt::black) << QColor(Qt::white);

@@ -27,7 +27,7 @@ void WidgetLogosTest::readsEachFileOnce()
     WidgetLogos logos(cache);
     QCOMPARE(logos.image(QStringLiteral("monero")).value_or(QImage()).size(), QSize(32, 32));
     cache.remove(QStringLiteral("monero"));
-    logos.forgetMissing();
+    QVERIFY(!logos.findMissing());
     QVERIFY(logos.image(QStringLiteral("monero")));
 }
 
@@ -37,9 +37,11 @@ void WidgetLogosTest::missingOnesAreLookedForAgain()
     const CoinLogoCache cache{folder.path()};
     WidgetLogos logos(cache);
     QVERIFY(!logos.image(QStringLiteral("monero")));
+    QVERIFY(!logos.findMissing());
     QVERIFY(cache.write(QStringLiteral("monero"), encoded(logoLikeImage(32), "png")));
     QVERIFY(!logos.image(QStringLiteral("monero")));
-    logos.forgetMissing();
+    QVERIFY(logos.findMissing());
+    QVERIFY(!logos.findMissing());
     QVERIFY(logos.image(QStringLiteral("monero")));
 }
 
