@@ -250,8 +250,7 @@ void LayerDesktopSurface::screensMayDiffer()
 {
     m_usableArea.refresh();
     // The compositor has moved a window whose margins are old. Some do not redraw one that is moved back.
-    const bool isMoved = !m_isPlaceOld && margins() != m_sentMargins;
-    if (m_window && (!m_surface || !m_screen || isMoved))
+    if (m_window && (!m_surface || !m_screen || margins() != m_sentMargins))
         reattach();
     if (onScreensChanged)
         onScreensChanged();
