@@ -8,6 +8,13 @@
 
 #include <poll.h>
 
+// libcurl brings GnuTLS for protocols that are not used here. It builds its tables at the start of every program unless
+// the program has this function, which GnuTLS documents for programs that link it indirectly (GNUTLS_SKIP_GLOBAL_INIT).
+extern "C" Q_DECL_EXPORT int _gnutls_global_init_skip() // NOLINT(bugprone-reserved-identifier): GnuTLS gives the name
+{
+    return 1;
+}
+
 namespace tickwise {
 
 namespace {
