@@ -68,7 +68,7 @@ void DesktopOverlayView::refresh()
     m_adjustControls->setVisible(m_model.isAdjusting());
     m_adjustControls->doneButton().setFocus();
     arrange();
-    update(); // at every ratio of pixels to points, wherever the controls are
+    update(); // the controls may begin or end between two pixels
 }
 
 void DesktopOverlayView::resizeEvent(QResizeEvent *event)

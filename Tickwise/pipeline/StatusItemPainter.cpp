@@ -66,14 +66,15 @@ double baselineFor(double top, double bottom, double capHeight)
 /// One line of compact text, squeezed into the width and centered, its capitals between `top` and `bottom`.
 void drawCompactLine(QPainter &painter, QFont font, const QRectF &line, const QString &text)
 {
-    double squeeze = line.width() / TabularText(font).width(text);
-    if (squeeze < narrowest) {
-        font.setPixelSize(std::max(1, int(font.pixelSize() * squeeze / narrowest)));
-        squeeze = line.width() / TabularText(font).width(text);
+    TabularText tabular(font);
+    double width = tabular.width(text);
+    if (line.width() < narrowest * width) {
+        font.setPixelSize(std::max(1, int(font.pixelSize() * line.width() / width / narrowest)));
+        tabular = TabularText(font);
+        width = tabular.width(text);
     }
-    const TabularText tabular(font);
-    squeeze = std::min(squeeze, 1.0);
-    const double left = line.center().x() - tabular.width(text) * squeeze / 2;
+    const double squeeze = std::min(line.width() / width, 1.0);
+    const double left = line.center().x() - width * squeeze / 2;
     painter.save();
     painter.translate(left, baselineFor(line.top(), line.bottom(), tabular.capHeight()));
     painter.scale(squeeze, 1);

@@ -34,6 +34,11 @@ def is_red(pixel):
     return red > 180 and green < 110 and blue < 110
 
 
+def is_magenta(pixel):
+    red, green, blue = pixel
+    return red > 200 and green < 60 and blue > 200
+
+
 def container(desktop):
     return os.path.join(desktop.environment["XDG_DATA_HOME"], "group.com.pelmo.tickwise")
 
@@ -242,6 +247,22 @@ class X11Test(WidgetChecks, unittest.TestCase):
             states = desktop.tool(["xprop", "-id", str(window), "-notype", "_NET_WM_STATE"]).decode()
             for state in ("BELOW", "SKIP_TASKBAR", "SKIP_PAGER"):
                 self.assertIn(f"_NET_WM_STATE_{state}", states)
+            self.assertEqual(widget.stop(), 0)
+
+    def test_shows_a_logo_that_comes_later(self):
+        with self.make_session() as desktop:
+            written = snapshot(1.5, coins=("monero",))
+            write_snapshot(desktop, written)
+            widget = Widget(desktop, change=None)
+            place = self.corner(desktop)
+            widget.wait_for_color(is_green, *place)
+            self.assertFalse(widget.has_color(is_magenta, *place, *MEDIUM))
+            logo = os.path.join(container(desktop), "CoinLogos", "monero.img")
+            desktop.make_directory(os.path.dirname(logo))
+            desktop.tool(["convert", "-size", "64x64", "xc:#ff00ff", f"png:{logo}"])
+            written["quotes"]["monero"]["price"] += 1
+            write_snapshot(desktop, written)
+            widget.wait_for_color(is_magenta, *place)
             self.assertEqual(widget.stop(), 0)
 
     def test_loads_nothing_that_only_the_application_needs(self):

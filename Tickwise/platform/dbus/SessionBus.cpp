@@ -96,6 +96,3 @@ void SessionBus::finishRetry(bool isDeaf)
 }
 
 } // namespace tickwise
-
-// Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_SessionBus.cpp" // NOLINT(bugprone-suspicious-include)

@@ -46,6 +46,3 @@ void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantLis
 }
 
 } // namespace tickwise
-
-// Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_ApplicationAdaptor.cpp" // NOLINT(bugprone-suspicious-include)

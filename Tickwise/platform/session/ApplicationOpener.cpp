@@ -52,6 +52,3 @@ void ApplicationOpener::start(const QString &address) const
 }
 
 } // namespace tickwise
-
-// Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_ApplicationOpener.cpp" // NOLINT(bugprone-suspicious-include)

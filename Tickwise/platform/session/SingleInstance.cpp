@@ -145,6 +145,3 @@ QString SingleInstance::defaultLockDirectory(const QString &applicationId)
 }
 
 } // namespace tickwise
-
-// Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_SingleInstance.cpp" // NOLINT(bugprone-suspicious-include)

@@ -65,6 +65,3 @@ void TerminationSignals::read()
 }
 
 } // namespace tickwise
-
-// Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_TerminationSignals.cpp" // NOLINT(bugprone-suspicious-include)

@@ -40,6 +40,3 @@ void WidgetReloads::listen()
 }
 
 } // namespace tickwise
-
-// Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_WidgetCenter.cpp" // NOLINT(bugprone-suspicious-include)

@@ -1,5 +1,7 @@
 #include "platform/surfaces/LayerDesktopSurface.h"
 
+#include "platform/surfaces/PopoverPlacement.h"
+
 #include <QEvent>
 #include <QGuiApplication>
 #include <QMouseEvent>
@@ -15,13 +17,6 @@ namespace {
 int area(const QRect &rect)
 {
     return rect.isEmpty() ? 0 : rect.width() * rect.height();
-}
-
-QRect frameInside(const QRect &area, QRect frame)
-{
-    frame.moveLeft(std::max(area.left(), std::min(frame.left(), area.right() - frame.width() + 1)));
-    frame.moveTop(std::max(area.top(), std::min(frame.top(), area.bottom() - frame.height() + 1)));
-    return frame;
 }
 
 } // namespace
@@ -108,7 +103,7 @@ void LayerDesktopSurface::attach()
         return;
     // The screen that showed it may have gone.
     if (!m_screen->geometry().intersects(m_frame))
-        m_frame = frameInside(visibleFrame(*m_screen), m_frame);
+        m_frame = movedInto(visibleFrame(*m_screen), m_frame);
     const Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint;
     if (m_window->windowFlags() != flags)
         m_window->setParent(nullptr, flags);

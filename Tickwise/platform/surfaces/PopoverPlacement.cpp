@@ -53,12 +53,9 @@ Edge edgeOfWidestPanel(const PopoverScreen &screen)
 }
 
 /// The rectangle moved into the area, and cut where it is larger.
-QRect movedInto(const QRect &area, QRect box)
+QRect fittedInto(const QRect &area, const QRect &box)
 {
-    box.setSize(box.size().boundedTo(area.size()));
-    box.moveLeft(std::clamp(box.left(), area.left(), area.right() - box.width() + 1));
-    box.moveTop(std::clamp(box.top(), area.top(), area.bottom() - box.height() + 1));
-    return box;
+    return movedInto(area, QRect(box.topLeft(), box.size().boundedTo(area.size())));
 }
 
 QRect room(const PopoverScreen &screen)
@@ -67,6 +64,13 @@ QRect room(const PopoverScreen &screen)
 }
 
 } // namespace
+
+QRect movedInto(const QRect &area, QRect box)
+{
+    box.moveLeft(std::max(area.left(), std::min(box.left(), area.right() - box.width() + 1)));
+    box.moveTop(std::max(area.top(), std::min(box.top(), area.bottom() - box.height() + 1)));
+    return box;
+}
 
 const PopoverScreen &screenAt(const std::vector<PopoverScreen> &screens, QPoint point)
 {
@@ -94,7 +98,7 @@ QRect popoverBeside(const PopoverScreen &screen, const QRect &item, QSize size)
         box.moveRight(item.left() - 1 - gap);
         break;
     }
-    return movedInto(room(screen), box);
+    return fittedInto(room(screen), box);
 }
 
 QRect popoverInCorner(const PopoverScreen &screen, QSize size)
@@ -113,14 +117,14 @@ QRect popoverInCorner(const PopoverScreen &screen, QSize size)
         box.moveBottomLeft(area.bottomLeft());
         break;
     }
-    return movedInto(area, box);
+    return fittedInto(area, box);
 }
 
 QRect popoverInMiddle(const PopoverScreen &screen, QSize size)
 {
     QRect box(QPoint(), size);
     box.moveCenter(screen.available.center());
-    return movedInto(room(screen), box);
+    return fittedInto(room(screen), box);
 }
 
 QRect availableArea(QSize screen, QSize usable, QPoint pointer)

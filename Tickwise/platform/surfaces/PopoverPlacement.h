@@ -14,6 +14,9 @@ struct PopoverScreen
     QRect available;
 };
 
+/// The rectangle moved into the area; to its left or upper edge where it is larger.
+QRect movedInto(const QRect &area, QRect box);
+
 /// The screen that holds the point, else the nearest; there has to be one.
 const PopoverScreen &screenAt(const std::vector<PopoverScreen> &screens, QPoint point);
 

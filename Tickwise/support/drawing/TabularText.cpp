@@ -86,13 +86,20 @@ std::size_t TabularText::indexOf(const QRawFont &font) const
     return index;
 }
 
+/// Of a part that has not been drawn yet it takes no shaping.
+double TabularText::advanceOf(QStringView part) const
+{
+    const QString borrowed = QString::fromRawData(part.data(), part.size());
+    const auto known = m_shapes.find(borrowed);
+    return known != m_shapes.end() ? known->second.advance : m_metrics.horizontalAdvance(borrowed);
+}
+
 double TabularText::width(QStringView text) const
 {
-    trimShapes();
     double total = 0;
     while (!text.isEmpty()) {
         const QStringView part = firstPart(text);
-        total += isAsciiDigit(part.front()) ? m_cell : std::round(shapeOf(part).advance);
+        total += isAsciiDigit(part.front()) ? m_cell : std::round(advanceOf(part));
         text = text.sliced(part.size());
     }
     return total;

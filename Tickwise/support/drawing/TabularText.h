@@ -53,6 +53,7 @@ public:
 
 private:
     void trimShapes() const;
+    double advanceOf(QStringView part) const;
     const Shape &shapeOf(QStringView part) const;
     Shape shaped(const QString &part) const;
     std::size_t indexOf(const QRawFont &font) const;

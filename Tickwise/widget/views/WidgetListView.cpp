@@ -19,7 +19,7 @@ constexpr float separatorOpacity = 0.12F;
 /// The longest wait for the time to turn orange: clocks are set, and machines sleep.
 constexpr std::chrono::minutes longestWait{1};
 
-/// Ratios of pixels to points at which these points are whole pixels, and their multiples.
+/// So many points are a whole number of pixels where the desktop scales in quarters.
 constexpr int wholePoints = 4;
 
 /// The smallest rectangle around this one whose edges are whole pixels.
@@ -237,6 +237,3 @@ void WidgetListView::paintLogo(QPainter &painter, const QRectF &box, std::size_t
 }
 
 } // namespace tickwise
-
-// Here, and not among the library's others, so that a small program takes no more of the library than it uses.
-#include "moc_WidgetListView.cpp" // NOLINT(bugprone-suspicious-include)

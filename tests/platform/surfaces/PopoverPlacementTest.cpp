@@ -39,6 +39,7 @@ private Q_SLOTS:
     void screenOfAPoint();
     void availableAreaIsOnThePointersSide();
     void besideAPanelOfUnknownDepth();
+    void movedIntoAnArea();
 };
 
 void PopoverPlacementTest::beside_data()
@@ -154,6 +155,15 @@ void PopoverPlacementTest::besideAPanelOfUnknownDepth()
     QCOMPARE(usableBesideUnknownPanel(screen, {10, 400}), QSize(1236, 800));
     QCOMPARE(usableBesideUnknownPanel(screen, {1270, 400}), QSize(1236, 800));
     QCOMPARE(usableBesideUnknownPanel(screen, {640, 400}), screen);
+}
+
+void PopoverPlacementTest::movedIntoAnArea()
+{
+    const QRect area(10, 20, 100, 50);
+    QCOMPARE(movedInto(area, {30, 30, 20, 10}), QRect(30, 30, 20, 10));
+    QCOMPARE(movedInto(area, {-40, 300, 20, 10}), QRect(10, 60, 20, 10));
+    QCOMPARE(movedInto(area, {300, -40, 20, 10}), QRect(90, 20, 20, 10));
+    QCOMPARE(movedInto(area, {50, 40, 200, 90}), QRect(10, 20, 200, 90));
 }
 
 TICKWISE_TEST(PopoverPlacementTest)
