@@ -22,6 +22,8 @@ struct Shadow
 
 constexpr std::array shadows{Shadow{0.15, 3, 0}, Shadow{0.45, 1.5, 0.5}};
 constexpr int weightSum = 1 << 16;
+/// Points around the ink that shadows may cover: three deviations, an offset, and a pixel's smoothed edge.
+constexpr int blur = 6;
 constexpr int keptPoints = 64 * 1024; // square points of images
 
 /// The weights of a Gaussian curve with that deviation and that middle, in pixels; their sum is `weightSum`.
@@ -88,42 +90,42 @@ QImage haloImage(const QImage &text, double scale)
 TextHalo::TextHalo(const QFont &font)
     : m_font(font)
     , m_metrics(font)
-    , m_ascent(m_metrics.ascent())
     , m_images(keptPoints)
 {
 }
 
-QImage TextHalo::imageOf(const QString &text, double scale) const
+TextHalo::Image TextHalo::imageOf(const QString &text, double scale) const
 {
-    const QSizeF size(m_metrics.horizontalAdvance(text) + 2 * reach, m_metrics.height() + 2 * reach);
-    QImage image((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    const QRect box = m_metrics.tightBoundingRect(text).toAlignedRect().adjusted(-blur, -blur, blur, blur);
+    QImage image((QSizeF(box.size()) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(scale);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setFont(m_font);
     painter.setPen(Qt::black);
-    painter.drawText(QPointF(reach, reach + m_ascent), text);
+    painter.drawText(-box.topLeft(), text);
     painter.end();
     // Painters blend this format fastest.
-    return haloImage(image.convertToFormat(QImage::Format_Alpha8), scale)
-        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    return {haloImage(image.convertToFormat(QImage::Format_Alpha8), scale)
+                .convertToFormat(QImage::Format_ARGB32_Premultiplied),
+            box.topLeft()};
 }
 
 void TextHalo::draw(QPainter &painter, double x, double baseline, QStringView text) const
 {
     const double scale = painter.device()->devicePixelRatioF() * painter.worldTransform().m11();
     const std::pair borrowed(QString::fromRawData(text.data(), text.size()), scale);
-    const QImage *image = m_images.object(borrowed);
+    const Image *image = m_images.object(borrowed);
     if (!image) {
         const QString own = text.toString();
-        auto made = std::make_unique<QImage>(imageOf(own, scale));
-        const QSizeF size = made->deviceIndependentSize();
+        auto made = std::make_unique<Image>(imageOf(own, scale));
+        const QSizeF size = made->pixels.deviceIndependentSize();
         const int cost = std::min(int(std::ceil(size.width() * size.height())), keptPoints);
         m_images.insert({own, scale}, made.release(), cost);
         image = m_images.object(borrowed);
     }
     if (image)
-        painter.drawImage(QPointF(x - reach, baseline - reach - m_ascent), *image);
+        painter.drawImage(QPointF(x, baseline) + image->place, image->pixels);
 }
 
 } // namespace tickwise

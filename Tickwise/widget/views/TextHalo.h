@@ -24,7 +24,7 @@ struct WidgetLegibility
 class TextHalo
 {
 public:
-    static constexpr double reach = 8; ///< points around a text that its shadows may cover
+    static constexpr double reach = 8; ///< points around a text's line that its shadows may cover
 
     /// `font` must have a pixel size.
     explicit TextHalo(const QFont &font);
@@ -33,12 +33,17 @@ public:
     void draw(QPainter &painter, double x, double baseline, QStringView text) const;
 
 private:
-    QImage imageOf(const QString &text, double scale) const;
+    struct Image
+    {
+        QImage pixels;
+        QPointF place; ///< of its corner, from the text's start on the baseline
+    };
+
+    Image imageOf(const QString &text, double scale) const;
 
     QFont m_font;
     QFontMetricsF m_metrics;
-    double m_ascent;
-    mutable QCache<std::pair<QString, double>, QImage> m_images; ///< by text and pixels a point
+    mutable QCache<std::pair<QString, double>, Image> m_images; ///< by text and pixels a point
 };
 
 } // namespace tickwise

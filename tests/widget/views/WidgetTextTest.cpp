@@ -38,6 +38,8 @@ private Q_SLOTS:
     void roomThatIsNotNeededChangesNothing();
     void fewerAndMoreTexts();
     void halosTakeRoom();
+    void shadowsFadeOut_data();
+    void shadowsFadeOut();
     void shadowsOfPartsAreThoseOfTheWhole();
 };
 
@@ -100,6 +102,39 @@ void WidgetTextTest::halosTakeRoom()
     world.price.text.clear();
     world.replace(true);
     QVERIFY(price.ink(true).isNull());
+}
+
+void WidgetTextTest::shadowsFadeOut_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("scale");
+    QTest::newRow("digit") << QStringLiteral("8") << 1.0;
+    QTest::newRow("descender") << QStringLiteral("jg|") << 1.0;
+    QTest::newRow("triangle") << QStringLiteral("\u25B2") << 1.25;
+    QTest::newRow("Chinese") << QStringLiteral("\u6BD4") << 2.0;
+}
+
+/// They are not cut anywhere.
+void WidgetTextTest::shadowsFadeOut()
+{
+    QFETCH(QString, text);
+    QFETCH(double, scale);
+    QImage image(200, 200, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.scale(scale, scale);
+    face(20)->halo.draw(painter, 40, 50, text);
+    painter.end();
+    const auto alpha = [&image](int x, int y) { return qAlpha(image.pixel(x, y)); };
+    int darkest = 0;
+    for (int y = 1; y < image.height() - 1; ++y) {
+        for (int x = 1; x < image.width() - 1; ++x) {
+            darkest = std::max(darkest, alpha(x, y));
+            const int clearest = std::min({alpha(x - 1, y), alpha(x + 1, y), alpha(x, y - 1), alpha(x, y + 1)});
+            QVERIFY2(clearest > 0 || alpha(x, y) <= 12, qPrintable(QStringLiteral("%1,%2").arg(x).arg(y)));
+        }
+    }
+    QVERIFY(darkest > 60);
 }
 
 /// The shadows of a number are put together from those of its digits.
