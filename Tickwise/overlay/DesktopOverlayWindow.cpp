@@ -58,7 +58,7 @@ void DesktopOverlayWindow::cut()
 
 void DesktopOverlayWindow::resizeEvent(QResizeEvent *event)
 {
-    QWidget::resizeEvent(event);
+    AccessibleWindow::resizeEvent(event);
     m_view->setGeometry(rect());
     cut();
 }
@@ -78,7 +78,7 @@ void DesktopOverlayWindow::mouseMoveEvent(QMouseEvent *event)
 void DesktopOverlayWindow::keyPressEvent(QKeyEvent *event)
 {
     if (!m_allowsKey)
-        return QWidget::keyPressEvent(event);
+        return AccessibleWindow::keyPressEvent(event);
     const int length = event->modifiers().testFlag(Qt::ShiftModifier) ? longStep : shortStep;
     if (const std::optional<QPoint> way = direction(event->key()))
         Q_EMIT nudged(*way * length);
@@ -87,7 +87,7 @@ void DesktopOverlayWindow::keyPressEvent(QKeyEvent *event)
     else if (event->key() == Qt::Key_Escape)
         Q_EMIT canceled();
     else
-        QWidget::keyPressEvent(event);
+        AccessibleWindow::keyPressEvent(event);
 }
 
 /// Window managers offer to close a window that has the focus. The application's own end closes it, too.

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "overlay/DesktopOverlayView.h"
+#include "widget/views/AccessibleWindow.h"
 
 namespace tickwise {
 
 /// The window of the desktop overlay. While it allows the keyboard it tells what the user does to move it.
-class DesktopOverlayWindow : public QWidget
+class DesktopOverlayWindow : public AccessibleWindow
 {
     Q_OBJECT
 

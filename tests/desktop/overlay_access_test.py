@@ -17,6 +17,7 @@ ROWS = ["Bitcoin, 67,432 USD, +1.50%", "Ethereum, 3,188 USD, -2.00%", "Solana, 1
 
 
 class AccessibilityTest(unittest.TestCase):
+    WINDOW = ("frame", "Tickwise")
     LIST = ("list", ENGLISH.text("widget.list.title"))
     HINT = ("label", ENGLISH.text("desktop.adjust.hint"))
     DONE = ("push button", ENGLISH.text("desktop.adjust.done"))
@@ -36,6 +37,7 @@ class AccessibilityTest(unittest.TestCase):
 
     def test_reads_its_rows(self):
         self.assertEqual([node.name for node in self.shown() if node.role == "list item"], ROWS)
+        self.assertTrue(self.find(self.WINDOW))
         left, top, width, height = self.find(self.LIST).extents()
         self.assertTrue(200 < left and left + width < 200 + WIDTH and 300 < top and top + height < 300 + HEIGHT)
         self.overlay.application.set_price("BTC", 70000.5, -1)

@@ -257,6 +257,7 @@ class AccessibilityTest(unittest.TestCase):
             found = desktop.wait_for(lambda: tree.nodes("app_probe"), what="the tree")
             names = [(node.role, node.name) for node in found]
             self.assertIn("BTC 67,432", [name for _, name in names])
+            self.assertIn(("frame", "Tickwise"), names)
             self.assertIn(("list", TITLE), names)
             self.assertEqual([name for role, name in names if role == "list item"], rows)
             for key in ("popover.watchlist.help", "popover.settings.help", "popover.quit.help"):

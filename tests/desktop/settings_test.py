@@ -134,6 +134,7 @@ class AccessibilityTest(unittest.TestCase):
 
     def test_every_control_has_a_name_and_a_value(self):
         self.open()
+        self.assertTrue(self.find("frame", ENGLISH.text("window.settings.title")))
         for tab, fewest in (("general", 16), ("watchlist", 12), ("about", 5)):
             self.find("page tab", ENGLISH.text(f"settings.tab.{tab}")).press()
             self.desktop.wait_for(lambda tab=tab: self.find("page tab list", ENGLISH.text(f"settings.tab.{tab}")), what=tab)

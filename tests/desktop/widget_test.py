@@ -281,6 +281,7 @@ class X11Test(WidgetChecks, unittest.TestCase):
             widget = Widget(desktop, env=tree.environment)
             widget.wait_for_color(is_green, *self.corner(desktop))
             found = [(node.role, node.name) for node in tree.nodes("tickwise-widget")]
+            self.assertIn(("frame", "Tickwise"), found)
             self.assertIn(("list", ENGLISH.text("widget.list.title")), found)
             self.assertEqual([name for role, name in found if role == "list item"],
                              ["Bitcoin, 67,432 USD, +1.50%", "Ethereum, 33,716 USD, +1.50%", "Solana, 22,477 USD, +1.50%"])

@@ -82,7 +82,7 @@ bool PopoverWindow::eventFilter(QObject *watched, QEvent *event)
     if (m_toolTip && hides)
         m_toolTip->hide();
     if (event->type() != QEvent::ToolTip || m_place.hasChildWindows)
-        return QWidget::eventFilter(watched, event);
+        return AccessibleWindow::eventFilter(watched, event);
     auto *const widget = static_cast<QWidget *>(watched);
     const QPoint position = static_cast<QHelpEvent *>(event)->pos();
     showToolTip(toolTipAt(*widget, position), widget->mapTo(this, position));
@@ -119,7 +119,7 @@ bool PopoverWindow::event(QEvent *event)
     // A popup window closes by what it grabs; any other by the loss of the focus.
     if (event->type() == QEvent::WindowDeactivate && windowType() == Qt::Tool)
         Q_EMIT dismissed();
-    return QWidget::event(event);
+    return AccessibleWindow::event(event);
 }
 
 void PopoverWindow::closeEvent(QCloseEvent *event)
@@ -134,7 +134,7 @@ void PopoverWindow::keyPressEvent(QKeyEvent *event)
     if (event->matches(QKeySequence::Cancel))
         Q_EMIT dismissed();
     else
-        QWidget::keyPressEvent(event);
+        AccessibleWindow::keyPressEvent(event);
 }
 
 void PopoverWindow::mousePressEvent(QMouseEvent *event)

@@ -2,8 +2,7 @@
 
 #include "ui/popover/PopoverFrame.h"
 #include "ui/popover/PopoverSurface.h"
-
-#include <QWidget>
+#include "widget/views/AccessibleWindow.h"
 
 class QLabel;
 
@@ -11,7 +10,7 @@ namespace tickwise {
 
 /// The window that a popover's content is shown in: a rounded panel with a border and, where there is room, a shadow.
 /// The window may be larger than the panel; what lies outside counts as outside the popover.
-class PopoverWindow : public QWidget
+class PopoverWindow : public AccessibleWindow
 {
     Q_OBJECT
 

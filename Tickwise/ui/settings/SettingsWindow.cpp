@@ -51,7 +51,7 @@ QWidget *scrolling(QWidget *page)
 } // namespace
 
 SettingsWindow::SettingsWindow(SettingsViewModel &settings, SettingsDataStorage &storage, const Pages &pages)
-    : QWidget(nullptr, Qt::Window)
+    : AccessibleWindow(nullptr, Qt::Window)
     , m_settings(settings)
     , m_storage(storage)
     , m_tabs(new QTabWidget(this))
@@ -98,7 +98,7 @@ void SettingsWindow::showEvent(QShowEvent *event)
 {
     if (!isActiveWindow())
         setSizeLimits(size(), size());
-    QWidget::showEvent(event);
+    AccessibleWindow::showEvent(event);
 }
 
 void SettingsWindow::changeEvent(QEvent *event)
@@ -107,12 +107,12 @@ void SettingsWindow::changeEvent(QEvent *event)
         writeTexts();
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
         setSizeLimits(settingsWindowMinimum, settingsWindowMaximum);
-    QWidget::changeEvent(event);
+    AccessibleWindow::changeEvent(event);
 }
 
 void SettingsWindow::closeEvent(QCloseEvent *event)
 {
-    QWidget::closeEvent(event);
+    AccessibleWindow::closeEvent(event);
     if (event->isAccepted())
         Q_EMIT closed();
 }
@@ -120,7 +120,7 @@ void SettingsWindow::closeEvent(QCloseEvent *event)
 void SettingsWindow::hideEvent(QHideEvent *event)
 {
     saveFrame();
-    QWidget::hideEvent(event);
+    AccessibleWindow::hideEvent(event);
 }
 
 void SettingsWindow::keyPressEvent(QKeyEvent *event)
@@ -128,7 +128,7 @@ void SettingsWindow::keyPressEvent(QKeyEvent *event)
     if (event->matches(QKeySequence::Cancel))
         close();
     else
-        QWidget::keyPressEvent(event);
+        AccessibleWindow::keyPressEvent(event);
 }
 
 void SettingsWindow::restoreFrame()

@@ -2,8 +2,7 @@
 
 #include "settings/SettingsDataStorage.h"
 #include "settings/SettingsViewModel.h"
-
-#include <QWidget>
+#include "widget/views/AccessibleWindow.h"
 
 class QTabWidget;
 
@@ -12,7 +11,7 @@ namespace tickwise {
 /// The window that edits every setting, with a tab each for the general settings, the watchlist and what the
 /// application is. It follows and sets `SettingsViewModel::settingsWindowTab`, and keeps its frame under the key
 /// "SettingsWindow".
-class SettingsWindow : public QWidget
+class SettingsWindow : public AccessibleWindow
 {
     Q_OBJECT
 

@@ -123,7 +123,7 @@ void WidgetWindow::keyPressEvent(QKeyEvent *event)
     else if (asksForMenu(*event))
         Q_EMIT menuRequested(rect().center());
     else
-        QWidget::keyPressEvent(event);
+        AccessibleWindow::keyPressEvent(event);
 }
 
 void WidgetWindow::contextMenuEvent(QContextMenuEvent *event)

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "widget/program/WidgetSize.h"
+#include "widget/views/AccessibleWindow.h"
 #include "widget/views/WidgetListView.h"
 
 namespace tickwise {
 
 /// The widget as a window: the list on its backdrop, which is clicked, dragged and asked for a menu.
-class WidgetWindow : public QWidget
+class WidgetWindow : public AccessibleWindow
 {
     Q_OBJECT
 
