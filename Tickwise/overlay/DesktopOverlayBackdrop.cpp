@@ -50,6 +50,11 @@ void DesktopOverlayBackdrop::setFillsCorners(bool fills)
         update();
 }
 
+QRegion DesktopOverlayBackdrop::outline(const QRect &sheet) const
+{
+    return QRegion(continuousRect(sheet, m_radius).toFillPolygon().toPolygon());
+}
+
 /// An area that neither the corners nor the border reach.
 QRect DesktopOverlayBackdrop::inside() const
 {

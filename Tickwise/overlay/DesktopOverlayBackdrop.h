@@ -4,7 +4,10 @@
 
 namespace tickwise {
 
-/// The ground of the desktop overlay: a sheet with round corners in the window color.
+/// The radius of the corners of windows on the desktop, in points.
+inline constexpr double desktopCornerRadius = 22;
+
+/// The ground of windows on the desktop: a sheet with round corners in the window color.
 class DesktopOverlayBackdrop : public QWidget
 {
     Q_OBJECT
@@ -18,6 +21,8 @@ public:
     void setOpacity(double opacity);
     /// Whether what lies outside the corners is painted, too: for a window whose corners are cut off.
     void setFillsCorners(bool fills);
+    /// A sheet of that size, as a mask that cuts off the corners.
+    QRegion outline(const QRect &sheet) const;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -34,8 +34,10 @@ DesktopOverlayController::~DesktopOverlayController() = default;
 void DesktopOverlayController::follow()
 {
     const AppSettings &settings = m_context.settings.settings();
+    const CoinListViewModel &list = m_context.coinList;
+    const BaseCurrency currency = list.priceDataCurrency().value_or(settings.baseCurrency);
     apply(settings, settings.desktopOverlayEnabled
-                        ? widgetEntryContent(m_context.coinList.coins(), settings, m_context.catalog.byID())
+                        ? widgetEntryContent(list.coins(), settings, currency, m_context.catalog.byID())
                         : m_model.content());
 }
 
@@ -106,17 +108,7 @@ QSize DesktopOverlayController::size() const
 
 QRect DesktopOverlayController::placed(const std::optional<DesktopOverlayOrigin> &topLeft) const
 {
-    const DesktopScreens screens = m_surface->screens();
-    std::vector<DesktopRect> visibleFrames;
-    for (const QRect &frame : screens.visibleFrames)
-        visibleFrames.push_back(desktopRect(frame, screens.primaryBottom));
-    const DesktopRect frame = desktopOverlayFrame(size(), topLeft, visibleFrames);
-    return toolkitRect(frame, screens.primaryBottom).toRect();
-}
-
-DesktopOverlayOrigin DesktopOverlayController::topLeft(QPoint corner) const
-{
-    return {double(corner.x()), double(m_surface->screens().primaryBottom - corner.y())};
+    return desktopOverlayFrame(size(), topLeft, m_surface->screens());
 }
 
 void DesktopOverlayController::beginAdjusting()
@@ -143,7 +135,7 @@ void DesktopOverlayController::finishAdjusting()
         return;
     leaveAdjusting();
     AppSettings settings = m_context.settings.settings();
-    settings.desktopOverlayTopLeft = topLeft(m_surface->frame().topLeft());
+    settings.desktopOverlayTopLeft = desktopOverlayOrigin(m_surface->frame().topLeft(), m_surface->screens());
     m_context.settings.update(settings);
 }
 
@@ -164,10 +156,9 @@ void DesktopOverlayController::drag(const QMouseEvent &event)
     m_surface->place(QRect(m_surface->pointerPosition(event) - m_grip, size()));
 }
 
-/// Keys do not move the overlay off the screens.
 void DesktopOverlayController::nudge(QPoint step)
 {
-    m_surface->place(placed(topLeft(m_surface->frame().topLeft() + step)));
+    m_surface->place(desktopOverlayNudged(m_surface->frame(), step, m_surface->screens()));
 }
 
 void DesktopOverlayController::retranslate()

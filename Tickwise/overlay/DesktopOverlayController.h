@@ -40,14 +40,14 @@ public:
     /// Brings the overlay in line with the settings and shows the content. The frame is set only where it differs.
     /// While the user adjusts the overlay its top left corner stays where it is.
     void apply(const AppSettings &settings, const WidgetEntryContent &content);
-    /// Lets the user move the shown overlay.
+    /// Lets the user move the shown overlay. Called again, it gives the overlay the keyboard again.
     void beginAdjusting();
     /// Ends that and saves the position.
     void finishAdjusting();
     /// Ends that and puts the overlay back.
     void cancelAdjusting();
-    /// Computes the frame anew, unless the user adjusts it: after changes of the screens and of the text scale, and of
-    /// what the machine did while it slept.
+    /// Computes the frame anew, unless the user adjusts it: after the screens or the text scale changed, and after the
+    /// machine woke.
     void reposition();
     /// Takes the language anew.
     void retranslate();
@@ -68,7 +68,6 @@ private:
     void nudge(QPoint step);
     QSize size() const;
     QRect placed(const std::optional<DesktopOverlayOrigin> &topLeft) const;
-    DesktopOverlayOrigin topLeft(QPoint corner) const;
 
     DesktopOverlayContext m_context;
     DesktopOverlayModel m_model;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace tickwise {
 
@@ -54,6 +55,25 @@ double clampedStart(double start, double length, double low, double high)
     return std::min(std::max(start, low), std::max(high - length, low));
 }
 
+DesktopRect desktopRect(const QRect &rect, QPoint origin)
+{
+    const QRect moved = rect.translated(-origin);
+    return {double(moved.x()), double(-moved.y() - moved.height()), double(moved.width()), double(moved.height())};
+}
+
+QRect toolkitRect(const DesktopRect &rect, QPoint origin)
+{
+    return QRectF(rect.left, -rect.top(), rect.width, rect.height).translated(origin).toRect();
+}
+
+/// Whether the place lies in the direction of the step, and not wholly to the side of it.
+bool liesBeyond(const QRect &place, const QRect &frame, QPoint step)
+{
+    const QRect lane = step.x() != 0 ? QRect(place.x(), frame.y(), place.width(), frame.height())
+                                     : QRect(frame.x(), place.y(), frame.width(), place.height());
+    return QPoint::dotProduct(place.topLeft() - frame.topLeft(), step) > 0 && lane.intersects(place);
+}
+
 bool isUsable(const std::optional<DesktopOverlayOrigin> &origin)
 {
     return origin && std::isfinite(origin->x) && std::isfinite(origin->y);
@@ -89,14 +109,39 @@ DesktopRect desktopOverlayFrame(QSizeF size, const std::optional<DesktopOverlayO
     return frame;
 }
 
-DesktopRect desktopRect(const QRectF &rect, double primaryHeight)
+QRect desktopOverlayFrame(QSizeF size, const std::optional<DesktopOverlayOrigin> &savedTopLeft,
+                          const DesktopScreens &screens)
 {
-    return {rect.x(), primaryHeight - rect.y() - rect.height(), rect.width(), rect.height()};
+    std::vector<DesktopRect> visibleFrames;
+    for (const QRect &frame : screens.visibleFrames)
+        visibleFrames.push_back(desktopRect(frame, screens.origin));
+    return toolkitRect(desktopOverlayFrame(size, savedTopLeft, visibleFrames), screens.origin);
 }
 
-QRectF toolkitRect(const DesktopRect &rect, double primaryHeight)
+QRect desktopOverlayNudged(const QRect &frame, QPoint step, const DesktopScreens &screens)
 {
-    return {rect.left, primaryHeight - rect.top(), rect.width, rect.height};
+    const auto kept = [&](QPoint corner, const DesktopScreens &where) {
+        return desktopOverlayFrame(frame.size(), desktopOverlayOrigin(corner, screens), where);
+    };
+    const QRect moved = kept(frame.topLeft() + step, screens);
+    if (moved != frame)
+        return moved;
+    QRect nearest = frame;
+    int least = std::numeric_limits<int>::max();
+    for (const QRect &visible : screens.visibleFrames) {
+        const QRect there = kept(frame.topLeft(), {{visible}, screens.origin});
+        const int way = (there.topLeft() - frame.topLeft()).manhattanLength();
+        if (liesBeyond(there, frame, step) && way < least) {
+            least = way;
+            nearest = there;
+        }
+    }
+    return nearest;
+}
+
+DesktopOverlayOrigin desktopOverlayOrigin(QPoint corner, const DesktopScreens &screens)
+{
+    return {double(corner.x() - screens.origin.x()), double(screens.origin.y() - corner.y())};
 }
 
 } // namespace tickwise

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "settings/AppSettings.h"
+#include "widget/views/DesktopSurface.h"
 
 #include <QRectF>
 #include <QSizeF>
@@ -10,8 +11,8 @@
 
 namespace tickwise {
 
-/// Size and place of the desktop overlay, in points. Coordinates here grow upwards from the bottom edge of the primary
-/// screen: a rectangle's `left` and `bottom` are its smallest values.
+/// Size and place of the desktop overlay, in points. Coordinates here grow to the right and upwards from the lower
+/// left corner of the primary screen: a rectangle's `left` and `bottom` are its smallest values.
 struct DesktopRect
 {
     double left = 0;
@@ -33,11 +34,15 @@ QSizeF desktopOverlaySize(DesktopOverlayTextSize textSize, int rows);
 DesktopRect desktopOverlayFrame(QSizeF size, const std::optional<DesktopOverlayOrigin> &savedTopLeft,
                                 const std::vector<DesktopRect> &visibleFrames);
 
-/// A rectangle of the toolkit, whose coordinates grow downwards from the top edge of the primary screen, which is
-/// `primaryHeight` high.
-DesktopRect desktopRect(const QRectF &rect, double primaryHeight);
+/// The same in the toolkit's coordinates, which grow downwards.
+QRect desktopOverlayFrame(QSizeF size, const std::optional<DesktopOverlayOrigin> &savedTopLeft,
+                          const DesktopScreens &screens);
 
-/// The inverse of `desktopRect`.
-QRectF toolkitRect(const DesktopRect &rect, double primaryHeight);
+/// The frame moved by that step of the toolkit's coordinates and kept on the screens. At an edge that stops it, it goes
+/// over to the nearest screen that lies beyond.
+QRect desktopOverlayNudged(const QRect &frame, QPoint step, const DesktopScreens &screens);
+
+/// The top left corner of a frame in the toolkit's coordinates, as it is saved.
+DesktopOverlayOrigin desktopOverlayOrigin(QPoint corner, const DesktopScreens &screens);
 
 } // namespace tickwise

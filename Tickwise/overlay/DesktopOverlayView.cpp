@@ -10,7 +10,6 @@ namespace tickwise {
 namespace {
 
 // In points.
-constexpr double cornerRadius = 22;
 constexpr double listPadding = 14;
 constexpr double controlsMargin = 4; // the least that the overlay shows around its controls
 
@@ -29,7 +28,7 @@ DesktopOverlayView::DesktopOverlayView(DesktopOverlayModel &model, WidgetListVie
         if (m_model.onDoneAdjusting)
             m_model.onDoneAdjusting();
     });
-    m_backdrop->setRadius(cornerRadius);
+    m_backdrop->setRadius(desktopCornerRadius);
     refresh();
 }
 
@@ -44,7 +43,7 @@ void DesktopOverlayView::setScale(double scale)
 {
     if (std::exchange(m_scale, scale) == scale)
         return;
-    m_backdrop->setRadius(cornerRadius * scale);
+    m_backdrop->setRadius(desktopCornerRadius * scale);
     m_list->setScale(scale);
     m_adjustControls->setScale(scale);
     arrange();

@@ -1,7 +1,5 @@
 #include "overlay/DesktopOverlayWindow.h"
 
-#include "overlay/ContinuousRect.h"
-
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -53,7 +51,7 @@ void DesktopOverlayWindow::cut()
 {
     if (m_isTranslucent)
         return clearMask();
-    setMask(QRegion(continuousRect(rect(), m_view->backdrop().radius()).toFillPolygon().toPolygon()));
+    setMask(m_view->backdrop().outline(rect()));
 }
 
 void DesktopOverlayWindow::resizeEvent(QResizeEvent *event)

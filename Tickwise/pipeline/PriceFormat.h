@@ -8,6 +8,12 @@ namespace tickwise {
 /// ","; half-even. 0.123456 gives "0.1235", 67432.7 gives "67,433".
 QString formatPrice(double value);
 
+/// What stands in place of a price that is not known.
+inline QString noPriceText()
+{
+    return QStringLiteral("--");
+}
+
 /// The price as alerts write it: `formatPrice` with as many fraction digits more as three significant digits take.
 /// 0.0000112345 gives "0.0000112".
 QString formatAlertPrice(double value);

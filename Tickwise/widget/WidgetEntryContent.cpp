@@ -9,6 +9,7 @@ namespace {
 WidgetRow makeRow(const CoinMetadata &coin, const std::map<QString, WidgetSnapshot::Quote> &quotes)
 {
     WidgetRow row{.id = coin.id, .symbol = coin.symbol, .name = coin.name, .logoAssetName = coin.logoAssetName};
+    row.hasMarket = quotes.empty() && coin.status != CoinStatus::delisted;
     if (const auto quote = quotes.find(coin.id); quote != quotes.end()) {
         row.hasMarket = true;
         row.price = quote->second.price;
@@ -45,9 +46,10 @@ WidgetEntryContent widgetEntryContent(const WidgetSnapshot &snapshot, const Coin
 }
 
 WidgetEntryContent widgetEntryContent(const std::vector<Coin> &coins, const AppSettings &settings,
-                                      const CoinIndex &catalog)
+                                      BaseCurrency priceCurrency, const CoinIndex &catalog)
 {
     WidgetEntryContent content = widgetEntryContent(makeWidgetSnapshot(coins, settings, TimePoint()), catalog);
+    content.currency = priceCurrency;
     content.updatedAt = newestUpdate(coins);
     return content;
 }

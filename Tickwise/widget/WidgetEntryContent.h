@@ -11,7 +11,7 @@ struct WidgetRow
     QString symbol;
     QString name;
     std::optional<QString> logoAssetName;
-    bool hasMarket = false; ///< a quote exists
+    bool hasMarket = false; ///< a quote exists, or nothing has been fetched that could tell
     std::optional<double> price;
     std::optional<double> change24hPercent;
     bool operator==(const WidgetRow &) const = default;
@@ -33,8 +33,9 @@ struct WidgetEntryContent
 /// The snapshot joined with the catalog (by coin id): one row per watchlist coin that the catalog knows, in order.
 WidgetEntryContent widgetEntryContent(const WidgetSnapshot &snapshot, const CoinIndex &catalog);
 
-/// The same from the live values. `updatedAt` is when the newest of the prices was set; none without a price.
+/// The same from the live values, whose prices are in that currency. `updatedAt` is when the newest of the prices was
+/// set; none without a price.
 WidgetEntryContent widgetEntryContent(const std::vector<Coin> &coins, const AppSettings &settings,
-                                      const CoinIndex &catalog);
+                                      BaseCurrency priceCurrency, const CoinIndex &catalog);
 
 } // namespace tickwise

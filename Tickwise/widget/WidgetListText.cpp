@@ -22,10 +22,9 @@ WidgetRowText rowText(const WidgetRow &row, const WidgetEntryContent &content, c
         return text;
     }
     text.accessibleText = text.name;
-    if (row.price) {
-        text.price = formatPrice(*row.price);
+    text.price = row.price ? formatPrice(*row.price) : noPriceText();
+    if (row.price)
         text.accessibleText += QStringLiteral(", ") + text.price + QLatin1Char(' ') + rawValue(content.currency);
-    }
     if (row.change24hPercent) {
         const QString change = changeText(*row.change24hPercent);
         const bool isRising = *row.change24hPercent >= 0;

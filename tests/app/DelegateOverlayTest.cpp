@@ -110,7 +110,7 @@ void DelegateOverlayTest::otherNotificationsDoNot()
 void DelegateOverlayTest::wakePutsItInPlace()
 {
     DelegateOverlayWorld world;
-    world.surface->now = {{QRect(0, 0, 1000, 700)}, 700};
+    world.surface->now = {{QRect(0, 0, 1000, 700)}, {0, 700}};
     world.delegate->machineWillSleep();
     world.delegate->machineDidWake();
     QCOMPARE(world.calls.back(), QStringLiteral("place 612,24 364x127"));

@@ -293,7 +293,7 @@ bool overlayAgrees(const SurfacesWorld &world)
     return isShown && overlay.model().backgroundOpacity() == settings.desktopOverlayBackgroundOpacity &&
            overlay.model().textSize() == settings.desktopOverlayTextSize &&
            overlay.model().content() == widgetEntryContent(world.delegate->coinListViewModel().coins(), settings,
-                                                           world.delegate->catalog().byID());
+                                                           settings.baseCurrency, world.delegate->catalog().byID());
 }
 
 bool statusMenuAgrees(const SurfacesWorld &world)

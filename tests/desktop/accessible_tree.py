@@ -99,6 +99,22 @@ class AccessibleTree:
                 return list(self._below(application, [], only_shown))
         return []
 
+    def listen(self, event):
+        """Listens to an event such as "object:property-change:accessible-name". Returns a function that gives all events so
+        far, as pairs of the object and the event's detail."""
+        category, member = (part.title().replace("-", "") for part in event.split(":")[:2])
+        heard = []
+        self._connection.signal_subscribe(None, f"org.a11y.atspi.Event.{category}", member, None, None, Gio.DBusSignalFlags.NONE,
+                                          lambda _, sender, path, *signal: heard.append((Node(self, sender, path), signal[2][0])))
+        self.call("org.a11y.atspi.Registry", "/org/a11y/atspi/registry", "org.a11y.atspi.Registry", "RegisterEvent", "(sass)",
+                  (event, [], ""))
+
+        def hear():
+            while GLib.MainContext.default().iteration(False):
+                pass
+            return heard
+        return hear
+
     def wait_for(self, program, name, role=None):
         """The program's object with that name (and role), once it is there."""
         def found():

@@ -57,7 +57,7 @@ POPOVER_COINS = [coin(name) for name in ("bitcoin", "ethereum", "solana", "dogec
 OVERLAY_AREA = (0, 0, 1280, 460)
 USUAL = ("xfce", "waybar", "alert", "popover-xfce", "popover-waybar", "overlay-xfce", "widget")
 
-WIDGET_SIZES = {"small": (170, 166), "medium": (364, 166), "large": (364, 439)}
+WIDGET_SIZES = {"small": (196, 166), "medium": (364, 166), "large": (364, 439)}
 WIDGET_QUOTES = {"bitcoin": (67432.4, 1.52), "ethereum": (3188.07, -2.1), "solana": (150.25, 0.43), "binancecoin": (602.5, 0),
                  "ripple": (0.5213, -0.87), "dogecoin": (0.1234, 4.06), "tron": (0.1187, None), "cardano": (0.4471, 1.12),
                  "chainlink": (14.38, -3.4), "monero": (None, None)}

@@ -4,7 +4,7 @@
 import unittest
 
 from accessible_tree import AccessibleTree
-from application import Texts
+from application import Texts, coin
 from desktop_session import SwaySession, X11Session
 from overlay_test import HEIGHT, WIDTH, Overlay
 from settings_window import open_settings, wait_for_settings_on_x11
@@ -35,13 +35,32 @@ class AccessibilityTest(unittest.TestCase):
     def find(self, role_and_name):
         return next((node for node in self.shown() if (node.role, node.name) == role_and_name), None)
 
+    def rows(self):
+        return [node.name for node in self.shown() if node.role == "list item"]
+
     def test_reads_its_rows(self):
-        self.assertEqual([node.name for node in self.shown() if node.role == "list item"], ROWS)
+        self.assertEqual(self.rows(), ROWS)
         self.assertTrue(self.find(self.WINDOW))
         left, top, width, height = self.find(self.LIST).extents()
         self.assertTrue(200 < left and left + width < 200 + WIDTH and 300 < top and top + height < 300 + HEIGHT)
         self.overlay.application.set_price("BTC", 70000.5, -1)
         self.desktop.wait_for(lambda: self.find(("list item", "Bitcoin, 70,000 USD, -1.00%")), what="the new price")
+
+    def test_tells_of_another_price(self):
+        hear = self.tree.listen("object:property-change:accessible-name")
+        self.overlay.application.set_price("BTC", 70000.5, -1)
+        heard = self.desktop.wait_for(hear, what="an event")
+        self.assertEqual({node.name for node, _ in heard}, {"Bitcoin, 70,000 USD, -1.00%"})
+
+    def test_tells_of_coins_that_come_and_go(self):
+        hear = self.tree.listen("object:children-changed")
+        watched = [coin("bitcoin"), coin("ethereum"), coin("solana")]
+        self.overlay.application.change_settings(addedCoins=[*watched, coin("ripple")])
+        heard = self.desktop.wait_for(hear, what="an event")
+        self.assertEqual({(node.role, node.name, detail) for node, detail in heard}, {(*self.LIST, "add")})
+        self.assertEqual(len(self.rows()), 4)
+        self.overlay.application.change_settings(addedCoins=watched)
+        self.desktop.wait_for(lambda: len(self.rows()) == 3, what="three rows")
 
     def test_tells_that_it_is_being_adjusted(self):
         self.assertIsNone(self.find(self.HINT))
@@ -84,7 +103,11 @@ class AdjustButtonTest(unittest.TestCase):
                 if y < top + height - 20:
                     return x, y
                 return desktop.click(left + width - 30, top + height // 2, button=WHEEL_DOWN)
-            desktop.click(*desktop.wait_for(in_sight, what="the button in sight"))
+            button = desktop.wait_for(in_sight, what="the button in sight")
+            desktop.click(*button)
+            overlay.application.wait_for_window_text(ENGLISH.text("desktop.adjust.hint"))
+            # The click gives the keyboard to the settings window; the overlay takes it again.
+            desktop.click(*button)
             self.check_keys_move_it(desktop, overlay)
 
     def test_pressed_by_a_screen_reader(self):

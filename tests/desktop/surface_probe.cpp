@@ -104,7 +104,7 @@ private:
 
 void printScreens(const DesktopScreens &screens)
 {
-    QStringList words{QStringLiteral("screens"), QString::number(screens.primaryBottom)};
+    QStringList words{QStringLiteral("screens"), QString::number(screens.origin.y())};
     for (const QRect &frame : screens.visibleFrames)
         words.append(text(frame));
     print(words.join(QLatin1Char(' ')));

@@ -17,7 +17,7 @@ PROBE = os.path.join(BUILD, "tests", "surface_probe")
 APPLICATION_ID = "com.pelmo.tickwise"
 ENGLISH = Texts("en")
 MEDIUM = (364, 166)
-SMALL = (170, 166)
+SMALL = (196, 166)
 MARGIN = 24
 BLUE = (40, 120, 200)  # of surface_probe's ordinary window
 # A proxy that nobody runs: the application asks the real exchanges, and no byte of that may leave the machine.

@@ -46,7 +46,7 @@ public:
     DesktopScreens screens() const override { return now; }
     bool isTranslucent() const override { return translucent; }
 
-    DesktopScreens now{{QRect(0, 30, 1280, 770)}, 800};
+    DesktopScreens now{{QRect(0, 30, 1280, 770)}, {0, 800}};
     bool translucent = true;
 
 private:

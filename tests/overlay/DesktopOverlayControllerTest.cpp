@@ -108,6 +108,8 @@ private Q_SLOTS:
     void ignoresThePointerWhenNotAdjusting();
     void adjustsByKeys();
     void keysStayOnTheScreen();
+    void keysReachTheOtherScreen();
+    void beginningAgainAsksForTheKeyboardAgain();
     void escapePutsItBack();
     void closingPutsItBack();
     void letsTheApplicationQuit();
@@ -129,7 +131,7 @@ void DesktopOverlayControllerTest::showsWhenEnabled()
     QCOMPARE(world.takeCalls(), words({"show 892,54 364x166"}));
     const DesktopOverlayModel &model = world.controller->model();
     QCOMPARE(model.content(), widgetEntryContent(world.coins.coinList->coins(), world.coins.settings.settings(),
-                                                 world.coins.catalog.byID()));
+                                                 BaseCurrency::usd, world.coins.catalog.byID()));
     QVERIFY(!model.isAdjusting());
     QVERIFY(!world.controller->window()->allowsKey());
     QVERIFY(world.controller->window()->isVisible());
@@ -323,6 +325,27 @@ void DesktopOverlayControllerTest::keysStayOnTheScreen()
     QCOMPARE(world.surface->frame(), QRect(916, 30, 364, 166));
 }
 
+void DesktopOverlayControllerTest::keysReachTheOtherScreen()
+{
+    OverlayControllerWorld world;
+    world.surface->now.visibleFrames.push_back(QRect(1280, 100, 1920, 1080));
+    world.controller->beginAdjusting();
+    for (int i = 0; i < 3; ++i)
+        world.press(Qt::Key_Right, Qt::ShiftModifier);
+    QCOMPARE(world.surface->frame(), QRect(1304, 100, 364, 166));
+    world.press(Qt::Key_Return);
+    QCOMPARE(world.saved(), (DesktopOverlayOrigin{1304, 700}));
+}
+
+void DesktopOverlayControllerTest::beginningAgainAsksForTheKeyboardAgain()
+{
+    OverlayControllerWorld world;
+    world.controller->beginAdjusting();
+    world.takeCalls();
+    world.controller->beginAdjusting();
+    QCOMPARE(world.takeCalls(), words({"interactive"}));
+}
+
 void DesktopOverlayControllerTest::escapePutsItBack()
 {
     OverlayControllerWorld world;
@@ -398,12 +421,12 @@ void DesktopOverlayControllerTest::screenChanges()
     world.takeCalls();
     world.surface->onScreensChanged();
     QCOMPARE(world.takeCalls(), QStringList());
-    world.surface->now = {{QRect(0, 0, 1000, 700)}, 700};
+    world.surface->now = {{QRect(0, 0, 1000, 700)}, {0, 700}};
     world.surface->onScreensChanged();
     QCOMPARE(world.takeCalls(), words({"place 612,24 364x166"}));
     world.controller->beginAdjusting();
     world.takeCalls();
-    world.surface->now = {{QRect(0, 0, 800, 600)}, 600};
+    world.surface->now = {{QRect(0, 0, 800, 600)}, {0, 600}};
     world.surface->onScreensChanged();
     world.controller->reposition();
     QCOMPARE(world.takeCalls(), QStringList());
@@ -418,14 +441,14 @@ void DesktopOverlayControllerTest::screenChanges()
 void DesktopOverlayControllerTest::savedPlaceOnAGoneScreenStaysSaved()
 {
     OverlayControllerWorld world;
-    world.surface->now = {{QRect(0, 0, 1280, 800), QRect(1280, 0, 1280, 800)}, 800};
+    world.surface->now = {{QRect(0, 0, 1280, 800), QRect(1280, 0, 1280, 800)}, {0, 800}};
     world.save(2000, 600);
     QCOMPARE(world.surface->frame(), QRect(2000, 200, 364, 166));
-    world.surface->now = {{QRect(0, 0, 1280, 800)}, 800};
+    world.surface->now = {{QRect(0, 0, 1280, 800)}, {0, 800}};
     world.surface->onScreensChanged();
     QCOMPARE(world.surface->frame(), QRect(916, 200, 364, 166));
     QCOMPARE(world.saved(), (DesktopOverlayOrigin{2000, 600}));
-    world.surface->now = {{QRect(0, 0, 1280, 800), QRect(1280, 0, 1280, 800)}, 800};
+    world.surface->now = {{QRect(0, 0, 1280, 800), QRect(1280, 0, 1280, 800)}, {0, 800}};
     world.surface->onScreensChanged();
     QCOMPARE(world.surface->frame(), QRect(2000, 200, 364, 166));
 }
@@ -461,7 +484,7 @@ void DesktopOverlayControllerTest::strangePositions()
 void DesktopOverlayControllerTest::severalScreens()
 {
     OverlayControllerWorld world;
-    world.surface->now = {{QRect(0, 0, 1280, 770), QRect(0, -1000, 1600, 1000)}, 800};
+    world.surface->now = {{QRect(0, 0, 1280, 770), QRect(0, -1000, 1600, 1000)}, {0, 800}};
     world.save(100, 1500);
     QCOMPARE(world.surface->frame(), QRect(100, -700, 364, 166));
     world.controller->beginAdjusting();

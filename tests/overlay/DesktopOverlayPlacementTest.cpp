@@ -24,7 +24,9 @@ private Q_SLOTS:
     void sizes();
     void places_data();
     void places();
-    void convertsCoordinates();
+    void countsFromThePrimaryScreen();
+    void nudges_data();
+    void nudges();
 };
 
 void DesktopOverlayPlacementTest::sizes_data()
@@ -91,13 +93,41 @@ void DesktopOverlayPlacementTest::places()
     QCOMPARE(QSizeF(frame.width, frame.height), QSizeF(400, 200));
 }
 
-void DesktopOverlayPlacementTest::convertsCoordinates()
+void DesktopOverlayPlacementTest::countsFromThePrimaryScreen()
 {
-    const QRectF window(10, 20, 300, 100);
-    const DesktopRect rect = desktopRect(window, 800);
-    QCOMPARE(rect, (DesktopRect{10, 680, 300, 100}));
-    QCOMPARE(rect.top(), 780.0);
-    QCOMPARE(toolkitRect(rect, 800), window);
+    const DesktopScreens primaryOnTheRight{{{1280, 0, 1920, 1080}, {0, 0, 1280, 800}}, {1280, 1080}};
+    const DesktopOverlayOrigin saved = desktopOverlayOrigin({1380, 180}, primaryOnTheRight);
+    QCOMPARE(saved, (DesktopOverlayOrigin{100, 900}));
+    QCOMPARE(desktopOverlayFrame({400, 200}, saved, primaryOnTheRight), QRect(1380, 180, 400, 200));
+    const DesktopScreens alone{{{0, 0, 1920, 1080}}, {0, 1080}};
+    QCOMPARE(desktopOverlayFrame({400, 200}, saved, alone), QRect(100, 180, 400, 200));
+    QCOMPARE(desktopOverlayFrame({400, 200}, DesktopOverlayOrigin{-700, 900}, primaryOnTheRight),
+             QRect(580, 180, 400, 200));
+}
+
+void DesktopOverlayPlacementTest::nudges_data()
+{
+    QTest::addColumn<QPoint>("corner");
+    QTest::addColumn<QPoint>("step");
+    QTest::addColumn<QPoint>("result");
+    QTest::newRow("a point") << QPoint(100, 100) << QPoint(1, 0) << QPoint(101, 100);
+    QTest::newRow("up to the edge") << QPoint(870, 100) << QPoint(24, 0) << QPoint(880, 100);
+    QTest::newRow("over the right edge") << QPoint(880, 100) << QPoint(1, 0) << QPoint(1280, 230);
+    QTest::newRow("back over the left edge") << QPoint(1280, 230) << QPoint(-24, 0) << QPoint(880, 230);
+    QTest::newRow("nothing beyond") << QPoint(100, 600) << QPoint(0, 24) << QPoint(100, 600);
+    QTest::newRow("the nearer one below") << QPoint(1280, 1110) << QPoint(0, 1) << QPoint(1280, 1310);
+    QTest::newRow("nothing is above a screen beside") << QPoint(0, 0) << QPoint(0, -1) << QPoint(0, 0);
+}
+
+void DesktopOverlayPlacementTest::nudges()
+{
+    QFETCH(QPoint, corner);
+    QFETCH(QPoint, step);
+    const DesktopScreens screens{
+        {{0, 0, 1280, 800}, {1280, 230, 1920, 1080}, {1280, 1310, 1920, 1080}, {1280, 2390, 1920, 1080}}, {0, 800}};
+    const QRect frame(corner, QSize(400, 200));
+    QTEST(desktopOverlayNudged(frame, step, screens).topLeft(), "result");
+    QCOMPARE(desktopOverlayNudged(frame, step, screens).size(), frame.size());
 }
 
 TICKWISE_TEST(DesktopOverlayPlacementTest)

@@ -49,6 +49,7 @@ class WidgetEntryContentTest : public QObject
 private Q_SLOTS:
     void joinsTheSnapshotWithTheCatalog();
     void unknownCoinsHaveNoRow();
+    void whatWasNotFetchedIsNotDelisted();
     void liveContentTellsWhenPricesAreFrom();
     void equalInputGivesEqualContent();
 };
@@ -93,6 +94,17 @@ void WidgetEntryContentTest::unknownCoinsHaveNoRow()
     QVERIFY(!content.rows.front().hasMarket);
 }
 
+void WidgetEntryContentTest::whatWasNotFetchedIsNotDelisted()
+{
+    std::vector<CoinMetadata> coins = records();
+    coins.back().status = CoinStatus::delisted;
+    WidgetSnapshot snapshot;
+    snapshot.watchlist = {QStringLiteral("bitcoin"), QStringLiteral("ethereum")};
+    const std::vector<WidgetRow> rows = widgetEntryContent(snapshot, indexById(coins)).rows;
+    QVERIFY(rows.front().hasMarket && !rows.front().price);
+    QVERIFY(!rows.back().hasMarket);
+}
+
 void WidgetEntryContentTest::liveContentTellsWhenPricesAreFrom()
 {
     const TimePoint now = TestClock().now();
@@ -100,12 +112,14 @@ void WidgetEntryContentTest::liveContentTellsWhenPricesAreFrom()
     const WidgetEntryContent content =
         widgetEntryContent({priced("bitcoin", 5, now - std::chrono::seconds(20)),
                             priced("ethereum", 6, now - std::chrono::seconds(10)), priced("solana", std::nullopt, now)},
-                           settings, catalog());
+                           settings, BaseCurrency::eur, catalog());
+    QCOMPARE(content.currency, BaseCurrency::eur);
     QCOMPARE(content.updatedAt, std::optional(now - std::chrono::seconds(10)));
     QCOMPARE(content.rows.size(), std::size_t(2));
     QCOMPARE(content.rows.back().price, std::optional(6.0));
     QCOMPARE(content.upColorHex, QStringLiteral("#2CBD84"));
-    QCOMPARE(widgetEntryContent({priced("bitcoin", std::nullopt, now)}, settings, catalog()).updatedAt, std::nullopt);
+    const std::vector<Coin> unpriced{priced("bitcoin", std::nullopt, now)};
+    QCOMPARE(widgetEntryContent(unpriced, settings, BaseCurrency::usd, catalog()).updatedAt, std::nullopt);
 }
 
 void WidgetEntryContentTest::equalInputGivesEqualContent()
@@ -113,8 +127,11 @@ void WidgetEntryContentTest::equalInputGivesEqualContent()
     const std::vector<Coin> coins{priced("bitcoin", 5, TestClock().now())};
     std::vector<Coin> moved = coins;
     moved.front().currentPrice = 6;
-    QVERIFY(widgetEntryContent(coins, {}, catalog()) == widgetEntryContent(coins, {}, catalog()));
-    QVERIFY(widgetEntryContent(coins, {}, catalog()) != widgetEntryContent(moved, {}, catalog()));
+    const auto contentOf = [](const std::vector<Coin> &list) {
+        return widgetEntryContent(list, {}, BaseCurrency::usd, catalog());
+    };
+    QVERIFY(contentOf(coins) == contentOf(coins));
+    QVERIFY(contentOf(coins) != contentOf(moved));
 }
 
 TICKWISE_TEST(WidgetEntryContentTest)

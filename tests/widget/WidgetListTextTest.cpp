@@ -95,7 +95,7 @@ void WidgetListTextTest::aRowWithoutAQuoteIsDelisted()
 void WidgetListTextTest::aRowWithoutAPrice()
 {
     const WidgetRowText text = textOf(contentWith({bitcoinRow({}, {})})).rows.front();
-    QCOMPARE(text.price, QString());
+    QCOMPARE(text.price, QStringLiteral("--"));
     QCOMPARE(text.change, QString());
     QCOMPARE(text.accessibleText, QStringLiteral("Bitcoin"));
 }

@@ -19,6 +19,14 @@ int area(const QRect &rect)
     return rect.isEmpty() ? 0 : rect.width() * rect.height();
 }
 
+/// Compositors have no primary screen, and the toolkit takes the one that came first. The one where the arrangement
+/// begins stays the same when others come back in another order.
+const QScreen *primaryScreen()
+{
+    const QScreen *const first = QGuiApplication::screenAt(QPoint());
+    return first ? first : QGuiApplication::primaryScreen();
+}
+
 } // namespace
 
 LayerDesktopSurface::LayerDesktopSurface(std::unique_ptr<LayerShell> shell, DesktopSurfaceOptions options)
@@ -54,8 +62,8 @@ DesktopScreens LayerDesktopSurface::screens() const
         if (hasOutput(*screen))
             screens.visibleFrames.push_back(visibleFrame(*screen));
     }
-    if (const QScreen *const primary = QGuiApplication::primaryScreen())
-        screens.primaryBottom = primary->geometry().y() + primary->geometry().height();
+    if (const QScreen *const primary = primaryScreen())
+        screens.origin = primary->geometry().bottomLeft() + QPoint(0, 1);
     return screens;
 }
 
@@ -200,7 +208,7 @@ void LayerDesktopSurface::sendPlace()
     m_surface->commit([this, position = m_frame.topLeft()] {
         m_isPlacing = false;
         m_applied = position;
-        if (m_isPlaceOld)
+        if (m_isPlaceOld && m_screen)
             sendPlace();
     });
 }

@@ -25,6 +25,8 @@ LayerUsableArea::LayerUsableArea(const LayerShell &shell, std::function<void()> 
     : m_shell(shell)
     , m_changed(std::move(changed))
 {
+    QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &m_context,
+                     [this](const QScreen *screen) { m_probes.erase(screen); });
     refresh();
 }
 
@@ -35,11 +37,7 @@ void LayerUsableArea::Destroy::operator()(wl_surface *surface) const
 
 void LayerUsableArea::refresh()
 {
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    std::erase_if(m_probes, [&screens](const auto &entry) {
-        return std::find(screens.begin(), screens.end(), entry.first) == screens.end();
-    });
-    for (QScreen *const screen : screens) {
+    for (QScreen *const screen : QGuiApplication::screens()) {
         if (!m_probes.contains(screen) && hasOutput(*screen))
             add(screen);
     }

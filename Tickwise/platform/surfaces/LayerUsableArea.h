@@ -20,7 +20,7 @@ public:
 
     /// The whole screen until the compositor has answered.
     QSize sizeOf(const QScreen &screen) const;
-    /// Follows the screens that there are now.
+    /// Follows the screens that have come.
     void refresh();
 
 private:
@@ -40,7 +40,8 @@ private:
 
     const LayerShell &m_shell;
     std::function<void()> m_changed;
-    std::map<const QScreen *, Probe> m_probes;
+    std::map<const QScreen *, Probe> m_probes; ///< of the screens that there are
+    QObject m_context;
 };
 
 } // namespace tickwise

@@ -1,36 +1,15 @@
 #include "platform/surfaces/WindowPopoverSurface.h"
 
-#include "support/MallocPointer.h"
+#include "platform/surfaces/X11Desktop.h"
 
 #include <QAccessible>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>
 
-#include <xcb/xcb.h>
-
 namespace tickwise {
 
 namespace {
-
-/// Who composes the windows of the first screen owns this selection.
-constexpr char compositorSelection[] = "_NET_WM_CM_S0";
-
-bool hasX11Compositor()
-{
-    auto *const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11)
-        return false;
-    xcb_connection_t *const connection = x11->connection();
-    const auto atomCookie = xcb_intern_atom(connection, 0, sizeof compositorSelection - 1, compositorSelection);
-    const MallocPointer<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(connection, atomCookie, nullptr));
-    if (!atom)
-        return false;
-    const auto ownerCookie = xcb_get_selection_owner(connection, atom->atom);
-    const MallocPointer<xcb_get_selection_owner_reply_t> owner(
-        xcb_get_selection_owner_reply(connection, ownerCookie, nullptr));
-    return owner && owner->owner != XCB_NONE;
-}
 
 std::vector<PopoverScreen> currentScreens()
 {
@@ -52,7 +31,9 @@ WindowPopoverSurface::Environment WindowPopoverSurface::currentEnvironment()
 {
     const bool isXWayland =
         QGuiApplication::platformName() == QStringLiteral("xcb") && qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
-    return {isXWayland, hasX11Compositor, [] { return QCursor::pos(); }, currentScreens};
+    const std::shared_ptr<X11Desktop> desktop = X11Desktop::open();
+    return {isXWayland, [desktop] { return desktop && desktop->hasCompositor(); }, [] { return QCursor::pos(); },
+            currentScreens};
 }
 
 WindowPopoverSurface::WindowPopoverSurface(Environment environment)

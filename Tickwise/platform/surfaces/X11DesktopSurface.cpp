@@ -39,6 +39,7 @@ X11DesktopSurface::X11DesktopSurface(std::unique_ptr<X11Desktop> desktop, const 
     : m_desktop(std::move(desktop))
     , m_takesPointer(options.pointer == DesktopSurfaceOptions::Pointer::isTaken)
     , m_screenWatch([this] {
+        m_screens.reset();
         if (onScreensChanged)
             onScreensChanged();
     })
@@ -85,8 +86,12 @@ void X11DesktopSurface::map()
     m_window->setGeometry(m_frame);
     m_desktop->writeStates(uint32_t(m_window->winId()), states());
     m_window->show();
-    if (!m_isInteractive)
-        return;
+    if (m_isInteractive)
+        takeKeyboard();
+}
+
+void X11DesktopSurface::takeKeyboard()
+{
     m_window->raise();
     m_window->activateWindow();
 }
@@ -138,8 +143,13 @@ QPoint X11DesktopSurface::pointerPosition(const QMouseEvent &event) const
 
 void X11DesktopSurface::setInteractive(bool interactive)
 {
-    if (!m_window || m_isInteractive == interactive)
+    if (!m_window)
         return;
+    if (m_isInteractive == interactive) {
+        if (interactive)
+            takeKeyboard();
+        return;
+    }
     m_frame = frame();
     unmap();
     m_isInteractive = interactive;
@@ -148,11 +158,18 @@ void X11DesktopSurface::setInteractive(bool interactive)
 
 DesktopScreens X11DesktopSurface::screens() const
 {
+    if (!m_screens)
+        m_screens = askForScreens();
+    return *m_screens;
+}
+
+DesktopScreens X11DesktopSurface::askForScreens() const
+{
     DesktopScreens screens;
     for (const QScreen *const screen : QGuiApplication::screens())
         screens.visibleFrames.push_back(visibleFrame(*screen, *m_desktop));
     if (const QScreen *const primary = QGuiApplication::primaryScreen())
-        screens.primaryBottom = primary->geometry().y() + primary->geometry().height();
+        screens.origin = primary->geometry().bottomLeft() + QPoint(0, 1);
     return screens;
 }
 

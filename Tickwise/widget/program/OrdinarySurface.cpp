@@ -48,7 +48,7 @@ DesktopScreens OrdinarySurface::screens() const
     for (const QScreen *const screen : QGuiApplication::screens())
         screens.visibleFrames.push_back(screen->availableGeometry());
     if (const QScreen *const primary = QGuiApplication::primaryScreen())
-        screens.primaryBottom = primary->geometry().y() + primary->geometry().height();
+        screens.origin = primary->geometry().bottomLeft() + QPoint(0, 1);
     return screens;
 }
 

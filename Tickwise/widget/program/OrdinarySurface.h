@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/surfaces/ScreenWatch.h"
 #include "widget/views/DesktopSurface.h"
 
 #include <QPointer>
@@ -22,6 +23,10 @@ public:
     bool isTranslucent() const override { return true; }
 
 private:
+    ScreenWatch m_screenWatch{[this] {
+        if (onScreensChanged)
+            onScreensChanged();
+    }};
     QPointer<QWidget> m_window;
 };
 

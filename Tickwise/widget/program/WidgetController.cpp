@@ -14,14 +14,6 @@ namespace {
 /// How long a menu inside the window stays after the pointer has left: a click elsewhere is not the window's to see.
 constexpr std::chrono::milliseconds menuStays{1500};
 
-std::vector<DesktopRect> upwards(const DesktopScreens &screens)
-{
-    std::vector<DesktopRect> frames;
-    for (const QRect &frame : screens.visibleFrames)
-        frames.push_back(desktopRect(frame, screens.primaryBottom));
-    return frames;
-}
-
 } // namespace
 
 WidgetController::WidgetController(WidgetEnvironment environment)
@@ -61,10 +53,8 @@ void WidgetController::follow(const WidgetEntryContent &content)
 
 QRect WidgetController::frame() const
 {
-    const DesktopScreens screens = m_environment.surface->screens();
-    const DesktopRect frame =
-        desktopOverlayFrame(WidgetWindow::scaledSize(m_preferences.size), m_preferences.topLeft, upwards(screens));
-    return toolkitRect(frame, screens.primaryBottom).toRect();
+    return desktopOverlayFrame(WidgetWindow::scaledSize(m_preferences.size), m_preferences.topLeft,
+                               m_environment.surface->screens());
 }
 
 void WidgetController::show()
@@ -92,13 +82,9 @@ void WidgetController::drag(QPoint way)
 void WidgetController::rememberPlace()
 {
     m_dragStart.reset();
-    const int bottom = m_environment.surface->screens().primaryBottom;
-    const auto cornerOf = [bottom](const QRect &window) {
-        const DesktopRect rect = desktopRect(window, bottom);
-        return DesktopOverlayOrigin{rect.left, rect.top()};
-    };
-    m_preferences.topLeft = cornerOf(m_environment.surface->frame());
-    m_preferences.topLeft = cornerOf(frame()); // moved back onto a screen
+    const DesktopScreens screens = m_environment.surface->screens();
+    m_preferences.topLeft = desktopOverlayOrigin(m_environment.surface->frame().topLeft(), screens);
+    m_preferences.topLeft = desktopOverlayOrigin(frame().topLeft(), screens); // moved back onto a screen
     saveWidgetPreferences(m_environment.storage, m_preferences);
     adapt();
 }

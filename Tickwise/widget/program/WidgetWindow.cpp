@@ -5,17 +5,12 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMouseEvent>
-#include <QPainter>
-#include <QPainterPath>
 
 #include <cmath>
 
 namespace tickwise {
 
 namespace {
-
-constexpr double cornerRadius = 22; // points
-constexpr float borderOpacity = 0.12F;
 
 int scaled(double points)
 {
@@ -35,7 +30,8 @@ bool asksToOpen(const QKeyEvent &event)
 } // namespace
 
 WidgetWindow::WidgetWindow(WidgetListView::LogoSource logos, PointerPosition pointerPosition, Clock clock)
-    : m_list(std::move(logos), std::move(clock), this)
+    : m_backdrop(this)
+    , m_list(std::move(logos), std::move(clock), this)
     , m_pointerPosition(std::move(pointerPosition))
 {
     setWindowTitle(QGuiApplication::applicationDisplayName());
@@ -51,31 +47,16 @@ QSize WidgetWindow::scaledSize(WidgetSize size)
 
 void WidgetWindow::setTranslucent(bool translucent)
 {
-    if (std::exchange(m_isTranslucent, translucent) != translucent)
-        shape();
+    m_isTranslucent = translucent;
+    m_backdrop.setFillsCorners(!translucent);
+    cut();
 }
 
-void WidgetWindow::shape()
+void WidgetWindow::cut()
 {
     if (m_isTranslucent)
         return clearMask();
-    QPainterPath outline;
-    outline.addRoundedRect(rect(), scaled(cornerRadius), scaled(cornerRadius));
-    setMask(QRegion(outline.toFillPolygon().toPolygon()));
-}
-
-void WidgetWindow::paintEvent(QPaintEvent *)
-{
-    QPainter painter(this);
-    if (!m_isTranslucent)
-        painter.fillRect(rect(), palette().color(QPalette::Window)); // the cut corners show no half of it
-    painter.setRenderHint(QPainter::Antialiasing);
-    QColor border = palette().color(QPalette::WindowText);
-    border.setAlphaF(borderOpacity);
-    painter.setPen(border);
-    painter.setBrush(palette().color(QPalette::Window));
-    const double radius = scaled(cornerRadius);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    setMask(m_backdrop.outline(rect()));
 }
 
 void WidgetWindow::resizeEvent(QResizeEvent *)
@@ -83,7 +64,9 @@ void WidgetWindow::resizeEvent(QResizeEvent *)
     m_list.setScale(textScale());
     const int padding = scaled(widgetPadding);
     m_list.setGeometry(rect().adjusted(padding, padding, -padding, -padding));
-    shape();
+    m_backdrop.setRadius(scaled(desktopCornerRadius));
+    m_backdrop.setGeometry(rect());
+    cut();
 }
 
 void WidgetWindow::mousePressEvent(QMouseEvent *event)

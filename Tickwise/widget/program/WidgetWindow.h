@@ -1,5 +1,6 @@
 #pragma once
 
+#include "overlay/DesktopOverlayBackdrop.h"
 #include "widget/program/WidgetSize.h"
 #include "widget/views/AccessibleWindow.h"
 #include "widget/views/WidgetListView.h"
@@ -26,7 +27,7 @@ public:
     static QSize scaledSize(WidgetSize size);
 
 Q_SIGNALS:
-    /// A click, or the keyboard's word for one.
+    /// A click, or the same by Return, Enter or the space bar.
     void opened();
     /// The pointer drags the widget; `way` is how far it is from where it took hold.
     void dragged(QPoint way);
@@ -34,7 +35,6 @@ Q_SIGNALS:
     void menuRequested(QPoint position);
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
@@ -43,8 +43,9 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
-    void shape();
+    void cut();
 
+    DesktopOverlayBackdrop m_backdrop;
     WidgetListView m_list;
     PointerPosition m_pointerPosition;
     bool m_isTranslucent = true;

@@ -14,7 +14,7 @@ namespace tickwise {
 struct DesktopScreens
 {
     std::vector<QRect> visibleFrames; ///< the screens without their panels, the primary one first
-    int primaryBottom = 0;            ///< the first coordinate below the primary screen
+    QPoint origin;                    ///< the primary screen's lower left corner, which saved places count from
     bool operator==(const DesktopScreens &) const = default;
 };
 
@@ -39,10 +39,11 @@ public:
     /// Where the window is, or was last placed.
     virtual QRect frame() const = 0;
     /// Where the pointer is on the screen while the window handles a mouse event: what to place the window by while it
-    /// is dragged. The event itself knows it only where windows know their places.
+    /// is dragged. On Wayland, events tell only places within the window.
     virtual QPoint pointerPosition(const QMouseEvent &event) const = 0;
 
-    /// Raises the shown window above all others, with pointer and keyboard, or puts it back on the desktop.
+    /// Raises the shown window above all others, with pointer and keyboard, or puts it back on the desktop. Raising it
+    /// again gives it the keyboard again.
     virtual void setInteractive(bool interactive) = 0;
 
     virtual DesktopScreens screens() const = 0;

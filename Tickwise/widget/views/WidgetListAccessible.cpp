@@ -5,12 +5,13 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 namespace tickwise {
 
 namespace {
 
-/// The line of one coin. It is valid for as long as the list has so many.
+/// The line of one coin: of the list's row of that index.
 class Item : public QAccessibleInterface
 {
 public:
@@ -20,7 +21,7 @@ public:
     {
     }
 
-    bool isValid() const override { return m_view && m_index < m_view->shownRows(); }
+    bool isValid() const override { return m_view; }
     QObject *object() const override { return nullptr; }
     QAccessibleInterface *parent() const override { return QAccessible::queryAccessibleInterface(m_view); }
     QAccessibleInterface *child(int) const override { return nullptr; }
@@ -32,29 +33,36 @@ public:
 
     QString text(QAccessible::Text kind) const override
     {
-        if (kind != QAccessible::Name || !isValid())
+        if (kind != QAccessible::Name || !isShown())
             return {};
         return m_view->text().rows[static_cast<std::size_t>(m_index)].accessibleText;
     }
 
     QRect rect() const override
     {
-        const QRect row = isValid() ? m_view->rowRect(m_index).toRect() : QRect();
-        return isValid() ? row.translated(m_view->mapToGlobal(QPoint())) : row;
+        return isShown() ? m_view->rowRect(m_index).toRect().translated(m_view->mapToGlobal(QPoint())) : QRect();
     }
 
     QAccessible::State state() const override
     {
         QAccessible::State state;
         state.readOnly = true;
-        state.invisible = !isValid() || !m_view->isVisible();
+        state.invisible = !isShown() || !m_view->isVisible();
         return state;
     }
 
 private:
+    bool isShown() const { return m_view && m_index < m_view->shownRows(); }
+
     QPointer<WidgetListView> m_view;
     int m_index;
 };
+
+void tell(QAccessibleInterface *item, QAccessible::Event change)
+{
+    QAccessibleEvent event(item, change);
+    QAccessible::updateAccessibility(&event);
+}
 
 QAccessibleInterface *makeInterface(const QString &, QObject *object)
 {
@@ -71,6 +79,7 @@ void WidgetListAccessible::install()
 
 WidgetListAccessible::WidgetListAccessible(WidgetListView *view)
     : QAccessibleWidget(view, QAccessible::List)
+    , m_names(names())
 {
 }
 
@@ -80,9 +89,38 @@ WidgetListAccessible::~WidgetListAccessible()
         QAccessible::deleteAccessibleInterface(item);
 }
 
-const WidgetListView &WidgetListAccessible::view() const
+WidgetListView &WidgetListAccessible::view() const
 {
-    return static_cast<const WidgetListView &>(*widget());
+    return static_cast<WidgetListView &>(*widget());
+}
+
+std::vector<QString> WidgetListAccessible::names() const
+{
+    std::vector<QString> names;
+    for (int i = 0; i < childCount(); ++i)
+        names.push_back(view().text().rows[static_cast<std::size_t>(i)].accessibleText);
+    return names;
+}
+
+void WidgetListAccessible::tellChanges(WidgetListView &view)
+{
+    if (QAccessible::isActive())
+        static_cast<WidgetListAccessible *>(QAccessible::queryAccessibleInterface(&view))->follow();
+}
+
+void WidgetListAccessible::follow()
+{
+    const std::vector<QString> before = std::exchange(m_names, names());
+    for (std::size_t i = 0; i < m_names.size(); ++i) {
+        if (i >= before.size())
+            tell(child(int(i)), QAccessible::ObjectCreated);
+        else if (before[i] != m_names[i])
+            tell(child(int(i)), QAccessible::NameChanged);
+    }
+    for (; m_items.size() > m_names.size(); m_items.pop_back()) {
+        tell(QAccessible::accessibleInterface(m_items.back()), QAccessible::ObjectDestroyed);
+        QAccessible::deleteAccessibleInterface(m_items.back());
+    }
 }
 
 int WidgetListAccessible::childCount() const
@@ -94,10 +132,8 @@ QAccessibleInterface *WidgetListAccessible::child(int index) const
 {
     if (index < 0 || index >= childCount())
         return nullptr;
-    while (int(m_items.size()) <= index) {
-        auto *const view = static_cast<WidgetListView *>(widget());
-        m_items.push_back(QAccessible::registerAccessibleInterface(new Item(view, int(m_items.size()))));
-    }
+    while (int(m_items.size()) <= index)
+        m_items.push_back(QAccessible::registerAccessibleInterface(new Item(&view(), int(m_items.size()))));
     return QAccessible::accessibleInterface(m_items[static_cast<std::size_t>(index)]);
 }
 

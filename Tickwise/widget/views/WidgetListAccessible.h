@@ -15,6 +15,9 @@ public:
     /// Makes the toolkit find it for every list.
     static void install();
 
+    /// Tells assistive technologies, which keep names, which items came, went or have another name.
+    static void tellChanges(WidgetListView &view);
+
     explicit WidgetListAccessible(WidgetListView *view);
     ~WidgetListAccessible() override;
 
@@ -24,8 +27,11 @@ public:
     QAccessibleInterface *childAt(int x, int y) const override;
 
 private:
-    const WidgetListView &view() const;
+    WidgetListView &view() const;
+    std::vector<QString> names() const;
+    void follow();
 
+    std::vector<QString> m_names;                 ///< as they were told
     mutable std::vector<QAccessible::Id> m_items; ///< made when they are asked for
 };
 

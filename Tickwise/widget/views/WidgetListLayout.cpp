@@ -1,6 +1,7 @@
 #include "widget/views/WidgetListLayout.h"
 
 #include "settings/HexColor.h"
+#include "support/drawing/Contrast.h"
 
 #include <algorithm>
 
@@ -15,7 +16,8 @@ constexpr double logoSide = 24;
 constexpr double headerLogoSide = 16;
 constexpr double emptyLogoSide = 40;
 constexpr double compactWidth = 220; ///< below, a row shows the change under the price and no name
-constexpr QColor staleColor(255, 149, 0);
+constexpr QColor lightOrange(255, 149, 0);
+constexpr QColor darkOrange(163, 82, 0);
 
 std::shared_ptr<const WidgetFace> face(const QFont &base, int pixels, QFont::Weight weight = QFont::Normal)
 {
@@ -34,6 +36,11 @@ double widestChange(const WidgetListText &text, const WidgetFace &face)
 }
 
 } // namespace
+
+QColor staleColor(const QColor &text)
+{
+    return contrast(text, Qt::black) > contrast(text, Qt::white) ? lightOrange : darkOrange;
+}
 
 WidgetListMetrics WidgetListMetrics::of(DesktopOverlayTextSize size)
 {
@@ -122,7 +129,7 @@ void WidgetListLayout::addHeader(std::vector<WidgetText> &texts, const WidgetLis
 {
     const double updatedWidth = faces.updated->width(text.updated, true);
     const QRectF title = header().adjusted(headerLogoSide + rowInset, 0, -updatedWidth - spacing, 0);
-    const QColor updatedColor = text.isStale ? staleColor : colors.secondary;
+    const QColor updatedColor = text.isStale ? colors.stale : colors.secondary;
     texts.push_back({text.updated, faces.updated, updatedColor, true, header(), Qt::AlignRight});
     texts.push_back({text.title, faces.title, colors.text, false, title});
 }

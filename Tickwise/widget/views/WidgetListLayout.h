@@ -33,7 +33,11 @@ struct WidgetListColors
 {
     QColor text;
     QColor secondary;
+    QColor stale; ///< of the time of old prices
 };
+
+/// The orange that can be read where text of that color is.
+QColor staleColor(const QColor &text);
 
 /// Where the parts of the list are in an area that starts at the origin. Everything is in points.
 class WidgetListLayout

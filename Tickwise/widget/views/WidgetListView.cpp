@@ -140,6 +140,7 @@ void WidgetListView::restyle()
 void WidgetListView::arrange()
 {
     updateArea(replaceTexts(m_placed, layoutOfList().texts(m_text, m_faces, colors()), m_legibility.halo));
+    WidgetListAccessible::tellChanges(*this);
 }
 
 // At edges between two pixels, what is cleared and what is painted would differ by a line.
@@ -197,7 +198,7 @@ WidgetListColors WidgetListView::colors() const
     const QColor text = m_legibility.boost ? QColor(Qt::white) : palette().color(QPalette::WindowText);
     QColor secondary = text;
     secondary.setAlphaF(m_legibility.boost ? 0.85F : 0.65F);
-    return {text, secondary};
+    return {text, secondary, staleColor(text)};
 }
 
 void WidgetListView::paintEvent(QPaintEvent *event)

@@ -32,7 +32,7 @@ public:
     QRect frame() const override { return shown->geometry(); }
     QPoint pointerPosition(const QMouseEvent &event) const override { return event.globalPosition().toPoint(); }
     void setInteractive(bool) override {}
-    DesktopScreens screens() const override { return {{area}, 800}; }
+    DesktopScreens screens() const override { return {{area}, {0, 800}}; }
     bool isTranslucent() const override { return translucent; }
 };
 
@@ -68,6 +68,8 @@ private Q_SLOTS:
     void menuChangesTheSize();
     void menuOpensAndCloses();
     void menuSpeaksTheSnapshotsLanguage();
+    void smallHeaderFits_data();
+    void smallHeaderFits();
     void menuIsDrawnInsideTheWindow_data();
     void menuIsDrawnInsideTheWindow();
     void menuInsideClosesByAClickBesideIt();
@@ -241,7 +243,7 @@ void WidgetControllerTest::menuChangesTheSize()
     Q_EMIT m_controller->window().menuRequested(QPoint(10, 10));
     QVERIFY(entry(u"Medium")->isChecked());
     entry(u"Small")->trigger();
-    QCOMPARE(m_surface->frame(), QRect(100, 300, 170, 166));
+    QCOMPARE(m_surface->frame(), QRect(100, 300, 196, 166));
     QCOMPARE(loadWidgetPreferences(*m_storage), (WidgetPreferences{WidgetSize::small, {{100, 500}}}));
     Q_EMIT m_controller->window().menuRequested(QPoint(10, 10));
     QVERIFY(entry(u"Small")->isChecked());
@@ -264,6 +266,36 @@ void WidgetControllerTest::menuSpeaksTheSnapshotsLanguage()
     start();
     Q_EMIT m_controller->window().menuRequested(QPoint(10, 10));
     QVERIFY(entry(u"关闭小组件"));
+}
+
+void WidgetControllerTest::smallHeaderFits_data()
+{
+    QTest::addColumn<AppLanguage>("language");
+    QTest::addColumn<QString>("family");
+    for (const AppLanguage language : {AppLanguage::en, AppLanguage::zhHans, AppLanguage::zhHant}) {
+        for (const char *const family : {"Noto Sans", "DejaVu Sans"})
+            QTest::addRow("%s, %s", qPrintable(rawValue(language)), family) << language << QString::fromLatin1(family);
+    }
+}
+
+/// At the hours whose texts are the longest, too.
+void WidgetControllerTest::smallHeaderFits()
+{
+    QFETCH(AppLanguage, language);
+    QFETCH(QString, family);
+    WidgetEntryContent content;
+    content.language = language;
+    content.rows = {
+        {QStringLiteral("bitcoin"), QStringLiteral("BTC"), QStringLiteral("Bitcoin"), {}, true, 67432, -12.34}};
+    content.updatedAt = TimePoint(std::chrono::hours(22) + std::chrono::minutes(44));
+    const QSize list = pointSize(WidgetSize::small) - QSize(2 * widgetPadding, 2 * widgetPadding);
+    const WidgetListLayout layout(DesktopOverlayTextSize::normal, list);
+    const WidgetListFaces faces(QFont(family), WidgetListMetrics::of(DesktopOverlayTextSize::normal));
+    for (const WidgetText &text :
+         layout.texts(widgetListText(content, *content.updatedAt, QTimeZone::utc()), faces, {})) {
+        const double width = text.face->width(text.text, text.isTabular);
+        QVERIFY2(width <= text.box.width(), qPrintable(QStringLiteral("%1: %2").arg(text.text).arg(width)));
+    }
 }
 
 void WidgetControllerTest::menuIsDrawnInsideTheWindow_data()
