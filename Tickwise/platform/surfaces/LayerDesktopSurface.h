@@ -12,8 +12,8 @@
 namespace tickwise {
 
 /// A window on the desktop of a Wayland compositor with layers. The compositor keeps it out of the panels: its margins
-/// count from the part of the screen that they leave free, which is taken to reach down to the screen's lower left
-/// corner.
+/// count from the part of the screen that they leave free. Compositors tell that part's size alone: panels are assumed
+/// to be at the top and at the right.
 class LayerDesktopSurface : public QObject, public DesktopSurface
 {
 public:

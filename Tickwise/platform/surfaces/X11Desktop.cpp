@@ -61,10 +61,14 @@ uint32_t X11Desktop::atom(const char *name) const
     return reply ? reply->atom : XCB_NONE;
 }
 
-std::vector<uint32_t> X11Desktop::numbers(uint32_t window, uint32_t property, uint32_t type) const
+unsigned int X11Desktop::ask(uint32_t window, uint32_t property, uint32_t type) const
 {
-    const auto cookie = xcb_get_property(m_connection, 0, window, property, type, 0, longestList);
-    const MallocPointer<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, cookie, nullptr));
+    return xcb_get_property(m_connection, 0, window, property, type, 0, longestList).sequence;
+}
+
+std::vector<uint32_t> X11Desktop::answer(unsigned int question, uint32_t type) const
+{
+    const MallocPointer<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection, {question}, nullptr));
     if (!reply || reply->type != type || reply->format != 32)
         return {};
     const auto *const first = static_cast<const uint32_t *>(xcb_get_property_value(reply.get()));
@@ -73,20 +77,28 @@ std::vector<uint32_t> X11Desktop::numbers(uint32_t window, uint32_t property, ui
 
 bool X11Desktop::keepsWindowsBelow() const
 {
-    const std::vector<uint32_t> supported = numbers(m_root, m_supported, XCB_ATOM_ATOM);
+    const std::vector<uint32_t> supported = answer(ask(m_root, m_supported, XCB_ATOM_ATOM), XCB_ATOM_ATOM);
     return supported.empty() || std::find(supported.begin(), supported.end(), m_states[below]) != supported.end();
 }
 
-QRect X11Desktop::withoutPanels(const QRect &monitor) const
+/// All windows are asked at once: each answer that is waited for takes a round trip.
+void X11Desktop::takePanelsFrom(std::vector<QRect> &monitors) const
 {
     const auto cookie = xcb_get_geometry(m_connection, m_root);
+    std::vector<unsigned int> questions;
+    for (const uint32_t client : answer(ask(m_root, m_clients, XCB_ATOM_WINDOW), XCB_ATOM_WINDOW))
+        questions.push_back(ask(client, m_strut, XCB_ATOM_CARDINAL));
     const MallocPointer<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(m_connection, cookie, nullptr));
-    if (!root)
-        return monitor;
-    QRect area = monitor;
-    for (const uint32_t client : numbers(m_root, m_clients, XCB_ATOM_WINDOW))
-        area &= withoutStrut(monitor, numbers(client, m_strut, XCB_ATOM_CARDINAL), {root->width, root->height});
-    return area.isEmpty() ? monitor : area;
+    std::vector<QRect> areas = monitors;
+    for (const unsigned int question : questions) {
+        const std::vector<uint32_t> strut = answer(question, XCB_ATOM_CARDINAL);
+        for (std::size_t i = 0; root && i < areas.size(); ++i)
+            areas[i] &= withoutStrut(monitors[i], strut, {root->width, root->height});
+    }
+    for (std::size_t i = 0; i < areas.size(); ++i) {
+        if (!areas[i].isEmpty())
+            monitors[i] = areas[i];
+    }
 }
 
 bool X11Desktop::tellsOfPanels(const void *event) const

@@ -34,8 +34,8 @@ public:
     /// The event number by which the server tells that a selection has another owner; 0: it does not.
     uint8_t selectionEvent() const { return m_selectionEvent; }
 
-    /// The part of a monitor that panels leave free. All rectangles are in the X server's pixels.
-    QRect withoutPanels(const QRect &monitor) const;
+    /// Reduces each monitor to the part that panels leave free. All rectangles are in the X server's pixels.
+    void takePanelsFrom(std::vector<QRect> &monitors) const;
     /// Whether the event, an xcb_generic_event_t, tells that panels may leave another part free.
     bool tellsOfPanels(const void *event) const;
 
@@ -47,7 +47,8 @@ public:
 private:
     explicit X11Desktop(xcb_connection_t *connection);
     uint32_t atom(const char *name) const;
-    std::vector<uint32_t> numbers(uint32_t window, uint32_t property, uint32_t type) const;
+    unsigned int ask(uint32_t window, uint32_t property, uint32_t type) const;
+    std::vector<uint32_t> answer(unsigned int question, uint32_t type) const;
 
     xcb_connection_t *m_connection;
     uint32_t m_root = 0;

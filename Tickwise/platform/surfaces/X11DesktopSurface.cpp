@@ -23,14 +23,23 @@ Qt::WindowFlags windowFlags(bool interactive)
 }
 
 /// Qt knows the panels only where there is one screen. They are told in the X server's pixels.
-QRect visibleFrame(const QScreen &screen, const X11Desktop &desktop)
+std::vector<QRect> visibleFrames(const X11Desktop &desktop)
 {
-    if (QGuiApplication::screens().size() == 1)
-        return screen.availableGeometry();
-    const QRect monitor = screen.handle()->geometry();
-    const QRect area = desktop.withoutPanels(monitor);
-    const double ratio = screen.devicePixelRatio();
-    return {screen.geometry().topLeft() + (area.topLeft() - monitor.topLeft()) / ratio, area.size() / ratio};
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    if (screens.size() == 1)
+        return {screens.front()->availableGeometry()};
+    std::vector<QRect> frames;
+    for (const QScreen *const screen : screens)
+        frames.push_back(screen->handle()->geometry());
+    desktop.takePanelsFrom(frames);
+    for (qsizetype i = 0; i < screens.size(); ++i) {
+        const QScreen &screen = *screens[i];
+        QRect &frame = frames[std::size_t(i)];
+        const double ratio = screen.devicePixelRatio();
+        const QPoint inside = frame.topLeft() - screen.handle()->geometry().topLeft();
+        frame = {screen.geometry().topLeft() + inside / ratio, frame.size() / ratio};
+    }
+    return frames;
 }
 
 } // namespace
@@ -39,7 +48,6 @@ X11DesktopSurface::X11DesktopSurface(std::unique_ptr<X11Desktop> desktop, const 
     : m_desktop(std::move(desktop))
     , m_takesPointer(options.pointer == DesktopSurfaceOptions::Pointer::isTaken)
     , m_screenWatch([this] {
-        m_screens.reset();
         if (onScreensChanged)
             onScreensChanged();
     })
@@ -158,16 +166,7 @@ void X11DesktopSurface::setInteractive(bool interactive)
 
 DesktopScreens X11DesktopSurface::screens() const
 {
-    if (!m_screens)
-        m_screens = askForScreens();
-    return *m_screens;
-}
-
-DesktopScreens X11DesktopSurface::askForScreens() const
-{
-    DesktopScreens screens;
-    for (const QScreen *const screen : QGuiApplication::screens())
-        screens.visibleFrames.push_back(visibleFrame(*screen, *m_desktop));
+    DesktopScreens screens{.visibleFrames = visibleFrames(*m_desktop)};
     if (const QScreen *const primary = QGuiApplication::primaryScreen())
         screens.origin = primary->geometry().bottomLeft() + QPoint(0, 1);
     return screens;

@@ -38,12 +38,10 @@ private:
     void unmap();
     void settle();
     void readTranslucency();
-    DesktopScreens askForScreens() const;
 
     std::unique_ptr<X11Desktop> m_desktop;
     bool m_takesPointer;
     ScreenWatch m_screenWatch;
-    mutable std::optional<DesktopScreens> m_screens; ///< asking for them takes many round trips to the X server
     QTimer m_wasMapped;
     QTimer m_compositorChanged;
     QPointer<QWidget> m_window; ///< none while hidden
