@@ -135,7 +135,7 @@ PortalLoginItem::PortalLoginItem(const SessionBus &bus, QString program, std::fu
 
 void PortalLoginItem::setRegistered(bool registered, Completion<void> done)
 {
-    auto *request = new BackgroundRequest(m_bus.connection(), registered, std::move(done), &m_requests);
+    auto *request = new BackgroundRequest(m_bus, registered, std::move(done), &m_requests);
     request->send(m_program, m_reason());
 }
 

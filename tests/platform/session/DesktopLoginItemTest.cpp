@@ -4,12 +4,14 @@
 #include "doubles/PrivateBus.h"
 #include "doubles/TestProgram.h"
 #include "platform/Files.h"
+#include "platform/dbus/BusCall.h"
 #include "platform/dbus/SessionBus.h"
 #include "ui/LaunchAtLoginService.h"
 
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QSignalSpy>
@@ -156,10 +158,13 @@ private Q_SLOTS:
     void portalIsTold();
     void portalStartsTheProgramOfTheSandbox();
     void portalWithoutTheMethod();
+    void portalThatIsReplaced();
     void noPortal();
     void noSessionBus();
     void sessionBusThatEndsMeanwhile();
+    void sessionBusThatEndsBeforeTheUserDecides();
     void sessionBusThatReturned();
+    void deafSessionBusBlocksNothing();
     void kindFollowsTheSandbox();
 
 private:
@@ -450,6 +455,30 @@ void DesktopLoginItemTest::portalWithoutTheMethod()
     QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
 }
 
+void DesktopLoginItemTest::portalThatIsReplaced()
+{
+    constexpr uint allowReplacement = 1;
+    constexpr uint replaceExisting = 2;
+    const auto requestName = [](const QDBusConnection &bus, uint flag) {
+        return bus.call(
+            busCall(QStringLiteral("RequestName"), {FakeBackgroundPortal::service(), flag | busName::doNotQueue}));
+    };
+    PrivateBus bus;
+    const QDBusConnection portalBus = bus.connect();
+    FakeBackgroundPortal portal(portalBus, FakeBackgroundPortal::Behaviour::neverResponds);
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
+    std::vector<Result<void>> answers;
+    login.setRegistered(true, [&](const Result<void> &result) { answers.push_back(result); });
+    QTRY_VERIFY(!portal.options.isEmpty());
+    requestName(portalBus, allowReplacement);
+    const QDBusMessage replaced = requestName(bus.connect(), replaceExisting);
+    QCOMPARE(replaced.arguments().value(0), QVariant(busName::primaryOwner));
+    QTRY_COMPARE(answers.size(), 1U);
+    QVERIFY2(failureText(answers.front()).contains(QStringLiteral("the portal ended")),
+             qPrintable(failureText(answers.front())));
+}
+
 void DesktopLoginItemTest::noPortal()
 {
     PrivateBus bus;
@@ -481,6 +510,27 @@ void DesktopLoginItemTest::sessionBusThatEndsMeanwhile()
     QVERIFY(!answers.front());
 }
 
+void DesktopLoginItemTest::sessionBusThatEndsBeforeTheUserDecides()
+{
+    PrivateBus bus;
+    const QDBusConnection portalBus = bus.connect();
+    FakeBackgroundPortal portal(portalBus, FakeBackgroundPortal::Behaviour::neverResponds);
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
+    std::vector<Result<void>> answers;
+    login.setRegistered(true, [&](const Result<void> &result) { answers.push_back(result); });
+    QTRY_VERIFY(!portal.options.isEmpty());
+    // The bus has forwarded the reply when it answers the portal, and delivered it when it answers the session.
+    QVERIFY(PrivateBus::settle(portalBus));
+    QVERIFY(PrivateBus::settle(session.connection()));
+    QCoreApplication::processEvents();
+    QCOMPARE(answers.size(), 0U);
+    bus.kill();
+    QTRY_COMPARE(answers.size(), 1U);
+    QVERIFY2(failureText(answers.front()).contains(QStringLiteral("the session bus ended")),
+             qPrintable(failureText(answers.front())));
+}
+
 void DesktopLoginItemTest::sessionBusThatReturned()
 {
     PrivateBus bus;
@@ -492,6 +542,24 @@ void DesktopLoginItemTest::sessionBusThatReturned()
     QTRY_COMPARE(connected.size(), 1);
     FakeBackgroundPortal portal(bus.connect(), FakeBackgroundPortal::Behaviour::grants);
     QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
+}
+
+void DesktopLoginItemTest::deafSessionBusBlocksNothing()
+{
+    PrivateBus bus;
+    FakeBackgroundPortal portal(bus.connect(), FakeBackgroundPortal::Behaviour::grants);
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
+    std::vector<Result<void>> answers;
+    bus.pause();
+    QElapsedTimer asking;
+    asking.start();
+    login.setRegistered(true, [&](const Result<void> &result) { answers.push_back(result); });
+    const qint64 blocked = asking.elapsed();
+    bus.resume();
+    QVERIFY2(blocked < 10000, "the library itself waits for 25 seconds");
+    QTRY_COMPARE(answers.size(), 1U);
+    QVERIFY(answers.front());
 }
 
 void DesktopLoginItemTest::kindFollowsTheSandbox()
