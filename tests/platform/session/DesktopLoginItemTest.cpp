@@ -19,6 +19,8 @@
 
 #include <optional>
 
+#include <sys/stat.h>
+
 using namespace tickwise;
 using namespace tickwise::test;
 
@@ -147,6 +149,8 @@ private Q_SLOTS:
     void staysSwitchedOff();
     void entriesThatAreNotOurs_data();
     void entriesThatAreNotOurs();
+    void aPipeIsNotOurs();
+    void anOverlongEntryIsNotOurs();
     void respectsTheConfigurationFolder();
     void removingNothingIsASuccess();
     void fileInTheWayOfTheFolder();
@@ -320,6 +324,28 @@ void DesktopLoginItemTest::entriesThatAreNotOurs()
     const QString added = failureText(resultOf(login, true));
     QVERIFY2(startsUs ? added == QStringLiteral("success") : added.contains(m_file), qPrintable(added));
     QCOMPARE(failureText(resultOf(login, false)), QStringLiteral("success"));
+    QCOMPARE(contents(m_file), text);
+}
+
+void DesktopLoginItemTest::aPipeIsNotOurs()
+{
+    QVERIFY(QDir().mkpath(m_folder));
+    QCOMPARE(::mkfifo(QFile::encodeName(m_file).constData(), 0600), 0);
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    QVERIFY2(failureText(resultOf(login, true)).contains(m_file), "the failure names the file");
+    QCOMPARE(failureText(resultOf(login, false)), QStringLiteral("success"));
+    QVERIFY(QFile::exists(m_file));
+}
+
+void DesktopLoginItemTest::anOverlongEntryIsNotOurs()
+{
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
+    const QByteArray text = contents(m_file) + QByteArray(64 * 1024, '#');
+    put(m_file, text);
+    AutostartLoginItem moved = item(QStringLiteral("/opt/new/tickwise"));
+    QVERIFY2(failureText(resultOf(moved, true)).contains(m_file), "the failure names the file");
+    QCOMPARE(failureText(resultOf(moved, false)), QStringLiteral("success"));
     QCOMPARE(contents(m_file), text);
 }
 
