@@ -47,7 +47,6 @@ public:
 
     /// Why the last fetch failed; none after a success, and when there is no coin to fetch.
     std::optional<ProviderFailure> lastFetchFailure() const { return m_lastFetchFailure; }
-    QBindable<std::optional<ProviderFailure>> bindableLastFetchFailure() { return &m_lastFetchFailure; }
 
     /// Rebuilds `coins` from settings and catalog, keeping held prices where they still mean the same.
     void rebuildCoins();

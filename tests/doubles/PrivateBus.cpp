@@ -26,6 +26,14 @@ constexpr char configuration[] = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//
 </busconfig>
 )";
 
+/// A call of the bus itself.
+QDBusMessage busCallOf(const QString &method)
+{
+    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+                                          QStringLiteral("/org/freedesktop/DBus"),
+                                          QStringLiteral("org.freedesktop.DBus"), method);
+}
+
 } // namespace
 
 PrivateBus::PrivateBus()
@@ -96,9 +104,7 @@ void PrivateBus::addActivation(const QString &service, const QString &command)
         qFatal("no service file for the private bus: %s", qPrintable(file.errorString()));
     file.write(QStringLiteral("[D-BUS Service]\nName=%1\nExec=%2\n").arg(service, command).toUtf8());
     file.close();
-    connect().call(
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ReloadConfig")));
+    connect().call(busCallOf(QStringLiteral("ReloadConfig")));
 }
 
 QString PrivateBus::address() const
@@ -114,6 +120,11 @@ QDBusConnection PrivateBus::connect()
     if (!connection.isConnected())
         qFatal("no connection to the private bus: %s", qPrintable(connection.lastError().message()));
     return connection;
+}
+
+bool PrivateBus::settle(const QDBusConnection &connection)
+{
+    return connection.call(busCallOf(QStringLiteral("GetId"))).type() == QDBusMessage::ReplyMessage;
 }
 
 } // namespace tickwise::test

@@ -21,7 +21,7 @@ public:
     void start();
     /// Ends the bus, as a crash of it does.
     void stop();
-    /// The same for a bus that is paused.
+    /// The same for a bus that is paused, and without the signals of a bus that closes one connection after the other.
     void kill();
 
     /// Makes the bus deaf, and lets it go on.
@@ -34,6 +34,10 @@ public:
     QString address() const;
     /// Each call opens another connection: one for the code under test, one for the service that it talks to.
     QDBusConnection connect();
+
+    /// Waits until the bus has handled what the connection sent before, and the connection has what the bus sent it;
+    /// false where the bus does not answer.
+    static bool settle(const QDBusConnection &connection);
 
 private:
     QTemporaryDir m_directory;

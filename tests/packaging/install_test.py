@@ -77,6 +77,15 @@ class InstallTest(unittest.TestCase):
         self.assertIn("tickwise", "".join(rules[scratch]))
         self.assertEqual(rules[scratch], rules[BUILD])
 
+    def test_addresses_are_opened_with_it(self):
+        install(self.prefix)
+        subprocess.run(["update-desktop-database", self.path("share/applications")], check=True)
+        environment = {**os.environ, "XDG_CONFIG_HOME": self.path("none"), "XDG_CONFIG_DIRS": self.path("none"),
+                       "XDG_DATA_HOME": self.path("none"), "XDG_DATA_DIRS": self.path("share")}
+        done = subprocess.run(["xdg-mime", "query", "default", "x-scheme-handler/tickwise"], env=environment, capture_output=True,
+                              text=True, check=True)
+        self.assertEqual(done.stdout.strip(), os.path.basename(DESKTOP_FILE))
+
     def test_message_bus_starts_the_program(self):
         install(self.prefix)
         with X11Session("xfce4-panel", notifications=None) as desktop:

@@ -29,6 +29,7 @@ PortalSetting::PortalSetting(SessionBus &bus, QString group, QString key)
     , m_key(std::move(key))
 {
     connect(&bus, &SessionBus::connected, this, &PortalSetting::listen);
+    connect(&bus, &SessionBus::disconnected, this, [this] { m_portal.reset(); });
     if (bus.connection().isConnected())
         listen();
 }
@@ -39,6 +40,13 @@ void PortalSetting::listen()
     QDBusConnection(m_bus.connection())
         .connect(QString(), portalPath(), settingsInterface(), QStringLiteral("SettingChanged"), this,
                  SLOT(settingChanged(QDBusMessage)));
+    m_portal = std::make_unique<QDBusServiceWatcher>(portalService(), m_bus.connection(),
+                                                     QDBusServiceWatcher::WatchForOwnerChange);
+    connect(m_portal.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString &, const QString &, const QString &owner) {
+                if (!owner.isEmpty())
+                    read();
+            });
     read();
 }
 

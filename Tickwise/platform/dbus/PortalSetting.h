@@ -3,12 +3,15 @@
 #include "platform/dbus/SessionBus.h"
 
 #include <QDBusMessage>
+#include <QDBusServiceWatcher>
 #include <QObject>
 #include <QVariant>
 
+#include <memory>
+
 namespace tickwise {
 
-/// One of the desktop's settings, as the settings portal tells it.
+/// One of the desktop's settings, as the settings portal tells it. A portal that starts later, or anew, is asked again.
 class PortalSetting : public QObject
 {
     Q_OBJECT
@@ -35,6 +38,7 @@ private:
     QString m_group;
     QString m_key;
     QVariant m_value;
+    std::unique_ptr<QDBusServiceWatcher> m_portal; ///< of the current connection
 };
 
 } // namespace tickwise

@@ -1,7 +1,7 @@
 #include "platform/session/BackgroundRequest.h"
 
 #include "platform/dbus/BusCall.h"
-#include "platform/dbus/PortalRequest.h"
+#include "platform/dbus/SessionBus.h"
 
 #include <QDBusObjectPath>
 #include <QUuid>
@@ -24,18 +24,22 @@ tl::unexpected<Error> portalFailure(Kind kind, const QString &text)
 
 } // namespace
 
-BackgroundRequest::BackgroundRequest(const QDBusConnection &bus, bool autostart, Completion<void> done, QObject *parent)
+BackgroundRequest::BackgroundRequest(const SessionBus &bus, bool autostart, Completion<void> done, QObject *parent)
     : QObject(parent)
-    , m_bus(bus)
+    , m_bus(bus.connection())
     , m_autostart(autostart)
     , m_done(std::move(done))
-    , m_portalWatcher(portalService(), bus, QDBusServiceWatcher::WatchForUnregistration)
+    , m_portalWatcher(portalService(), m_bus, QDBusServiceWatcher::WatchForOwnerChange)
 {
-    connect(&m_portalWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
-            [this] { finish(portalFailure(Kind::noService, QStringLiteral("the portal ended"))); });
+    connect(&m_portalWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString &, const QString &formerOwner) {
+                // One that the request itself starts has no predecessor.
+                if (!formerOwner.isEmpty())
+                    finish(portalFailure(Kind::noService, QStringLiteral("the portal ended")));
+            });
+    connect(&bus, &SessionBus::disconnected, this,
+            [this] { finish(portalFailure(Kind::noMessageBus, QStringLiteral("the session bus ended"))); });
 }
-
-BackgroundRequest::~BackgroundRequest() = default;
 
 void BackgroundRequest::send(const QString &program, const QString &reason)
 {
@@ -65,8 +69,9 @@ void BackgroundRequest::send(const QString &program, const QString &reason)
 void BackgroundRequest::listen(const QString &requestPath)
 {
     m_requestPath = requestPath;
-    m_request = std::make_unique<PortalRequest>(m_bus, requestPath);
-    connect(m_request.get(), &PortalRequest::Response, this, &BackgroundRequest::takeResponse);
+    // Named by path and interface alone: with the sender's name QtDBus would wait for the bus to resolve it.
+    m_bus.connect(QString(), requestPath, QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"),
+                  this, SLOT(takeResponse(uint, QVariantMap)));
 }
 
 void BackgroundRequest::takeReply(const QDBusPendingCallWatcher &call)

@@ -7,13 +7,11 @@
 #include <QObject>
 #include <QVariantMap>
 
-#include <memory>
-
 class QDBusPendingCallWatcher;
 
 namespace tickwise {
 
-class PortalRequest;
+class SessionBus;
 
 /// One question to org.freedesktop.portal.Background: may the application start at login? Deletes itself after `done`.
 class BackgroundRequest : public QObject
@@ -21,16 +19,18 @@ class BackgroundRequest : public QObject
     Q_OBJECT
 
 public:
-    BackgroundRequest(const QDBusConnection &bus, bool autostart, Completion<void> done, QObject *parent);
-    ~BackgroundRequest() override;
+    /// Fails when `bus` ends, which has to outlive the request.
+    BackgroundRequest(const SessionBus &bus, bool autostart, Completion<void> done, QObject *parent);
 
     /// `program` is the command inside the sandbox, `reason` is shown to the user.
     void send(const QString &program, const QString &reason);
 
+private Q_SLOTS:
+    void takeResponse(uint response, const QVariantMap &results);
+
 private:
     void listen(const QString &requestPath);
     void takeReply(const QDBusPendingCallWatcher &call);
-    void takeResponse(uint response, const QVariantMap &results);
     void finish(const Result<void> &result);
 
     QDBusConnection m_bus;
@@ -38,7 +38,6 @@ private:
     Completion<void> m_done;
     QDBusServiceWatcher m_portalWatcher;
     QString m_requestPath;
-    std::unique_ptr<PortalRequest> m_request;
 };
 
 } // namespace tickwise

@@ -17,6 +17,7 @@ namespace {
 constexpr char markerKey[] = "X-Tickwise-LoginItem";
 /// The keys with which the user or the desktop switches an entry off.
 constexpr const char *switchKeys[] = {"Hidden", "X-GNOME-Autostart-enabled"};
+constexpr qint64 largestEntry = 64LL * 1024; ///< bytes; ours has a few hundred
 
 QByteArray line(const QByteArray &key, const QByteArray &value)
 {
@@ -110,15 +111,14 @@ Result<void> AutostartLoginItem::write() const
 Result<void> AutostartLoginItem::remove() const
 {
     QFile file(path());
-    if (!file.exists() || (QFileInfo(file).isFile() && !entry().contains(markerKey)) || file.remove())
+    if (!file.exists() || (!QFileInfo(file).isDir() && !entry().contains(markerKey)) || file.remove())
         return {};
     return failure(FileError{path(), file.errorString()});
 }
 
 QMap<QByteArray, QByteArray> AutostartLoginItem::entry() const
 {
-    QFile file(path());
-    return file.open(QIODevice::ReadOnly) ? entryValues(file.readAll()) : QMap<QByteArray, QByteArray>();
+    return entryValues(readWholeFile(path(), largestEntry).value_or(QByteArray()));
 }
 
 QString AutostartLoginItem::path() const
@@ -135,7 +135,7 @@ PortalLoginItem::PortalLoginItem(const SessionBus &bus, QString program, std::fu
 
 void PortalLoginItem::setRegistered(bool registered, Completion<void> done)
 {
-    auto *request = new BackgroundRequest(m_bus.connection(), registered, std::move(done), &m_requests);
+    auto *request = new BackgroundRequest(m_bus, registered, std::move(done), &m_requests);
     request->send(m_program, m_reason());
 }
 

@@ -17,7 +17,7 @@ public:
     enum class Role
     {
         first,
-        alreadyRunning, ///< another copy runs and was asked to show itself; this one should end
+        alreadyRunning, ///< another copy runs; this one should end
     };
 
     /// `applicationId` is the bus name; `lockDirectory` is where the lock file goes (see `defaultLockDirectory`).
@@ -25,8 +25,9 @@ public:
     SingleInstance(QString applicationId, SessionBus &bus, QString lockDirectory, QObject *parent = nullptr);
     ~SingleInstance() override;
 
-    /// Decides, within two seconds also when another copy hangs. Another copy gets `addresses` and `activationToken`:
-    /// without addresses it is asked to show itself.
+    /// Decides, within two seconds also when another copy hangs. A copy that has the name on this bus gets `addresses`
+    /// and `activationToken`: without addresses it is asked to show itself. One that has only the lock, because it is
+    /// on another bus or on none, is told nothing.
     Role claim(const QStringList &addresses, const QString &activationToken);
 
     /// $XDG_RUNTIME_DIR, or a folder of this user alone below the temporary folder; empty when neither can be had.

@@ -40,11 +40,12 @@ constexpr NamedHost desktops[] = {
 
 // The kernel keeps 15 characters of a process's name, and other users' executables cannot be read as links.
 constexpr int commLength = 15;
+constexpr qint64 mostProcBytes = 64LL * 1024; ///< of a file; a command line may have megabytes
 
 QByteArray procFile(qint64 pid, QLatin1StringView name)
 {
     QFile file(QStringLiteral("/proc/%1/%2").arg(pid).arg(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return file.open(QIODevice::ReadOnly) ? file.read(mostProcBytes) : QByteArray();
 }
 
 bool isNamed(const QString &executable, const char16_t *name)

@@ -25,7 +25,7 @@ enum class StatusItemHost
 struct WatcherProcess
 {
     QString executable;    ///< file name of the program, or what the kernel calls the process
-    QStringList arguments; ///< its command line
+    QStringList arguments; ///< its command line, of which what lies beyond 64 KiB is cut off
     QString directory;     ///< its working directory, for relative paths in the command line; empty where it is hidden
 };
 

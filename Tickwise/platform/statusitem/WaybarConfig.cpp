@@ -1,5 +1,6 @@
 #include "platform/statusitem/WaybarConfig.h"
 
+#include "support/files/WholeFile.h"
 #include "support/json/JsonReader.h"
 
 #include <QDir>
@@ -17,6 +18,7 @@ namespace {
 
 constexpr int smallestIconSize = 8;
 constexpr int largestIconSize = 96;
+constexpr qint64 largestConfiguration = 1024LL * 1024; ///< bytes
 
 /// waybar's reader takes comments, and a comma after the last element.
 QByteArray asStrictJson(QString text)
@@ -86,9 +88,11 @@ int waybarIconSize(const QByteArray &configuration)
 
 int waybarIconSize(const WatcherProcess &process)
 {
-    QFile file(configurationPath(process));
-    return !file.fileName().isEmpty() && file.open(QIODevice::ReadOnly) ? waybarIconSize(file.readAll())
-                                                                        : waybarDefaultIconSize;
+    const QString path = configurationPath(process);
+    if (path.isEmpty())
+        return waybarDefaultIconSize;
+    const Result<QByteArray> configuration = readWholeFile(path, largestConfiguration);
+    return configuration ? waybarIconSize(*configuration) : waybarDefaultIconSize;
 }
 
 } // namespace tickwise

@@ -4,18 +4,22 @@
 #include "doubles/PrivateBus.h"
 #include "doubles/TestProgram.h"
 #include "platform/Files.h"
+#include "platform/dbus/BusCall.h"
 #include "platform/dbus/SessionBus.h"
 #include "ui/LaunchAtLoginService.h"
 
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <optional>
+
+#include <sys/stat.h>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -145,6 +149,8 @@ private Q_SLOTS:
     void staysSwitchedOff();
     void entriesThatAreNotOurs_data();
     void entriesThatAreNotOurs();
+    void aPipeIsNotOurs();
+    void anOverlongEntryIsNotOurs();
     void respectsTheConfigurationFolder();
     void removingNothingIsASuccess();
     void fileInTheWayOfTheFolder();
@@ -156,10 +162,13 @@ private Q_SLOTS:
     void portalIsTold();
     void portalStartsTheProgramOfTheSandbox();
     void portalWithoutTheMethod();
+    void portalThatIsReplaced();
     void noPortal();
     void noSessionBus();
     void sessionBusThatEndsMeanwhile();
+    void sessionBusThatEndsBeforeTheUserDecides();
     void sessionBusThatReturned();
+    void deafSessionBusBlocksNothing();
     void kindFollowsTheSandbox();
 
 private:
@@ -318,6 +327,28 @@ void DesktopLoginItemTest::entriesThatAreNotOurs()
     QCOMPARE(contents(m_file), text);
 }
 
+void DesktopLoginItemTest::aPipeIsNotOurs()
+{
+    QVERIFY(QDir().mkpath(m_folder));
+    QCOMPARE(::mkfifo(QFile::encodeName(m_file).constData(), 0600), 0);
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    QVERIFY2(failureText(resultOf(login, true)).contains(m_file), "the failure names the file");
+    QCOMPARE(failureText(resultOf(login, false)), QStringLiteral("success"));
+    QVERIFY(QFile::exists(m_file));
+}
+
+void DesktopLoginItemTest::anOverlongEntryIsNotOurs()
+{
+    AutostartLoginItem login = item(QStringLiteral("/usr/bin/tickwise"));
+    QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
+    const QByteArray text = contents(m_file) + QByteArray(64 * 1024, '#');
+    put(m_file, text);
+    AutostartLoginItem moved = item(QStringLiteral("/opt/new/tickwise"));
+    QVERIFY2(failureText(resultOf(moved, true)).contains(m_file), "the failure names the file");
+    QCOMPARE(failureText(resultOf(moved, false)), QStringLiteral("success"));
+    QCOMPARE(contents(m_file), text);
+}
+
 void DesktopLoginItemTest::respectsTheConfigurationFolder()
 {
     const QByteArray before = qgetenv("XDG_CONFIG_HOME");
@@ -450,6 +481,30 @@ void DesktopLoginItemTest::portalWithoutTheMethod()
     QVERIFY2(text.contains(QStringLiteral("org.freedesktop.portal.Background")), qPrintable(text));
 }
 
+void DesktopLoginItemTest::portalThatIsReplaced()
+{
+    constexpr uint allowReplacement = 1;
+    constexpr uint replaceExisting = 2;
+    const auto requestName = [](const QDBusConnection &bus, uint flag) {
+        return bus.call(
+            busCall(QStringLiteral("RequestName"), {FakeBackgroundPortal::service(), flag | busName::doNotQueue}));
+    };
+    PrivateBus bus;
+    const QDBusConnection portalBus = bus.connect();
+    FakeBackgroundPortal portal(portalBus, FakeBackgroundPortal::Behaviour::neverResponds);
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
+    std::vector<Result<void>> answers;
+    login.setRegistered(true, [&](const Result<void> &result) { answers.push_back(result); });
+    QTRY_VERIFY(!portal.options.isEmpty());
+    requestName(portalBus, allowReplacement);
+    const QDBusMessage replaced = requestName(bus.connect(), replaceExisting);
+    QCOMPARE(replaced.arguments().value(0), QVariant(busName::primaryOwner));
+    QTRY_COMPARE(answers.size(), 1U);
+    QVERIFY2(failureText(answers.front()).contains(QStringLiteral("the portal ended")),
+             qPrintable(failureText(answers.front())));
+}
+
 void DesktopLoginItemTest::noPortal()
 {
     PrivateBus bus;
@@ -481,6 +536,27 @@ void DesktopLoginItemTest::sessionBusThatEndsMeanwhile()
     QVERIFY(!answers.front());
 }
 
+void DesktopLoginItemTest::sessionBusThatEndsBeforeTheUserDecides()
+{
+    PrivateBus bus;
+    const QDBusConnection portalBus = bus.connect();
+    FakeBackgroundPortal portal(portalBus, FakeBackgroundPortal::Behaviour::neverResponds);
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
+    std::vector<Result<void>> answers;
+    login.setRegistered(true, [&](const Result<void> &result) { answers.push_back(result); });
+    QTRY_VERIFY(!portal.options.isEmpty());
+    // The bus has forwarded the reply when it answers the portal, and delivered it when it answers the session.
+    QVERIFY(PrivateBus::settle(portalBus));
+    QVERIFY(PrivateBus::settle(session.connection()));
+    QCoreApplication::processEvents();
+    QCOMPARE(answers.size(), 0U);
+    bus.kill();
+    QTRY_COMPARE(answers.size(), 1U);
+    QVERIFY2(failureText(answers.front()).contains(QStringLiteral("the session bus ended")),
+             qPrintable(failureText(answers.front())));
+}
+
 void DesktopLoginItemTest::sessionBusThatReturned()
 {
     PrivateBus bus;
@@ -492,6 +568,24 @@ void DesktopLoginItemTest::sessionBusThatReturned()
     QTRY_COMPARE(connected.size(), 1);
     FakeBackgroundPortal portal(bus.connect(), FakeBackgroundPortal::Behaviour::grants);
     QCOMPARE(failureText(resultOf(login, true)), QStringLiteral("success"));
+}
+
+void DesktopLoginItemTest::deafSessionBusBlocksNothing()
+{
+    PrivateBus bus;
+    FakeBackgroundPortal portal(bus.connect(), FakeBackgroundPortal::Behaviour::grants);
+    const SessionBus session(bus.address());
+    PortalLoginItem login(session, QStringLiteral("tickwise"), reason);
+    std::vector<Result<void>> answers;
+    bus.pause();
+    QElapsedTimer asking;
+    asking.start();
+    login.setRegistered(true, [&](const Result<void> &result) { answers.push_back(result); });
+    const qint64 blocked = asking.elapsed();
+    bus.resume();
+    QVERIFY2(blocked < 10000, "the library itself waits for 25 seconds");
+    QTRY_COMPARE(answers.size(), 1U);
+    QVERIFY(answers.front());
 }
 
 void DesktopLoginItemTest::kindFollowsTheSandbox()

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QProcess>
 
 using namespace tickwise;
 
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void aHiddenProcessLeavesTheDesktopsName_data();
     void aHiddenProcessLeavesTheDesktopsName();
     void readsItsOwnProcess();
+    void aLongCommandLineIsCutOff();
     void aProcessThatIsGoneIsEmpty();
 };
 
@@ -91,6 +93,19 @@ void StatusItemHostTest::readsItsOwnProcess()
     QCOMPARE(process.executable, QStringLiteral("platform_tests"));
     QCOMPARE(process.arguments, arguments);
     QCOMPARE(process.directory, QDir::currentPath());
+}
+
+void StatusItemHostTest::aLongCommandLineIsCutOff()
+{
+    const QString padding(100000, u'x');
+    QProcess program;
+    program.start(QStringLiteral("sh"), {QStringLiteral("-c"), QStringLiteral("read line"), padding, padding});
+    QVERIFY2(program.waitForStarted(), qPrintable(program.errorString()));
+    const QStringList arguments = watcherProcess(program.processId()).arguments;
+    program.closeWriteChannel();
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(arguments.value(1), QStringLiteral("-c"));
+    QCOMPARE(arguments.join(u'\0').size(), 64 * 1024);
 }
 
 void StatusItemHostTest::aProcessThatIsGoneIsEmpty()

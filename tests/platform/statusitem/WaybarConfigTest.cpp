@@ -6,8 +6,20 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <sys/stat.h>
+
 using namespace tickwise;
 using namespace tickwise::test;
+
+namespace {
+
+/// A waybar that was started with the configuration.
+WatcherProcess configuredBy(const QString &path)
+{
+    return {QStringLiteral("waybar"), {QStringLiteral("waybar"), QStringLiteral("-c"), path}, {}};
+}
+
+} // namespace
 
 class WaybarConfigTest : public QObject
 {
@@ -19,6 +31,8 @@ private Q_SLOTS:
     void iconSizeOfAWaybarConfiguration();
     void theCommandLineNamesTheConfiguration_data();
     void theCommandLineNamesTheConfiguration();
+    void aPipeIsNoConfiguration();
+    void anOverlongConfigurationIsNotRead();
 };
 
 void WaybarConfigTest::theUsersWaybarConfigurationIsFound()
@@ -107,6 +121,26 @@ void WaybarConfigTest::theCommandLineNamesTheConfiguration()
     options.replaceInStrings(QStringLiteral("%1"), folder.path());
     options.prepend(QStringLiteral("waybar"));
     QCOMPARE(waybarIconSize(WatcherProcess{QStringLiteral("waybar"), options, folder.path()}), 29);
+}
+
+void WaybarConfigTest::aPipeIsNoConfiguration()
+{
+    QTemporaryDir folder;
+    const QString pipe = folder.filePath(QStringLiteral("pipe"));
+    QCOMPARE(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    QCOMPARE(waybarIconSize(configuredBy(pipe)), waybarDefaultIconSize);
+}
+
+void WaybarConfigTest::anOverlongConfigurationIsNotRead()
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("long"));
+    const QByteArray configuration = R"({"tray": {"icon-size": 29}})";
+    constexpr qsizetype largest = 1024 * 1024;
+    put(path, configuration.leftJustified(largest));
+    QCOMPARE(waybarIconSize(configuredBy(path)), 29);
+    put(path, configuration.leftJustified(largest + 1));
+    QCOMPARE(waybarIconSize(configuredBy(path)), waybarDefaultIconSize);
 }
 
 TICKWISE_TEST(WaybarConfigTest)
