@@ -1,11 +1,11 @@
 # For scripts that check or change sources.
 # shellcheck shell=bash
 
-# tracked_files [PATTERN...]: the paths of the repository's files, one a line; fails where git lists none, so that no check passes for
-# want of files.
-tracked_files() {
+# source_files [FIND-EXPRESSION...]: the paths of the files of this tree, one a line; fails where there is none, so that no check passes
+# for want of files.
+source_files() {
     local files
-    files=$(git ls-files "$@") || { echo "git cannot list this repository's files" >&2; return 1; }
-    [ -n "$files" ] || { echo "git lists no files: $*" >&2; return 1; }
+    files=$(find . \( -name .git -o -path ./build -o -path ./.cache \) -prune -o -type f "$@" -print)
+    [ -n "$files" ] || { echo "no such files here: $*" >&2; return 1; }
     printf '%s\n' "$files"
 }

@@ -144,7 +144,7 @@ class SetupTest(unittest.TestCase):
             groups = ["build", "test"] if path.startswith("demo/") else groups_of_script(read(path))
             self.assertEqual(self.setup(*groups).missing_programs(found[path]), [])
         names = {name for programs in found.values() for name, _ in programs}
-        self.assertLessEqual({"cmake", "ctest", "git", "clang-tidy-14", "clang-format-14", "shellcheck", "pyflakes3", "openssl"}, names)
+        self.assertLessEqual({"cmake", "ctest", "clang-tidy-14", "clang-format-14", "shellcheck", "pyflakes3", "openssl"}, names)
 
     def test_compilers_of_the_presets(self):
         presets = json.loads(read("CMakePresets.json"))["configurePresets"]
