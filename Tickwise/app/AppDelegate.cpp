@@ -262,6 +262,8 @@ void AppDelegate::networkReturned()
 {
     if (m_coinListViewModel)
         m_coinListViewModel->restartPolling();
+    if (m_logoStore)
+        m_logoStore->forgetFailures();
 }
 
 } // namespace tickwise

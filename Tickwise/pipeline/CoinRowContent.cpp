@@ -38,6 +38,7 @@ CoinRowContent coinRowContent(const CoinRowInputs &inputs)
     const std::optional<double> change = finite(coin.priceChange24hPercent);
     CoinRowContent content;
     content.symbol = coin.symbol;
+    content.hasPrice = price.has_value();
     content.price = price ? formatPrice(*price) : noPrice;
     if (price)
         content.priceColor = priceColor(inputs.settings, change);

@@ -20,7 +20,8 @@ struct CoinRowInputs
 struct CoinRowContent
 {
     QString symbol;
-    QString price;                    ///< "67,432"; "--" without a price
+    QString price; ///< "67,432"; "--" without a price
+    bool hasPrice = false;
     std::optional<QColor> priceColor; ///< none: the text's own color
     QString change;                   ///< "+1.23%", the word for a delisted coin, or nothing
     bool isDelisted = false;

@@ -1,6 +1,8 @@
 #include "app/AppDelegate.h"
 
+#include "catalog/logos/CoinLogoStore.h"
 #include "doubles/AppDoubles.h"
+#include "doubles/Catalogs.h"
 #include "doubles/Languages.h"
 #include "doubles/PipelineDoubles.h"
 #include "doubles/ScriptedHttpClient.h"
@@ -169,6 +171,7 @@ private Q_SLOTS:
     void nothingIsFetchedBetweenSleepAndWake();
     void wakingFetchesAtOnce();
     void networkThatReturnsFetchesAtOnce();
+    void networkThatReturnsLetsLogosTryAgain();
     void answerFromBeforeSleepIsDropped();
     void settingsChangedOverSeveralTurnsReloadOnce();
     void editedIntervalBecomesThePeriod();
@@ -500,6 +503,24 @@ void AppDelegateTest::networkThatReturnsFetchesAtOnce()
     QTRY_VERIFY(!world.item->contents.back().logo);
     world.delegate->networkReturned();
     QCOMPARE(world.polls(), 2);
+}
+
+void AppDelegateTest::networkThatReturnsLetsLogosTryAgain()
+{
+    AppDelegateWorld world;
+    world.launch();
+    CoinMetadata coin = coinRecord(QStringLiteral("seen"), QStringLiteral("SEEN"));
+    coin.logoURL = QStringLiteral("https://assets.coingecko.com/seen.png");
+    world.http.fail(*coin.logoURL, UrlLoadingError{UrlErrorCode::notConnectedToInternet});
+    CoinLogoStore &logos = world.delegate->logoStore();
+    for (int i = 0; i < 2; ++i) {
+        logos.ensureSeenLogo(coin);
+        QTRY_COMPARE(world.http.open(), 0);
+    }
+    QCOMPARE(world.http.urls(*coin.logoURL).size(), std::size_t(1));
+    world.delegate->networkReturned();
+    logos.ensureSeenLogo(coin);
+    QCOMPARE(world.http.urls(*coin.logoURL).size(), std::size_t(2));
 }
 
 void AppDelegateTest::answerFromBeforeSleepIsDropped()

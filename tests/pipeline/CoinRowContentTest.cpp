@@ -91,6 +91,7 @@ void CoinRowContentTest::price()
 {
     QFETCH(Number, value);
     QTEST(content(bitcoin(value)).price, "text");
+    QCOMPARE(content(bitcoin(value)).hasPrice, value && std::isfinite(*value));
 }
 
 void CoinRowContentTest::change_data()

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void scrollDirection();
     void scrollStep_data();
     void scrollStep();
+    void higherRows();
     void order_data();
     void order();
 };
@@ -86,7 +87,7 @@ void ReorderGeometryTest::insertion()
     QFETCH(double, floatingY);
     QFETCH(int, rows);
     QFETCH(double, scrollOffset);
-    QTEST(insertionIndex(floatingY, rows, scrollOffset), "index");
+    QTEST(insertionIndex(floatingY, rows, {scrollOffset, 220}), "index");
 }
 
 void ReorderGeometryTest::scrollDirection_data()
@@ -156,6 +157,25 @@ void ReorderGeometryTest::scrollStep()
     QCOMPARE(step.has_value(), row >= 0);
     if (step)
         QCOMPARE(*step, (AutoScrollStep{row, up ? ViewportEdge::top : ViewportEdge::bottom}));
+}
+
+/// Ten rows of 88 in a viewport of 440: everything is twice as large.
+void ReorderGeometryTest::higherRows()
+{
+    const auto scrolled = [](double offset) { return ReorderViewport{offset, 440, 88}; };
+    QCOMPARE(rowTop(3, scrolled(44)), 220.0);
+    QCOMPARE(floatingRowTop(1000, 20, 10, scrolled(0)), 352.0);
+    QCOMPARE(floatingRowTop(1000, 20, 3, scrolled(0)), 176.0);
+    QCOMPARE(insertionIndex(43.9, 10, scrolled(0)), 0);
+    QCOMPARE(insertionIndex(44, 10, scrolled(88)), 2);
+    QCOMPARE(autoScrollDirection(63.9, 10, scrolled(200)), std::optional(AutoScrollDirection::up));
+    QCOMPARE(autoScrollDirection(64, 10, scrolled(200)), std::optional<AutoScrollDirection>());
+    QCOMPARE(autoScrollDirection(376.1, 10, scrolled(438.9)), std::optional(AutoScrollDirection::down));
+    QCOMPARE(autoScrollDirection(376.1, 10, scrolled(439)), std::optional<AutoScrollDirection>());
+    QCOMPARE(autoScrollStep(AutoScrollDirection::up, 10, scrolled(200)),
+             std::optional(AutoScrollStep{1, ViewportEdge::top}));
+    QCOMPARE(autoScrollStep(AutoScrollDirection::down, 10, scrolled(176)),
+             std::optional(AutoScrollStep{7, ViewportEdge::bottom}));
 }
 
 void ReorderGeometryTest::order_data()

@@ -55,7 +55,18 @@ std::optional<QImage> CoinLogoStore::image(const QString &id)
     std::optional<QImage> decoded = bytes ? decodeLogo(*bytes) : std::nullopt;
     if (decoded)
         m_images.insert(id, *decoded);
+    else // later: the caller may be painting
+        QMetaObject::invokeMethod(
+            this, [this, id] { discardDamaged(id); }, Qt::QueuedConnection);
     return decoded;
+}
+
+void CoinLogoStore::discardDamaged(const QString &id)
+{
+    if (!cachedIDs().contains(id) || m_images.contains(id))
+        return; // discarded or downloaded anew meanwhile
+    m_cache.remove(id);
+    m_cachedIDs = cachedIDs() - QSet<QString>{id};
 }
 
 void CoinLogoStore::ensureLogo(const CoinMetadata &coin)
@@ -64,36 +75,41 @@ void CoinLogoStore::ensureLogo(const CoinMetadata &coin)
         return;
     if (!isCoinId(coin.id) || !coin.logoURL || !m_isAllowed(*coin.logoURL))
         return;
+    m_failed.remove(coin.id);
     m_inFlight[coin.id] =
         m_client.send(logoRequest(*coin.logoURL, m_isAllowed),
                       [this, id = coin.id](const Result<HttpResponse> &result) { finish(QString(id), result); });
 }
 
+void CoinLogoStore::ensureSeenLogo(const CoinMetadata &coin)
+{
+    if (!m_failed.contains(coin.id))
+        ensureLogo(coin);
+}
+
 void CoinLogoStore::finish(const QString &id, const Result<HttpResponse> &result)
 {
     m_inFlight.erase(id);
-    if (!result) {
-        if (!isOversize(result.error()))
-            qCWarning(lcLogos).noquote() << "Logo download failed:" << description(result.error());
-        return;
-    }
-    if (carriesLogo(*result))
-        keep(id, result->body);
+    if (!result && !isOversize(result.error()))
+        qCWarning(lcLogos).noquote() << "Logo download failed:" << description(result.error());
+    if (!result || !carriesLogo(*result) || !keep(id, result->body))
+        m_failed.insert(id);
 }
 
-void CoinLogoStore::keep(const QString &id, const QByteArray &body)
+bool CoinLogoStore::keep(const QString &id, const QByteArray &body)
 {
     const std::optional<QImage> decoded = decodeLogo(body);
     if (!decoded)
-        return;
+        return false;
     if (const Result<void> written = m_cache.write(id, body); !written) {
         qCWarning(lcLogos).noquote() << "Logo cache write failed:" << description(written.error());
-        return;
+        return false;
     }
     m_images.insert(id, *decoded);
     QSet<QString> ids = cachedIDs();
     ids.insert(id);
     m_cachedIDs = ids;
+    return true;
 }
 
 void CoinLogoStore::sync(const std::vector<CoinMetadata> &coins)

@@ -29,7 +29,7 @@ bool carriesLogo(const HttpResponse &response);
 /// Downloads missing logos once, keeps them on disk and serves them from memory. Main thread only.
 ///
 /// A download that fails is tried again by the next `ensureLogo` of that coin. Errors of transport and of writing are
-/// one log line each; an answer that is no logo is dropped silently.
+/// one log line each; an answer that is no logo is dropped silently. A file that cannot be decoded is deleted.
 class CoinLogoStore : public QObject
 {
     Q_OBJECT
@@ -48,6 +48,10 @@ public:
     std::optional<QImage> image(const QString &id);
     /// Starts a download unless the coin has a shipped image, a cached one, a download under way or no usable address.
     void ensureLogo(const CoinMetadata &coin);
+    /// As `ensureLogo`, for each painting of a coin: one whose download failed waits for `forgetFailures`.
+    void ensureSeenLogo(const CoinMetadata &coin);
+    /// Lets `ensureSeenLogo` try every coin again.
+    void forgetFailures() { m_failed.clear(); }
     /// Forgets the logos of all other coins and of those with a shipped image, and deletes every other file of the
     /// cache, whatever its name; then ensures each coin's logo.
     void sync(const std::vector<CoinMetadata> &coins);
@@ -57,7 +61,8 @@ Q_SIGNALS:
 
 private:
     void finish(const QString &id, const Result<HttpResponse> &result);
-    void keep(const QString &id, const QByteArray &body);
+    bool keep(const QString &id, const QByteArray &body);
+    void discardDamaged(const QString &id);
     void prune(const QSet<QString> &needed);
 
     CoinLogoCache m_cache;
@@ -65,6 +70,7 @@ private:
     LogoAddressRule m_isAllowed;
     QHash<QString, QImage> m_images;
     std::map<QString, Subscription> m_inFlight;
+    QSet<QString> m_failed; ///< coins whose last download failed
     Q_OBJECT_BINDABLE_PROPERTY(CoinLogoStore, QSet<QString>, m_cachedIDs, &CoinLogoStore::cachedIDsChanged)
 };
 

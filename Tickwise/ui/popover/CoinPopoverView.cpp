@@ -8,6 +8,7 @@
 #include "ui/popover/EmptyWatchlistView.h"
 #include "ui/popover/PopoverHeader.h"
 #include "ui/popover/PopoverStatus.h"
+#include "ui/popover/RowNameEvents.h"
 #include "ui/updates/UpdateController.h"
 
 #include <QKeyEvent>
@@ -83,6 +84,7 @@ void CoinPopoverView::buildList()
     m_list->viewport()->setAttribute(Qt::WA_Hover);
     m_list->setItemDelegate(m_delegate);
     m_list->setModel(m_model);
+    new RowNameEvents(*m_list);
 }
 
 void CoinPopoverView::buildEmpty()

@@ -112,8 +112,7 @@ int CoinRowDelegate::paintNumbers(QPainter &painter, const QRect &box, const Coi
     const bool isHovered = option.state.testFlag(QStyle::State_MouseOver);
     const QColor secondary =
         look::secondaryText(option.palette, isHovered ? look::Ground::hovered : look::Ground::plain);
-    const bool hasPrice = content.price != QStringLiteral("--");
-    painter.setPen(hasPrice ? color : secondary);
+    painter.setPen(content.hasPrice ? color : secondary);
     int width = drawNumber(painter, column, priceLine, content.price, m_fonts.price, m_fonts.priceText);
     if (hasChange) {
         painter.setPen(content.isDelisted ? secondary : color);

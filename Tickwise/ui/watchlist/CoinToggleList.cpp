@@ -1,6 +1,7 @@
 #include "ui/watchlist/CoinToggleList.h"
 
 #include "catalog/logos/CoinLogoStore.h"
+#include "settings/AppSettings.h"
 #include "settings/HexColor.h"
 #include "ui/controls/CoinLogoPixmap.h"
 #include "ui/controls/Look.h"
@@ -24,9 +25,9 @@ QColor colorOf(CoinToggleSymbol::Color color, const QPalette &palette)
 {
     switch (color) {
     case CoinToggleSymbol::Color::added:
-        return QColor(0x2C, 0xBD, 0x84);
+        return colorFromHex(greenPriceHex).value();
     case CoinToggleSymbol::Color::remove:
-        return QColor(0xF6, 0x46, 0x5D);
+        return colorFromHex(redPriceHex).value();
     case CoinToggleSymbol::Color::accent:
         break;
     }

@@ -16,6 +16,9 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <vector>
+
 namespace tickwise {
 
 namespace {
@@ -236,13 +239,31 @@ bool WatchlistAddCoinPanel::handleKey(const QKeyEvent &event)
     }
 }
 
-/// Typing anywhere in the panel goes on in the field.
+/// Typing anywhere in the panel goes on in the field. What the field itself leaves comes here, too, and stays here.
 void WatchlistAddCoinPanel::keyPressEvent(QKeyEvent *event)
 {
-    if (event->text().isEmpty() || !event->text().front().isPrint())
+    const bool isCommand = event->modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    const bool isTyping = !isCommand && !event->text().isEmpty() && event->text().front().isPrint();
+    if (m_field->hasFocus() || !isTyping)
         return QWidget::keyPressEvent(event);
     m_field->setFocus();
     QCoreApplication::sendEvent(m_field, event);
+}
+
+/// The controls that the panel covers are out of the keyboard's reach.
+bool WatchlistAddCoinPanel::focusNextPrevChild(bool next)
+{
+    if (!isVisible()) // Qt moves the focus away from what was hidden
+        return QWidget::focusNextPrevChild(next);
+    std::vector<QWidget *> order{m_field, m_clear, m_list};
+    std::erase_if(order, [](const QWidget *control) { return !control->isVisible(); });
+    if (!next)
+        std::ranges::reverse(order);
+    const auto current = std::ranges::find_if(order, &QWidget::hasFocus);
+    const bool isLast = current == order.end() || std::next(current) == order.end();
+    QWidget *const target = isLast ? order.front() : *std::next(current);
+    target->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
 }
 
 void WatchlistAddCoinPanel::mousePressEvent(QMouseEvent *event)

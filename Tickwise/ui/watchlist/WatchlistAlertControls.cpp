@@ -1,6 +1,7 @@
 #include "ui/watchlist/WatchlistAlertControls.h"
 
 #include "support/Localization.h"
+#include "ui/controls/Look.h"
 #include "ui/controls/WheelGuard.h"
 #include "ui/watchlist/WatchlistAlertNumberField.h"
 
@@ -45,8 +46,8 @@ WatchlistAlertControls::WatchlistAlertControls(QWidget *parent)
     row->addWidget(m_number);
     row->addWidget(m_unit);
     WheelGuard::guard(*m_kind);
-    m_number->setFixedWidth(numberWidth);
-    m_unit->setFixedWidth(unitWidth);
+    m_number->setFixedWidth(look::scaled(numberWidth));
+    m_unit->setFixedWidth(look::scaled(unitWidth));
     for (const CoinAlertKind kind : allCases<CoinAlertKind>())
         m_kind->addItem(title(kind));
     connect(m_kind, &QComboBox::activated, this,

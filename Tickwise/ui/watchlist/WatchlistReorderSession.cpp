@@ -36,7 +36,7 @@ void WatchlistReorderSession::begin(const QString &id, int index, double pointer
     m_orderIDs = ids;
     m_sourceIndex = index;
     m_commitHandler = std::move(commit);
-    const double top = rowTop(index, m_viewport.scrollOffset);
+    const double top = rowTop(index, m_viewport);
     m_grabOffsetY = pointerY - top;
     // The id is last: whoever hears of the drag finds the rest in place.
     m_floatingY = top;
@@ -50,7 +50,7 @@ void WatchlistReorderSession::drag(double pointerY)
         return;
     m_floatingY = floatingRowTop(pointerY, m_grabOffsetY, rows(), m_viewport);
     if (!m_orderIDs.isEmpty())
-        m_insertionIndex = tickwise::insertionIndex(m_floatingY, rows(), m_viewport.scrollOffset);
+        m_insertionIndex = tickwise::insertionIndex(m_floatingY, rows(), m_viewport);
     followAutoScroll(pointerY);
 }
 
@@ -98,7 +98,7 @@ void WatchlistReorderSession::settle()
 {
     m_isSettling = true;
     m_settleFrom = m_floatingY;
-    m_settleTo = rowTop(m_insertionIndex, m_viewport.scrollOffset);
+    m_settleTo = rowTop(m_insertionIndex, m_viewport);
     m_settleAnimation.start();
 }
 

@@ -53,6 +53,7 @@ public:
 
     void setScrollOffset(double offset) { m_viewport.scrollOffset = offset; }
     void setViewportHeight(double height) { m_viewport.height = height; }
+    void setRowHeight(double height) { m_viewport.rowHeight = height; }
     void setReduceMotion(bool reduce) { m_reduceMotion = reduce; }
     /// The scroller outlives the drag; a reset forgets it.
     void setScrollProxy(ReorderScroller *scroller) { m_scrollProxy = scroller; }

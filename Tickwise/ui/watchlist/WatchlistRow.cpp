@@ -148,11 +148,14 @@ bool WatchlistRow::handleMouse(QMouseEvent &event)
     m_pointer = position;
     if (event.type() == QEvent::MouseButtonPress && event.button() == Qt::LeftButton) {
         m_press = position;
+        m_isDragging = false; // a row that was hidden during a drag got no release
         return true;
     }
     if (event.type() == QEvent::MouseButtonRelease && event.button() == Qt::LeftButton) {
-        if (std::exchange(m_isDragging, false))
+        if (std::exchange(m_isDragging, false)) {
+            Q_EMIT dragged(position); // the list may have scrolled under a pointer at rest
             Q_EMIT released();
+        }
         return true;
     }
     if (event.type() != QEvent::MouseMove || !event.buttons().testFlag(Qt::LeftButton))

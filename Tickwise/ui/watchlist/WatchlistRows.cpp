@@ -1,7 +1,9 @@
 #include "ui/watchlist/WatchlistRows.h"
 
-#include <QKeyEvent>
+#include "ui/controls/Look.h"
+
 #include <QScrollBar>
+#include <QShortcut>
 
 #include <algorithm>
 #include <cmath>
@@ -10,17 +12,16 @@ namespace tickwise {
 
 namespace {
 
-constexpr int rowHeight = static_cast<int>(reorderRowHeight);
 constexpr int rowsAround = 3; ///< rows beyond each edge that are widgets too, for the keyboard's way on
 
 /// The offsets of the rows between a dragged row's place and the slot that it would take.
-std::map<int, double> roomFor(int source, int insertion)
+std::map<int, double> roomFor(int source, int insertion, double rowHeight)
 {
     std::map<int, double> offsets;
     for (int i = source + 1; i <= insertion; ++i)
-        offsets[i] = -reorderRowHeight;
+        offsets[i] = -rowHeight;
     for (int i = insertion; i < source; ++i)
-        offsets[i] = reorderRowHeight;
+        offsets[i] = rowHeight;
     return offsets;
 }
 
@@ -36,7 +37,9 @@ WatchlistRows::WatchlistRows(WatchlistReorderSession &session, CoinLogoStore *lo
     : QScrollArea(parent)
     , m_session(session)
     , m_logos(logos)
+    , m_rowHeight(look::scaled(reorderRowHeight))
     , m_content(new QWidget)
+    , m_escape(new QShortcut(Qt::Key_Escape, this))
 {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -49,9 +52,20 @@ WatchlistRows::WatchlistRows(WatchlistReorderSession &session, CoinLogoStore *lo
     m_makingRoom.setStartValue(0.0);
     m_makingRoom.setEndValue(seconds);
     connect(&m_makingRoom, &QVariantAnimation::valueChanged, this, &WatchlistRows::layOut);
-    connect(&session, &WatchlistReorderSession::insertionIndexChanged, this, &WatchlistRows::makeRoom);
-    connect(&session, &WatchlistReorderSession::draggedIDChanged, this, &WatchlistRows::makeRoom);
-    connect(&session, &WatchlistReorderSession::floatingYChanged, this, &WatchlistRows::layOut);
+    session.setRowHeight(m_rowHeight);
+    followSession();
+}
+
+void WatchlistRows::followSession()
+{
+    // No control has the keyboard during a drag. Escape ends it wherever the key goes, before the window takes it.
+    m_escape->setEnabled(false);
+    connect(m_escape, &QShortcut::activated, &m_session, &WatchlistReorderSession::cancel);
+    connect(&m_session, &WatchlistReorderSession::draggedIDChanged, m_escape,
+            [this] { m_escape->setEnabled(m_session.draggedID().has_value()); });
+    connect(&m_session, &WatchlistReorderSession::insertionIndexChanged, this, &WatchlistRows::makeRoom);
+    connect(&m_session, &WatchlistReorderSession::draggedIDChanged, this, &WatchlistRows::makeRoom);
+    connect(&m_session, &WatchlistReorderSession::floatingYChanged, this, &WatchlistRows::layOut);
 }
 
 WatchlistRows::~WatchlistRows()
@@ -78,7 +92,7 @@ void WatchlistRows::setRows(std::vector<WatchlistRowContent> rows)
     m_rows = std::move(rows);
     if (m_session.draggedID() && m_session.orderIDs() != ids())
         m_session.cancel();
-    m_content->resize(viewport()->width(), static_cast<int>(m_rows.size()) * rowHeight);
+    m_content->resize(viewport()->width(), static_cast<int>(m_rows.size()) * m_rowHeight);
     recycleOutside(0, static_cast<int>(m_rows.size()) - 1);
     for (const auto &[index, row] : m_shown)
         row->setContent(m_rows[static_cast<size_t>(index)]);
@@ -96,22 +110,14 @@ void WatchlistRows::focusRow(const QString &coinId)
     const int index = indexOf(coinId);
     if (index < 0)
         return;
-    ensureVisible(0, index * rowHeight + rowHeight / 2, 0, rowHeight / 2);
+    ensureVisible(0, index * m_rowHeight + m_rowHeight / 2, 0, m_rowHeight / 2);
     materialize(index).focusHandle();
-}
-
-void WatchlistRows::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape && m_session.draggedID())
-        m_session.cancel();
-    else
-        QScrollArea::keyPressEvent(event);
 }
 
 void WatchlistRows::resizeEvent(QResizeEvent *event)
 {
     QScrollArea::resizeEvent(event);
-    m_content->resize(viewport()->width(), static_cast<int>(m_rows.size()) * rowHeight);
+    m_content->resize(viewport()->width(), static_cast<int>(m_rows.size()) * m_rowHeight);
     m_session.setViewportHeight(viewport()->height());
     layOut();
 }
@@ -128,14 +134,14 @@ bool WatchlistRows::focusNextPrevChild(bool next)
     const bool moved = QScrollArea::focusNextPrevChild(next);
     const QWidget *const focused = focusWidget();
     if (focused && m_content->isAncestorOf(focused))
-        ensureWidgetVisible(const_cast<QWidget *>(focused), 0, rowHeight);
+        ensureWidgetVisible(const_cast<QWidget *>(focused), 0, m_rowHeight);
     return moved;
 }
 
 void WatchlistRows::scrollTo(const QString &id, ViewportEdge edge, int milliseconds)
 {
-    const int top = indexOf(id) * rowHeight;
-    const int target = edge == ViewportEdge::top ? top : top + rowHeight - viewport()->height();
+    const int top = indexOf(id) * m_rowHeight;
+    const int target = edge == ViewportEdge::top ? top : top + m_rowHeight - viewport()->height();
     m_scrolling.stop();
     m_scrolling.setStartValue(verticalScrollBar()->value());
     m_scrolling.setEndValue(std::clamp(target, 0, verticalScrollBar()->maximum()));
@@ -182,7 +188,8 @@ void WatchlistRows::makeRoom()
     const bool isDragging = m_session.draggedID().has_value();
     m_makingRoom.stop();
     m_roomFrom = isDragging ? std::move(now) : std::map<int, double>();
-    m_roomTo = isDragging ? roomFor(m_session.sourceIndex(), m_session.insertionIndex()) : std::map<int, double>();
+    m_roomTo = isDragging ? roomFor(m_session.sourceIndex(), m_session.insertionIndex(), m_rowHeight)
+                          : std::map<int, double>();
     if (isDragging && !m_session.reduceMotion() && m_roomFrom != m_roomTo)
         m_makingRoom.start();
     layOut();
@@ -202,16 +209,16 @@ void WatchlistRows::layOut()
 {
     const int offset = verticalScrollBar()->value();
     const int last =
-        std::min(static_cast<int>(m_rows.size()) - 1, (offset + viewport()->height()) / rowHeight + rowsAround);
-    const int first = std::max(0, offset / rowHeight - rowsAround);
+        std::min(static_cast<int>(m_rows.size()) - 1, (offset + viewport()->height()) / m_rowHeight + rowsAround);
+    const int first = std::max(0, offset / m_rowHeight - rowsAround);
     recycleOutside(first, last);
     for (int index = first; index <= last; ++index)
         materialize(index);
     const bool isDragging = m_session.draggedID().has_value();
     for (const auto &[index, row] : m_shown) {
         const bool isDragged = isDragging && index == m_session.sourceIndex(); // its coin may have another row
-        const double top = isDragged ? offset + m_session.floatingY() : index * reorderRowHeight + offsetOf(index);
-        row->setGeometry(0, static_cast<int>(std::lround(top)), m_content->width(), rowHeight);
+        const double top = isDragged ? offset + m_session.floatingY() : index * m_rowHeight + offsetOf(index);
+        row->setGeometry(0, static_cast<int>(std::lround(top)), m_content->width(), m_rowHeight);
         row->setFloating(isDragged);
         if (isDragged)
             row->raise();
@@ -231,7 +238,7 @@ WatchlistRow &WatchlistRows::materialize(int index)
         m_spare.pop_back();
     }
     row->setContent(m_rows[static_cast<size_t>(index)]);
-    row->setGeometry(0, index * rowHeight, m_content->width(), rowHeight);
+    row->setGeometry(0, index * m_rowHeight, m_content->width(), m_rowHeight);
     row->show();
     // The keyboard's way follows the rows' order.
     const auto next = m_shown.emplace(index, row).first;

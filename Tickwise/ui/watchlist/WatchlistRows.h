@@ -9,6 +9,8 @@
 #include <map>
 #include <vector>
 
+class QShortcut;
+
 namespace tickwise {
 
 /// The rows of the watchlist in a scroll area, with a row at its place, floating or making room for one that floats.
@@ -39,13 +41,13 @@ Q_SIGNALS:
     void thresholdEdited(const QString &coinId, double threshold);
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
     bool focusNextPrevChild(bool next) override;
 
 private:
     void scrollTo(const QString &id, ViewportEdge edge, int milliseconds) override;
+    void followSession();
     QStringList ids() const;
     int indexOf(const QString &coinId) const;
     double viewportY(QPointF global) const;
@@ -60,8 +62,10 @@ private:
 
     WatchlistReorderSession &m_session;
     CoinLogoStore *m_logos;
+    int m_rowHeight;
     std::vector<WatchlistRowContent> m_rows;
     QWidget *m_content;
+    QShortcut *m_escape;                   ///< enabled during a drag
     std::map<int, WatchlistRow *> m_shown; ///< by index
     std::vector<WatchlistRow *> m_spare;
     QVariantAnimation m_scrolling;

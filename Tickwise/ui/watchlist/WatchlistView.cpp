@@ -11,6 +11,7 @@
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QHideEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
@@ -117,8 +118,13 @@ void WatchlistView::openSearch()
         m_panel =
             new WatchlistAddCoinPanel(m_context.viewModel, m_context.settings, m_session, m_context.logos, window());
         connect(m_panel, &WatchlistAddCoinPanel::coinSeen, this, &WatchlistView::ensureLogo);
-        connect(m_panel, &WatchlistAddCoinPanel::closed, m_add, [this] { m_add->setFocus(); });
+        connect(m_panel, &WatchlistAddCoinPanel::closed, this, [this] {
+            if (isVisible())
+                m_add->setFocus();
+        });
     }
+    if (m_context.logos)
+        m_context.logos->forgetFailures();
     m_panel->open();
 }
 
@@ -126,7 +132,7 @@ void WatchlistView::ensureLogo(const QString &id)
 {
     const CoinMetadata *const coin = m_context.catalog.byID().value(id);
     if (m_context.logos && coin)
-        m_context.logos->ensureLogo(*coin);
+        m_context.logos->ensureSeenLogo(*coin);
 }
 
 void WatchlistView::edit(const AppSettings &settings)
@@ -159,7 +165,17 @@ void WatchlistView::showSettings()
 void WatchlistView::showEvent(QShowEvent *event)
 {
     followMotion();
+    if (m_context.logos)
+        m_context.logos->forgetFailures();
     QWidget::showEvent(event);
+}
+
+/// The panel covers the whole window, so it goes with the tab. It stays while the window is minimized.
+void WatchlistView::hideEvent(QHideEvent *event)
+{
+    if (m_panel && !event->spontaneous())
+        m_panel->hide();
+    QWidget::hideEvent(event);
 }
 
 void WatchlistView::followMotion()

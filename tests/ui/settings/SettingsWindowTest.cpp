@@ -1,10 +1,13 @@
 #include "ui/settings/SettingsWindow.h"
 
+#include "doubles/Catalogs.h"
 #include "doubles/Languages.h"
 #include "doubles/LogCapture.h"
 #include "doubles/MemoryDefaults.h"
 #include "doubles/TestProgram.h"
 #include "ui/settings/SettingsWindowFrame.h"
+#include "ui/watchlist/WatchlistRows.h"
+#include "ui/watchlist/WatchlistView.h"
 
 #include <QLabel>
 #include <QSignalSpy>
@@ -13,6 +16,18 @@
 #include <memory>
 
 using namespace tickwise;
+
+namespace {
+
+QStringList idsOf(const SettingsViewModel &settings)
+{
+    QStringList ids;
+    for (const WatchlistCoin &coin : settings.settings().watchlistCoins)
+        ids.append(coin.coinId);
+    return ids;
+}
+
+} // namespace
 
 class SettingsWindowTest : public QObject
 {
@@ -29,6 +44,7 @@ private Q_SLOTS:
     void followsTheTab();
     void setsTheTab();
     void escapeCloses();
+    void escapeEndsADragFirst();
     void theCloseKeyCloses();
     void aFullDiskIsALogLine();
     void languageChangeWritesTheTexts();
@@ -131,6 +147,29 @@ void SettingsWindowTest::escapeCloses()
     QTest::keyClick(window.get(), Qt::Key_Escape);
     QCOMPARE(closed.size(), 1);
     QVERIFY(!window->isVisible());
+}
+
+void SettingsWindowTest::escapeEndsADragFirst()
+{
+    test::FixedCatalog catalog{test::validCoins()};
+    WatchlistViewModel viewModel{catalog, *m_settings};
+    auto *const view = new WatchlistView({*m_settings, catalog, viewModel});
+    SettingsWindow window(*m_settings, m_defaults, {new QLabel, view, new QLabel});
+    m_settings->setSettingsWindowTab(SettingsTab::watchlist);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    auto *const handle = view->rows().rowAt(0)->findChild<QWidget *>(QStringLiteral("watchlist.reorder"));
+    const QStringList order = idsOf(*m_settings);
+    QTest::mousePress(handle, Qt::LeftButton);
+    QTest::mouseMove(handle, handle->rect().center() + QPoint(0, 50));
+    QVERIFY(view->session().draggedID());
+    QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
+    QVERIFY(!view->session().draggedID());
+    QVERIFY(window.isVisible());
+    QTest::mouseRelease(handle, Qt::LeftButton);
+    QCOMPARE(idsOf(*m_settings), order);
+    QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
+    QVERIFY(!window.isVisible());
 }
 
 void SettingsWindowTest::theCloseKeyCloses()
