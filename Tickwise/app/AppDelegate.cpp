@@ -49,6 +49,7 @@ AppDelegate::~AppDelegate() = default;
 void AppDelegate::applicationDidFinishLaunching()
 {
     requireMainThread();
+    // Names a process that hosts a test run: nothing of the user's may be touched there.
     if (m_environment.environment.contains(QStringLiteral("XCTestConfigurationFilePath")))
         return;
     if (m_environment.isSecondCopy()) {
@@ -70,7 +71,7 @@ void AppDelegate::applicationDidFinishLaunching()
             desktopOverlay().beginAdjusting();
     });
     if (m_popover && std::exchange(m_opensPopoverAfterLaunch, false))
-        m_popover->openAfterLaunch(popoverAnchor(PopoverAnchor::Cause::request));
+        m_popover->openAfterLaunch([this] { return popoverAnchor(PopoverAnchor::Cause::request); });
     m_notificationService.requestAuthorization();
     m_settingsReactions.followLaunchAtLogin(m_launchAtLoginService);
     m_settingsReactions.followReloadSettings(coinListViewModel());
@@ -119,6 +120,7 @@ void AppDelegate::createPopover()
         m_environment.clock};
     m_popover = std::make_unique<PopoverController>(context, m_environment.makePopoverSurface());
     connect(this, &AppDelegate::languageApplied, m_popover.get(), &PopoverController::retranslate);
+    connect(m_popover.get(), &PopoverController::activationRequested, this, [this] { Q_EMIT activationRequested({}); });
 }
 
 PopoverAnchor AppDelegate::popoverAnchor(PopoverAnchor::Cause cause) const
@@ -137,8 +139,6 @@ void AppDelegate::handleStatusItemClick(std::optional<QPoint> position)
     PopoverAnchor anchor = popoverAnchor(PopoverAnchor::Cause::click);
     anchor.position = position;
     m_popover->toggle(anchor);
-    if (m_popover->isShown())
-        Q_EMIT activationRequested({});
 }
 
 void AppDelegate::followMenuInputs()

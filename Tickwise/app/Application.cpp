@@ -15,11 +15,11 @@
 #include "platform/surfaces/DesktopSurfaceFactory.h"
 #include "support/Localization.h"
 #include "support/LogCategories.h"
+#include "support/files/BaseDirectory.h"
+#include "ui/controls/WindowActivation.h"
 
 #include <QApplication>
-#include <QStandardPaths>
 #include <QTimer>
-#include <QWidget>
 
 #include <cstdio>
 
@@ -47,33 +47,14 @@ QStringList openedAddresses()
     return addresses;
 }
 
-QString activationToken()
-{
-    return qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
-}
-
 bool isFocused()
 {
     return QGuiApplication::applicationState() == Qt::ApplicationActive;
 }
 
-/// Raises every window that is open; the one inside a panel's tray has no frame. The desktop lets a program raise
-/// itself for a token that it gave.
-void bringToFront(const QString &token)
-{
-    if (!token.isEmpty())
-        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
-    for (QWidget *const window : QApplication::topLevelWidgets()) {
-        if (!window->isVisible() || window->windowFlags().testFlag(Qt::FramelessWindowHint))
-            continue;
-        window->raise();
-        window->activateWindow();
-    }
-}
-
 QString downloadDirectory(const QString &identifier)
 {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + QLatin1Char('/') + identifier +
+    return baseDirectory(QStandardPaths::GenericCacheLocation) + QLatin1Char('/') + identifier +
            QStringLiteral("/updates");
 }
 
@@ -126,14 +107,14 @@ void Application::connectServices()
 {
     QObject::connect(&m_signals, &TerminationSignals::received, qApp, &QCoreApplication::quit);
     QObject::connect(&m_delegate, &AppDelegate::quitRequested, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
-    QObject::connect(&m_delegate, &AppDelegate::activationRequested, qApp, bringToFront);
+    QObject::connect(&m_delegate, &AppDelegate::activationRequested, qApp, bringOpenWindowsToFront);
     QObject::connect(&m_delegate, &AppDelegate::languageApplied, &m_updateWindow, &UpdateWindowPresenter::retranslate);
     QObject::connect(&m_delegate, &AppDelegate::languageApplied, &m_settingsWindow,
                      &SettingsWindowController::retranslate);
     QObject::connect(&m_delegate, &AppDelegate::settingsWindowRequested, &m_settingsWindow,
                      [this](SettingsTab tab, const QString &token) {
                          m_settingsWindow.open(tab);
-                         bringToFront(token);
+                         bringOpenWindowsToFront(token);
                      });
     QObject::connect(&m_singleInstance, &SingleInstance::activated, &m_delegate, &AppDelegate::activate);
     QObject::connect(&m_singleInstance, &SingleInstance::urlsOpened, &m_delegate, &AppDelegate::openUrls);
@@ -203,7 +184,7 @@ const MotionPreference &Application::motion()
 bool Application::isSecondCopy()
 {
     const QStringList addresses = openedAddresses();
-    const QString token = activationToken();
+    const QString token = takeActivationToken();
     if (m_singleInstance.claim(addresses, token) == SingleInstance::Role::alreadyRunning)
         return true;
     // After the start, as with addresses that a launcher opens later.

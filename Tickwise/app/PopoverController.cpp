@@ -49,9 +49,9 @@ void PopoverController::toggle(const PopoverAnchor &anchor)
     if (m_changed && m_clock() - *m_changed < sameClick)
         return;
     if (m_isShown)
-        close();
-    else
-        open(anchor);
+        return close();
+    Q_EMIT activationRequested();
+    open(anchor);
 }
 
 void PopoverController::open(const PopoverAnchor &anchor)
@@ -72,9 +72,12 @@ void PopoverController::open(const PopoverAnchor &anchor)
     Q_EMIT isShownChanged(true);
 }
 
-void PopoverController::openAfterLaunch(const PopoverAnchor &anchor, int retries)
+void PopoverController::openAfterLaunch(const std::function<PopoverAnchor()> &anchor, int retries)
 {
-    open(anchor);
+    if (m_isShown)
+        return;
+    Q_EMIT activationRequested();
+    open(anchor());
     if (m_isShown || retries <= 0)
         return;
     QTimer::singleShot(launchRetryInterval, this, [this, anchor, retries] { openAfterLaunch(anchor, retries - 1); });

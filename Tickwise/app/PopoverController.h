@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 
 namespace tickwise {
@@ -33,8 +34,9 @@ public:
     void toggle(const PopoverAnchor &anchor);
     /// Opens the popover unless it is shown.
     void open(const PopoverAnchor &anchor);
-    /// The same, and tries again for a while where the desktop is not ready for it.
-    void openAfterLaunch(const PopoverAnchor &anchor, int retries = launchRetries);
+    /// Opens it as a click does, and tries again for a while where the desktop is not ready for it. The anchor is asked
+    /// for at each try: the status item may come in between.
+    void openAfterLaunch(const std::function<PopoverAnchor()> &anchor, int retries = launchRetries);
     void close();
 
     /// Takes the language anew.
@@ -43,6 +45,9 @@ public:
     PopoverWindow *window() { return m_window.get(); }
 
 Q_SIGNALS:
+    /// Comes before a click or the launch opens the popover. A window that is activated later would take the focus from
+    /// the popover, which can close it.
+    void activationRequested();
     void isShownChanged(bool shown);
 
 private:

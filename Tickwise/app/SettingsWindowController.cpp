@@ -1,6 +1,7 @@
 #include "app/SettingsWindowController.h"
 
 #include "support/MainThread.h"
+#include "ui/controls/WindowActivation.h"
 #include "ui/watchlist/WatchlistView.h"
 #include "ui/watchlist/WatchlistViewModel.h"
 
@@ -26,9 +27,7 @@ void SettingsWindowController::open(SettingsTab tab)
     m_context.settings.setSettingsWindowTab(tab);
     if (!m_window)
         build();
-    m_window->show();
-    m_window->raise();
-    m_window->activateWindow();
+    bringToFront(*m_window);
 }
 
 void SettingsWindowController::build()

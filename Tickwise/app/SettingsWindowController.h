@@ -31,7 +31,8 @@ struct SettingsWindowContext
     std::function<CoinLogoStore &()> logos;
     std::function<const MotionPreference &()> motion;
     AboutInformation about;
-    /// Whether this desktop shows the overlay; asked while a window is open.
+    /// Whether this desktop shows the overlay; asked when a window is built, and when the status item's availability
+    /// changes while it is open.
     std::function<bool()> hasOverlay;
     /// Lets the user move the overlay.
     std::function<void()> adjustOverlay;

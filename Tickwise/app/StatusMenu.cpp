@@ -48,16 +48,13 @@ Menu statusMenu(const AppSettings &settings, const CoinCatalog &catalog, bool ca
     MenuEntry updates = action(QStringLiteral("menu.checkForUpdates"), QStringLiteral("arrow.down.circle.fill"),
                                actions.checkForUpdates);
     updates.enabled = canCheckForUpdates;
-    Menu menu{coinChoice(settings, catalog, actions),
-              separator(),
-              action(QStringLiteral("menu.setting"), QStringLiteral("gearshape"), actions.openSettings),
-              action(QStringLiteral("menu.about"), QStringLiteral("info.circle"), actions.openAbout),
-              std::move(updates),
-              separator(),
-              action(QStringLiteral("menu.quit"), QStringLiteral("power"), actions.quit)};
-    std::erase_if(menu,
-                  [](const MenuEntry &entry) { return entry.kind == MenuEntry::Kind::action && !entry.activate; });
-    return menu;
+    return {coinChoice(settings, catalog, actions),
+            separator(),
+            action(QStringLiteral("menu.setting"), QStringLiteral("gearshape"), actions.openSettings),
+            action(QStringLiteral("menu.about"), QStringLiteral("info.circle"), actions.openAbout),
+            std::move(updates),
+            separator(),
+            action(QStringLiteral("menu.quit"), QStringLiteral("power"), actions.quit)};
 }
 
 } // namespace tickwise

@@ -8,7 +8,7 @@
 
 namespace tickwise {
 
-/// What the entries of the status menu do; an entry without its action is left out.
+/// What the entries of the status menu do.
 struct StatusMenuActions
 {
     std::function<void(const QString &coinId)> changeCoin;

@@ -100,6 +100,7 @@ private Q_SLOTS:
     void clickOpensAndTheNextCloses();
     void theClickThatClosedItOpensNothing();
     void aClickToldTwiceOpens();
+    void onlyAClickThatOpensActivates();
     void escapeCloses();
     void openingAShownPopoverChangesNothing();
     void navigatingClosesFirst();
@@ -145,6 +146,19 @@ void PopoverControllerTest::aClickToldTwiceOpens()
     world.click();
     world.click();
     QVERIFY(world.controller->isShown());
+}
+
+void PopoverControllerTest::onlyAClickThatOpensActivates()
+{
+    PopoverControllerWorld world;
+    connect(world.controller.get(), &PopoverController::activationRequested, this,
+            [&world] { world.log.push_back(QStringLiteral("activate")); });
+    world.click();
+    world.click();
+    world.now += 1s;
+    world.click();
+    world.click();
+    QCOMPARE(world.log, words({"activate", "show 298", "hide"}));
 }
 
 void PopoverControllerTest::escapeCloses()
@@ -224,9 +238,12 @@ void PopoverControllerTest::triesAgainAfterLaunch()
 {
     PopoverControllerWorld world;
     world.surface->refusals = 2;
-    world.controller->openAfterLaunch({});
+    PopoverAnchor anchor;
+    world.controller->openAfterLaunch([&anchor] { return anchor; });
     QVERIFY(!world.controller->isShown());
+    anchor.item = QRect(1000, 0, 80, 30);
     QTRY_VERIFY(world.controller->isShown());
+    QCOMPARE(world.surface->lastAnchor.item, anchor.item);
     QCOMPARE(world.log, words({"refused", "refused", "show 298"}));
 }
 
@@ -234,7 +251,7 @@ void PopoverControllerTest::givesUpAfterItsRetries()
 {
     PopoverControllerWorld world;
     world.surface->refusals = 100;
-    world.controller->openAfterLaunch({}, 2);
+    world.controller->openAfterLaunch([] { return PopoverAnchor(); }, 2);
     QTRY_COMPARE(world.log.size(), 3U);
     // Longer than a retry takes.
     QTest::qWait(400);

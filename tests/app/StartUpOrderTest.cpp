@@ -3,6 +3,7 @@
 #include "doubles/AppDoubles.h"
 #include "doubles/Languages.h"
 #include "doubles/PipelineDoubles.h"
+#include "doubles/RecordingDesktopSurface.h"
 #include "doubles/ScriptedHttpClient.h"
 #include "doubles/TestClock.h"
 #include "doubles/TestProgram.h"
@@ -16,7 +17,24 @@ using namespace tickwise::test;
 namespace {
 
 /// What happened, in order.
-using Record = QStringList;
+class Record
+{
+public:
+    void add(const char *what)
+    {
+        steps.append(QString::fromLatin1(what));
+        if (afterEach)
+            afterEach();
+    }
+
+    QStringList steps;
+    std::function<void()> afterEach;
+};
+
+QStringList stepList(const char *text)
+{
+    return QString::fromLatin1(text).split(QStringLiteral(", "));
+}
 
 class TellingNotificationCenter : public RecordingNotificationCenter
 {
@@ -27,7 +45,7 @@ public:
     }
     void requestAuthorization(Completion<void> done) override
     {
-        m_record.append(QStringLiteral("authorization"));
+        m_record.add("authorization");
         RecordingNotificationCenter::requestAuthorization(std::move(done));
     }
 
@@ -44,7 +62,7 @@ public:
     }
     void setRegistered(bool registered, Completion<void> done) override
     {
-        m_record.append(QStringLiteral("login item"));
+        m_record.add("login item");
         RecordingLoginItem::setRegistered(registered, std::move(done));
         if (meanwhile)
             meanwhile();
@@ -65,7 +83,8 @@ public:
     }
     [[nodiscard]] Subscription send(const HttpRequest &request, Completion<HttpResponse> done) override
     {
-        m_record.append(QStringLiteral("request"));
+        const bool isPoll = request.url.host() == QUrl(Endpoints().binanceMain).host();
+        m_record.add(isPoll ? "request" : "logo request");
         return ScriptedHttpClient::send(request, std::move(done));
     }
 
@@ -82,17 +101,58 @@ public:
     }
     void setContent(const StatusItemContent &content) override
     {
-        m_record.append(QStringLiteral("content"));
+        m_record.add("content");
         RecordingStatusItem::setContent(content);
     }
     void setMenu(std::function<Menu()> provider) override
     {
-        m_record.append(QStringLiteral("menu"));
+        m_record.add("menu");
         RecordingStatusItem::setMenu(std::move(provider));
     }
 
 private:
     Record &m_record;
+};
+
+class TellingPopoverSurface : public PopoverSurface
+{
+public:
+    explicit TellingPopoverSurface(Record &record)
+        : m_record(record)
+    {
+        m_record.add("popover surface");
+    }
+    bool show(QWidget &, QSize, int, const PopoverAnchor &) override
+    {
+        m_record.add("popover");
+        return true;
+    }
+    void resize(QSize) override {}
+    void hide() override {}
+
+private:
+    Record &m_record;
+};
+
+class TellingDesktopSurface : public RecordingDesktopSurface
+{
+public:
+    TellingDesktopSurface(QStringList &calls, Record &record)
+        : RecordingDesktopSurface(calls)
+        , m_record(record)
+    {
+        m_record.add("desktop surface");
+    }
+    void setInteractive(bool interactive) override
+    {
+        RecordingDesktopSurface::setInteractive(interactive);
+        if (interactive && !std::exchange(m_wasInteractive, true))
+            m_record.steps.append(QStringLiteral("adjusting"));
+    }
+
+private:
+    Record &m_record;
+    bool m_wasInteractive = false;
 };
 
 /// The action that a widget snapshot writer is given; the writer makes its copy of it when it is made itself.
@@ -106,9 +166,9 @@ public:
     TellingReload(const TellingReload &other)
         : m_record(other.m_record)
     {
-        m_record->append(QStringLiteral("widget writer"));
+        m_record->add("widget writer");
     }
-    void operator()() const { m_record->append(QStringLiteral("widgets reloaded")); }
+    void operator()() const { m_record->add("widgets reloaded"); }
 
 private:
     Record *m_record;
@@ -121,11 +181,9 @@ struct StartUpOrderWorld
     {
         http.hold(Endpoints().binanceMain);
         delegate = std::make_unique<AppDelegate>(environment());
-        QObject::connect(delegate.get(), &AppDelegate::languageApplied,
-                         [this] { record.append(QStringLiteral("language")); });
-        QObject::connect(delegate.get(), &AppDelegate::quitRequested,
-                         [this] { record.append(QStringLiteral("quit")); });
-        record.clear();
+        QObject::connect(delegate.get(), &AppDelegate::languageApplied, [this] { record.add("language"); });
+        QObject::connect(delegate.get(), &AppDelegate::quitRequested, [this] { record.add("quit"); });
+        record.steps.clear();
     }
 
     AppEnvironment environment()
@@ -134,16 +192,18 @@ struct StartUpOrderWorld
                 .httpClient = http,
                 .notificationCenter = notifications,
                 .loginItem = loginItem,
-                .attachUpdater = [this](UpdateController &) { record.append(QStringLiteral("updater")); },
+                .attachUpdater = [this](UpdateController &) { record.add("updater"); },
                 .makeStatusItem =
                     [this] {
-                        record.append(QStringLiteral("status item"));
+                        record.add("status item");
                         return std::make_unique<TellingStatusItem>(record);
                     },
+                .makePopoverSurface = [this] { return std::make_unique<TellingPopoverSurface>(record); },
+                .makeDesktopSurface = [this] { return std::make_unique<TellingDesktopSurface>(overlayCalls, record); },
                 .reloadWidgets = TellingReload(record),
                 .isSecondCopy =
                     [this] {
-                        record.append(QStringLiteral("second copy?"));
+                        record.add("second copy?");
                         return secondCopy;
                     },
                 .container = container.path(),
@@ -151,16 +211,30 @@ struct StartUpOrderWorld
                 .clock = clock.clock()};
     }
 
-    Record launch()
+    QStringList launch()
     {
         delegate->applicationDidFinishLaunching();
-        return record;
+        return record.steps;
+    }
+    void change(const std::function<void(AppSettings &)> &edit)
+    {
+        AppSettings settings = delegate->settingsViewModel().settings();
+        edit(settings);
+        delegate->settingsViewModel().update(settings);
     }
     void setInterval(double seconds)
     {
-        AppSettings settings = delegate->settingsViewModel().settings();
-        settings.pollingInterval = seconds;
-        delegate->settingsViewModel().update(settings);
+        change([seconds](AppSettings &settings) { settings.pollingInterval = seconds; });
+    }
+    /// From now on posts both notifications after each step, which tells from when on they are observed.
+    void postAfterEachStep()
+    {
+        QObject::connect(delegate.get(), &AppDelegate::settingsWindowRequested,
+                         [this] { record.steps.append(QStringLiteral("settings window")); });
+        record.afterEach = [this] {
+            delegate->notificationCenter().post(NotificationCenter::adjustDesktopOverlay);
+            delegate->notificationCenter().post(NotificationCenter::navigate);
+        };
     }
     int polls() const { return static_cast<int>(http.urls(Endpoints().binanceMain).size()); }
 
@@ -171,6 +245,7 @@ struct StartUpOrderWorld
     TellingHttpClient http{record};
     TellingNotificationCenter notifications{record};
     TellingLoginItem loginItem{record};
+    QStringList overlayCalls;
     bool secondCopy = false;
     QProcessEnvironment processEnvironment;
     std::unique_ptr<AppDelegate> delegate;
@@ -204,23 +279,28 @@ void StartUpOrderTest::cleanup()
 void StartUpOrderTest::constructionDoesNothing()
 {
     StartUpOrderWorld world;
-    QCOMPARE(world.record, Record());
+    QCOMPARE(world.record.steps, QStringList());
     QCOMPARE(world.storage.writes, 0);
 }
 
 void StartUpOrderTest::everyStepInItsOrder()
 {
     StartUpOrderWorld world;
-    Record record = world.launch();
+    world.change([](AppSettings &settings) {
+        settings.watchlistCoins.push_back({QStringLiteral("stellar")}); // has no shipped logo
+        settings.desktopOverlayEnabled = true;
+    });
+    world.delegate->setOpensPopoverAfterLaunch(true);
+    world.postAfterEachStep();
+    QStringList steps = world.launch();
+    world.record.add("started");
+    QCOMPARE(world.record.steps.mid(steps.size()), stepList("started, settings window"));
     // The language that is applied last draws the item once more.
-    QCOMPARE(record.mid(record.indexOf(QStringLiteral("login item")) + 1),
-             (Record{QStringLiteral("content"), QStringLiteral("language")}));
-    record.removeAll(QStringLiteral("content"));
-    record.removeDuplicates();
-    QCOMPARE(record,
-             (Record{QStringLiteral("second copy?"), QStringLiteral("updater"), QStringLiteral("status item"),
-                     QStringLiteral("request"), QStringLiteral("menu"), QStringLiteral("widget writer"),
-                     QStringLiteral("authorization"), QStringLiteral("login item"), QStringLiteral("language")}));
+    QCOMPARE(steps.mid(steps.indexOf(QStringLiteral("login item")) + 1), stepList("content, language"));
+    steps.removeAll(QStringLiteral("content"));
+    steps.removeDuplicates();
+    QCOMPARE(steps, stepList("second copy?, updater, status item, request, menu, popover surface, widget writer, "
+                             "desktop surface, logo request, popover, adjusting, authorization, login item, language"));
     QCOMPARE(world.notifications.authorizationRequests, 1);
     QCOMPARE(world.loginItem.requests, std::vector<bool>{false});
     QCOMPARE(world.polls(), 1);
@@ -232,8 +312,8 @@ void StartUpOrderTest::withoutUpdater()
     AppEnvironment environment = world.environment();
     environment.attachUpdater = {};
     world.delegate = std::make_unique<AppDelegate>(std::move(environment));
-    world.record.clear();
-    QCOMPARE(world.launch().mid(0, 2), (Record{QStringLiteral("second copy?"), QStringLiteral("status item")}));
+    world.record.steps.clear();
+    QCOMPARE(world.launch().mid(0, 2), stepList("second copy?, status item"));
     QVERIFY(!world.delegate->updateController().isAvailable());
 }
 
@@ -242,15 +322,15 @@ void StartUpOrderTest::testHostStopsBeforeTheFirstStep()
     StartUpOrderWorld world;
     world.processEnvironment.insert(QStringLiteral("XCTestConfigurationFilePath"), QString());
     world.delegate = std::make_unique<AppDelegate>(world.environment());
-    world.record.clear();
-    QCOMPARE(world.launch(), Record());
+    world.record.steps.clear();
+    QCOMPARE(world.launch(), QStringList());
 }
 
 void StartUpOrderTest::secondCopyStopsAtTheSecondStep()
 {
     StartUpOrderWorld world;
     world.secondCopy = true;
-    QCOMPARE(world.launch(), (Record{QStringLiteral("second copy?"), QStringLiteral("quit")}));
+    QCOMPARE(world.launch(), stepList("second copy?, quit"));
 }
 
 void StartUpOrderTest::widgetWriterWorksAfterStartUp()
@@ -258,7 +338,7 @@ void StartUpOrderTest::widgetWriterWorksAfterStartUp()
     StartUpOrderWorld world;
     const QString snapshot = world.container.filePath(QStringLiteral("widget-snapshot.json"));
     QVERIFY(!world.launch().contains(QStringLiteral("widgets reloaded")));
-    QTRY_COMPARE(world.record.count(QStringLiteral("widgets reloaded")), 1);
+    QTRY_COMPARE(world.record.steps.count(QStringLiteral("widgets reloaded")), 1);
     QVERIFY(QFile::exists(snapshot));
 }
 
@@ -284,5 +364,5 @@ void StartUpOrderTest::reloadStreamSeesWhatTheStepsAfterItChange()
     QTRY_COMPARE(world.polls(), 2);
 }
 
-TICKWISE_TEST(StartUpOrderTest)
+TICKWISE_WIDGET_TEST(StartUpOrderTest)
 #include "StartUpOrderTest.moc"

@@ -65,7 +65,6 @@ private Q_SLOTS:
     void entriesInTheirOrder();
     void entriesDoWhatTheySay();
     void coinsInSettingsOrder();
-    void anAbsentActionLeavesItsEntryOut();
     void updatesAreOffWhileNoCheckIsPossible();
     void everyWindowEntryHasAnIcon();
 };
@@ -98,18 +97,6 @@ void StatusMenuTest::coinsInSettingsOrder()
     QCOMPARE(textsOf(change.children), (QStringList{QStringLiteral("ETH - ETH"), QStringLiteral("BTC - BTC")}));
     QCOMPARE(change.children[0].checked, std::optional(false));
     QCOMPARE(change.children[1].checked, std::optional(true));
-}
-
-void StatusMenuTest::anAbsentActionLeavesItsEntryOut()
-{
-    QStringList calls;
-    StatusMenuActions actions = allActions(calls);
-    actions.openSettings = {};
-    QVERIFY(!textsOf(menuWith(actions)).contains(localized(QStringLiteral("menu.setting"))));
-    actions.openAbout = {};
-    QCOMPARE(textsOf(menuWith(actions)),
-             keysToTexts({QStringLiteral("menu.change"), QStringLiteral("-"), QStringLiteral("menu.checkForUpdates"),
-                          QStringLiteral("-"), QStringLiteral("menu.quit")}));
 }
 
 void StatusMenuTest::updatesAreOffWhileNoCheckIsPossible()

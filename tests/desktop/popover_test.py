@@ -8,6 +8,7 @@ from accessible_tree import AccessibleTree
 from application import IDENTIFIER, Application, Texts, coin, keep_picture, read, settings_file
 from desktop_session import SwaySession, X11Session
 from panel_pixels import GREEN, coloured, middle, wait_for_box
+from settings_window import open_settings, wait_for_settings_on_x11
 
 ENGLISH = Texts("en")
 TITLE = ENGLISH.text("popover.watchlist")
@@ -265,6 +266,22 @@ class AccessibilityTest(unittest.TestCase):
             quit_text = ENGLISH.text("popover.quit.help")
             next(node for node in found if node.name == quit_text).press()
             self.assertEqual(application.process.wait(), 0)
+
+    def test_opens_while_the_settings_window_is_open(self):
+        """A popover that screen readers see closes when it loses the focus: the settings window must not come to the front after it."""
+        with X11Session("xfce4-panel", "xfwm4", notifications=None) as desktop:
+            application = Application(desktop, PRICES, addedCoins=COINS, env=AccessibleTree(desktop).environment)
+            application.wait_for_content(text="BTC 67,432")
+            item = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 40))
+            open_settings(desktop)
+            wait_for_settings_on_x11(desktop)
+            desktop.click(*item)
+            wait_for_popover(desktop, application)
+            # A poll is a while in which the popover would have closed.
+            application.poll()
+            wait_for_popover(desktop, application)
+            desktop.press_key("Escape")
+            wait_for_its_end(desktop, application)
 
 
 if __name__ == "__main__":

@@ -145,8 +145,8 @@ class LoginItemTest(unittest.TestCase):
 
 
 class UpdateTest(unittest.TestCase):
-    def start(self, desktop, update):
-        application = Application(desktop, commands=["updater", update])
+    def start(self, desktop, update, env=None):
+        application = Application(desktop, commands=["updater", update], env=env)
         application.wait_for_polls(1)
         return application
 
@@ -201,6 +201,21 @@ class UpdateTest(unittest.TestCase):
             self.press(application, "update.close")
             desktop.wait_for(lambda: application.windows() == [], what="the window's end")
             self.assertTrue(os.path.exists(package), "the package is gone")
+
+    def test_quits_while_a_package_is_opened(self):
+        with X11Session(None, notifications=None) as desktop:
+            # The handler runs as long as the application.
+            handler = "while kill -0 $PPID 2>/dev/null; do sleep 0.05; done"
+            for name, command in (("xdg-mime", "echo handler.desktop"), ("xdg-open", handler)):
+                path = desktop.write_file(os.path.join("handler", name), f"#!/bin/sh\n{command}\n")
+                os.chmod(path, 0o755)
+            programs = os.path.dirname(path) + os.pathsep + desktop.environment["PATH"]
+            application = self.start(desktop, "signedUpdate 9.1", {"PATH": programs})
+            self.install(application)
+            application.wait_for_window_text(ENGLISH.text("update.ready"))
+            self.press(application, "update.install")
+            application.wait_for_window_text(ENGLISH.text("update.installing"))
+            self.assertEqual(application.stop(), 0)
 
     def check_refused(self, update, key):
         with X11Session(None, notifications=None) as desktop:

@@ -60,6 +60,25 @@ class WindowTest(unittest.TestCase):
                 desktop.message(f"[app_id=.*] resize set width {asked[0]} px height {asked[1]} px")
                 desktop.wait_for(lambda: content() == got, what=f"{got} for {asked}")
 
+    def check_minimized_window_comes_back(self, window_manager):
+        with X11Session("xfce4-panel", window_manager, notifications=None) as desktop:
+            start(desktop)
+            open_settings(desktop)
+            window = wait_for_settings_on_x11(desktop)
+            desktop.tool(["xdotool", "windowminimize", str(window)])
+            desktop.wait_for(lambda: window not in desktop.windows("app_probe"), what="the minimized window")
+            open_settings(desktop)
+            desktop.wait_for(lambda: window in desktop.windows("app_probe"), what="the window")
+            active = f"_NET_ACTIVE_WINDOW: window id # {window:#x}".encode()
+            desktop.wait_for(lambda: active in desktop.tool(["xprop", "-root", "-notype", "_NET_ACTIVE_WINDOW"]),
+                             what="the focus on the window")
+
+    def test_minimized_window_comes_back_under_openbox(self):
+        self.check_minimized_window_comes_back("openbox")
+
+    def test_minimized_window_comes_back_under_xfwm4(self):
+        self.check_minimized_window_comes_back("xfwm4")
+
     def test_a_frame_that_is_on_no_screen(self):
         with X11Session("xfce4-panel", notifications=None) as desktop:
             frame = os.path.join(os.path.dirname(settings_file(desktop)), "SettingsWindow.json")

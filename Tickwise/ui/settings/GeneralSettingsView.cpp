@@ -19,7 +19,7 @@ constexpr int pickerWidth = 220;
 constexpr int textSizePickerWidth = 160;
 constexpr int opacitySliderWidth = 176;
 constexpr int opacityLabelWidth = 40;
-constexpr int opacitySteps = 100;
+constexpr int opacitySteps = 100; ///< one a percent
 
 std::function<QString()> textOf(const QString &key)
 {
@@ -28,7 +28,7 @@ std::function<QString()> textOf(const QString &key)
 
 int percent(double share)
 {
-    return std::isfinite(share) ? int(std::lround(std::clamp(share, 0.0, 1.0) * 100)) : 0;
+    return std::isfinite(share) ? int(std::lround(std::clamp(share, 0.0, 1.0) * opacitySteps)) : 0;
 }
 
 QString coinTitle(const QString &id, const CoinCatalog &catalog)
@@ -105,6 +105,11 @@ void GeneralSettingsView::showAbilities()
     m_statusItemHint->setText(key.isEmpty() ? QString() : localized(key));
     m_statusItemHint->setVisible(!key.isEmpty());
     m_overlayUnavailable->setVisible(!m_abilities.hasOverlay);
+    enableAdjusting();
+}
+
+void GeneralSettingsView::enableAdjusting()
+{
     m_adjust->setEnabled(m_abilities.hasOverlay && settingsViewModel().settings().desktopOverlayEnabled);
 }
 
@@ -189,12 +194,10 @@ void GeneralSettingsView::buildDesktop()
     adjust->setObjectName(QStringLiteral("desktop.adjust.start"));
     adjust->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     translate([adjust] { adjust->setText(localized(QStringLiteral("desktop.adjust.start"))); });
-    follow([this, adjust](const AppSettings &settings) {
-        adjust->setEnabled(settings.desktopOverlayEnabled && m_abilities.hasOverlay);
-    });
+    m_adjust = adjust;
+    follow([this](const AppSettings &) { enableAdjusting(); });
     connect(adjust, &QPushButton::clicked, this, &GeneralSettingsView::adjustOverlayRequested);
     section->addRow(adjust);
-    m_adjust = adjust;
 }
 
 void GeneralSettingsView::buildOpacity(QFormLayout *section)
@@ -217,10 +220,10 @@ void GeneralSettingsView::buildOpacity(QFormLayout *section)
     addRow(section, QStringLiteral("desktop.opacity"), control);
     translate([slider] { slider->setAccessibleName(localized(QStringLiteral("desktop.opacity"))); });
     follow([slider, label](const AppSettings &settings) {
-        const double opacity = settings.desktopOverlayBackgroundOpacity;
+        const int opacity = percent(settings.desktopOverlayBackgroundOpacity);
         const QSignalBlocker blocker(slider);
-        slider->setValue(std::isfinite(opacity) ? int(std::lround(std::clamp(opacity, 0.0, 1.0) * opacitySteps)) : 0);
-        label->setText(QString::number(percent(opacity)) + QLatin1Char('%'));
+        slider->setValue(opacity);
+        label->setText(QString::number(opacity) + QLatin1Char('%'));
     });
     connect(slider, &QSlider::valueChanged, this, [this](int value) {
         edit([&](AppSettings &settings) { settings.desktopOverlayBackgroundOpacity = double(value) / opacitySteps; });

@@ -29,6 +29,7 @@ Q_SIGNALS:
 
 private:
     void showAbilities();
+    void enableAdjusting();
     void buildLaunch();
     void buildPanel();
     void buildDisplayedCoin(QFormLayout *section);

@@ -19,7 +19,7 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcSettings, "com.pelmo.tickwise.Settings", QtInfoMsg)
 
-constexpr int tabIconSide = 48;
+constexpr int windowIconSide = 48;
 constexpr int topMargin = 6;
 
 QString frameKey()
@@ -62,7 +62,7 @@ SettingsWindow::SettingsWindow(SettingsViewModel &settings, SettingsDataStorage 
     m_tabs->setDocumentMode(true);
     for (QWidget *const page : {pages.general, pages.watchlist, pages.about})
         m_tabs->addTab(scrolling(page), QString());
-    setWindowIcon(appLogo(tabIconSide, qGuiApp->devicePixelRatio()));
+    setWindowIcon(appLogo(windowIconSide, qGuiApp->devicePixelRatio()));
     writeTexts();
     setSizeLimits(settingsWindowMinimum, settingsWindowMaximum);
     restoreFrame();

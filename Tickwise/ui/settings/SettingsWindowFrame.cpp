@@ -12,16 +12,28 @@ namespace {
 
 constexpr int coordinateLimit = 1 << 20; ///< no desktop is larger
 
-double distance(const QRect &a, const QRect &b)
+qint64 sharedArea(const QRect &a, const QRect &b)
 {
-    const QPointF between = a.center() - b.center();
-    return std::hypot(between.x(), between.y());
+    const QRect shared = a & b;
+    return qint64(shared.width()) * shared.height();
 }
 
-const QRect &nearestScreen(const QRect &frame, const std::vector<QRect> &screens)
+/// How far the rectangles lie apart.
+double gapBetween(const QRect &a, const QRect &b)
 {
+    const int x = std::max({0, a.left() - b.right(), b.left() - a.right()});
+    const int y = std::max({0, a.top() - b.bottom(), b.top() - a.bottom()});
+    return std::hypot(x, y);
+}
+
+/// The screen that shows the largest part of the frame; where none shows any of it, the nearest.
+const QRect &closestScreen(const QRect &frame, const std::vector<QRect> &screens)
+{
+    const auto rank = [&frame](const QRect &screen) {
+        return std::pair(-sharedArea(frame, screen), gapBetween(frame, screen));
+    };
     return *std::min_element(screens.begin(), screens.end(),
-                             [&](const QRect &a, const QRect &b) { return distance(a, frame) < distance(b, frame); });
+                             [&](const QRect &a, const QRect &b) { return rank(a) < rank(b); });
 }
 
 int clampedStart(int start, int length, int low, int lengthOfAll)
@@ -50,7 +62,7 @@ QRect restoredSettingsWindowFrame(const std::optional<QRect> &saved, const std::
         std::any_of(screens.begin(), screens.end(), [&](const QRect &screen) { return screen.contains(frame); });
     if (isOnAScreen)
         return frame;
-    const QRect &screen = nearestScreen(frame, screens);
+    const QRect &screen = closestScreen(frame, screens);
     frame.moveLeft(clampedStart(frame.left(), frame.width(), screen.left(), screen.width()));
     frame.moveTop(clampedStart(frame.top(), frame.height(), screen.top(), screen.height()));
     return frame;

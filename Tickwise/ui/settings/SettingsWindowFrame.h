@@ -16,9 +16,9 @@ inline constexpr QSize settingsWindowMaximum(800, 500);
 /// The size brought inside the limits.
 QSize clampedSettingsWindowSize(QSize size);
 
-/// The frame that a window opens with: the saved one inside the limits of its size and, where it lies off every screen
-/// or only with a corner on one, moved into the nearest; without a saved one in the middle of the first screen.
-/// `screens` are the areas without panels.
+/// The frame that a window opens with: the saved one inside the limits of its size and, where no screen has all of it,
+/// moved into the one that has the largest part, or into the nearest where none has any; without a saved one in the
+/// middle of the first screen. `screens` are the areas without panels.
 QRect restoredSettingsWindowFrame(const std::optional<QRect> &saved, const std::vector<QRect> &screens);
 
 /// A frame as it is stored: a JSON array of x, y, width and height.

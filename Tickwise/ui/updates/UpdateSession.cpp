@@ -138,8 +138,7 @@ void UpdateSession::perform(UpdateAction action)
     case UpdateAction::install:
         return verifyAgain();
     case UpdateAction::restart:
-        m_services.installer.restart();
-        return finish();
+        return restart();
     case UpdateAction::skip:
         return skipVersion();
     case UpdateAction::remindLater:
@@ -151,6 +150,14 @@ void UpdateSession::perform(UpdateAction action)
         if (m_state.phase != UpdatePhase::installing)
             finish();
     }
+}
+
+// Quitting closes the window, which may choose once more: the session has to be over by then, and is deleted with it.
+void UpdateSession::restart()
+{
+    PackageInstaller &installer = m_services.installer;
+    finish();
+    installer.restart();
 }
 
 void UpdateSession::skipVersion()

@@ -70,6 +70,7 @@ private:
     void receiveOffer(const AppcastItem &item);
     void offer(const AppcastItem &item);
     void perform(UpdateAction action);
+    void restart();
     void skipVersion();
     void forgetSkippedVersion();
     void acceptOffer();

@@ -1,5 +1,6 @@
 #include "ui/updates/UpdateWindow.h"
 
+#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
@@ -39,7 +40,9 @@ void UpdateWindow::buildText(QVBoxLayout *layout)
     // Versions come from the feed: never as markup.
     m_text->setTextFormat(Qt::PlainText);
     m_text->setWordWrap(true);
-    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse); // a path in it can be copied
+    // A path in it can be copied, by the keyboard too.
+    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_text->setFocusPolicy(Qt::StrongFocus);
     layout->addWidget(m_text);
 }
 
@@ -125,6 +128,13 @@ void UpdateWindow::addButton(const UpdateButton &button)
     widget->show();
     if (isFirst)
         widget->setFocus();
+}
+
+void UpdateWindow::closeEvent(QCloseEvent *event)
+{
+    // An ignored event would keep the application from quitting.
+    event->accept();
+    reject();
 }
 
 void UpdateWindow::reject()

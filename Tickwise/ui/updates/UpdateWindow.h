@@ -29,6 +29,10 @@ public:
 Q_SIGNALS:
     void chosen(tickwise::UpdateAction action);
 
+protected:
+    /// Closes also while an installation goes on, whatever the session makes of it.
+    void closeEvent(QCloseEvent *event) override;
+
 private:
     void buildText(QVBoxLayout *layout);
     void buildNotes(QVBoxLayout *layout);

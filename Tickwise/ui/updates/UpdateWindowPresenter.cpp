@@ -1,5 +1,7 @@
 #include "ui/updates/UpdateWindowPresenter.h"
 
+#include "ui/controls/WindowActivation.h"
+
 namespace tickwise {
 
 UpdateWindowPresenter::UpdateWindowPresenter(QObject *parent)
@@ -16,12 +18,10 @@ UpdateWindowPresenter::~UpdateWindowPresenter()
 void UpdateWindowPresenter::show(const UpdateState &state)
 {
     m_state = state;
-    const bool isNew = !m_window;
-    if (isNew)
+    if (!m_window)
         openWindow();
     m_window->setContent(updateWindowContent(m_state));
-    if (isNew)
-        m_window->show();
+    m_window->show(); // the user may have closed it while an installation went on
 }
 
 void UpdateWindowPresenter::openWindow()
@@ -32,10 +32,8 @@ void UpdateWindowPresenter::openWindow()
 
 void UpdateWindowPresenter::bringToFront()
 {
-    if (!m_window)
-        return;
-    m_window->raise();
-    m_window->activateWindow();
+    if (m_window)
+        tickwise::bringToFront(*m_window);
 }
 
 void UpdateWindowPresenter::dismiss()

@@ -54,6 +54,12 @@ void SettingsWindowFrameTest::restores_data()
     row("on a screen that is gone", QRect(1500, 50, 700, 450), {first}, QRect(580, 50, 700, 450));
     row("far away", QRect(900000, -900000, 700, 450), {first, second}, QRect(2500, 0, 700, 450));
     row("over an edge", QRect(-100, 700, 700, 450), {first}, QRect(0, 350, 700, 450));
+    const QRect wide(0, 0, 3840, 1080);
+    const QRect beside(3840, 0, 1280, 1080);
+    row("over the edge to a smaller screen", QRect(3200, 50, 700, 450), {wide, beside}, QRect(3140, 50, 700, 450));
+    row("mostly on the smaller screen", QRect(3600, 50, 700, 450), {wide, beside}, QRect(3840, 50, 700, 450));
+    row("below a wide screen", QRect(3100, 1200, 700, 450), {wide, beside}, QRect(3100, 630, 700, 450));
+    row("right of all screens", QRect(6000, 50, 700, 450), {wide, beside}, QRect(4420, 50, 700, 450));
     row("a screen that is too small", QRect(100, 50, 700, 450), {QRect(10, 20, 400, 300)}, QRect(10, 20, 700, 450));
     row("no screens", QRect(100, 50, 700, 450), {}, QRect(100, 50, 700, 450));
 }

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void installationEndsByItself();
     void packagesThatNothingOpens();
     void anInstalledVersionNeedsARestart();
+    void restartingEndsTheSessionFirst();
     void laterRemovesThePackage();
     void openedPackagesStay();
 };
@@ -91,6 +92,27 @@ void UpdateInstallationTest::anInstalledVersionNeedsARestart()
     QTRY_VERIFY(world.stored().lastCheck == world.clock.now());
     QVERIFY(!world.controller->updateAvailable());
     QCOMPARE(world.driver.dismissals, 3);
+}
+
+/// The end of the program closes the session's window, which chooses then.
+void UpdateInstallationTest::restartingEndsTheSessionFirst()
+{
+    UpdateWorld world;
+    world.installer.result = PackageInstallation::replaced;
+    world.publish({{}});
+    downloadUntil(world, ready);
+    world.driver.choose(UpdateAction::install);
+    QTRY_COMPARE(world.driver.phase(), std::optional(restartNeeded));
+    int dismissals = 0;
+    world.installer.onRestart = [&] {
+        dismissals = world.driver.dismissals;
+        world.driver.choose(UpdateAction::close);
+    };
+    world.driver.choose(UpdateAction::restart);
+    QCOMPARE(world.installer.restarts, 1);
+    QCOMPARE(dismissals, 1);
+    QCOMPARE(world.driver.dismissals, 1);
+    QVERIFY(world.controller->canCheckForUpdates());
 }
 
 void UpdateInstallationTest::laterRemovesThePackage()

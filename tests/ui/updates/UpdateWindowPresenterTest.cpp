@@ -29,6 +29,8 @@ private Q_SLOTS:
     void theUserClosesThroughTheSession();
     void dismissDeletesTheWindowLater();
     void aButtonMayDismiss();
+    void shownAgainAfterAnInstallation();
+    void comesToTheFrontWhenMinimized();
     void withoutAWindow();
     void retranslates();
 };
@@ -87,6 +89,28 @@ void UpdateWindowPresenterTest::aButtonMayDismiss()
     QTest::mouseClick(window->findChild<QPushButton *>(), Qt::LeftButton);
     QVERIFY(!presenter.window());
     QTRY_VERIFY(!window);
+}
+
+void UpdateWindowPresenterTest::shownAgainAfterAnInstallation()
+{
+    UpdateWindowPresenter presenter;
+    presenter.show(shortStateOf(UpdatePhase::installing));
+    UpdateWindow *const window = presenter.window();
+    window->close();
+    QVERIFY(!window->isVisible());
+    presenter.show(shortStateOf(UpdatePhase::restartNeeded));
+    QCOMPARE(presenter.window(), window);
+    QVERIFY(window->isVisible());
+}
+
+void UpdateWindowPresenterTest::comesToTheFrontWhenMinimized()
+{
+    UpdateWindowPresenter presenter;
+    presenter.show(shortStateOf(UpdatePhase::available));
+    presenter.window()->showMinimized();
+    presenter.bringToFront();
+    QVERIFY(!presenter.window()->isMinimized());
+    QVERIFY(QTest::qWaitForWindowActive(presenter.window()));
 }
 
 void UpdateWindowPresenterTest::withoutAWindow()

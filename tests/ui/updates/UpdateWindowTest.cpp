@@ -65,6 +65,7 @@ private Q_SLOTS:
     void progressKeepsTheFocus();
     void aButtonMayChangeTheButtons();
     void installingHasNoButtons();
+    void closesWhileInstalling();
     void thePathCanBeCopied();
     void tabReachesEverything();
     void everythingHasAnAccessibleName();
@@ -243,6 +244,21 @@ void UpdateWindowTest::installingHasNoButtons()
     QCOMPARE(buttonsOf(window).size(), 2);
 }
 
+/// A window that refuses to close keeps the application from quitting.
+void UpdateWindowTest::closesWhileInstalling()
+{
+    UpdateWindow window;
+    window.setContent(updateWindowContent(fullStateOf(UpdatePhase::installing)));
+    window.show();
+    const QSignalSpy chosen(&window, &UpdateWindow::chosen);
+    QTest::keyClick(&window, Qt::Key_Escape);
+    QVERIFY(window.isVisible());
+    QVERIFY(window.close());
+    QVERIFY(!window.isVisible());
+    QCOMPARE(chosen.size(), 2);
+    QCOMPARE(actionOf(chosen), UpdateAction::close);
+}
+
 void UpdateWindowTest::thePathCanBeCopied()
 {
     UpdateWindow window;
@@ -250,6 +266,11 @@ void UpdateWindowTest::thePathCanBeCopied()
     auto *text = window.findChild<QLabel *>(QStringLiteral("updateText"));
     QVERIFY(text->text().contains(fullStateOf(UpdatePhase::manualInstallation).packagePath));
     QVERIFY(text->textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
+    // By the keyboard alone too.
+    QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+    QCOMPARE(window.focusWidget(), text);
+    QTest::keySequence(text, QKeySequence::SelectAll);
+    QVERIFY(text->selectedText().endsWith(fullStateOf(UpdatePhase::manualInstallation).packagePath));
 }
 
 void UpdateWindowTest::tabReachesEverything()
@@ -257,11 +278,11 @@ void UpdateWindowTest::tabReachesEverything()
     UpdateWindow window;
     open(window, UpdatePhase::available);
     QSet<QWidget *> reached;
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < 5; ++i) {
         reached.insert(window.focusWidget());
         QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
     }
-    QCOMPARE(reached.size(), 4); // three buttons and the notes
+    QCOMPARE(reached.size(), 5); // the text, three buttons and the notes
     QVERIFY(reached.contains(window.findChild<QPlainTextEdit *>()));
 }
 

@@ -10,6 +10,7 @@
 
 #include <QTemporaryDir>
 
+#include <functional>
 #include <map>
 
 namespace tickwise::test {
@@ -42,12 +43,18 @@ class PackageInstallerDouble : public PackageInstaller
 {
 public:
     Subscription install(const QString &path, Completion<PackageInstallation> done) override;
-    void restart() override { ++restarts; }
+    void restart() override
+    {
+        ++restarts;
+        if (onRestart)
+            onRestart();
+    }
 
     Result<PackageInstallation> result = PackageInstallation::opened;
     QStringList paths;  ///< of the packages, in order
     QByteArray content; ///< of the last one
     int restarts = 0;
+    std::function<void()> onRestart; ///< what the end of the program brings about
 };
 
 /// One item of a feed, as its publisher would sign it.

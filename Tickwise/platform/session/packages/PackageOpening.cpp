@@ -20,6 +20,19 @@ PackageOpening::PackageOpening(const QString &path, std::chrono::milliseconds ha
     QObject::connect(m_opener, &QProcess::finished, &m_context, [this](int code, QProcess::ExitStatus status) {
         receiveExit(status == QProcess::NormalExit ? code : -1);
     });
+    // A process that cannot start never finishes. It may say so while it is being started.
+    QObject::connect(
+        m_opener, &QProcess::errorOccurred, &m_context,
+        [this](QProcess::ProcessError error) {
+            if (error == QProcess::FailedToStart)
+                receiveExit(-1);
+        },
+        Qt::QueuedConnection);
+    QObject::connect(m_opener, &QProcess::errorOccurred, m_opener,
+                     [opener = m_opener.data()](QProcess::ProcessError error) {
+                         if (error == QProcess::FailedToStart)
+                             opener->deleteLater();
+                     });
     // xdg-open waits for some handlers until their window is closed.
     m_timer.setSingleShot(true);
     m_timer.callOnTimeout(&m_context, [this] { finish({}); });

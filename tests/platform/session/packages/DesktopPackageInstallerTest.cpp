@@ -34,6 +34,7 @@ private Q_SLOTS:
     void opensWithTheHandler();
     void nothingOpensIt_data();
     void nothingOpensIt();
+    void aHandlerThatCannotStart();
     void aHandlerThatGoesOnHasOpenedIt();
     void replacesTheRunningAppImage();
     void otherPackagesOfAnAppImageAreOpened();
@@ -114,6 +115,16 @@ void DesktopPackageInstallerTest::nothingOpensIt()
     qputenv("PATH", "/nowhere");
     const auto without = install({});
     QVERIFY(without && !without->has_value());
+}
+
+void DesktopPackageInstallerTest::aHandlerThatCannotStart()
+{
+    const QString longerThanAnArgument(1 << 20, QLatin1Char('a'));
+    std::optional<Result<void>> answer;
+    const PackageOpening opening(longerThanAnArgument, 10min, [&](const Result<void> &result) { answer = result; });
+    QVERIFY(!answer);
+    QTRY_VERIFY(answer);
+    QVERIFY(!answer->has_value());
 }
 
 void DesktopPackageInstallerTest::aHandlerThatGoesOnHasOpenedIt()

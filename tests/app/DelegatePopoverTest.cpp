@@ -1,0 +1,182 @@
+#include "app/AppDelegate.h"
+#include "app/PopoverController.h"
+
+#include "doubles/AppDoubles.h"
+#include "doubles/PipelineDoubles.h"
+#include "doubles/ScriptedHttpClient.h"
+#include "doubles/TestClock.h"
+#include "doubles/TestProgram.h"
+
+#include <QPointer>
+#include <QTemporaryDir>
+
+using namespace tickwise;
+using namespace tickwise::test;
+
+namespace {
+
+/// A status item whose host tells where it is.
+class PlacedStatusItem : public RecordingStatusItem
+{
+public:
+    std::optional<QRect> geometry() const override { return place; }
+
+    std::optional<QRect> place;
+};
+
+/// What a popover's surface was asked for.
+struct SurfaceCalls
+{
+    QStringList calls;
+    std::vector<PopoverAnchor> anchors;
+    int refusals = 0;
+};
+
+/// A surface that shows nothing, and can refuse to.
+class CountingPopoverSurface : public PopoverSurface
+{
+public:
+    explicit CountingPopoverSurface(SurfaceCalls &calls)
+        : m_calls(calls)
+    {
+    }
+
+    bool show(QWidget &, QSize popover, int, const PopoverAnchor &anchor) override
+    {
+        m_calls.anchors.push_back(anchor);
+        if (m_calls.refusals-- > 0)
+            return false;
+        m_calls.calls.append(QStringLiteral("shown"));
+        onPlaced({QRect(QPoint(), popover), false, true});
+        return true;
+    }
+    void resize(QSize) override {}
+    void hide() override { m_calls.calls.append(QStringLiteral("hidden")); }
+
+private:
+    SurfaceCalls &m_calls;
+};
+
+/// A delegate whose popover has a place among doubles; not started yet.
+struct DelegatePopoverWorld
+{
+    DelegatePopoverWorld()
+    {
+        http.hold(Endpoints().binanceMain);
+        delegate = std::make_unique<AppDelegate>(environment());
+        QObject::connect(delegate.get(), &AppDelegate::activationRequested,
+                         [this] { surface.calls.append(QStringLiteral("activated")); });
+        QObject::connect(delegate.get(), &AppDelegate::settingsWindowRequested,
+                         [this](SettingsTab tab) { surface.calls.append(rawValue(tab)); });
+    }
+
+    AppEnvironment environment()
+    {
+        return {.defaults = storage,
+                .httpClient = http,
+                .notificationCenter = notifications,
+                .loginItem = loginItem,
+                .makeStatusItem =
+                    [this] {
+                        auto made = std::make_unique<PlacedStatusItem>();
+                        item = made.get();
+                        return made;
+                    },
+                .makePopoverSurface = [this] { return std::make_unique<CountingPopoverSurface>(surface); },
+                .reloadWidgets = [] {},
+                .isSecondCopy = [] { return false; },
+                .container = container.path(),
+                .clock = clock.clock()};
+    }
+    AppDelegate &launch()
+    {
+        delegate->applicationDidFinishLaunching();
+        return *delegate;
+    }
+
+    TestClock clock;
+    QTemporaryDir container;
+    MemoryDefaults storage;
+    ScriptedHttpClient http;
+    RecordingNotificationCenter notifications;
+    RecordingLoginItem loginItem;
+    SurfaceCalls surface;
+    QPointer<PlacedStatusItem> item;
+    std::unique_ptr<AppDelegate> delegate;
+};
+
+QStringList lines(const char *text)
+{
+    return QString::fromLatin1(text).split(QStringLiteral(", "));
+}
+
+} // namespace
+
+class DelegatePopoverTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aClickActivatesFirst();
+    void anActivationOpensIt();
+    void theStatusMenuClosesIt();
+    void nothingOpensItAfterTheStart();
+    void opensAfterTheStart();
+};
+
+void DelegatePopoverTest::aClickActivatesFirst()
+{
+    DelegatePopoverWorld world;
+    world.launch();
+    world.item->place = QRect(1000, 0, 80, 30);
+    Q_EMIT world.item->clicked(QPoint(1040, 10));
+    QCOMPARE(world.surface.calls, lines("activated, shown"));
+    const PopoverAnchor anchor{PopoverAnchor::Cause::click, QRect(1000, 0, 80, 30), QPoint(1040, 10), true};
+    QVERIFY(world.surface.anchors == std::vector{anchor});
+}
+
+void DelegatePopoverTest::anActivationOpensIt()
+{
+    DelegatePopoverWorld world;
+    world.launch().activate(QStringLiteral("token-1"));
+    QCOMPARE(world.surface.calls, lines("activated, shown"));
+    QVERIFY(world.surface.anchors == std::vector{PopoverAnchor()});
+}
+
+void DelegatePopoverTest::theStatusMenuClosesIt()
+{
+    DelegatePopoverWorld world;
+    world.launch().activate();
+    world.surface.calls.clear();
+    world.item->menu()[2].activate();
+    QCOMPARE(world.surface.calls, lines("hidden, general"));
+    QVERIFY(!world.delegate->popover()->isShown());
+    world.item->menu()[3].activate();
+    QCOMPARE(world.surface.calls, lines("hidden, general, about"));
+}
+
+void DelegatePopoverTest::nothingOpensItAfterTheStart()
+{
+    DelegatePopoverWorld world;
+    world.launch();
+    QVERIFY(world.surface.anchors.empty());
+}
+
+void DelegatePopoverTest::opensAfterTheStart()
+{
+    DelegatePopoverWorld world;
+    world.delegate->setOpensPopoverAfterLaunch(true);
+    world.surface.refusals = 1;
+    world.launch();
+    QVERIFY(!world.delegate->popover()->isShown());
+    // The panel tells where the item is meanwhile.
+    world.item->place = QRect(1000, 0, 80, 30);
+    QTRY_VERIFY(world.delegate->popover()->isShown());
+    QCOMPARE(world.surface.anchors.size(), 2U);
+    QCOMPARE(world.surface.anchors.front().item, std::optional<QRect>());
+    QCOMPARE(world.surface.anchors.back().item, world.item->place);
+    QVERIFY(world.surface.anchors.back().cause == PopoverAnchor::Cause::request);
+}
+
+TICKWISE_WIDGET_TEST(DelegatePopoverTest)
+#include "DelegatePopoverTest.moc"
