@@ -11,8 +11,6 @@ namespace tickwise {
 
 namespace {
 
-const QString noPrice = QStringLiteral("--");
-
 std::optional<double> finite(std::optional<double> value)
 {
     return value && std::isfinite(*value) ? value : std::nullopt;
@@ -39,7 +37,7 @@ CoinRowContent coinRowContent(const CoinRowInputs &inputs)
     CoinRowContent content;
     content.symbol = coin.symbol;
     content.hasPrice = price.has_value();
-    content.price = price ? formatPrice(*price) : noPrice;
+    content.price = price ? formatPrice(*price) : noPriceText();
     if (price)
         content.priceColor = priceColor(inputs.settings, change);
     content.isDelisted = coin.status == CoinStatus::delisted;

@@ -35,7 +35,7 @@ QString filled(const QString &key, const LocalizationBundle &bundle, const std::
 
 QString priceText(const Coin &coin)
 {
-    return coin.currentPrice ? formatAlertPrice(*coin.currentPrice) : QStringLiteral("--");
+    return coin.currentPrice ? formatAlertPrice(*coin.currentPrice) : noPriceText();
 }
 
 QString moveText(double changePercent)

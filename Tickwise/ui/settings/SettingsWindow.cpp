@@ -48,6 +48,13 @@ QWidget *scrolling(QWidget *page)
     return area;
 }
 
+/// KWin does not tile. On Wayland it takes the close button from a window whose size may change later than its title
+/// bar is drawn.
+bool mayBeTiled()
+{
+    return !qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(QStringLiteral("KDE"));
+}
+
 } // namespace
 
 SettingsWindow::SettingsWindow(SettingsViewModel &settings, SettingsDataStorage &storage, const Pages &pages)
@@ -96,7 +103,7 @@ void SettingsWindow::setSizeLimits(QSize minimum, QSize maximum)
 /// it appears.
 void SettingsWindow::showEvent(QShowEvent *event)
 {
-    if (!isActiveWindow())
+    if (!isActiveWindow() && mayBeTiled())
         setSizeLimits(size(), size());
     AccessibleWindow::showEvent(event);
 }

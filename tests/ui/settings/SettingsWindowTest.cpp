@@ -39,6 +39,7 @@ private Q_SLOTS:
     void opensWithItsSize();
     void keepsItsLimits();
     void hasOneSizeUntilItIsActive();
+    void hasItsLimitsAtOnceOnKde();
     void keepsItsFrame();
     void aFrameThatIsNoneIsTheUsualOne();
     void followsTheTab();
@@ -59,6 +60,7 @@ private:
 
 void SettingsWindowTest::init()
 {
+    qunsetenv("XDG_CURRENT_DESKTOP");
     test::useLanguage(AppLanguage::en);
     m_defaults.entries.clear();
     m_defaults.fails = false;
@@ -101,6 +103,16 @@ void SettingsWindowTest::hasOneSizeUntilItIsActive()
     window->hide();
     window->show();
     QCOMPARE(window->size(), QSize(700, 450));
+}
+
+void SettingsWindowTest::hasItsLimitsAtOnceOnKde()
+{
+    qputenv("XDG_CURRENT_DESKTOP", "KDE");
+    const auto clean = qScopeGuard([] { qunsetenv("XDG_CURRENT_DESKTOP"); });
+    const auto window = makeWindow();
+    window->show();
+    QCOMPARE(window->minimumSize(), QSize(600, 420));
+    QCOMPARE(window->maximumSize(), QSize(800, 500));
 }
 
 void SettingsWindowTest::keepsItsFrame()
