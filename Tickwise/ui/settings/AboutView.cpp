@@ -41,6 +41,7 @@ void AboutView::buildVersion(const AboutInformation &information)
     auto *const text = new QLabel(this);
     text->setObjectName(QStringLiteral("about.version"));
     text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    text->setFocusPolicy(Qt::StrongFocus); // these flags alone give no tab stop
     translate([text, information] {
         const QString version = localized(QStringLiteral("about.version")).arg(information.version);
         text->setText(QStringLiteral("<b>%1</b><br>%2").arg(information.name.toHtmlEscaped(), version.toHtmlEscaped()));
