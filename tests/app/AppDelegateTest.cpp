@@ -1,21 +1,16 @@
 #include "app/AppDelegate.h"
 
+#include "app/DelegateDoubles.h"
 #include "catalog/logos/CoinLogoStore.h"
-#include "doubles/AppDoubles.h"
 #include "doubles/Catalogs.h"
 #include "doubles/Languages.h"
-#include "doubles/PipelineDoubles.h"
-#include "doubles/ScriptedHttpClient.h"
-#include "doubles/TestClock.h"
 #include "doubles/TestProgram.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QPointer>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -52,7 +47,7 @@ public:
 };
 
 /// A delegate among doubles.
-struct AppDelegateWorld
+struct AppDelegateWorld : DelegateDoubles
 {
     AppDelegateWorld()
     {
@@ -70,47 +65,22 @@ struct AppDelegateWorld
 
     AppEnvironment environment()
     {
-        AppEnvironment result{.defaults = storage,
-                              .httpClient = http,
-                              .notificationCenter = notifications,
-                              .loginItem = loginItem,
-                              .attachUpdater = attachUpdater,
-                              .makeStatusItem =
-                                  [this] {
-                                      auto made = std::make_unique<RecordingStatusItem>();
-                                      item = made.get();
-                                      return made;
-                                  },
-                              .reloadWidgets = [] {},
-                              .isSecondCopy = [this] { return secondCopy; },
-                              .container = container.path(),
-                              .catalogPath = catalogPath,
-                              .environment = processEnvironment,
-                              .clock = clock.clock(),
-                              .suspendedTime = [this] { return suspendedTime; }};
-        return result;
+        AppEnvironment all = doubles();
+        all.attachUpdater = attachUpdater;
+        all.isSecondCopy = [this] { return secondCopy; };
+        all.catalogPath = catalogPath;
+        all.environment = processEnvironment;
+        all.suspendedTime = [this] { return suspendedTime; };
+        return all;
     }
 
-    void change(const std::function<void(AppSettings &)> &edit)
-    {
-        AppSettings settings = delegate->settingsViewModel().settings();
-        edit(settings);
-        delegate->settingsViewModel().update(settings);
-    }
-    int polls() const { return static_cast<int>(http.urls(Endpoints().binanceMain).size()); }
+    void change(const std::function<void(AppSettings &)> &edit) { changeSettings(*delegate, edit); }
 
-    TestClock clock;
     std::chrono::nanoseconds suspendedTime{0};
-    QTemporaryDir container;
-    MemoryDefaults storage;
-    ScriptedHttpClient http;
-    RecordingNotificationCenter notifications;
-    RecordingLoginItem loginItem;
     bool secondCopy = false;
     QString catalogPath = QStringLiteral(":/coins.json");
     std::function<void(UpdateController &)> attachUpdater;
     QProcessEnvironment processEnvironment{QProcessEnvironment::InheritFromParent};
-    QPointer<RecordingStatusItem> item;
     std::unique_ptr<AppDelegate> delegate;
     std::unique_ptr<QSignalSpy> quit;
 };

@@ -1,15 +1,11 @@
 #include "app/AppDelegate.h"
 
-#include "doubles/AppDoubles.h"
-#include "doubles/PipelineDoubles.h"
+#include "app/DelegateDoubles.h"
 #include "doubles/RecordingDesktopSurface.h"
-#include "doubles/ScriptedHttpClient.h"
-#include "doubles/TestClock.h"
 #include "doubles/TestProgram.h"
 #include "support/Localization.h"
 
 #include <QAbstractButton>
-#include <QTemporaryDir>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -17,46 +13,26 @@ using namespace tickwise::test;
 namespace {
 
 /// A started delegate whose overlay has a place among doubles.
-struct DelegateOverlayWorld
+struct DelegateOverlayWorld : DelegateDoubles
 {
     explicit DelegateOverlayWorld(bool enabled = true)
     {
         http.hold(Endpoints().binanceMain);
-        delegate = std::make_unique<AppDelegate>(
-            AppEnvironment{.defaults = storage,
-                           .httpClient = http,
-                           .notificationCenter = notifications,
-                           .loginItem = loginItem,
-                           .makeStatusItem = [] { return std::make_unique<RecordingStatusItem>(); },
-                           .makeDesktopSurface =
-                               [this] {
-                                   auto made = std::make_unique<RecordingDesktopSurface>(calls);
-                                   surface = made.get();
-                                   return made;
-                               },
-                           .reloadWidgets = [] {},
-                           .isSecondCopy = [] { return false; },
-                           .container = container.path(),
-                           .clock = clock.clock()});
+        AppEnvironment environment = doubles();
+        environment.makeDesktopSurface = [this] {
+            auto made = std::make_unique<RecordingDesktopSurface>(calls);
+            surface = made.get();
+            return made;
+        };
+        delegate = std::make_unique<AppDelegate>(std::move(environment));
         change([enabled](AppSettings &settings) { settings.desktopOverlayEnabled = enabled; });
         delegate->applicationDidFinishLaunching();
     }
 
-    void change(const std::function<void(AppSettings &)> &edit)
-    {
-        AppSettings settings = delegate->settingsViewModel().settings();
-        edit(settings);
-        delegate->settingsViewModel().update(settings);
-    }
+    void change(const std::function<void(AppSettings &)> &edit) { changeSettings(*delegate, edit); }
     void post() { delegate->notificationCenter().post(NotificationCenter::adjustDesktopOverlay); }
     bool isAdjusting() { return delegate->desktopOverlay().model().isAdjusting(); }
 
-    TestClock clock;
-    QTemporaryDir container;
-    MemoryDefaults storage;
-    ScriptedHttpClient http;
-    RecordingNotificationCenter notifications;
-    RecordingLoginItem loginItem;
     QStringList calls;
     RecordingDesktopSurface *surface = nullptr;
     std::unique_ptr<AppDelegate> delegate;

@@ -1,14 +1,7 @@
-#include "app/AppDelegate.h"
 #include "app/PopoverController.h"
 
-#include "doubles/AppDoubles.h"
-#include "doubles/PipelineDoubles.h"
-#include "doubles/ScriptedHttpClient.h"
-#include "doubles/TestClock.h"
+#include "app/DelegateDoubles.h"
 #include "doubles/TestProgram.h"
-
-#include <QPointer>
-#include <QTemporaryDir>
 
 using namespace tickwise;
 using namespace tickwise::test;
@@ -58,7 +51,7 @@ private:
 };
 
 /// A delegate whose popover has a place among doubles; not started yet.
-struct DelegatePopoverWorld
+struct DelegatePopoverWorld : DelegateDoubles
 {
     DelegatePopoverWorld()
     {
@@ -72,21 +65,14 @@ struct DelegatePopoverWorld
 
     AppEnvironment environment()
     {
-        return {.defaults = storage,
-                .httpClient = http,
-                .notificationCenter = notifications,
-                .loginItem = loginItem,
-                .makeStatusItem =
-                    [this] {
-                        auto made = std::make_unique<PlacedStatusItem>();
-                        item = made.get();
-                        return made;
-                    },
-                .makePopoverSurface = [this] { return std::make_unique<CountingPopoverSurface>(surface); },
-                .reloadWidgets = [] {},
-                .isSecondCopy = [] { return false; },
-                .container = container.path(),
-                .clock = clock.clock()};
+        AppEnvironment all = doubles();
+        all.makeStatusItem = [this] {
+            auto made = std::make_unique<PlacedStatusItem>();
+            placedItem = made.get();
+            return made;
+        };
+        all.makePopoverSurface = [this] { return std::make_unique<CountingPopoverSurface>(surface); };
+        return all;
     }
     AppDelegate &launch()
     {
@@ -94,14 +80,8 @@ struct DelegatePopoverWorld
         return *delegate;
     }
 
-    TestClock clock;
-    QTemporaryDir container;
-    MemoryDefaults storage;
-    ScriptedHttpClient http;
-    RecordingNotificationCenter notifications;
-    RecordingLoginItem loginItem;
     SurfaceCalls surface;
-    QPointer<PlacedStatusItem> item;
+    QPointer<PlacedStatusItem> placedItem;
     std::unique_ptr<AppDelegate> delegate;
 };
 
@@ -128,8 +108,8 @@ void DelegatePopoverTest::aClickActivatesFirst()
 {
     DelegatePopoverWorld world;
     world.launch();
-    world.item->place = QRect(1000, 0, 80, 30);
-    Q_EMIT world.item->clicked(QPoint(1040, 10));
+    world.placedItem->place = QRect(1000, 0, 80, 30);
+    Q_EMIT world.placedItem->clicked(QPoint(1040, 10));
     QCOMPARE(world.surface.calls, lines("activated, shown"));
     const PopoverAnchor anchor{PopoverAnchor::Cause::click, QRect(1000, 0, 80, 30), QPoint(1040, 10), true};
     QVERIFY(world.surface.anchors == std::vector{anchor});
@@ -148,10 +128,10 @@ void DelegatePopoverTest::theStatusMenuClosesIt()
     DelegatePopoverWorld world;
     world.launch().activate();
     world.surface.calls.clear();
-    world.item->menu()[2].activate();
+    world.placedItem->menu()[2].activate();
     QCOMPARE(world.surface.calls, lines("hidden, general"));
     QVERIFY(!world.delegate->popover()->isShown());
-    world.item->menu()[3].activate();
+    world.placedItem->menu()[3].activate();
     QCOMPARE(world.surface.calls, lines("hidden, general, about"));
 }
 
@@ -170,11 +150,11 @@ void DelegatePopoverTest::opensAfterTheStart()
     world.launch();
     QVERIFY(!world.delegate->popover()->isShown());
     // The panel tells where the item is meanwhile.
-    world.item->place = QRect(1000, 0, 80, 30);
+    world.placedItem->place = QRect(1000, 0, 80, 30);
     QTRY_VERIFY(world.delegate->popover()->isShown());
     QCOMPARE(world.surface.anchors.size(), 2U);
     QCOMPARE(world.surface.anchors.front().item, std::optional<QRect>());
-    QCOMPARE(world.surface.anchors.back().item, world.item->place);
+    QCOMPARE(world.surface.anchors.back().item, world.placedItem->place);
     QVERIFY(world.surface.anchors.back().cause == PopoverAnchor::Cause::request);
 }
 

@@ -1,21 +1,15 @@
 #pragma once
 
-#include "app/AppDelegate.h"
+#include "app/DelegateDoubles.h"
 #include "app/PopoverController.h"
 #include "app/SettingsWindowController.h"
-#include "doubles/AppDoubles.h"
 #include "doubles/FakeMotion.h"
-#include "doubles/PipelineDoubles.h"
 #include "doubles/RecordingDesktopSurface.h"
-#include "doubles/ScriptedHttpClient.h"
-#include "doubles/TestClock.h"
 #include "ui/popover/CoinPopoverView.h"
 #include "ui/popover/CoinRowModel.h"
 #include "ui/popover/PopoverWindow.h"
 
 #include <QListView>
-#include <QPointer>
-#include <QTemporaryDir>
 
 namespace tickwise::test {
 
@@ -40,7 +34,7 @@ private:
 
 /// The application among doubles, with its popover and two settings windows that can be opened. Bitcoin costs 67,432.4
 /// dollars and rises by 1.5 percent, Ethereum costs 2,500 and falls by 2; a dollar costs 7 yuan.
-class SurfacesWorld
+class SurfacesWorld : public DelegateDoubles
 {
 public:
     explicit SurfacesWorld(const AppSettings &stored, const QString &catalogPath = QStringLiteral(":/coins.json"))
@@ -84,14 +78,8 @@ public:
                     QStringLiteral("[%1,%2]").arg(record("BTC", bitcoin, 1.5), record("ETH", ethereum, -2)).toUtf8());
     }
 
-    int polls() const { return static_cast<int>(http.urls(Endpoints().binanceMain).size()); }
     const AppSettings &settings() const { return delegate->settingsViewModel().settings(); }
-    void change(const std::function<void(AppSettings &)> &edit)
-    {
-        AppSettings changed = settings();
-        edit(changed);
-        delegate->settingsViewModel().update(changed);
-    }
+    void change(const std::function<void(AppSettings &)> &edit) { changeSettings(*delegate, edit); }
 
     const StatusItemContent &itemContent() const { return item->contents.back(); }
     const CoinRowModel &popoverRows() const
@@ -125,15 +113,8 @@ public:
                 .adjustOverlay = [] {}};
     }
 
-    TestClock clock;
-    QTemporaryDir container;
-    mutable MemoryDefaults storage; ///< windows write their frames
-    ScriptedHttpClient http;
-    RecordingNotificationCenter notifications;
-    RecordingLoginItem loginItem;
     FakeMotion motion;
     QStringList overlayCalls;
-    QPointer<RecordingStatusItem> item;
     std::unique_ptr<AppDelegate> delegate;
     std::unique_ptr<SettingsWindowController> windows;
     std::unique_ptr<SettingsWindowController> otherWindows;
@@ -141,24 +122,12 @@ public:
 private:
     AppEnvironment environment()
     {
-        return {.defaults = storage,
-                .httpClient = http,
-                .notificationCenter = notifications,
-                .loginItem = loginItem,
-                .makeStatusItem =
-                    [this] {
-                        auto made = std::make_unique<RecordingStatusItem>();
-                        item = made.get();
-                        return made;
-                    },
-                .makePopoverSurface = [] { return std::make_unique<PlainPopoverSurface>(); },
-                .makeDesktopSurface = [this] { return std::make_unique<RecordingDesktopSurface>(overlayCalls); },
-                .reloadWidgets = [] {},
-                .isSecondCopy = [] { return false; },
-                .container = container.path(),
-                .catalogPath = m_catalogPath,
-                .clock = clock.clock(),
-                .suspendedTime = [] { return std::chrono::nanoseconds(0); }};
+        AppEnvironment all = doubles();
+        all.makePopoverSurface = [] { return std::make_unique<PlainPopoverSurface>(); };
+        all.makeDesktopSurface = [this] { return std::make_unique<RecordingDesktopSurface>(overlayCalls); };
+        all.catalogPath = m_catalogPath;
+        all.suspendedTime = [] { return std::chrono::nanoseconds(0); };
+        return all;
     }
 
     QString m_catalogPath;
