@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Makes the pictures of docs/pictures: the application on private desktops, with prices that are always the same.
 
-Usage: make_pictures.py FOLDER [PICTURE...]   (a host of HOSTS below, "alert", "overlay-xfce", "widget", or one of POPOVERS)"""
+Usage: make_pictures.py FOLDER [PICTURE...]   (a host of HOSTS below, "widget", one of SINGLE or of POPOVERS)"""
 
 import json
 import os
@@ -15,6 +15,7 @@ from desktop_session import SwaySession, X11Session
 from furnished_session import FurnishedSession
 from gnome_session import GnomeSession
 from kwin_session import KwinSession
+from settings_window import open_settings, wait_for_settings_on_x11
 from widget_test import Widget, write_snapshot
 
 STRIP_WIDTH = 360
@@ -55,8 +56,9 @@ POPOVERS = {
 POPOVER_PRICES = (*PRICES, ("SOL", 150.25, 0.4), ("DOGE", 0.1234, -0.5), ("XRP", 0.52, 0), ("ADA", 0.4512, 3.2))
 POPOVER_COINS = [coin(name) for name in ("bitcoin", "ethereum", "solana", "dogecoin", "ripple", "cardano")]
 OVERLAY_AREA = (0, 0, 1280, 460)
-USUAL = ("xfce", "waybar", "alert", "popover-xfce", "popover-waybar", "overlay-xfce", "widget")
+USUAL = ("xfce", "waybar", "alert", "popover-xfce", "popover-waybar", "overlay-xfce", "settings-xfce", "widget")
 
+SETTINGS_HEIGHT = 740  # of the screen's 800 pixels
 WIDGET_SIZES = {"small": (196, 166), "medium": (364, 166), "large": (364, 439)}
 WIDGET_QUOTES = {"bitcoin": (67432.4, 1.52), "ethereum": (3188.07, -2.1), "solana": (150.25, 0.43), "binancecoin": (602.5, 0),
                  "ripple": (0.5213, -0.87), "dogecoin": (0.1234, 4.06), "tron": (0.1187, None), "cardano": (0.4471, 1.12),
@@ -194,26 +196,38 @@ def picture_of_overlay(path):
             file.write(convert("png:-", "+dither", "-colors", "255", "PNG8:-", data=picture))
 
 
+def picture_of_settings(path):
+    """The watchlist's tab, on a desktop in use."""
+    with FurnishedSession() as desktop:
+        for note in desktop.processes("note"):
+            desktop.stop_process(note)
+        alerts = [coin("bitcoin", "above", 100000), coin("ethereum", "change", 3), coin("solana", "below", 120)]
+        application = Application(desktop, POPOVER_PRICES, addedCoins=[*alerts, *POPOVER_COINS[3:]])
+        application.wait_for_content(text="BTC 67,432")
+        open_settings(desktop, "watchlist")
+        wait_for_settings_on_x11(desktop)
+        picture = settled_crop(desktop, (0, 0, desktop.width, SETTINGS_HEIGHT), [])
+        with open(path, "wb") as file:
+            file.write(convert("png:-", "+dither", "-colors", "255", "PNG8:-", data=picture))
+
+
+SINGLE = {"alert": picture_of_alert, "overlay-xfce": picture_of_overlay, "settings-xfce": picture_of_settings}
+
+
 def main():
     folder, *names = sys.argv[1:]
     for name in names or USUAL:
-        if name == "alert":
-            path = os.path.join(folder, "alert.png")
-            picture_of_alert(path)
+        path = os.path.join(folder, f"{name}.png")
+        if name in SINGLE:
+            SINGLE[name](path)
         elif name in POPOVERS:
-            path = os.path.join(folder, f"{name}.png")
             picture_of_popover(path, name)
         elif name == "widget":
             for scheme in ("light", "dark"):
-                path = os.path.join(folder, f"widget-{scheme}.png")
-                picture_of_widget(path, scheme)
-        elif name == "overlay-xfce":
-            path = os.path.join(folder, f"{name}.png")
-            picture_of_overlay(path)
+                picture_of_widget(os.path.join(folder, f"widget-{scheme}.png"), scheme)
         else:
-            path = os.path.join(folder, f"panel-{name}.png")
-            picture_of_panel(path, name)
-        print(path, flush=True)
+            picture_of_panel(os.path.join(folder, f"panel-{name}.png"), name)
+        print(name, flush=True)
 
 
 if __name__ == "__main__":
