@@ -43,7 +43,7 @@ void bringOpenWindowsToFront(const QString &token)
 
 QString takeActivationToken()
 {
-    const QString token = qEnvironmentVariable(tokenVariable);
+    QString token = qEnvironmentVariable(tokenVariable);
     qunsetenv(tokenVariable);
     return token;
 }

@@ -96,9 +96,10 @@ WidgetListView &WidgetListAccessible::view() const
 
 std::vector<QString> WidgetListAccessible::names() const
 {
-    std::vector<QString> names;
-    for (int i = 0; i < childCount(); ++i)
-        names.push_back(view().text().rows[static_cast<std::size_t>(i)].accessibleText);
+    const std::vector<WidgetRowText> &rows = view().text().rows;
+    std::vector<QString> names(static_cast<std::size_t>(view().shownRows()));
+    std::transform(rows.begin(), rows.begin() + std::ptrdiff_t(names.size()), names.begin(),
+                   [](const WidgetRowText &row) { return row.accessibleText; });
     return names;
 }
 
