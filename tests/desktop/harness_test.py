@@ -155,7 +155,7 @@ class FailureTest(unittest.TestCase):
         parent.wait()
         with self.assertRaisesRegex(SessionError, "left over.*sleep"):
             desktop.stop()
-        self.assertEqual(desktop.descendants(), {})
+        desktop.wait_for(lambda: not desktop.descendants(), what="the end of what was left over")
 
 
 if __name__ == "__main__":
