@@ -65,7 +65,8 @@ void WindowPaletteTest::followsThePortal()
     FakeSettingsPortal portal(*m_bus, dark);
     const WindowPalette palette(*m_session);
     QTRY_COMPARE(windowColor(), darkWindowPalette().color(QPalette::Window));
-    QCOMPARE(window.palette().color(QPalette::WindowText), darkWindowPalette().color(QPalette::WindowText));
+    // Qt posts the change to a window that was never shown.
+    QTRY_COMPARE(window.palette().color(QPalette::WindowText), darkWindowPalette().color(QPalette::WindowText));
     portal.setScheme(light);
     QTRY_COMPARE(windowColor(), before);
     portal.setScheme(dark);
