@@ -9,6 +9,15 @@
 
 namespace tickwise {
 
+/// Hears that a connection has ended.
+class DisconnectionListener : public QObject
+{
+    Q_OBJECT
+
+Q_SIGNALS:
+    void ended();
+};
+
 namespace {
 
 /// The address of the bus that the environment names; empty where only QtDBus finds it.
@@ -59,6 +68,8 @@ SessionBus::~SessionBus()
 
 void SessionBus::open()
 {
+    m_listener = std::make_unique<DisconnectionListener>();
+    connect(m_listener.get(), &DisconnectionListener::ended, this, &SessionBus::connectionLost);
     // QtDBus never reopens a connection under its name.
     const QString name = QUuid::createUuid().toString();
     m_connection = m_address.isEmpty() ? QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)
@@ -68,8 +79,8 @@ void SessionBus::open()
         return;
     }
     m_connection.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
-                         QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
-                         SLOT(connectionLost()));
+                         QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), m_listener.get(),
+                         SIGNAL(ended()));
 }
 
 void SessionBus::connectionLost()
@@ -96,3 +107,5 @@ void SessionBus::finishRetry(bool isDeaf)
 }
 
 } // namespace tickwise
+
+#include "SessionBus.moc"

@@ -6,8 +6,11 @@
 #include <QTimer>
 
 #include <chrono>
+#include <memory>
 
 namespace tickwise {
+
+class DisconnectionListener;
 
 /// The process's own connection to the session bus, opened anew when the bus ends and comes back. A connection that has
 /// ended stays dead, and with it its bus names, exported objects, signal connections and service watchers: who keeps
@@ -41,16 +44,16 @@ Q_SIGNALS:
     /// The bus has ended. It is tried again after `firstRetry`, then at doubled intervals up to `slowestRetry`.
     void disconnected();
 
-private Q_SLOTS:
-    void connectionLost();
-
 private:
     void open();
+    void connectionLost();
     void retry();
     void finishRetry(bool isDeaf);
 
     QString m_address;
     QDBusConnection m_connection;
+    /// Goes before the connection: QtDBus's own thread visits the receivers that a connection has when it is released.
+    std::unique_ptr<DisconnectionListener> m_listener;
     QTimer m_retry;
     QFutureWatcher<bool> m_probe; ///< whether the bus is deaf, found out on another thread
 };

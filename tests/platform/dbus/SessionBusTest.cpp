@@ -8,9 +8,32 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QSignalSpy>
+#include <QThread>
+
+#include <atomic>
 
 using namespace tickwise;
 using namespace tickwise::test;
+
+namespace {
+
+/// Sees QtDBus's thread drop its connection to the object's signals.
+class VisitedBus : public SessionBus
+{
+public:
+    using SessionBus::SessionBus;
+
+    std::atomic<bool> visitedByOthers = false;
+
+protected:
+    void disconnectNotify(const QMetaMethod &) override
+    {
+        if (QThread::currentThread() != thread())
+            visitedByOthers = true;
+    }
+};
+
+} // namespace
 
 class SessionBusTest : public QObject
 {
@@ -26,6 +49,7 @@ private Q_SLOTS:
     void laterTriesDoNotBlock();
     void triesAreFurtherAndFurtherApart();
     void closesItsConnection();
+    void noOtherThreadVisitsIt();
     void callsEndWhenTheBusDies();
     void callsWithoutABusFailLater();
     void goneContextHearsNothing();
@@ -147,6 +171,20 @@ void SessionBusTest::closesItsConnection()
         QVERIFY(QDBusConnection(name).isConnected());
     }
     QVERIFY(!QDBusConnection(name).isConnected());
+}
+
+void SessionBusTest::noOtherThreadVisitsIt()
+{
+    PrivateBus bus;
+    VisitedBus session(bus.address());
+    QSignalSpy connected(&session, &SessionBus::connected);
+    bus.stop();
+    bus.start();
+    QVERIFY(connected.wait());
+    // The thread that closes the former connection also opens this one, later.
+    const SessionBus next(bus.address());
+    QVERIFY(next.connection().isConnected());
+    QVERIFY(!session.visitedByOthers);
 }
 
 void SessionBusTest::callsEndWhenTheBusDies()
