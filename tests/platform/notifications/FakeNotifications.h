@@ -35,8 +35,7 @@ public:
         : capabilities(std::move(names))
         , m_bus(bus)
     {
-        m_bus.registerObject(QStringLiteral("/org/freedesktop/Notifications"), this,
-                             QDBusConnection::ExportScriptableContents);
+        m_bus.registerObject(objectPath(), this, QDBusConnection::ExportScriptableContents);
         if (!m_bus.registerService(QStringLiteral("org.freedesktop.Notifications")))
             qFatal("the notification service's name is taken");
     }
@@ -44,9 +43,13 @@ public:
     /// Ends as a crash does: the connection closes.
     void die()
     {
+        // QtDBus closes the connection on another thread, which must not find an object that ends meanwhile.
+        m_bus.unregisterObject(objectPath());
         QDBusConnection::disconnectFromBus(m_bus.name());
         m_bus = QDBusConnection(QString()); // the last reference
     }
+
+    static QString objectPath() { return QStringLiteral("/org/freedesktop/Notifications"); }
 
     std::vector<Call> calls;
     QStringList capabilities;
