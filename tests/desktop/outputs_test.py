@@ -9,6 +9,7 @@ from desktop_session import NestedSwaySession, SwaySession
 from overlay_test import HEIGHT, WIDTH, Overlay
 from panel_pixels import GREEN, coloured
 from popover_test import SAME_CLICK, popover, start, wait_for_its_end
+from widget_test import Widget, is_green
 
 SCALE = 2  # of the second output, which is as many points large as the first
 
@@ -108,6 +109,21 @@ class UnpluggedTest(unittest.TestCase):
             desktop.add_output()
             overlay.wait_until_at(1500, 300)
             self.assertEqual(overlay.application.stop(), 0)
+
+    def test_the_only_output(self):
+        with NestedSwaySession(notifications=None) as desktop:
+            overlay = Overlay(desktop, desktopOverlayTopLeft={"x": 100, "y": 500})
+            overlay.wait_until_at(100, 300)
+            widget = Widget(desktop)
+            widget.wait_for_color(is_green, desktop.width - 400, 0)
+            for name in ("WL-2", "WL-1"):
+                desktop.unplug(name)
+            overlay.application.poll()
+            desktop.add_output()
+            overlay.wait_until_at(100, 300)
+            widget.wait_for_color(is_green, desktop.width - 400, 0)
+            self.assertEqual(overlay.application.stop(), 0)
+            self.assertEqual(widget.stop(), 0)
 
     def test_popover_that_is_open(self):
         with NestedSwaySession(notifications=None) as desktop:

@@ -5,6 +5,7 @@
 #include <QWindow>
 
 #include <qpa/qplatformnativeinterface.h>
+#include <qpa/qplatformscreen.h>
 
 #include <algorithm>
 #include <array>
@@ -87,10 +88,10 @@ wl_display *display()
     return static_cast<wl_display *>(native->nativeResourceForIntegration("wl_display"));
 }
 
-/// The wl_output of a screen.
+/// The wl_output of a screen. Qt's stand-in for a screen, while there is none, has no output that could be asked for.
 wl_proxy *outputOf(QScreen *screen)
 {
-    if (!screen)
+    if (!screen || screen->handle()->isPlaceholder())
         return nullptr;
     return static_cast<wl_proxy *>(
         QGuiApplication::platformNativeInterface()->nativeResourceForScreen("output", screen));
