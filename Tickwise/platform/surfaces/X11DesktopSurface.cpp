@@ -47,10 +47,7 @@ std::vector<QRect> visibleFrames(const X11Desktop &desktop)
 X11DesktopSurface::X11DesktopSurface(std::unique_ptr<X11Desktop> desktop, const DesktopSurfaceOptions &options)
     : m_desktop(std::move(desktop))
     , m_takesPointer(options.pointer == DesktopSurfaceOptions::Pointer::isTaken)
-    , m_screenWatch([this] {
-        if (onScreensChanged)
-            onScreensChanged();
-    })
+    , m_screenWatch([this] { screensMayDiffer(); })
     , m_isTranslucent(m_desktop->hasCompositor())
 {
     for (QTimer *const timer : {&m_wasMapped, &m_compositorChanged}) {
@@ -94,8 +91,20 @@ void X11DesktopSurface::map()
     m_window->setGeometry(m_frame);
     m_desktop->writeStates(uint32_t(m_window->winId()), states());
     m_window->show();
+    m_ratio = m_window->devicePixelRatioF();
     if (m_isInteractive)
         takeKeyboard();
+}
+
+void X11DesktopSurface::screensMayDiffer()
+{
+    // Qt leaves a window its size in pixels when the scale changes.
+    if (m_window && m_window->devicePixelRatioF() != m_ratio) {
+        unmap();
+        map();
+    }
+    if (onScreensChanged)
+        onScreensChanged();
 }
 
 void X11DesktopSurface::takeKeyboard()

@@ -34,6 +34,7 @@ public:
 private:
     std::vector<X11Desktop::State> states() const;
     void map();
+    void screensMayDiffer();
     void takeKeyboard();
     void unmap();
     void settle();
@@ -46,6 +47,7 @@ private:
     QTimer m_compositorChanged;
     QPointer<QWidget> m_window; ///< none while hidden
     QRect m_frame;
+    double m_ratio = 1; ///< pixels a point, when the window was mapped
     bool m_isInteractive = false;
     bool m_isTranslucent;
 };
