@@ -67,6 +67,10 @@ void CoinLogoStore::discardDamaged(const QString &id)
         return; // discarded or downloaded anew meanwhile
     m_cache.remove(id);
     m_cachedIDs = cachedIDs() - QSet<QString>{id};
+    for (const CoinMetadata &coin : m_needed) {
+        if (coin.id == id)
+            ensureSeenLogo(coin);
+    }
 }
 
 void CoinLogoStore::ensureLogo(const CoinMetadata &coin)
@@ -84,6 +88,13 @@ void CoinLogoStore::ensureLogo(const CoinMetadata &coin)
 void CoinLogoStore::ensureSeenLogo(const CoinMetadata &coin)
 {
     if (!m_failed.contains(coin.id))
+        ensureLogo(coin);
+}
+
+void CoinLogoStore::forgetFailures()
+{
+    m_failed.clear();
+    for (const CoinMetadata &coin : m_needed)
         ensureLogo(coin);
 }
 
@@ -120,6 +131,7 @@ void CoinLogoStore::sync(const std::vector<CoinMetadata> &coins)
             needed.insert(coin.id);
     }
     prune(needed);
+    m_needed = coins;
     for (const CoinMetadata &coin : coins)
         ensureLogo(coin);
 }

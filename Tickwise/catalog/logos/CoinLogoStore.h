@@ -29,7 +29,8 @@ bool carriesLogo(const HttpResponse &response);
 /// Downloads missing logos once, keeps them on disk and serves them from memory. Main thread only.
 ///
 /// A download that fails is tried again by the next `ensureLogo` of that coin. Errors of transport and of writing are
-/// one log line each; an answer that is no logo is dropped silently. A file that cannot be decoded is deleted.
+/// one log line each; an answer that is no logo is dropped silently. A file that cannot be decoded is deleted, and
+/// downloaded anew for a coin of the last `sync`.
 class CoinLogoStore : public QObject
 {
     Q_OBJECT
@@ -50,8 +51,8 @@ public:
     void ensureLogo(const CoinMetadata &coin);
     /// As `ensureLogo`, for each painting of a coin: one whose download failed waits for `forgetFailures`.
     void ensureSeenLogo(const CoinMetadata &coin);
-    /// Lets `ensureSeenLogo` try every coin again.
-    void forgetFailures() { m_failed.clear(); }
+    /// Ensures the logos of the last `sync` again, and lets `ensureSeenLogo` try every coin again.
+    void forgetFailures();
     /// Forgets the logos of all other coins and of those with a shipped image, and deletes every other file of the
     /// cache, whatever its name; then ensures each coin's logo.
     void sync(const std::vector<CoinMetadata> &coins);
@@ -70,7 +71,8 @@ private:
     LogoAddressRule m_isAllowed;
     QHash<QString, QImage> m_images;
     std::map<QString, Subscription> m_inFlight;
-    QSet<QString> m_failed; ///< coins whose last download failed
+    QSet<QString> m_failed;             ///< coins whose last download failed
+    std::vector<CoinMetadata> m_needed; ///< the coins of the last `sync`
     Q_OBJECT_BINDABLE_PROPERTY(CoinLogoStore, QSet<QString>, m_cachedIDs, &CoinLogoStore::cachedIDsChanged)
 };
 

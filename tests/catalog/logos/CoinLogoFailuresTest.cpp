@@ -41,6 +41,8 @@ private Q_SLOTS:
     void aSeenCoinIsNotTriedAgain();
     void aSeenCoinIsTriedAgainLater();
     void syncTriesAgain();
+    void aNeededLogoIsTriedAgainWhenFailuresAreForgotten();
+    void aNeededLogoThatIsDamagedIsFetchedAnew();
     void aDamagedFileIsFetchedAnew();
     void aFileDamagedForGoodIsFetchedOnce();
     void aMissingFileIsFetchedAnew();
@@ -131,6 +133,28 @@ void CoinLogoFailuresTest::syncTriesAgain()
     QTRY_COMPARE(m_client->open(), 0);
     paint();
     QCOMPARE(m_client->requests().size(), std::size_t(2));
+}
+
+void CoinLogoFailuresTest::aNeededLogoIsTriedAgainWhenFailuresAreForgotten()
+{
+    m_client->fail(logoServer, UrlLoadingError{UrlErrorCode::notConnectedToInternet});
+    store().sync({coinWithLogo()});
+    QTRY_COMPARE(m_client->open(), 0);
+    m_client->clear(logoServer);
+    m_client->answer(logoServer, 200, goodLogo);
+    store().forgetFailures();
+    QTRY_COMPARE(m_client->open(), 0);
+    QVERIFY(store().image(bitcoinID));
+}
+
+void CoinLogoFailuresTest::aNeededLogoThatIsDamagedIsFetchedAnew()
+{
+    putFile(goodLogo.chopped(20));
+    m_client->answer(logoServer, 200, goodLogo);
+    store().sync({coinWithLogo()});
+    QVERIFY(!store().image(bitcoinID));
+    QTRY_VERIFY(store().image(bitcoinID));
+    QCOMPARE(m_client->requests().size(), std::size_t(1));
 }
 
 void CoinLogoFailuresTest::aDamagedFileIsFetchedAnew()
