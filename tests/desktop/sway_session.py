@@ -9,6 +9,7 @@ from session_process import SessionError
 from virtual_pointer import VirtualPointer
 
 UNPRIVILEGED_ID = 65534
+SEAT_POINTER = 1  # the seat's capability
 
 _SWAY = """{outputs}
 xwayland enable
@@ -100,6 +101,18 @@ class SwaySession(DesktopSession):
                 found.append(node)
         return found
 
+    def unplug_pointer(self):
+        self._pointer.close()
+        self._pointer = None
+        self.wait_for(lambda: not self._has_pointer(), what="the seat without a pointer")
+
+    def plug_pointer(self):
+        socket_path = os.path.join(self.environment["XDG_RUNTIME_DIR"], self.environment["WAYLAND_DISPLAY"])
+        self._pointer = VirtualPointer(socket_path, self.width, self.height)
+
+    def _has_pointer(self):
+        return any(seat["capabilities"] & SEAT_POINTER for seat in self.message("-t", "get_seats"))
+
     def move_pointer(self, x, y):
         self._pointer.move(x, y)
 
@@ -134,8 +147,7 @@ class SwaySession(DesktopSession):
         self.environment["XDG_CURRENT_DESKTOP"] = "sway"
         self.environment["XDG_SESSION_TYPE"] = "wayland"
         self._start_compositor()
-        socket_path = os.path.join(self.environment["XDG_RUNTIME_DIR"], self.environment["WAYLAND_DISPLAY"])
-        self._pointer = VirtualPointer(socket_path, self.width, self.height)
+        self.plug_pointer()
         # A seat has the keyboard only while a client holds one.
         self.start_process("wtype", ["wtype", "-s", "100000000"])
         self._start_notifications()

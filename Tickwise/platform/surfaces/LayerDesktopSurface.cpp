@@ -19,6 +19,11 @@ int area(const QRect &rect)
     return rect.isEmpty() ? 0 : rect.width() * rect.height();
 }
 
+bool isPress(const QEvent &event)
+{
+    return event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick;
+}
+
 /// Compositors have no primary screen, and the toolkit takes the one that came first. The one where the arrangement
 /// begins stays the same when others come back in another order.
 const QScreen *primaryScreen()
@@ -216,22 +221,32 @@ void LayerDesktopSurface::sendPlace()
 void LayerDesktopSurface::followPointer()
 {
     m_pointer.reset();
+    m_knowsPress = false;
     if (takesPointer())
         m_pointer = std::make_unique<LayerPointer>(*m_shell, *m_window->windowHandle(), [this] { return m_applied; });
 }
 
+void LayerDesktopSurface::notePress()
+{
+    m_knowsPress = m_pointer && m_pointer->takePress();
+    // The compositor has another pointing device, or the first.
+    if (!m_knowsPress)
+        followPointer();
+}
+
 QPoint LayerDesktopSurface::pointerPosition(const QMouseEvent &event) const
 {
-    if (!m_pointer)
+    if (!m_knowsPress)
         return m_applied + event.position().toPoint();
     // The pointer may have moved on before the press is handled.
-    const bool isPress = event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick;
-    return (isPress ? m_pointer->pressPosition() : m_pointer->position()).toPoint();
+    return (isPress(event) ? m_pointer->pressPosition() : m_pointer->position()).toPoint();
 }
 
 bool LayerDesktopSurface::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_window && event->type() == QEvent::MouseButtonRelease && screenFor(m_frame) != m_screen)
+    if (watched == m_window && isPress(*event))
+        notePress();
+    else if (watched == m_window && event->type() == QEvent::MouseButtonRelease && screenFor(m_frame) != m_screen)
         m_reattach.start();
     return QObject::eventFilter(watched, event);
 }

@@ -44,6 +44,7 @@ private:
     void appear();
     void sendPlace();
     void followPointer();
+    void notePress();
     void screensMayDiffer();
 
     std::unique_ptr<LayerShell> m_shell;
@@ -56,6 +57,7 @@ private:
     QTimer m_reattach;
     QTimer m_appear;
     std::unique_ptr<LayerPointer> m_pointer; ///< where clicks are taken
+    bool m_knowsPress = false;               ///< whether that pointer pressed last
     QRect m_frame;
     QMargins m_sentMargins;
     QPoint m_applied; ///< where the compositor has the window

@@ -81,6 +81,7 @@ void LayerPointer::enter(wl_surface *surface, QPointF inside)
 {
     m_isInside = surface == m_surface;
     m_pressed = 0;
+    m_hasNewPress = false;
     move(inside);
 }
 
@@ -114,6 +115,7 @@ void LayerPointer::relativeMotion(void *self, wl_proxy *, uint32_t, uint32_t, in
 
 void LayerPointer::press(bool pressed)
 {
+    m_hasNewPress = m_hasNewPress || (pressed && m_isInside);
     if (pressed && m_pressed == 0)
         m_pressPosition = m_position;
     m_pressed = std::max(m_pressed + (pressed ? 1 : -1), 0);

@@ -4,6 +4,8 @@
 
 #include <QPointF>
 
+#include <utility>
+
 struct wl_pointer;
 struct wl_pointer_listener;
 struct wl_surface;
@@ -20,6 +22,10 @@ public:
     LayerPointer(const LayerShell &shell, QWindow &window, std::function<QPoint()> origin);
     LayerPointer(const LayerPointer &) = delete;
     LayerPointer &operator=(const LayerPointer &) = delete;
+
+    /// Whether a button was pressed since this was asked last. A touch is no button, and neither is that of a mouse
+    /// that came after this.
+    bool takePress() { return std::exchange(m_hasNewPress, false); }
 
     QPointF position() const { return m_position; }
     /// Where the first button was pressed that is pressed now.
@@ -51,6 +57,7 @@ private:
     bool m_movedRelatively = false; ///< since the last frame
     bool m_tellsRelativeMotion = false;
     bool m_isInside = false;
+    bool m_hasNewPress = false;
     int m_pressed = 0;                              ///< buttons
     std::unique_ptr<wl_pointer, Release> m_pointer; ///< none without a pointing device
     std::unique_ptr<wl_proxy, Destroy> m_relative;  ///< none where the compositor does not tell them
