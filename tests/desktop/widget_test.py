@@ -3,6 +3,7 @@
 
 import json
 import os
+import signal
 import time
 import unittest
 
@@ -155,11 +156,12 @@ class WidgetChecks:
         middle = (desktop.width // 2, desktop.height // 2)
         return desktop.picture().at(*middle) != before.at(*middle)
 
-    def check_drag_is_remembered(self):
+    def check_drag_is_remembered(self, prepare=lambda desktop: None):
         with self.make_session() as desktop:
             widget = Widget(desktop)
             left, top = self.corner(desktop)
             widget.wait_for_color(is_green, left, top)
+            prepare(desktop)
             self.drag(desktop, (left + 60, top + 100), (left + 60 - 300, top + 100 + 200))
             place = widget.wait_for_preference("topLeft")
             self.assertEqual(place, {"x": left - 300, "y": desktop.height - top - 200})
@@ -249,6 +251,38 @@ class X11Test(WidgetChecks, unittest.TestCase):
                 self.assertIn(f"_NET_WM_STATE_{state}", states)
             self.assertEqual(widget.stop(), 0)
 
+    def test_follows_the_scale(self):
+        with self.make_session() as desktop:
+            settings = desktop.start_process("xsettingsd", ["xsettingsd", "-c", self.write_scale(desktop, 1)])
+            widget = Widget(desktop)
+            for scale in (1, 2, 1):
+                self.write_scale(desktop, scale)
+                os.kill(settings.pid, signal.SIGHUP)
+                size = tuple(scale * length for length in MEDIUM)
+                desktop.wait_for(lambda size=size: self.size_in_pixels(desktop) == size, what=f"{size} pixels")
+            self.assertEqual(widget.stop(), 0)
+
+    def write_scale(self, desktop, scale):
+        return desktop.write_file("xsettings", f"Xft/DPI {scale * 96 * 1024}\n")
+
+    def size_in_pixels(self, desktop):
+        windows = desktop.windows("tickwise-widget")
+        return tuple(desktop.window_geometry(windows[0])[2:]) if windows else None
+
+    def test_has_no_corners_without_a_compositor_below_a_tiling_window_manager(self):
+        with X11Session(None, None, notifications=None) as desktop:
+            desktop.tool(["xprop", "-root", "-f", "_NET_SUPPORTED", "32a", "-set", "_NET_SUPPORTED", "_NET_WM_STATE"])
+            ground = desktop.picture().at(5, 5)
+            widget = Widget(desktop)
+            left, top = desktop.wait_for(lambda: self.place(desktop), what="the widget")
+            widget.wait_for_color(is_green, left, top)
+            self.assertEqual([desktop.picture().at(left + x, top + y) for x, y in ((1, 1), (362, 1), (1, 164))], 3 * [ground])
+            self.assertEqual(widget.stop(), 0)
+
+    def place(self, desktop):
+        windows = desktop.windows("tickwise-widget")
+        return desktop.window_geometry(windows[0])[:2] if windows else None
+
     def test_shows_a_logo_that_comes_later(self):
         with self.make_session() as desktop:
             written = snapshot(1.5, coins=("monero",))
@@ -309,6 +343,12 @@ class SwayTest(WidgetChecks, unittest.TestCase):
 
     def test_menu_changes_the_size(self):
         self.check_menu_changes_the_size("widget-menu-sway.png")
+
+    def test_drag_by_a_pointer_that_came_later(self):
+        def replug(desktop):
+            desktop.unplug_pointer()
+            desktop.plug_pointer()
+        self.check_drag_is_remembered(replug)
 
     def test_second_start_leaves_one(self):
         self.check_second_start_leaves_one()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/surfaces/ScreenWatch.h"
+#include "platform/surfaces/X11Desktop.h"
 #include "widget/views/DesktopSurface.h"
 
 #include <QPointer>
@@ -20,13 +21,14 @@ public:
     QPoint pointerPosition(const QMouseEvent &event) const override;
     void setInteractive(bool interactive) override;
     DesktopScreens screens() const override;
-    bool isTranslucent() const override { return true; }
+    bool isTranslucent() const override { return !m_x11 || m_x11->hasCompositor(); }
 
 private:
     ScreenWatch m_screenWatch{[this] {
         if (onScreensChanged)
             onScreensChanged();
     }};
+    std::unique_ptr<X11Desktop> m_x11 = X11Desktop::open(); ///< none on Wayland
     QPointer<QWidget> m_window;
 };
 
