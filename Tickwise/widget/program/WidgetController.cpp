@@ -29,6 +29,7 @@ WidgetController::WidgetController(WidgetEnvironment environment)
     connect(&m_window, &WidgetWindow::opened, this, [this] { m_environment.openApplication(); });
     connect(&m_window, &WidgetWindow::dragged, this, &WidgetController::drag);
     connect(&m_window, &WidgetWindow::dropped, this, &WidgetController::rememberPlace);
+    connect(&m_window, &WidgetWindow::dragCancelled, this, [this] { m_dragStart.reset(); });
     connect(&m_window, &WidgetWindow::menuRequested, this, &WidgetController::openMenu);
     m_window.installEventFilter(this);
     m_environment.surface->onScreensChanged = [this] { adapt(); };

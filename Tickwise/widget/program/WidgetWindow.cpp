@@ -69,14 +69,21 @@ void WidgetWindow::resizeEvent(QResizeEvent *)
     cut();
 }
 
+void WidgetWindow::hideEvent(QHideEvent *)
+{
+    m_hold.reset();
+    if (std::exchange(m_isDragged, false))
+        Q_EMIT dragCancelled();
+}
+
 void WidgetWindow::mousePressEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton)
-        return;
     // The release of a drag may have been another window's to see.
     if (std::exchange(m_isDragged, false))
         Q_EMIT dropped();
-    m_hold = m_pointerPosition(*event);
+    m_hold.reset();
+    if (event->button() == Qt::LeftButton)
+        m_hold = m_pointerPosition(*event);
 }
 
 void WidgetWindow::mouseMoveEvent(QMouseEvent *event)

@@ -32,10 +32,13 @@ Q_SIGNALS:
     /// The pointer drags the widget; `way` is how far it is from where it took hold.
     void dragged(QPoint way);
     void dropped();
+    /// The window has gone while it was dragged.
+    void dragCancelled();
     void menuRequested(QPoint position);
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;

@@ -64,6 +64,8 @@ private Q_SLOTS:
     void dragMovesAndIsRemembered();
     void dragBeyondTheEdgeComesBack();
     void dragWithoutAnEndEndsWithTheNextPress();
+    void dragWithoutAnEndEndsWithAnyPress();
+    void dragEndsWithTheWindow();
     void smallMoveIsAClick();
     void menuChangesTheSize();
     void menuOpensAndCloses();
@@ -81,6 +83,7 @@ private:
     WidgetController &start(WidgetPreferences preferences = {}, bool hasChildWindows = true);
     void write(const WidgetSnapshot &snapshot);
     void drag(QPoint from, QPoint way);
+    void dragWithoutAnEnd(QPoint from, QPoint way);
     QMenu *menu() { return m_controller->window().findChild<QMenu *>(); }
     QAction *entry(const char16_t *text);
 
@@ -215,13 +218,39 @@ void WidgetControllerTest::dragBeyondTheEdgeComesBack()
     QCOMPARE(loadWidgetPreferences(*m_storage).topLeft, (std::optional<DesktopOverlayOrigin>({0, 500})));
 }
 
-void WidgetControllerTest::dragWithoutAnEndEndsWithTheNextPress()
+void WidgetControllerTest::dragWithoutAnEnd(QPoint from, QPoint way)
+{
+    WidgetWindow &window = m_controller->window();
+    QTest::mousePress(&window, Qt::LeftButton, {}, from);
+    QMouseEvent move(QEvent::MouseMove, from + way, window.mapToGlobal(from + way), Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&window, &move);
+}
+
+void WidgetControllerTest::dragWithoutAnEndEndsWithAnyPress()
 {
     WidgetWindow &window = start({WidgetSize::medium, DesktopOverlayOrigin{100, 500}}).window();
-    QTest::mousePress(&window, Qt::LeftButton, {}, QPoint(20, 20));
-    QMouseEvent move(QEvent::MouseMove, QPoint(70, 20), window.mapToGlobal(QPoint(70, 20)), Qt::NoButton,
-                     Qt::LeftButton, {});
-    QCoreApplication::sendEvent(&window, &move);
+    dragWithoutAnEnd(QPoint(20, 20), QPoint(50, 0));
+    QTest::mousePress(&window, Qt::RightButton, {}, QPoint(20, 20));
+    Q_EMIT window.menuRequested(QPoint(10, 10));
+    entry(u"Small")->trigger();
+    QCOMPARE(m_surface->frame(), QRect(150, 300, 196, 166));
+}
+
+void WidgetControllerTest::dragEndsWithTheWindow()
+{
+    WidgetWindow &window = start({WidgetSize::medium, DesktopOverlayOrigin{100, 500}}).window();
+    dragWithoutAnEnd(QPoint(20, 20), QPoint(50, 0));
+    window.hide();
+    window.show();
+    m_surface->onScreensChanged();
+    QCOMPARE(m_surface->frame().topLeft(), QPoint(100, 300));
+    QCOMPARE(loadWidgetPreferences(*m_storage).topLeft, (DesktopOverlayOrigin{100, 500}));
+}
+
+void WidgetControllerTest::dragWithoutAnEndEndsWithTheNextPress()
+{
+    start({WidgetSize::medium, DesktopOverlayOrigin{100, 500}});
+    dragWithoutAnEnd(QPoint(20, 20), QPoint(50, 0));
     QCOMPARE(m_surface->frame().topLeft(), QPoint(150, 300));
     drag(QPoint(20, 20), QPoint(60, -40));
     QCOMPARE(m_surface->frame().topLeft(), QPoint(210, 260));
