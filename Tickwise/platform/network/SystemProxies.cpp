@@ -242,8 +242,10 @@ Subscription SystemProxies::find(const QUrl &url, Done done)
     const quint64 number = ++m_lastQuery;
     m_waiting.emplace(number, Waiting{server, std::chrono::steady_clock::now(), std::move(done)});
     auto query = std::make_unique<Query>(*this, number);
-    if (const std::optional<QByteArray> known = isStuck() ? QByteArray() : knownAnswer(server))
+    if (const std::optional<QByteArray> known = knownAnswer(server))
         deliverLater(number, *known);
+    else if (isStuck())
+        deliverLater(number, {});
     else
         ask(server);
     return Subscription(std::move(query));

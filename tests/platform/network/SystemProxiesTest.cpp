@@ -112,6 +112,7 @@ private Q_SLOTS:
     void doesNotWaitForALookup();
     void aLookupWithoutEndHoldsUpNobody();
     void questionsBehindAStuckLookupAreAnswered();
+    void knownAnswersHoldWhileAnotherLookupIsStuck();
     void aSlowLookupIsNotStuck();
     void requestsForAHostShareALookup();
     void keepsAnswers();
@@ -343,6 +344,26 @@ void SystemProxiesTest::questionsBehindAStuckLookupAreAnswered()
     // The lookup has ended, so that later questions are looked up again.
     const Subscription later = proxies.find(server("behind"), note);
     QTRY_COMPARE(found.size(), 4);
+}
+
+void SystemProxiesTest::knownAnswersHoldWhileAnotherLookupIsStuck()
+{
+    const auto mayEnd = std::make_shared<QSemaphore>();
+    const auto lookup = [mayEnd](const QByteArray &url) -> std::vector<QByteArray> {
+        if (url.contains("endless"))
+            mayEnd->acquire();
+        return {"http://proxy:1"};
+    };
+    QByteArrayList found;
+    const auto note = [&found](const QByteArray &proxy) { found.append(proxy); };
+    SystemProxies proxies(lookup, {.longestLookup = 100ms});
+    const Subscription first = proxies.find(server("known"), note);
+    QTRY_COMPARE(found, QByteArrayList{"http://proxy:1"});
+    const Subscription endless = proxies.find(server("endless"), note);
+    QTRY_COMPARE(found, (QByteArrayList{"http://proxy:1", {}}));
+    const Subscription again = proxies.find(server("known"), note);
+    QTRY_COMPARE(found, (QByteArrayList{"http://proxy:1", {}, "http://proxy:1"}));
+    mayEnd->release();
 }
 
 void SystemProxiesTest::aSlowLookupIsNotStuck()
