@@ -93,6 +93,7 @@ Application::Application(ApplicationConfiguration configuration)
     QGuiApplication::setDesktopFileName(m_configuration.identifier);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setApplicationVersion(QString::fromLatin1(appInfo::version));
+    restoreEnvironment();
     connectServices();
 }
 

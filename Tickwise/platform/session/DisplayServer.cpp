@@ -11,6 +11,8 @@
 #include <future>
 #include <memory>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <poll.h>
 
@@ -130,17 +132,32 @@ CompositorAnswer askCompositor()
     return {.isThere = true, .hasLayerShell = query.hasLayerShell()};
 }
 
+/// The variables that are set for the application object alone.
+std::vector<const char *> &ownVariables()
+{
+    static std::vector<const char *> names;
+    return names;
+}
+
+void setForApplicationObject(const char *variable, const char *value)
+{
+    if (qEnvironmentVariableIsSet(variable))
+        return;
+    qputenv(variable, value);
+    ownVariables().push_back(variable);
+}
+
 void applyDecision(const DisplayDecision &decision)
 {
     if (decision.backend == DisplayBackend::xcb) {
-        qputenv(platformVariable, "xcb");
+        setForApplicationObject(platformVariable, "xcb");
         // What changes all day is the price, a few kilobytes of pixels: sending them costs less than waiting until the
         // X server has read them from shared memory.
-        if (!qEnvironmentVariableIsSet(noSharedMemoryVariable))
-            qputenv(noSharedMemoryVariable, "1");
+        setForApplicationObject(noSharedMemoryVariable, "1");
     } else if (decision.backend == DisplayBackend::wayland) {
-        qputenv(platformVariable, "wayland");
+        setForApplicationObject(platformVariable, "wayland");
     }
+    // Qt reads this one for each window.
     if (decision.layerShell)
         qputenv(bypassVariable, "1");
 }
@@ -175,6 +192,12 @@ DisplayDecision prepareDisplay()
         decideDisplay({qgetenv(platformVariable), qgetenv("XDG_SESSION_TYPE")}, displayProbes());
     applyDecision(decision);
     return decision;
+}
+
+void restoreEnvironment()
+{
+    for (const char *const name : std::exchange(ownVariables(), {}))
+        qunsetenv(name);
 }
 
 } // namespace tickwise

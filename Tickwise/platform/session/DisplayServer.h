@@ -59,4 +59,8 @@ DisplayProbes displayProbes();
 /// Decides and sets the environment that the application object reads. To be called before it is constructed.
 DisplayDecision prepareDisplay();
 
+/// Takes back what that has set and the application object has read: programs that are started later choose a backend
+/// for themselves.
+void restoreEnvironment();
+
 } // namespace tickwise

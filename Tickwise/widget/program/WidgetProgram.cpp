@@ -103,6 +103,7 @@ int WidgetProgram::run()
     if (m_singleInstance.claim({}, qEnvironmentVariable("XDG_ACTIVATION_TOKEN")) ==
         SingleInstance::Role::alreadyRunning)
         return 0;
+    restoreEnvironment();
     m_model.reload();
     m_controller.show();
     QTimer::singleShot(startUpDuration, qApp, releaseUnusedMemory);

@@ -312,6 +312,8 @@ void DisplayServerTest::preparesTheEnvironment()
     QCOMPARE(static_cast<int>(prepareDisplay().backend), static_cast<int>(DisplayBackend::wayland));
     QCOMPARE(qgetenv("QT_QPA_PLATFORM"), QByteArray("wayland"));
     QCOMPARE(qgetenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT"), QByteArray("1"));
+    restoreEnvironment();
+    QVERIFY(!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"));
 }
 
 void DisplayServerTest::keepsTheUsersPlatform()
@@ -320,6 +322,7 @@ void DisplayServerTest::keepsTheUsersPlatform()
     const Variable platform("QT_QPA_PLATFORM", "minimal");
     const Variable bypass("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", std::nullopt);
     QCOMPARE(static_cast<int>(prepareDisplay().backend), static_cast<int>(DisplayBackend::chosenByUser));
+    restoreEnvironment();
     QCOMPARE(qgetenv("QT_QPA_PLATFORM"), QByteArray("minimal"));
     QVERIFY(!qEnvironmentVariableIsSet("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT"));
 }
