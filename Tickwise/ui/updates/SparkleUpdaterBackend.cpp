@@ -66,11 +66,10 @@ void SparkleUpdaterBackend::planNextCheck()
 
 void SparkleUpdaterBackend::checkOnSchedule()
 {
-    const bool remindsOfUpdate = m_controller && m_controller->updateAvailable();
     if (!m_session)
         openSession().check();
-    else if (remindsOfUpdate)
-        m_session->check();
+    else if (!m_session->isShown())
+        m_session->check(); // also instead of one that the network's loss has left without an answer
     m_lastAttempt = m_services.clock();
     planNextCheck();
 }

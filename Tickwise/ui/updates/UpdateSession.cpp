@@ -63,6 +63,7 @@ void UpdateSession::receiveUserAttention()
         m_operation.cancel(); // the offer must not change under the user's eyes
     if (m_state.phase == UpdatePhase::upToDate || m_state.phase == UpdatePhase::failed) {
         m_state = {.runningVersion = m_configuration.runningVersion};
+        m_acceptedVersion.clear();
         check();
     }
     if (m_state.phase == UpdatePhase::checking)

@@ -51,6 +51,8 @@ public:
     /// The user asked: shows the session's state, and checks again if it had come to its end.
     void receiveUserAttention();
 
+    /// Whether the user has seen anything of the session.
+    bool isShown() const { return m_isShown; }
     /// Whether the user has to wait for the session.
     bool isWorking() const;
 

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void clockJumps();
     void automaticChecksCanBeSwitched();
     void aFailedConnectionIsTriedAgain();
+    void aCheckWithoutAnAnswerIsRepeated();
     void aReminderFollowsTheFeed();
     void aReminderOutlivesAFailedCheck();
     void aWithdrawnUpdateEndsTheReminder();
@@ -327,6 +328,19 @@ void SparkleUpdaterBackendTest::aFailedConnectionIsTriedAgain()
     world.backend().reconsiderSchedule();
     QTRY_VERIFY(world.controller->updateAvailable());
     QVERIFY(world.stored().lastCheck == world.clock.now());
+}
+
+void SparkleUpdaterBackendTest::aCheckWithoutAnAnswerIsRepeated()
+{
+    UpdateWorld world;
+    faults::hang()(world.answers["/appcast.xml"]);
+    world.start();
+    QTRY_COMPARE(world.feedRequests(), 1);
+    world.answers.clear();
+    world.publish({{}});
+    world.backend().reconsiderSchedule();
+    QTRY_VERIFY(world.controller->updateAvailable());
+    QCOMPARE(world.feedRequests(), 2);
 }
 
 void SparkleUpdaterBackendTest::aReminderFollowsTheFeed()

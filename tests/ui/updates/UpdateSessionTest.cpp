@@ -49,6 +49,7 @@ private Q_SLOTS:
     void refusedPackage();
     void withdrawnReleases_data();
     void withdrawnReleases();
+    void aFailedAcceptanceIsForgotten();
     void withdrawnBeforeTheDownload();
     void replacedBeforeTheDownload();
     void cancelledChecks();
@@ -275,6 +276,20 @@ void UpdateSessionTest::withdrawnReleases()
     world.controller->checkForUpdates();
     QTRY_COMPARE(world.driver.phase(), std::optional(upToDate));
     QCOMPARE(log.texts(category()), QStringList());
+}
+
+void UpdateSessionTest::aFailedAcceptanceIsForgotten()
+{
+    UpdateWorld world;
+    world.publish({{}});
+    checkUntil(world, available);
+    world.publishFeed("no feed");
+    world.driver.choose(UpdateAction::download);
+    QTRY_COMPARE(world.driver.phase(), std::optional(failed));
+    world.publish({{}});
+    world.controller->checkForUpdates();
+    QTRY_COMPARE(world.driver.phase(), std::optional(available));
+    QCOMPARE(world.requests("/tickwise_1.1_amd64.deb"), 0);
 }
 
 void UpdateSessionTest::withdrawnBeforeTheDownload()
