@@ -104,6 +104,10 @@ void AppDelegate::createStatusItem()
     m_menuBarViewModel.bind(m_statusItem.get(), coinListViewModel(), m_settingsViewModel);
     m_statusItem->setMenu([this] { return makeStatusMenu(); });
     connect(m_statusItem.get(), &StatusItem::clicked, this, &AppDelegate::handleStatusItemClick);
+    connect(m_statusItem.get(), &StatusItem::availabilityChanged, this, [this] {
+        if (std::exchange(m_opensPopoverAtItem, false))
+            openPopover();
+    });
     followMenuInputs();
 }
 
@@ -206,13 +210,24 @@ void AppDelegate::activate(const QString &token)
 {
     requireMainThread();
     Q_EMIT activationRequested(token);
-    if (m_popover)
+    openPopover();
+}
+
+/// Without a panel that shows the item the popover belongs elsewhere.
+void AppDelegate::openPopover()
+{
+    if (!m_popover)
+        return;
+    if (m_statusItem->availability() == StatusItemAvailability::unknown)
+        m_opensPopoverAtItem = true;
+    else
         m_popover->open(popoverAnchor(PopoverAnchor::Cause::request));
 }
 
 void AppDelegate::openSettingsWindow(SettingsTab tab, const QString &token)
 {
     requireMainThread();
+    m_opensPopoverAtItem = false;
     if (m_popover)
         m_popover->close();
     Q_EMIT settingsWindowRequested(tab, token);

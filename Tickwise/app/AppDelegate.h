@@ -120,6 +120,7 @@ private:
     void createStatusItem();
     void followMenuInputs();
     void createPopover();
+    void openPopover();
     void handleStatusItemClick(std::optional<QPoint> position);
     PopoverAnchor popoverAnchor(PopoverAnchor::Cause cause) const;
     void applyLanguage(AppLanguage language);
@@ -143,6 +144,7 @@ private:
     std::unique_ptr<DesktopOverlayController> m_desktopOverlay;
     std::unique_ptr<WatchlistViewModel> m_watchlistViewModel;
     std::unique_ptr<PopoverController> m_popover;
+    bool m_opensPopoverAtItem = false; ///< as soon as it is known whether a panel shows the item
     bool m_opensPopoverAfterLaunch = false;
     SettingsReactions m_settingsReactions;
 };

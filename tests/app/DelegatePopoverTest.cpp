@@ -13,8 +13,17 @@ class PlacedStatusItem : public RecordingStatusItem
 {
 public:
     std::optional<QRect> geometry() const override { return place; }
+    StatusItemAvailability availability() const override { return m_availability; }
+    void setAvailability(StatusItemAvailability availability)
+    {
+        m_availability = availability;
+        Q_EMIT availabilityChanged(availability);
+    }
 
     std::optional<QRect> place;
+
+private:
+    StatusItemAvailability m_availability = StatusItemAvailability::shown;
 };
 
 /// What a popover's surface was asked for.
@@ -99,6 +108,9 @@ class DelegatePopoverTest : public QObject
 private Q_SLOTS:
     void aClickActivatesFirst();
     void anActivationOpensIt();
+    void waitsUntilItKnowsWhetherAPanelShowsTheItem_data();
+    void waitsUntilItKnowsWhetherAPanelShowsTheItem();
+    void theSettingsWindowComesInsteadOfIt();
     void theStatusMenuClosesIt();
     void nothingOpensItAfterTheStart();
     void opensAfterTheStart();
@@ -121,6 +133,39 @@ void DelegatePopoverTest::anActivationOpensIt()
     world.launch().activate(QStringLiteral("token-1"));
     QCOMPARE(world.surface.calls, lines("activated, shown"));
     QVERIFY(world.surface.anchors == std::vector{PopoverAnchor()});
+}
+
+void DelegatePopoverTest::waitsUntilItKnowsWhetherAPanelShowsTheItem_data()
+{
+    QTest::addColumn<int>("availability");
+    QTest::newRow("a panel") << int(StatusItemAvailability::shown);
+    QTest::newRow("no panel") << int(StatusItemAvailability::needsPanel);
+}
+
+void DelegatePopoverTest::waitsUntilItKnowsWhetherAPanelShowsTheItem()
+{
+    QFETCH(int, availability);
+    DelegatePopoverWorld world;
+    world.launch();
+    world.placedItem->setAvailability(StatusItemAvailability::unknown);
+    world.delegate->openUrls({QStringLiteral("tickwise://popover")}, {});
+    QCOMPARE(world.surface.calls, lines("activated"));
+    world.placedItem->setAvailability(StatusItemAvailability(availability));
+    QCOMPARE(world.surface.calls, lines("activated, shown"));
+    QCOMPARE(world.surface.anchors.back().hasStatusItem, availability == int(StatusItemAvailability::shown));
+    world.placedItem->setAvailability(StatusItemAvailability::needsPanel);
+    QCOMPARE(world.surface.calls, lines("activated, shown"));
+}
+
+void DelegatePopoverTest::theSettingsWindowComesInsteadOfIt()
+{
+    DelegatePopoverWorld world;
+    world.launch();
+    world.placedItem->setAvailability(StatusItemAvailability::unknown);
+    world.delegate->activate();
+    world.delegate->openSettingsWindow(SettingsTab::general);
+    world.placedItem->setAvailability(StatusItemAvailability::shown);
+    QCOMPARE(world.surface.calls, lines("activated, general"));
 }
 
 void DelegatePopoverTest::theStatusMenuClosesIt()

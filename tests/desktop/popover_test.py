@@ -107,13 +107,21 @@ class PopoverChecks:
             for method, signature, arguments in (("Activate", "(a{sv})", ({},)),
                                                  ("Open", "(asa{sv})", (["tickwise://popover"], {}))):
                 desktop.bus.call(IDENTIFIER, OBJECT, "org.freedesktop.Application", method, signature, arguments)
-                left, top, width, _ = wait_for_popover(desktop, application)["place"]
-                self.assertTrue(top < 40 and left + width > desktop.width - 20, "it is not in the panel's corner")
+                self.check_is_in_the_corner(desktop, application)
                 desktop.press_key("Escape")
                 wait_for_its_end(desktop, application)
             second = Application(desktop, stored=True)
             self.assertEqual(second.process.wait(), 0)
             wait_for_popover(desktop, application)
+
+    def check_address_that_starts_the_application(self):
+        with self.make_session() as desktop:
+            desktop.move_pointer(300, 600)
+            self.check_is_in_the_corner(desktop, start(desktop, arguments=["tickwise://popover"]))
+
+    def check_is_in_the_corner(self, desktop, application):
+        left, top, width, _ = wait_for_popover(desktop, application)["place"]
+        self.assertTrue(top < 40 and left + width > desktop.width - 20, "it is not in the panel's corner")
 
     def check_prices_tick_while_it_is_open(self, name):
         with self.make_session() as desktop:
@@ -169,6 +177,9 @@ class XfceTest(PopoverChecks, unittest.TestCase):
     def test_requests(self):
         self.check_requests()
 
+    def test_address_that_starts_the_application(self):
+        self.check_address_that_starts_the_application()
+
     def test_prices_tick_while_it_is_open(self):
         self.check_prices_tick_while_it_is_open("popover-xfce.png")
 
@@ -216,6 +227,9 @@ class WaybarTest(PopoverChecks, unittest.TestCase):
 
     def test_requests(self):
         self.check_requests()
+
+    def test_address_that_starts_the_application(self):
+        self.check_address_that_starts_the_application()
 
     def test_prices_tick_while_it_is_open(self):
         self.check_prices_tick_while_it_is_open("popover-waybar.png")
