@@ -228,16 +228,19 @@ void LayerDesktopSurface::followPointer()
 
 void LayerDesktopSurface::notePress()
 {
-    m_knowsPress = m_pointer && m_pointer->takePress();
+    m_pressOrigin = m_applied;
+    const bool knowsPress = m_pointer && m_pointer->takePress();
     // The compositor has another pointing device, or the first.
-    if (!m_knowsPress)
+    if (!knowsPress)
         followPointer();
+    m_knowsPress = knowsPress;
 }
 
 QPoint LayerDesktopSurface::pointerPosition(const QMouseEvent &event) const
 {
+    // Compositors that count from where the window is let it fall behind then, but none lets it run ahead.
     if (!m_knowsPress)
-        return m_applied + event.position().toPoint();
+        return m_pressOrigin + event.position().toPoint();
     // The pointer may have moved on before the press is handled.
     return (isPress(event) ? m_pointer->pressPosition() : m_pointer->position()).toPoint();
 }

@@ -58,6 +58,7 @@ private:
     QTimer m_appear;
     std::unique_ptr<LayerPointer> m_pointer; ///< where clicks are taken
     bool m_knowsPress = false;               ///< whether that pointer pressed last
+    QPoint m_pressOrigin;                    ///< where the compositor had the window then
     QRect m_frame;
     QMargins m_sentMargins;
     QPoint m_applied; ///< where the compositor has the window
