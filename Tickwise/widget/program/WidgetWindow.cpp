@@ -24,6 +24,8 @@ bool asksForMenu(const QKeyEvent &event)
 
 bool asksToOpen(const QKeyEvent &event)
 {
+    if (event.isAutoRepeat())
+        return false;
     return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter || event.key() == Qt::Key_Space;
 }
 
