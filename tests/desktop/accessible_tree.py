@@ -1,5 +1,7 @@
 """The accessibility bus of a session, read as a screen reader reads it."""
 
+import time
+
 import gi
 
 gi.require_version("Gio", "2.0")
@@ -94,6 +96,14 @@ class AccessibleTree:
     def nodes_with_ancestors(self, program, only_shown=False):
         """The same as pairs of an object and the list of those that contain it; `only_shown`: without what is hidden, and
         without what that contains."""
+        for _ in range(10):
+            try:
+                return self._read(program, only_shown)
+            except GLib.Error:  # an object went while the tree was read
+                time.sleep(0.05)
+        return self._read(program, only_shown)
+
+    def _read(self, program, only_shown):
         for application in Node(self, *_REGISTRY).children():
             if application.name == program:
                 return list(self._below(application, [], only_shown))

@@ -161,10 +161,10 @@ class TroubleTest(unittest.TestCase):
         application.desktop.wait_for(lambda: len(application.log_lines(FAILED)) >= count, what=f"{count} lost alerts")
         self.assertEqual(len(application.log_lines(FAILED)), count, application.process.errors())
 
-    def service_answers(self, desktop):
+    def service_answers(self, desktop, timeout=10):
         """Whether the service answers; when it has, it has also read every command given before."""
         try:
-            desktop.bus.call(NOTIFICATIONS, NOTIFICATIONS_PATH, NOTIFICATIONS, "GetServerInformation", timeout=0.5)
+            desktop.bus.call(NOTIFICATIONS, NOTIFICATIONS_PATH, NOTIFICATIONS, "GetServerInformation", timeout=timeout)
         except GLib.Error:
             return False
         return True
@@ -201,7 +201,7 @@ class TroubleTest(unittest.TestCase):
             application = Application(desktop, [("BTC", 90)], **BTC_ABOVE_100)
             application.wait_for_polls(1)
             desktop.notifications.command("hang")
-            desktop.wait_for(lambda: not self.service_answers(desktop), what="a service that hangs")
+            desktop.wait_for(lambda: not self.service_answers(desktop, 0.5), what="a service that hangs")
             self.cross(application)
             desktop.notifications.wait_for_count(1)
             self.check_prices_go_on(application)

@@ -36,7 +36,7 @@ class PanelChecks:
             application.wait_for_content(text="BTC 9.5", color="#f6465d")
             narrow = wait_for_box(desktop, RED, lambda box: box[2] > 20)
             self.assertLess(narrow[2], wide[2])
-            self.assertIsNone(box_of(desktop.picture(), coloured(GREEN)))
+            desktop.wait_for(lambda: box_of(desktop.picture(), coloured(GREEN)) is None, what="the end of the green text")
             application.change_settings(colorScheme="redUpGreenDown")
             wait_for_box(desktop, GREEN, lambda box: abs(box[2] - narrow[2]) < 5)
 

@@ -45,8 +45,9 @@ class Application:
 
     def events(self, kind):
         """What was printed of that kind so far, without the word itself."""
-        found = re.findall(rf"^{kind}\b ?(.*)$", self.process.output(), re.MULTILINE)
-        return found if self.process.output().endswith("\n") else found[:-1]
+        output = self.process.output()
+        found = re.findall(rf"^{kind}\b ?(.*)$", output, re.MULTILINE)
+        return found if output.endswith("\n") else found[:-1]
 
     def wait_for_event(self, kind, count, timeout=10):
         self.desktop.wait_for(lambda: len(self.events(kind)) >= count, timeout, f"{kind} number {count}")

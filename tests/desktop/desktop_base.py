@@ -229,7 +229,7 @@ class DesktopSession:
         raise NotImplementedError
 
     def press_key(self, key):
-        """`key` as the X key names spell it: "Escape", "Return"."""
+        """`key` as the X key names spell it: "Escape", "shift+Left"."""
         raise NotImplementedError
 
     def _capture(self, kind):
@@ -354,7 +354,7 @@ class DesktopSession:
     def _check_nothing_is_left(self):
         """Grandchildren end with their parents or with the bus; one that does not is a defect, and is ended here."""
         try:
-            self.wait_for(lambda: not self.descendants(), 5, "the end of every process of the session")
+            self.wait_for(lambda: not self.descendants(), 20, "the end of every process of the session")
         except SessionError:
             left = self.descendants()
             for pid in left:

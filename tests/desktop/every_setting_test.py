@@ -64,14 +64,20 @@ class EverySettingTest(unittest.TestCase):
 
     def choose(self, name, place):
         """The entry of a list at that place, from 0."""
+        before = set(self.desktop.windows(PROGRAM))
         self.click("combo box", name)
+        self.desktop.wait_for(lambda: set(self.desktop.windows(PROGRAM)) - before, what=f"the list of {name}")
         for key in ("Home", *["Down"] * place, "Return"):
             self.desktop.press_key(key)
 
     def write(self, name, text):
         self.click("text", name)
+        self.wait_for_focus(name)
         self.desktop.press_key("ctrl+a")
         self.desktop.type_text(text)
+
+    def wait_for_focus(self, name):
+        self.desktop.wait_for(lambda: self.find("text", name).has_state("focused"), what=f"the focus in {name}")
 
     # What follows
 
@@ -134,7 +140,7 @@ class EverySettingTest(unittest.TestCase):
         self.drag_down(self.find("push button", ENGLISH.text("a11y.reorder", "Bitcoin")).middle())
         self.check_stored("addedCoins", [coin("ethereum", "below"), coin("bitcoin", "change", 7.5)])
         self.click("push button", ENGLISH.text("watchlist.addCoin"))
-        self.find("text", ENGLISH.text("watchlist.search.placeholder"))
+        self.wait_for_focus(ENGLISH.text("watchlist.search.placeholder"))
         self.desktop.type_text("doge")
         self.click("list item", ENGLISH.text("a11y.coinNotAdded", "Dogecoin", "DOGE"))
         self.check_stored("addedCoins", [coin("ethereum", "below"), coin("bitcoin", "change", 7.5), coin("dogecoin")])

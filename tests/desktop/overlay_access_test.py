@@ -28,6 +28,7 @@ class AccessibilityTest(unittest.TestCase):
         self.tree = AccessibleTree(self.desktop)
         self.overlay = Overlay(self.desktop, env=self.tree.environment, desktopOverlayTopLeft={"x": 200, "y": 500})
         self.overlay.wait_until_at(200, 300)
+        self.desktop.wait_for(self.rows, what="the rows in the tree")
 
     def shown(self):
         return [node for node, _ in self.tree.nodes_with_ancestors("app_probe", only_shown=True)]
@@ -79,16 +80,12 @@ class AdjustButtonTest(unittest.TestCase):
 
     def check_keys_move_it(self, desktop, overlay):
         overlay.application.wait_for_window_text(ENGLISH.text("desktop.adjust.hint"))
-
-        def moved():
-            if overlay.is_at(40, 300):
-                desktop.press_key("Down")
-            return overlay.is_at(40, 301)
-        desktop.wait_for(moved, what="the overlay to be moved")
+        overlay.press_until_at(lambda: desktop.press_key("shift+Down"), (40, 300), (40, 324))
+        desktop.press_key("Up")
         self.assertEqual(overlay.saved(), (40, 500))
         desktop.press_key("Return")
         overlay.wait_until_left()
-        overlay.wait_until_saved(40, 499)
+        overlay.wait_until_saved(40, 477)
 
     def test_pressed_by_the_pointer(self):
         with X11Session("xfce4-panel", "xfwm4", notifications=None, width=WIDE) as desktop:

@@ -45,8 +45,11 @@ def middle(box):
 
 
 def wait_for_box(desktop, color, accepts=lambda box: True):
-    """The box of that color in the tray, once there is one that is accepted."""
+    """The box of that color in the tray, once there is one that is accepted and stays."""
+    boxes = []
+
     def accepted():
-        box = box_of(desktop.picture(), coloured(color))
-        return box if box and accepts(box) else None
+        boxes.append(box_of(desktop.picture(), coloured(color)))
+        box = boxes[-1]
+        return box if box and boxes[-2:] == [box, box] and accepts(box) else None
     return desktop.wait_for(accepted, what=f"{color} in the panel")

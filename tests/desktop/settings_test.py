@@ -138,6 +138,7 @@ class AccessibilityTest(unittest.TestCase):
     def open(self, action="settings"):
         open_settings(self.desktop, action)
         self.desktop.wait_for(lambda: self.shown("page tab"), what="the window")
+        self.desktop.wait_for(self.focused, what="the focus in the window")
 
     def shown(self, *roles):
         """The nodes of these roles that are shown with all that contains them."""
@@ -213,7 +214,7 @@ class AccessibilityTest(unittest.TestCase):
                  ("check box", key("general.notification.priceAlert")), ("combo box", "English"),
                  ("page tab", key("settings.tab.general"))]
         # Styles show where the focus is once a key has moved it.
-        first = self.focused()[0]
+        first = self.desktop.wait_for(self.focused, what="a focus")[0]
         self.desktop.press_key("Tab")
         before = self.desktop.wait_for(lambda: [n for n in self.focused() if n.key != first.key], what="a new focus")[0]
         seen = []

@@ -46,7 +46,7 @@ class StatusItemChecks:
             self.show(probe, DOWN)
             narrow = wait_for_box(desktop, RED, lambda box: box[2] > 30)
             self.assertLess(narrow[2], wide[2])
-            self.assertIsNone(box_of(desktop.picture(), coloured(GREEN)))
+            desktop.wait_for(lambda: box_of(desktop.picture(), coloured(GREEN)) is None, what="the end of the green text")
 
     def check_pill(self):
         with self.make_session() as desktop:

@@ -133,7 +133,8 @@ class SwaySession(DesktopSession):
         self.tool(["wtype", text])
 
     def press_key(self, key):
-        self.tool(["wtype", "-k", key])
+        *modifiers, name = key.split("+")
+        self.tool(["wtype", *sum((["-M", modifier] for modifier in modifiers), []), "-k", name])
 
     def picture_of(self, output):
         """What that output shows, in its own pixels."""

@@ -2,11 +2,13 @@
 """The watchlist and its search panel, read from outside as a screen reader does, and used by what is found there."""
 
 import json
+import time
 import unittest
 
 from accessible_tree import AccessibleTree
 from application import IDENTIFIER, Application, Texts, coin, read, settings_file
 from desktop_session import SessionError, X11Session
+from settings_window import wait_for_settings_on_x11
 
 PROGRAM = "app_probe"
 ENGLISH = Texts("en")
@@ -58,7 +60,8 @@ class AccessibilityTest(unittest.TestCase):
 
     def test_search(self):
         self.add.press()
-        self.wait_for(ENGLISH.text("watchlist.search.placeholder"), "text")
+        field = self.wait_for(ENGLISH.text("watchlist.search.placeholder"), "text")
+        self.desktop.wait_for(lambda: field.has_state("focused"), what="the focus in the search")
         self.desktop.type_text("wrapped bit")
         self.wait_for(ENGLISH.text("watchlist.search.clear"), "push button")
         found = self.wait_for(ENGLISH.text("a11y.coinNotAdded", "Wrapped Bitcoin", "WBTC"), "list item")
@@ -95,13 +98,24 @@ class InputMethodTest(unittest.TestCase):
 
     def wait_for_window(self, desktop, application):
         """The settings window where the window manager has put it."""
+        wait_for_settings_on_x11(desktop)
         places = []
 
         def settled():
+            time.sleep(0.3)
             button = ENGLISH.text("watchlist.addCoin")
             places.extend(window["buttons"][button] for window in application.all_windows() if button in window["buttons"])
             return len(places) > 1 and places[-1] == places[-2] and places[-1]
         return desktop.wait_for(settled, what="the settings window")
+
+    def settled_color(self, desktop, point):
+        colors = []
+
+        def settled():
+            time.sleep(0.3)
+            colors.append(desktop.picture().at(*point))
+            return colors[-1] if colors[-2:] == [colors[-1]] * 2 else None
+        return desktop.wait_for(settled, what="the drawn window")
 
     def test_escape_ends_a_composition_before_it_closes_the_search(self):
         with X11Session(None, notifications=None) as desktop:
@@ -111,7 +125,7 @@ class InputMethodTest(unittest.TestCase):
             open_watchlist(desktop)
             x, y = self.wait_for_window(desktop, application)
             beside = (x, y + 24)
-            bright = desktop.picture().at(*beside)
+            bright = self.settled_color(desktop, beside)
             desktop.click(x, y)
             desktop.wait_for(lambda: desktop.picture().at(*beside) != bright, what="the search over the window")
             desktop.type_text("\\alp")

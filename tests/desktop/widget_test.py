@@ -9,7 +9,7 @@ import unittest
 
 from accessible_tree import AccessibleTree
 from application import BUILD, Texts, keep_picture, read
-from desktop_session import SwaySession, X11Session
+from desktop_session import SessionError, SwaySession, X11Session
 from panel_pixels import bounds
 
 PROGRAM = os.path.join(BUILD, "tickwise-widget")
@@ -102,9 +102,9 @@ class WidgetChecks:
 
     def check_follows_the_file(self, name):
         with self.make_session() as desktop:
-            widget = Widget(desktop, change=None)
             place = self.corner(desktop)
             background = desktop.picture().at(place[0] + 100, place[1] + 100)
+            widget = Widget(desktop, change=None)
             desktop.wait_for(lambda: desktop.picture().at(place[0] + 100, place[1] + 10) != background, what="the empty widget")
             write_snapshot(desktop, snapshot(1.5))
             widget.wait_for_color(is_green, *place)
@@ -162,8 +162,7 @@ class WidgetChecks:
             left, top = self.corner(desktop)
             widget.wait_for_color(is_green, left, top)
             prepare(desktop)
-            self.drag(desktop, (left + 60, top + 100), (left + 60 - 300, top + 100 + 200))
-            place = widget.wait_for_preference("topLeft")
+            place = desktop.wait_for(lambda: self.dragged(desktop, widget, (left + 60, top + 100)), 20, "the drag")
             self.assertEqual(place, {"x": left - 300, "y": desktop.height - top - 200})
             widget.wait_for_color(is_green, left - 300, top + 200)
             self.assertFalse(widget.has_color(is_green, left + 100, top, 200, 100))
@@ -171,6 +170,15 @@ class WidgetChecks:
             again = Widget(desktop)
             again.wait_for_color(is_green, left - 300, top + 200)
             self.assertEqual(again.stop(), 0)
+
+    def dragged(self, desktop, widget, start):
+        """The place that is stored after a drag. A program may need a moment for a new pointer; a drag that it did not see
+        changes nothing."""
+        self.drag(desktop, start, (start[0] - 300, start[1] + 200))
+        try:
+            return desktop.wait_for(lambda: widget.preferences().get("topLeft"), 3, "the stored place")
+        except SessionError:
+            return None
 
     def check_menu_changes_the_size(self, name):
         with self.make_session() as desktop:
@@ -246,14 +254,17 @@ class X11Test(WidgetChecks, unittest.TestCase):
             widget = Widget(desktop)
             widget.wait_for_color(is_green, *self.corner(desktop))
             window = desktop.windows("tickwise-widget")[0]
-            states = desktop.tool(["xprop", "-id", str(window), "-notype", "_NET_WM_STATE"]).decode()
-            for state in ("BELOW", "SKIP_TASKBAR", "SKIP_PAGER"):
-                self.assertIn(f"_NET_WM_STATE_{state}", states)
+
+            def has_states():
+                states = desktop.tool(["xprop", "-id", str(window), "-notype", "_NET_WM_STATE"]).decode()
+                return all(f"_NET_WM_STATE_{state}" in states for state in ("BELOW", "SKIP_TASKBAR", "SKIP_PAGER"))
+            desktop.wait_for(has_states, what="the window's states")
             self.assertEqual(widget.stop(), 0)
 
     def test_follows_the_scale(self):
         with self.make_session() as desktop:
             settings = desktop.start_process("xsettingsd", ["xsettingsd", "-c", self.write_scale(desktop, 1)])
+            desktop.wait_for(lambda: self.catches_hangups(settings.pid), what="xsettingsd")
             widget = Widget(desktop)
             for scale in (1, 2, 1):
                 self.write_scale(desktop, scale)
@@ -267,7 +278,16 @@ class X11Test(WidgetChecks, unittest.TestCase):
 
     def size_in_pixels(self, desktop):
         windows = desktop.windows("tickwise-widget")
-        return tuple(desktop.window_geometry(windows[0])[2:]) if windows else None
+        try:
+            return tuple(desktop.window_geometry(windows[0])[2:]) if windows else None
+        except SessionError:  # the window is made anew for another scale
+            return None
+
+    def catches_hangups(self, pid):
+        """Before a program does, one would end it."""
+        with open(f"/proc/{pid}/status", encoding="utf-8") as file:
+            caught = next(line for line in file if line.startswith("SigCgt"))
+        return int(caught.split()[1], 16) >> (signal.SIGHUP - 1) & 1
 
     def test_has_no_corners_without_a_compositor_below_a_tiling_window_manager(self):
         with X11Session(None, None, notifications=None) as desktop:
@@ -314,7 +334,7 @@ class X11Test(WidgetChecks, unittest.TestCase):
             tree = AccessibleTree(desktop)
             widget = Widget(desktop, env=tree.environment)
             widget.wait_for_color(is_green, *self.corner(desktop))
-            found = [(node.role, node.name) for node in tree.nodes("tickwise-widget")]
+            found = desktop.wait_for(lambda: [(node.role, node.name) for node in tree.nodes("tickwise-widget")], what="the tree")
             self.assertIn(("frame", "Tickwise"), found)
             self.assertIn(("list", ENGLISH.text("widget.list.title")), found)
             self.assertEqual([name for role, name in found if role == "list item"],

@@ -451,7 +451,7 @@ void CurlSessionTest::droppingWhileTheHostIsLookedUp()
     time.start();
     subscription.cancel();
     QVERIFY(fetch(to(files)));
-    QVERIFY2(time.elapsed() < 2000, qPrintable(QString::number(time.elapsed())));
+    QVERIFY2(time.elapsed() < 20000, qPrintable(QString::number(time.elapsed())));
     lookupsMayEnd.release();
     QVERIFY(!outcome.isOver());
 }
@@ -474,12 +474,12 @@ void CurlSessionTest::aSlowLookupIsNoSilence()
 {
     HttpRequest request = to(files);
     request.url.setHost(QStringLiteral("late.example"));
-    request.timeout = 300ms;
+    request.timeout = 1500ms;
     SessionOutcome outcome;
     const Subscription subscription = m_client->send(request, outcome.completion());
     QTRY_COMPARE(lookupsBegun.available(), 1);
     lookupsBegun.acquire();
-    QTest::qWait(600); // longer than the server may be silent
+    QTest::qWait(1800); // longer than the server may be silent
     QVERIFY(!outcome.isOver());
     lookupsMayEnd.release();
     QTRY_VERIFY(outcome.isOver());
@@ -518,9 +518,9 @@ void CurlSessionTest::aLookupIsBounded()
 void CurlSessionTest::waitingForAConnectionIsNoSilence()
 {
     constexpr int requests = 20;
-    m_market->script(files, faults::delay(200ms), LoopbackMarket::Repeat::always);
+    m_market->script(files, faults::delay(500ms), LoopbackMarket::Repeat::always);
     HttpRequest request = to(files);
-    request.timeout = 500ms; // the last ones wait three times 200 ms for a connection
+    request.timeout = 1400ms; // the last ones wait three times 500 ms for a connection
     std::vector<Subscription> subscriptions;
     std::vector<bool> answers;
     for (int i = 0; i < requests; ++i)
@@ -533,9 +533,9 @@ void CurlSessionTest::waitingForAConnectionIsNoSilence()
 
 void CurlSessionTest::aQueuedRequestHasItsWholeDeadline()
 {
-    m_market->script(files, faults::delay(200ms), LoopbackMarket::Repeat::always);
+    m_market->script(files, faults::delay(500ms), LoopbackMarket::Repeat::always);
     HttpRequest request = to(files);
-    request.deadline = 500ms;
+    request.deadline = 1400ms;
     std::vector<Subscription> subscriptions;
     int answers = 0;
     for (int i = 0; i < 20; ++i)
@@ -550,7 +550,7 @@ void CurlSessionTest::aQueuedRequestTimesOutOnceItIsSent()
 {
     m_market->script(files, faults::hang(), LoopbackMarket::Repeat::always);
     HttpRequest request = to(files);
-    request.timeout = 200ms;
+    request.timeout = 1000ms;
     std::vector<Subscription> subscriptions;
     std::vector<UrlErrorCode> codes;
     for (int i = 0; i < 8; ++i)

@@ -16,7 +16,7 @@ using namespace tickwise::test;
 namespace {
 
 const QStringList everything{QStringLiteral("actions"), QStringLiteral("body-markup"), QStringLiteral("sound")};
-constexpr std::chrono::milliseconds shortTimeout{100};
+constexpr std::chrono::milliseconds shortTimeout{1000};
 
 UserNotification notification(const QString &identifier = QStringLiteral("price-alert-bitcoin-1.5"))
 {
