@@ -70,6 +70,11 @@ void WatchlistAlertControls::setAlert(const QString &coinName, CoinAlertKind kin
     writeTexts();
 }
 
+std::array<QWidget *, 2> WatchlistAlertControls::controls() const
+{
+    return {m_kind, m_number};
+}
+
 void WatchlistAlertControls::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange)

@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <array>
+
 class QComboBox;
 class QLabel;
 
@@ -21,6 +23,9 @@ public:
 
     /// Shows the alert of a coin that has that name.
     void setAlert(const QString &coinName, CoinAlertKind kind, double threshold);
+
+    /// The controls that take the keyboard, in their order.
+    std::array<QWidget *, 2> controls() const;
 
 Q_SIGNALS:
     void kindChosen(tickwise::CoinAlertKind kind);

@@ -34,14 +34,15 @@ WatchlistAlertNumberField::WatchlistAlertNumberField(QWidget *parent)
     setValidator(new AlertNumberFilter(this));
     setAlignment(Qt::AlignRight);
     connect(this, &QLineEdit::textEdited, this, &WatchlistAlertNumberField::takeText);
-    connect(this, &QLineEdit::editingFinished, this, &WatchlistAlertNumberField::showThreshold);
+    connect(this, &QLineEdit::editingFinished, this, &WatchlistAlertNumberField::endEditing);
 }
 
 void WatchlistAlertNumberField::setThreshold(double threshold)
 {
     m_threshold = threshold;
+    // The same text is set, too: the edits that could be undone may be another coin's.
     if (!hasFocus() || alertNumber(text()) != threshold)
-        showThreshold();
+        setText(alertNumberText(threshold));
 }
 
 void WatchlistAlertNumberField::takeText(const QString &text)
@@ -53,7 +54,7 @@ void WatchlistAlertNumberField::takeText(const QString &text)
     Q_EMIT thresholdEdited(*number);
 }
 
-void WatchlistAlertNumberField::showThreshold()
+void WatchlistAlertNumberField::endEditing()
 {
     const QString shown = alertNumberText(m_threshold);
     if (shown != text())

@@ -21,7 +21,7 @@ Q_SIGNALS:
 
 private:
     void takeText(const QString &text);
-    void showThreshold();
+    void endEditing();
 
     double m_threshold = 0;
 };

@@ -104,6 +104,26 @@ void WatchlistRow::focusHandle()
     m_handle->setFocus(Qt::OtherFocusReason);
 }
 
+void WatchlistRow::takeFocusFrom(const WatchlistRow &row)
+{
+    const bool wasDelete = row.window()->focusWidget() == row.m_delete;
+    (wasDelete ? m_delete : m_handle)->setFocus(Qt::OtherFocusReason);
+}
+
+void WatchlistRow::chainAfter(QWidget &previous)
+{
+    const auto [kind, number] = m_alert->controls();
+    setTabOrder(&previous, m_handle);
+    setTabOrder(m_handle, kind);
+    setTabOrder(kind, number);
+    setTabOrder(number, m_delete);
+}
+
+QWidget &WatchlistRow::lastControl() const
+{
+    return *m_delete;
+}
+
 void WatchlistRow::writeTexts()
 {
     const QString &name = m_content.coin.name;

@@ -37,6 +37,11 @@ public:
     void setFloating(bool floating);
     /// Gives the keyboard to the handle.
     void focusHandle();
+    /// Takes the keyboard from a row that goes: the delete button from its like, the handle from other controls.
+    void takeFocusFrom(const WatchlistRow &row);
+    /// Puts the controls behind that one in the tab order.
+    void chainAfter(QWidget &previous);
+    QWidget &lastControl() const;
 
 Q_SIGNALS:
     /// The handle is dragged; positions are global.

@@ -31,12 +31,32 @@ double valueAt(const std::map<int, double> &offsets, int index)
     return entry == offsets.end() ? 0 : entry->second;
 }
 
+QStringList idsOf(const std::vector<WatchlistRowContent> &rows)
+{
+    QStringList ids;
+    for (const WatchlistRowContent &row : rows)
+        ids.append(row.entry.coinId);
+    return ids;
+}
+
+/// Where the entry at `index` of `before` stands in `after`, negative when it is gone. Entries of one coin keep their
+/// order.
+int newIndexOf(int index, const QStringList &before, const QStringList &after)
+{
+    const QString &id = before.at(index);
+    qsizetype place = after.indexOf(id);
+    for (auto earlier = std::count(before.begin(), before.begin() + index, id); earlier > 0 && place >= 0; --earlier)
+        place = after.indexOf(id, place + 1);
+    return static_cast<int>(place);
+}
+
 } // namespace
 
-WatchlistRows::WatchlistRows(WatchlistReorderSession &session, CoinLogoStore *logos, QWidget *parent)
+WatchlistRows::WatchlistRows(WatchlistReorderSession &session, CoinLogoStore *logos, QWidget &previous, QWidget *parent)
     : QScrollArea(parent)
     , m_session(session)
     , m_logos(logos)
+    , m_previous(previous)
     , m_rowHeight(look::scaled(reorderRowHeight))
     , m_content(new QWidget)
     , m_escape(new QShortcut(Qt::Key_Escape, this))
@@ -74,29 +94,50 @@ WatchlistRows::~WatchlistRows()
     m_session.disconnect(this);
 }
 
-QStringList WatchlistRows::ids() const
+int WatchlistRows::indexOf(const WatchlistRow &row) const
 {
-    QStringList ids;
-    for (const WatchlistRowContent &row : m_rows)
-        ids.append(row.entry.coinId);
-    return ids;
+    const auto shown = std::ranges::find(m_shown, &row, &std::pair<const int, WatchlistRow *>::second);
+    return shown == m_shown.end() ? -1 : shown->first;
 }
 
-int WatchlistRows::indexOf(const QString &coinId) const
+bool WatchlistRows::hasFocus(const WatchlistRow &row) const
 {
-    return static_cast<int>(ids().indexOf(coinId));
+    return row.isAncestorOf(window()->focusWidget());
 }
 
 void WatchlistRows::setRows(std::vector<WatchlistRowContent> rows)
 {
-    m_rows = std::move(rows);
-    if (m_session.draggedID() && m_session.orderIDs() != ids())
+    const QStringList before = idsOf(m_rows);
+    const QStringList after = idsOf(rows);
+    if (m_session.draggedID() && m_session.orderIDs() != after)
         m_session.cancel();
-    m_content->resize(viewport()->width(), static_cast<int>(m_rows.size()) * m_rowHeight);
-    recycleOutside(0, static_cast<int>(m_rows.size()) - 1);
-    for (const auto &[index, row] : m_shown)
+    m_rows = std::move(rows);
+    followEntries(before, after);
+    const auto shown = m_shown; // a control that hides passes its focus on, which may scroll
+    for (const auto &[index, row] : shown)
         row->setContent(m_rows[static_cast<size_t>(index)]);
+    m_content->resize(viewport()->width(), static_cast<int>(m_rows.size()) * m_rowHeight);
     layOut();
+}
+
+/// Every row goes to the new place of its entry, with the edit and the keyboard that it may have. From a row whose
+/// entry is gone the keyboard goes to the one that takes its place.
+void WatchlistRows::followEntries(const QStringList &before, const QStringList &after)
+{
+    std::map<int, WatchlistRow *> gone;
+    for (const auto &[index, row] : std::exchange(m_shown, {})) {
+        const int place = newIndexOf(index, before, after);
+        (place >= 0 ? m_shown : gone).emplace(place >= 0 ? place : index, row);
+    }
+    for (const auto &[index, row] : m_shown)
+        chain(index);
+    std::vector<WatchlistRow *> retired;
+    for (const auto &[index, row] : gone) {
+        if (hasFocus(*row) && !m_rows.empty())
+            materialize(std::min(index, lastIndex())).takeFocusFrom(*row);
+        retired.push_back(row);
+    }
+    retire(retired);
 }
 
 WatchlistRow *WatchlistRows::rowAt(int index) const
@@ -105,13 +146,17 @@ WatchlistRow *WatchlistRows::rowAt(int index) const
     return shown == m_shown.end() ? nullptr : shown->second;
 }
 
-void WatchlistRows::focusRow(const QString &coinId)
+void WatchlistRows::focusRow(int index)
 {
-    const int index = indexOf(coinId);
-    if (index < 0)
-        return;
     ensureVisible(0, index * m_rowHeight + m_rowHeight / 2, 0, m_rowHeight / 2);
     materialize(index).focusHandle();
+}
+
+void WatchlistRows::revealFocus()
+{
+    QWidget *const focused = window()->focusWidget();
+    if (m_content->isAncestorOf(focused))
+        ensureWidgetVisible(focused, 0, m_rowHeight);
 }
 
 void WatchlistRows::resizeEvent(QResizeEvent *event)
@@ -129,18 +174,9 @@ void WatchlistRows::scrollContentsBy(int dx, int dy)
     layOut();
 }
 
-bool WatchlistRows::focusNextPrevChild(bool next)
-{
-    const bool moved = QScrollArea::focusNextPrevChild(next);
-    const QWidget *const focused = focusWidget();
-    if (focused && m_content->isAncestorOf(focused))
-        ensureWidgetVisible(const_cast<QWidget *>(focused), 0, m_rowHeight);
-    return moved;
-}
-
 void WatchlistRows::scrollTo(const QString &id, ViewportEdge edge, int milliseconds)
 {
-    const int top = indexOf(id) * m_rowHeight;
+    const int top = static_cast<int>(m_session.orderIDs().indexOf(id)) * m_rowHeight;
     const int target = edge == ViewportEdge::top ? top : top + m_rowHeight - viewport()->height();
     m_scrolling.stop();
     m_scrolling.setStartValue(verticalScrollBar()->value());
@@ -156,6 +192,9 @@ double WatchlistRows::viewportY(QPointF global) const
 
 void WatchlistRows::startDrag(const WatchlistRow &row, QPointF press)
 {
+    const int index = indexOf(row);
+    if (index < 0)
+        return; // its entry went while the handle was pressed
     // A number that is being edited ends its editing first.
     if (QWidget *const focused = window()->focusWidget())
         focused->clearFocus();
@@ -164,19 +203,17 @@ void WatchlistRows::startDrag(const WatchlistRow &row, QPointF press)
     m_session.setScrollProxy(this);
     m_session.setScrollOffset(verticalScrollBar()->value());
     m_session.setViewportHeight(viewport()->height());
-    const auto shown = std::ranges::find(m_shown, &row, &std::pair<const int, WatchlistRow *>::second);
-    m_session.begin(id, shown->first, viewportY(press), ids(),
+    m_session.begin(id, index, viewportY(press), idsOf(m_rows),
                     [this](const QStringList &order) { Q_EMIT reordered(order); });
 }
 
-void WatchlistRows::moveBy(const QString &coinId, int slots)
+void WatchlistRows::moveBy(int source, int slots)
 {
-    const int source = indexOf(coinId);
-    const int target = std::clamp(source + slots, 0, static_cast<int>(m_rows.size()) - 1);
-    if (source < 0 || target == source || m_session.draggedID())
+    const int target = std::clamp(source + slots, 0, lastIndex());
+    if (target == source || m_session.draggedID())
         return;
-    Q_EMIT reordered(tickwise::reordered(ids(), source, target));
-    focusRow(coinId);
+    Q_EMIT reordered(tickwise::reordered(idsOf(m_rows), source, target));
+    focusRow(target);
 }
 
 /// Moves the rows between the dragged row's place and its slot aside, from where they are now.
@@ -208,12 +245,16 @@ double WatchlistRows::offsetOf(int index) const
 void WatchlistRows::layOut()
 {
     const int offset = verticalScrollBar()->value();
-    const int last =
-        std::min(static_cast<int>(m_rows.size()) - 1, (offset + viewport()->height()) / m_rowHeight + rowsAround);
+    const int last = std::min(lastIndex(), (offset + viewport()->height()) / m_rowHeight + rowsAround);
     const int first = std::max(0, offset / m_rowHeight - rowsAround);
     recycleOutside(first, last);
     for (int index = first; index <= last; ++index)
         materialize(index);
+    if (!m_rows.empty()) {
+        // The keyboard enters the list there.
+        materialize(0);
+        materialize(lastIndex());
+    }
     const bool isDragging = m_session.draggedID().has_value();
     for (const auto &[index, row] : m_shown) {
         const bool isDragged = isDragging && index == m_session.sourceIndex(); // its coin may have another row
@@ -240,30 +281,43 @@ WatchlistRow &WatchlistRows::materialize(int index)
     row->setContent(m_rows[static_cast<size_t>(index)]);
     row->setGeometry(0, index * m_rowHeight, m_content->width(), m_rowHeight);
     row->show();
-    // The keyboard's way follows the rows' order.
-    const auto next = m_shown.emplace(index, row).first;
-    if (next != m_shown.begin())
-        QWidget::setTabOrder(std::prev(next)->second, row);
-    if (std::next(next) != m_shown.end())
-        QWidget::setTabOrder(row, std::next(next)->second);
+    m_shown.emplace(index, row);
+    chain(index);
     return *row;
 }
 
-/// Takes away the rows outside the range, but for the one that holds the pointer or the keyboard.
+/// Puts the row's controls behind those of the row above in the tab order.
+void WatchlistRows::chain(int index)
+{
+    const auto shown = m_shown.find(index);
+    QWidget &previous = shown == m_shown.begin() ? m_previous : std::prev(shown)->second->lastControl();
+    shown->second->chainAfter(previous);
+}
+
+/// Takes away the rows outside the range, but for the one that holds the pointer or the keyboard and for those where
+/// the keyboard enters.
 void WatchlistRows::recycleOutside(int first, int last)
 {
-    for (auto shown = m_shown.begin(); shown != m_shown.end();) {
-        const auto [index, row] = *shown;
-        const bool exists = index < static_cast<int>(m_rows.size());
-        const bool isHeld = row->content().entry.coinId == m_session.draggedID() || row->isAncestorOf(focusWidget());
-        if ((index >= first && index <= last) || (exists && isHeld)) {
-            ++shown;
-            continue;
-        }
+    const bool isDragging = m_session.draggedID().has_value();
+    std::vector<WatchlistRow *> gone;
+    std::erase_if(m_shown, [&](const std::pair<const int, WatchlistRow *> &shown) {
+        const auto [index, row] = shown;
+        const bool isEnd = index == 0 || index == lastIndex();
+        const bool isHeld = (isDragging && index == m_session.sourceIndex()) || hasFocus(*row);
+        if ((index >= first && index <= last) || isEnd || isHeld)
+            return false;
+        gone.push_back(row);
+        return true;
+    });
+    retire(gone);
+}
+
+/// Hides rows that left `m_shown` before: a row that hides passes its focus on, which may scroll.
+void WatchlistRows::retire(const std::vector<WatchlistRow *> &rows)
+{
+    for (WatchlistRow *const row : rows)
         row->hide();
-        m_spare.push_back(row);
-        shown = m_shown.erase(shown);
-    }
+    m_spare.insert(m_spare.end(), rows.begin(), rows.end());
 }
 
 void WatchlistRows::connectRow(WatchlistRow &row)
@@ -271,14 +325,13 @@ void WatchlistRows::connectRow(WatchlistRow &row)
     connect(&row, &WatchlistRow::dragStarted, this, [this, &row](QPointF press) { startDrag(row, press); });
     connect(&row, &WatchlistRow::dragged, this, [this](QPointF position) { m_session.drag(viewportY(position)); });
     connect(&row, &WatchlistRow::released, this, [this] { m_session.end(); });
-    connect(&row, &WatchlistRow::moveRequested, this,
-            [this, &row](int slots) { moveBy(row.content().entry.coinId, slots); });
+    connect(&row, &WatchlistRow::moveRequested, this, [this, &row](int slots) { moveBy(indexOf(row), slots); });
     connect(&row, &WatchlistRow::deleteRequested, this,
             [this, &row] { Q_EMIT deleteRequested(row.content().entry.coinId); });
     connect(&row, &WatchlistRow::kindChosen, this,
-            [this, &row](CoinAlertKind kind) { Q_EMIT kindChosen(row.content().entry.coinId, kind); });
+            [this, &row](CoinAlertKind kind) { Q_EMIT kindChosen(indexOf(row), kind); });
     connect(&row, &WatchlistRow::thresholdEdited, this,
-            [this, &row](double threshold) { Q_EMIT thresholdEdited(row.content().entry.coinId, threshold); });
+            [this, &row](double threshold) { Q_EMIT thresholdEdited(indexOf(row), threshold); });
 }
 
 } // namespace tickwise

@@ -17,8 +17,6 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace tickwise {
 
 namespace {
@@ -32,7 +30,7 @@ WatchlistView::WatchlistView(WatchlistContext context, QWidget *parent)
     , m_context(context)
     , m_recommendedModel([&model = context.viewModel](const QString &id) { return model.isAdded(id); })
     , m_add(new QPushButton)
-    , m_rows(new WatchlistRows(m_session, context.logos))
+    , m_rows(new WatchlistRows(m_session, context.logos, *m_add))
     , m_empty(new SecondaryLabel)
     , m_recommendedTitle(new QLabel)
     , m_recommended(new CoinToggleList(m_recommendedModel, context.logos))
@@ -75,11 +73,11 @@ void WatchlistView::buildRows()
         m_session.cancel();
         edit(withCoinRemoved(m_context.settings.settings(), id));
     });
-    connect(m_rows, &WatchlistRows::kindChosen, this, [this](const QString &id, CoinAlertKind kind) {
-        editEntry(id, [kind](WatchlistCoin &entry) { entry.alertKind = kind; });
+    connect(m_rows, &WatchlistRows::kindChosen, this, [this](int index, CoinAlertKind kind) {
+        editEntry(index, [kind](WatchlistCoin &entry) { entry.alertKind = kind; });
     });
-    connect(m_rows, &WatchlistRows::thresholdEdited, this, [this](const QString &id, double threshold) {
-        editEntry(id, [threshold](WatchlistCoin &entry) { entry.notificationThreshold = threshold; });
+    connect(m_rows, &WatchlistRows::thresholdEdited, this, [this](int index, double threshold) {
+        editEntry(index, [threshold](WatchlistCoin &entry) { entry.notificationThreshold = threshold; });
     });
 }
 
@@ -141,25 +139,34 @@ void WatchlistView::edit(const AppSettings &settings)
         m_context.settings.update(settings);
 }
 
-void WatchlistView::editEntry(const QString &coinId, const std::function<void(WatchlistCoin &)> &change)
+void WatchlistView::editEntry(int index, const std::function<void(WatchlistCoin &)> &change)
 {
     AppSettings settings = m_context.settings.settings();
-    const auto entry = std::ranges::find(settings.watchlistCoins, coinId, &WatchlistCoin::coinId);
-    if (entry == settings.watchlistCoins.end())
-        return;
-    change(*entry);
+    change(settings.watchlistCoins.at(static_cast<size_t>(index)));
     edit(settings);
 }
 
 void WatchlistView::showSettings()
 {
-    m_rows->setRows(watchlistRows(m_context.settings.settings(), m_context.catalog.byID()));
+    std::vector<WatchlistRowContent> rows = watchlistRows(m_context.settings.settings(), m_context.catalog.byID());
+    if (rows.empty() && m_rows->isAncestorOf(window()->focusWidget()))
+        m_add->setFocus();
+    m_rows->setRows(std::move(rows));
     m_rows->setVisible(!m_rows->rows().empty());
     m_empty->setVisible(m_rows->rows().empty());
     m_recommendedModel.setCoins(m_context.viewModel.recommendedCoins());
     const bool hasRecommended = m_recommendedModel.rowCount() > 0;
     m_recommendedTitle->setVisible(hasRecommended);
     m_recommended->setVisible(hasRecommended);
+}
+
+/// Rows that are far from sight have no controls: the way on starts and ends in sight.
+bool WatchlistView::focusNextPrevChild(bool next)
+{
+    m_rows->revealFocus();
+    const bool moved = QWidget::focusNextPrevChild(next);
+    m_rows->revealFocus();
+    return moved;
 }
 
 void WatchlistView::showEvent(QShowEvent *event)

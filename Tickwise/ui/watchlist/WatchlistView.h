@@ -44,6 +44,7 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
     void hideEvent(QHideEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
@@ -53,7 +54,7 @@ private:
     void buildRecommended();
     void connectSources();
     void edit(const AppSettings &settings);
-    void editEntry(const QString &coinId, const std::function<void(WatchlistCoin &)> &change);
+    void editEntry(int index, const std::function<void(WatchlistCoin &)> &change);
     void showSettings();
     void followMotion();
     void writeTexts();
