@@ -112,6 +112,12 @@ void WatchlistReorderSession::commit()
         handler(order);
 }
 
+void WatchlistReorderSession::abandon()
+{
+    if (isDragging())
+        cancel();
+}
+
 void WatchlistReorderSession::cancel()
 {
     stopAutoScroll();

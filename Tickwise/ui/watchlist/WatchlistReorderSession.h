@@ -65,6 +65,8 @@ public:
     void drag(double pointerY);
     /// The pointer was released: the row settles, then the order is committed; at once with reduced motion.
     void end();
+    /// Ends a drag that gets no release any more. A row that was released still settles.
+    void abandon();
     /// Ends any drag without a commit.
     void cancel();
 

@@ -198,6 +198,7 @@ void WatchlistRows::startDrag(const WatchlistRow &row, QPointF press)
     // A number that is being edited ends its editing first.
     if (QWidget *const focused = window()->focusWidget())
         focused->clearFocus();
+    m_session.abandon();
     Q_EMIT dragAboutToStart();
     const QString &id = row.content().entry.coinId;
     m_session.setScrollProxy(this);

@@ -177,9 +177,11 @@ void WatchlistView::showEvent(QShowEvent *event)
     QWidget::showEvent(event);
 }
 
-/// The panel covers the whole window, so it goes with the tab. It stays while the window is minimized.
+/// The panel covers the whole window, so it goes with the tab. It stays while the window is minimized. A drag gets no
+/// release here any more.
 void WatchlistView::hideEvent(QHideEvent *event)
 {
+    m_session.abandon();
     if (m_panel && !event->spontaneous())
         m_panel->hide();
     QWidget::hideEvent(event);

@@ -77,6 +77,7 @@ private Q_SLOTS:
     void releaseDuringSettlingIsIgnored();
     void cancelCommitsNothing();
     void cancelDuringSettlingCommitsNothing();
+    void abandonEndsADragThatWasNotReleased();
     void aSessionThatIsGoneCommitsNothing();
     void aCommitMayStartTheNextDrag();
     void oneRowStays();
@@ -259,6 +260,21 @@ void WatchlistReorderSessionTest::cancelDuringSettlingCommitsNothing()
     begin(QStringLiteral("2"), 95);
     m_session->drag(185);
     m_session->end();
+    QTRY_COMPARE(m_commits.size(), std::size_t(1));
+    QCOMPARE(m_commits.front(), reordered(m_ids, 2, 4));
+}
+
+void WatchlistReorderSessionTest::abandonEndsADragThatWasNotReleased()
+{
+    begin(QStringLiteral("1"), 50);
+    m_session->drag(140);
+    m_session->abandon();
+    QVERIFY(!m_session->draggedID());
+    begin(QStringLiteral("2"), 95);
+    m_session->drag(185);
+    m_session->end();
+    m_session->abandon();
+    QVERIFY(m_session->isSettling());
     QTRY_COMPARE(m_commits.size(), std::size_t(1));
     QCOMPARE(m_commits.front(), reordered(m_ids, 2, 4));
 }

@@ -89,6 +89,8 @@ private Q_SLOTS:
     void keyboardStopsAtTheEnds();
     void dragCommitsTheOrder();
     void aClickOnTheHandleIsNoDrag();
+    void aDragThatWasHiddenIsOver();
+    void aDragWithoutAReleaseEndsWithTheNext();
     void changeFromElsewhereEndsADrag();
     void recommendedRowsToggle();
     void emptyListSaysSo();
@@ -208,6 +210,29 @@ void WatchlistViewTest::aClickOnTheHandleIsNoDrag()
     QTest::mouseClick(world.handle(1), Qt::LeftButton);
     QVERIFY(!world.view->session().draggedID());
     QCOMPARE(world.defaults.writes, writes);
+}
+
+void WatchlistViewTest::aDragThatWasHiddenIsOver()
+{
+    WatchlistViewWorld world(4);
+    const QStringList order = world.ids();
+    drag(world, 0, 88);
+    world.view->hide();
+    QVERIFY(!world.view->session().draggedID());
+    world.view->show();
+    QTest::mouseRelease(world.handle(0), Qt::LeftButton);
+    QCOMPARE(world.ids(), order);
+}
+
+void WatchlistViewTest::aDragWithoutAReleaseEndsWithTheNext()
+{
+    WatchlistViewWorld world(4);
+    drag(world, 0, 88);
+    drag(world, 3, -44);
+    QCOMPARE(world.view->session().draggedID(), QStringLiteral("coin-3"));
+    QTest::mouseRelease(world.handle(3), Qt::LeftButton);
+    QCOMPARE(world.ids(), (QStringList{QStringLiteral("bitcoin"), QStringLiteral("ethereum"), QStringLiteral("coin-3"),
+                                       QStringLiteral("coin-2")}));
 }
 
 void WatchlistViewTest::changeFromElsewhereEndsADrag()
