@@ -4,11 +4,11 @@
 #include "pipeline/CoinListViewModel.h"
 #include "support/Localization.h"
 #include "ui/controls/Look.h"
+#include "ui/controls/RowNameEvents.h"
 #include "ui/popover/CoinRowDelegate.h"
 #include "ui/popover/EmptyWatchlistView.h"
 #include "ui/popover/PopoverHeader.h"
 #include "ui/popover/PopoverStatus.h"
-#include "ui/popover/RowNameEvents.h"
 #include "ui/updates/UpdateController.h"
 
 #include <QKeyEvent>

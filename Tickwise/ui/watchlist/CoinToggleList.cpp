@@ -5,6 +5,7 @@
 #include "settings/HexColor.h"
 #include "ui/controls/CoinLogoPixmap.h"
 #include "ui/controls/Look.h"
+#include "ui/controls/RowNameEvents.h"
 #include "ui/controls/SymbolImage.h"
 
 #include <QKeyEvent>
@@ -119,6 +120,7 @@ CoinToggleList::CoinToggleList(CoinToggleModel &model, CoinLogoStore *logos, QWi
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    new RowNameEvents(*this);
     connect(this, &QListView::clicked, this, &CoinToggleList::toggle);
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this](const QItemSelection &selected) {
         if (selected.isEmpty())

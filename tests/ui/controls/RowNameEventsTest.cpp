@@ -1,10 +1,11 @@
-#include "ui/popover/RowNameEvents.h"
+#include "ui/controls/RowNameEvents.h"
 
 #include "doubles/CoinListWorld.h"
 #include "doubles/Languages.h"
 #include "doubles/TestProgram.h"
 #include "ui/popover/CoinPopoverView.h"
 #include "ui/updates/UpdateController.h"
+#include "ui/watchlist/CoinToggleList.h"
 
 #include <QAccessible>
 #include <QListView>
@@ -72,6 +73,7 @@ private Q_SLOTS:
     void tellsNothingWhileHidden();
     void tellsNothingWhenNobodyListens();
     void otherCoinsAreNoNewNames();
+    void tellsACoinThatWasAdded();
 };
 
 void RowNameEventsTest::initTestCase()
@@ -134,6 +136,22 @@ void RowNameEventsTest::otherCoinsAreNoNewNames()
     QCOMPARE(heardNames(), QStringList());
     world.priceBitcoin(200);
     QCOMPARE(heardNames(), QStringList{QStringLiteral("BTC, 200 USD, up 1.00 percent")});
+}
+
+void RowNameEventsTest::tellsACoinThatWasAdded()
+{
+    QStringList added;
+    CoinToggleModel model([&added](const QString &id) { return added.contains(id); });
+    model.setCoins(validCoins(2));
+    CoinToggleList list(model, nullptr);
+    list.show();
+    const QString before = model.index(1, 0).data(Qt::AccessibleTextRole).toString();
+    heardNames().clear();
+    added.append(QStringLiteral("ethereum"));
+    model.refresh();
+    const QString after = model.index(1, 0).data(Qt::AccessibleTextRole).toString();
+    QVERIFY(after != before);
+    QCOMPARE(heardNames(), QStringList{after});
 }
 
 TICKWISE_WIDGET_TEST(RowNameEventsTest)

@@ -1,4 +1,4 @@
-#include "ui/popover/RowNameEvents.h"
+#include "ui/controls/RowNameEvents.h"
 
 #include <QAbstractItemView>
 #include <QAccessible>
