@@ -62,6 +62,7 @@ SettingsWindow::SettingsWindow(SettingsViewModel &settings, SettingsDataStorage 
     , m_settings(settings)
     , m_storage(storage)
     , m_tabs(new QTabWidget(this))
+    , m_composition(*this)
 {
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(0, topMargin, 0, 0);
@@ -130,9 +131,10 @@ void SettingsWindow::hideEvent(QHideEvent *event)
     AccessibleWindow::hideEvent(event);
 }
 
+/// A key that is still held closed what was in front of the window.
 void SettingsWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (event->matches(QKeySequence::Cancel))
+    if (event->matches(QKeySequence::Cancel) && !event->isAutoRepeat() && !m_composition.isComposing())
         close();
     else
         AccessibleWindow::keyPressEvent(event);

@@ -2,6 +2,7 @@
 
 #include "settings/SettingsDataStorage.h"
 #include "settings/SettingsViewModel.h"
+#include "ui/controls/CompositionWatch.h"
 #include "widget/views/AccessibleWindow.h"
 
 class QTabWidget;
@@ -46,6 +47,7 @@ private:
     SettingsViewModel &m_settings;
     SettingsDataStorage &m_storage;
     QTabWidget *m_tabs;
+    CompositionWatch m_composition;
     QPropertyNotifier m_tabNotifier;
 };
 

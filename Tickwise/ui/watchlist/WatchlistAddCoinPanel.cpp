@@ -10,7 +10,6 @@
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
-#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
@@ -67,6 +66,7 @@ WatchlistAddCoinPanel::WatchlistAddCoinPanel(WatchlistViewModel &viewModel, Sett
     , m_model([&viewModel](const QString &id) { return viewModel.isAdded(id); })
     , m_box(new QWidget(this))
     , m_field(new QLineEdit)
+    , m_composition(*m_field)
     , m_clear(new IconButton(QStringLiteral("xmark.circle.fill")))
     , m_list(new CoinToggleList(m_model, logos))
     , m_noResults(new QLabel)
@@ -92,7 +92,6 @@ void WatchlistAddCoinPanel::buildField()
     m_field->setObjectName(QStringLiteral("searchField"));
     m_field->setFrame(false);
     takeColors();
-    m_field->installEventFilter(this);
     m_clear->setObjectName(QStringLiteral("watchlist.search.clear"));
     row->addWidget(m_field);
     row->addWidget(m_clear);
@@ -194,35 +193,36 @@ void WatchlistAddCoinPanel::showEvent(QShowEvent *event)
 void WatchlistAddCoinPanel::hideEvent(QHideEvent *event)
 {
     QCoreApplication::instance()->removeEventFilter(this);
-    m_isComposing = false;
     QWidget::hideEvent(event);
-    Q_EMIT closed();
+    if (!event->spontaneous()) // a minimized window's panel stays open
+        Q_EMIT closed();
 }
 
 bool WatchlistAddCoinPanel::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == parentWidget() && event->type() == QEvent::Resize)
         place();
-    if (watched == m_field && event->type() == QEvent::InputMethod)
-        m_isComposing = !static_cast<const QInputMethodEvent *>(event)->preeditString().isEmpty();
     const bool isInside = watched->isWidgetType() && window() == static_cast<QWidget *>(watched)->window();
     if (isInside && isVisible() && event->type() == QEvent::KeyPress)
-        return handleKey(*static_cast<const QKeyEvent *>(event));
+        return handleKey(*static_cast<QKeyEvent *>(event));
     return QWidget::eventFilter(watched, event);
 }
 
-/// Escape closes, unless an input method is composing: then it ends the composition. In the field, the arrows move
-/// through the results and Enter toggles.
-bool WatchlistAddCoinPanel::handleKey(const QKeyEvent &event)
+/// Escape closes, unless an input method is composing: then it ends the composition.
+bool WatchlistAddCoinPanel::handleKey(QKeyEvent &event)
 {
+    if (m_composition.isComposing())
+        return false;
     if (event.key() == Qt::Key_Escape) {
-        if (m_isComposing)
-            return false;
         hide();
         return true;
     }
-    if (!m_field->hasFocus() || m_isComposing)
-        return false;
+    return window()->focusWidget() == m_field ? handleFieldKey(event) : typeInField(event);
+}
+
+/// In the field, the arrows move through the results and Enter toggles.
+bool WatchlistAddCoinPanel::handleFieldKey(const QKeyEvent &event)
+{
     switch (event.key()) {
     case Qt::Key_Down:
         m_list->moveCurrent(1);
@@ -232,22 +232,30 @@ bool WatchlistAddCoinPanel::handleKey(const QKeyEvent &event)
         return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        m_list->toggleCurrent();
+        if (!event.isAutoRepeat())
+            m_list->toggleCurrent();
         return true;
     default:
         return false;
     }
 }
 
-/// Typing anywhere in the panel goes on in the field. What the field itself leaves comes here, too, and stays here.
+/// Typing anywhere in the panel goes on in the field; the space bar presses the control that has the keyboard.
+bool WatchlistAddCoinPanel::typeInField(QKeyEvent &event)
+{
+    const bool isCommand = event.modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    const bool isText = !event.text().isEmpty() && event.text().front().isPrint() && event.key() != Qt::Key_Space;
+    if (isCommand || !isText)
+        return false;
+    m_field->setFocus();
+    QCoreApplication::sendEvent(m_field, &event);
+    return true;
+}
+
+/// Keys that the controls leave stay here: the panel covers what else would take them.
 void WatchlistAddCoinPanel::keyPressEvent(QKeyEvent *event)
 {
-    const bool isCommand = event->modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
-    const bool isTyping = !isCommand && !event->text().isEmpty() && event->text().front().isPrint();
-    if (m_field->hasFocus() || !isTyping)
-        return QWidget::keyPressEvent(event);
-    m_field->setFocus();
-    QCoreApplication::sendEvent(m_field, event);
+    event->accept();
 }
 
 /// The controls that the panel covers are out of the keyboard's reach.

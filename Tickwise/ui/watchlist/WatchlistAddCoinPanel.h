@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/controls/CompositionWatch.h"
 #include "ui/watchlist/CoinToggleModel.h"
 #include "ui/watchlist/WatchlistViewModel.h"
 
@@ -47,7 +48,9 @@ private:
     void buildField();
     void takeColors();
     void buildList(CoinLogoStore *logos);
-    bool handleKey(const QKeyEvent &event);
+    bool handleKey(QKeyEvent &event);
+    bool handleFieldKey(const QKeyEvent &event);
+    bool typeInField(QKeyEvent &event);
     void place();
     void showCoins();
     void writeTexts();
@@ -57,10 +60,10 @@ private:
     CoinToggleModel m_model;
     QWidget *m_box;
     QLineEdit *m_field;
+    CompositionWatch m_composition;
     IconButton *m_clear;
     CoinToggleList *m_list;
     QLabel *m_noResults;
-    bool m_isComposing = false;
     QPropertyNotifier m_searchNotifier;
     QPropertyNotifier m_settingsNotifier;
 };

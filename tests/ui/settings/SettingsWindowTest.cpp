@@ -10,6 +10,7 @@
 #include "ui/watchlist/WatchlistView.h"
 
 #include <QLabel>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTabWidget>
 
@@ -46,6 +47,8 @@ private Q_SLOTS:
     void setsTheTab();
     void escapeCloses();
     void escapeEndsADragFirst();
+    void escapeEndsACompositionFirst();
+    void aHeldEscapeDoesNotClose();
     void theCloseKeyCloses();
     void aFullDiskIsALogLine();
     void languageChangeWritesTheTexts();
@@ -182,6 +185,32 @@ void SettingsWindowTest::escapeEndsADragFirst()
     QCOMPARE(idsOf(*m_settings), order);
     QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
     QVERIFY(!window.isVisible());
+}
+
+void SettingsWindowTest::escapeEndsACompositionFirst()
+{
+    auto *const field = new QLineEdit;
+    SettingsWindow window(*m_settings, m_defaults, {field, new QLabel, new QLabel});
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    field->setFocus();
+    QInputMethodEvent composing(QStringLiteral("1"), {});
+    QCoreApplication::sendEvent(field, &composing);
+    QTest::keyClick(field, Qt::Key_Escape);
+    QVERIFY(window.isVisible());
+    QInputMethodEvent over;
+    QCoreApplication::sendEvent(field, &over);
+    QTest::keyClick(field, Qt::Key_Escape);
+    QVERIFY(!window.isVisible());
+}
+
+void SettingsWindowTest::aHeldEscapeDoesNotClose()
+{
+    const auto window = makeWindow();
+    window->show();
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Escape, {}, {}, true);
+    QCoreApplication::sendEvent(window.get(), &held);
+    QVERIFY(window->isVisible());
 }
 
 void SettingsWindowTest::theCloseKeyCloses()

@@ -68,10 +68,17 @@ struct AddCoinPanelWorld
     CoinToggleList *list = nullptr;
 };
 
-void press(QWidget &widget, int key, const QString &text, Qt::KeyboardModifiers modifiers = {})
+/// Whether somebody took the key.
+bool press(QWidget &widget, int key, const QString &text, Qt::KeyboardModifiers modifiers = {}, bool isRepeat = false)
 {
-    QKeyEvent event(QEvent::KeyPress, key, modifiers, text);
+    QKeyEvent event(QEvent::KeyPress, key, modifiers, text, isRepeat);
     QCoreApplication::sendEvent(&widget, &event);
+    return event.isAccepted();
+}
+
+void clickFirst(CoinToggleList &list)
+{
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualRect(list.model()->index(0, 0)).center());
 }
 
 } // namespace
@@ -85,10 +92,15 @@ private Q_SLOTS:
     void commandsAreNotTyped_data();
     void commandsAreNotTyped();
     void typingGoesOnInTheField();
+    void typingAfterAClickGoesOnInTheField();
+    void theSpaceBarTogglesAClickedRow();
+    void aHeldEnterTogglesOnce();
+    void escapeOfACompositionStaysInside();
     void tabStaysInside();
     void tabWithoutResults();
     void goesWithItsTab();
     void closingGivesTheKeyboardBack();
+    void minimizingKeepsTheKeyboard();
     void aLogoThatFailedIsAskedForOnceAShowing();
 };
 
@@ -127,6 +139,53 @@ void WatchlistAddCoinPanelTest::typingGoesOnInTheField()
     press(*world.clear, Qt::Key_T, QStringLiteral("t"));
     QCOMPARE(world.viewModel.searchText(), QStringLiteral("et"));
     QVERIFY(world.field->hasFocus());
+}
+
+void WatchlistAddCoinPanelTest::typingAfterAClickGoesOnInTheField()
+{
+    AddCoinPanelWorld world;
+    QVERIFY(world.open());
+    clickFirst(*world.list);
+    QVERIFY(world.list->hasFocus());
+    press(*world.list, Qt::Key_E, QStringLiteral("E"), Qt::ShiftModifier);
+    QVERIFY(world.field->hasFocus());
+    press(*world.field, Qt::Key_T, QStringLiteral("t"));
+    QCOMPARE(world.viewModel.searchText(), QStringLiteral("Et"));
+}
+
+void WatchlistAddCoinPanelTest::theSpaceBarTogglesAClickedRow()
+{
+    AddCoinPanelWorld world;
+    QVERIFY(world.open());
+    const bool isAdded = world.viewModel.isAdded(QStringLiteral("bitcoin"));
+    clickFirst(*world.list);
+    QCOMPARE(world.viewModel.isAdded(QStringLiteral("bitcoin")), !isAdded);
+    press(*world.list, Qt::Key_Space, QStringLiteral(" "));
+    QCOMPARE(world.viewModel.isAdded(QStringLiteral("bitcoin")), isAdded);
+    QVERIFY(world.list->hasFocus());
+}
+
+void WatchlistAddCoinPanelTest::aHeldEnterTogglesOnce()
+{
+    AddCoinPanelWorld world;
+    QVERIFY(world.open());
+    press(*world.field, Qt::Key_Down, {});
+    const auto before = world.settings.settings().watchlistCoins.size();
+    for (const bool isRepeat : {false, true, true})
+        QVERIFY(press(*world.field, Qt::Key_Return, QStringLiteral("\r"), {}, isRepeat));
+    QCOMPARE(world.settings.settings().watchlistCoins.size(), before - 1);
+    QVERIFY(press(*world.field, Qt::Key_Return, QStringLiteral("\r"), {}, true));
+    QCOMPARE(world.settings.settings().watchlistCoins.size(), before - 1);
+}
+
+void WatchlistAddCoinPanelTest::escapeOfACompositionStaysInside()
+{
+    AddCoinPanelWorld world;
+    QVERIFY(world.open());
+    QInputMethodEvent composing(QStringLiteral("bi"), {});
+    QCoreApplication::sendEvent(world.field, &composing);
+    QVERIFY(press(*world.field, Qt::Key_Escape, {}));
+    QVERIFY(world.panel->isVisible());
 }
 
 void WatchlistAddCoinPanelTest::tabStaysInside()
@@ -175,6 +234,21 @@ void WatchlistAddCoinPanelTest::closingGivesTheKeyboardBack()
     QVERIFY(world.open());
     press(*world.field, Qt::Key_Escape, {});
     QCOMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("watchlist.addCoin"));
+}
+
+void WatchlistAddCoinPanelTest::minimizingKeepsTheKeyboard()
+{
+    AddCoinPanelWorld world;
+    QVERIFY(world.open());
+    world.window.showMinimized();
+    QTRY_VERIFY(!world.panel->testAttribute(Qt::WA_Mapped)); // what a minimized window does to its children
+    QCOMPARE(world.window.focusWidget(), world.field);
+    world.window.showNormal();
+    QVERIFY(QTest::qWaitForWindowActive(&world.window));
+    QVERIFY(world.panel->isVisible());
+    QVERIFY(world.field->hasFocus());
+    press(*world.field, Qt::Key_Escape, {});
+    QVERIFY(!world.panel->isVisible());
 }
 
 void WatchlistAddCoinPanelTest::aLogoThatFailedIsAskedForOnceAShowing()
