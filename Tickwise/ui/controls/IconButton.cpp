@@ -4,7 +4,6 @@
 #include "ui/controls/SymbolImage.h"
 
 #include <QEvent>
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace tickwise {
@@ -20,7 +19,7 @@ constexpr int iconPadding = 6;
 } // namespace
 
 IconButton::IconButton(const QString &symbol, QWidget *parent)
-    : QAbstractButton(parent)
+    : FlatButton(parent)
     , m_symbol(symbol)
 {
     setFocusPolicy(Qt::TabFocus);
@@ -48,15 +47,7 @@ bool IconButton::event(QEvent *event)
 {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange)
         updateGeometry();
-    return QAbstractButton::event(event);
-}
-
-void IconButton::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        click();
-    else
-        QAbstractButton::keyPressEvent(event);
+    return FlatButton::event(event);
 }
 
 void IconButton::paintEvent(QPaintEvent *)

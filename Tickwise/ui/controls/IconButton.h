@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QAbstractButton>
+#include "ui/controls/FlatButton.h"
 
 namespace tickwise {
 
 /// A flat button with one of the interface's symbols, and with its text beside the symbol if it has one. Its tooltip is
 /// its name for screen readers unless it has a text.
-class IconButton : public QAbstractButton
+class IconButton : public FlatButton
 {
     Q_OBJECT
 
@@ -21,7 +21,6 @@ public:
 
 protected:
     bool event(QEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

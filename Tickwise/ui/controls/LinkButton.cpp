@@ -3,7 +3,6 @@
 #include "ui/controls/Look.h"
 
 #include <QDesktopServices>
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace tickwise {
@@ -15,7 +14,7 @@ constexpr int ringMargin = 3; ///< inside the focus ring
 } // namespace
 
 LinkButton::LinkButton(const QUrl &address, QWidget *parent)
-    : QAbstractButton(parent)
+    : FlatButton(parent)
     , m_address(address)
 {
     setFocusPolicy(Qt::StrongFocus);
@@ -28,14 +27,6 @@ LinkButton::LinkButton(const QUrl &address, QWidget *parent)
 QSize LinkButton::sizeHint() const
 {
     return fontMetrics().size(Qt::TextSingleLine, text()) + QSize(2 * ringMargin, 2 * ringMargin);
-}
-
-void LinkButton::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        click();
-    else
-        QAbstractButton::keyPressEvent(event);
 }
 
 void LinkButton::paintEvent(QPaintEvent *)

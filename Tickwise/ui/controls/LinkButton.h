@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QAbstractButton>
+#include "ui/controls/FlatButton.h"
+
 #include <QUrl>
 
 namespace tickwise {
 
 /// An underlined text that opens an address with the desktop's handler, by mouse and by key.
-class LinkButton : public QAbstractButton
+class LinkButton : public FlatButton
 {
     Q_OBJECT
 
@@ -16,7 +17,6 @@ public:
     QSize sizeHint() const override;
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

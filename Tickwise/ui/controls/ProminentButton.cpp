@@ -3,7 +3,6 @@
 #include "support/drawing/Contrast.h"
 #include "ui/controls/Look.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace tickwise {
@@ -27,7 +26,7 @@ QColor ground(const QAbstractButton &button)
 } // namespace
 
 ProminentButton::ProminentButton(QWidget *parent)
-    : QAbstractButton(parent)
+    : FlatButton(parent)
 {
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
@@ -38,14 +37,6 @@ QSize ProminentButton::sizeHint() const
 {
     const QFontMetrics metrics(look::font(look::bodySize, QFont::DemiBold));
     return {metrics.horizontalAdvance(text()) + 2 * look::scaled(prominentPadding), look::scaled(buttonHeight)};
-}
-
-void ProminentButton::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        click();
-    else
-        QAbstractButton::keyPressEvent(event);
 }
 
 void ProminentButton::paintEvent(QPaintEvent *)

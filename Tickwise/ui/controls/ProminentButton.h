@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QAbstractButton>
+#include "ui/controls/FlatButton.h"
 
 namespace tickwise {
 
 /// The one button that a surface wants to be pressed: its text on the accent color.
-class ProminentButton : public QAbstractButton
+class ProminentButton : public FlatButton
 {
     Q_OBJECT
 
@@ -16,7 +16,6 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 };
 

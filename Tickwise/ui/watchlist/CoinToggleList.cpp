@@ -163,7 +163,9 @@ void CoinToggleList::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Return:
     case Qt::Key_Enter:
     case Qt::Key_Space:
-        return toggleCurrent();
+        if (!event->isAutoRepeat())
+            toggleCurrent();
+        return;
     default:
         QListView::keyPressEvent(event);
     }

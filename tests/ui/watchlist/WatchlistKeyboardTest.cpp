@@ -96,6 +96,12 @@ void pressFocused(int key, Qt::KeyboardModifiers modifiers = {})
     QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), modifiers);
 }
 
+void repeatFocused(int key)
+{
+    QKeyEvent event(QEvent::KeyPress, key, {}, {}, true);
+    QCoreApplication::sendEvent(QApplication::focusWidget(), &event);
+}
+
 bool isInSight(const QWidget &control, const WatchlistRows &rows)
 {
     return rows.viewport()->isAncestorOf(&control) && control.visibleRegion().boundingRect() == control.rect();
@@ -113,6 +119,8 @@ private Q_SLOTS:
     void deletingARowFocusesTheNext();
     void aDeletedRowWithTheKeyboardInItsNumber();
     void deletingTheOnlyRowFocusesAddCoin();
+    void aHeldKeyDeletesOneCoin();
+    void aHeldKeyTogglesOnce();
     void altArrowsGoOnWithTheirRow();
     void theKeyboardStaysWithACoinThatMovesOutOfSight();
     void tabVisitsEveryRow();
@@ -171,6 +179,33 @@ void WatchlistKeyboardTest::deletingTheOnlyRowFocusesAddCoin()
     pressFocused(Qt::Key_Return);
     QVERIFY(world.ids().isEmpty());
     QVERIFY(world.add().hasFocus());
+}
+
+void WatchlistKeyboardTest::aHeldKeyDeletesOneCoin()
+{
+    WatchlistKeyboardWorld world(4);
+    QVERIFY(world.isActive());
+    world.control(1, deleteName).setFocus();
+    pressFocused(Qt::Key_Return);
+    repeatFocused(Qt::Key_Return);
+    repeatFocused(Qt::Key_Return);
+    QCOMPARE(world.ids().size(), 3);
+}
+
+void WatchlistKeyboardTest::aHeldKeyTogglesOnce()
+{
+    WatchlistKeyboardWorld world(1);
+    QVERIFY(world.isActive());
+    world.recommended().setFocus();
+    world.recommended().setCurrentIndex(world.recommended().model()->index(1, 0));
+    for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+        const auto before = world.ids().size();
+        pressFocused(key);
+        repeatFocused(key);
+        QCOMPARE(qAbs(world.ids().size() - before), 1);
+        repeatFocused(key);
+        QCOMPARE(qAbs(world.ids().size() - before), 1);
+    }
 }
 
 void WatchlistKeyboardTest::altArrowsGoOnWithTheirRow()
