@@ -114,8 +114,10 @@ void WatchlistRows::setRows(std::vector<WatchlistRowContent> rows)
     m_rows = std::move(rows);
     followEntries(before, after);
     const auto shown = m_shown; // a control that hides passes its focus on, which may scroll
-    for (const auto &[index, row] : shown)
-        row->setContent(m_rows[static_cast<size_t>(index)]);
+    for (const auto &[index, row] : shown) {
+        if (rowAt(index) == row)
+            row->setContent(m_rows[static_cast<size_t>(index)]);
+    }
     m_content->resize(viewport()->width(), static_cast<int>(m_rows.size()) * m_rowHeight);
     layOut();
 }

@@ -332,6 +332,8 @@ void WatchlistKeyboardTest::aNumberThatGoesWithItsAlert()
     world.watch(entries);
     QVERIFY(!world.number(1).isVisible());
     QCOMPARE(QApplication::focusWidget(), &world.control(1, deleteName));
+    for (int row = 0; row < 30; ++row)
+        QVERIFY(!world.rows().rowAt(row) || world.rows().rowAt(row)->content().entry == entries.at(size_t(row)));
 }
 
 void WatchlistKeyboardTest::aDuplicateIsEditedAlone()
