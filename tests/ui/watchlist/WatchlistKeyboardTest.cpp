@@ -231,7 +231,7 @@ void WatchlistKeyboardTest::theKeyboardStaysWithACoinThatMovesOutOfSight()
     QCOMPARE(world.focusedCoin(), QStringLiteral("bitcoin"));
     QVERIFY(isInSight(*QApplication::focusWidget(), world.rows()));
     auto entries = world.entries();
-    std::ranges::rotate(entries, entries.begin() + 40);
+    std::rotate(entries.begin(), entries.begin() + 40, entries.end());
     world.watch(entries);
     QCOMPARE(world.focusedCoin(), QStringLiteral("bitcoin"));
     QCOMPARE(QApplication::focusWidget(), &world.control(0, handleName));
