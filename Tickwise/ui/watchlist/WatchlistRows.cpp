@@ -212,8 +212,10 @@ void WatchlistRows::startDrag(const WatchlistRow &row, QPointF press)
 
 void WatchlistRows::moveBy(int source, int slots)
 {
+    if (source < 0 || m_session.draggedID())
+        return;
     const int target = std::clamp(source + slots, 0, lastIndex());
-    if (target == source || m_session.draggedID())
+    if (target == source)
         return;
     Q_EMIT reordered(tickwise::reordered(idsOf(m_rows), source, target));
     focusRow(target);

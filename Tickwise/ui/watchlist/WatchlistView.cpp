@@ -142,7 +142,10 @@ void WatchlistView::edit(const AppSettings &settings)
 void WatchlistView::editEntry(int index, const std::function<void(WatchlistCoin &)> &change)
 {
     AppSettings settings = m_context.settings.settings();
-    change(settings.watchlistCoins.at(static_cast<size_t>(index)));
+    const auto place = static_cast<size_t>(index);
+    if (place >= settings.watchlistCoins.size())
+        return; // a row that has just gone
+    change(settings.watchlistCoins[place]);
     edit(settings);
 }
 
