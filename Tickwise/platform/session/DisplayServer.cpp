@@ -141,7 +141,7 @@ std::vector<const char *> &ownVariables()
 
 void setForApplicationObject(const char *variable, const char *value)
 {
-    if (qEnvironmentVariableIsSet(variable))
+    if (!qEnvironmentVariableIsEmpty(variable))
         return;
     qputenv(variable, value);
     ownVariables().push_back(variable);

@@ -164,6 +164,7 @@ private Q_SLOTS:
     void deadXServer();
     void noXServer();
     void silentXServerIsGivenUp();
+    void preparesTheEnvironment_data();
     void preparesTheEnvironment();
     void keepsTheUsersPlatform();
 };
@@ -300,14 +301,22 @@ void DisplayServerTest::silentXServerIsGivenUp()
     QVERIFY2(timer.elapsed() < 10000, "the probe hung");
 }
 
+void DisplayServerTest::preparesTheEnvironment_data()
+{
+    QTest::addColumn<std::optional<QByteArray>>("before");
+    QTest::newRow("not set") << std::optional<QByteArray>();
+    QTest::newRow("empty") << std::optional(QByteArray(""));
+}
+
 void DisplayServerTest::preparesTheEnvironment()
 {
+    QFETCH(std::optional<QByteArray>, before);
     const QTemporaryDir directory;
     const QString path = directory.filePath(QStringLiteral("wayland"));
     const FakeCompositor compositor(path, Behaviour::lists, {"zwlr_layer_shell_v1"});
     const Variable display("WAYLAND_DISPLAY", path.toUtf8());
     const Variable x11("DISPLAY", std::nullopt);
-    const Variable platform("QT_QPA_PLATFORM", std::nullopt);
+    const Variable platform("QT_QPA_PLATFORM", before);
     const Variable bypass("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", std::nullopt);
     QCOMPARE(static_cast<int>(prepareDisplay().backend), static_cast<int>(DisplayBackend::wayland));
     QCOMPARE(qgetenv("QT_QPA_PLATFORM"), QByteArray("wayland"));
