@@ -85,11 +85,11 @@ void WatchlistRow::setFloating(bool floating)
         return;
     m_handle->setCursor(floating ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
     if (!floating)
-        leavePointer();
+        QMetaObject::invokeMethod(this, &WatchlistRow::leavePointer, Qt::QueuedConnection); // when it has its slot
     update();
 }
 
-/// A row that returns to its slot moves away from under the pointer, which Qt tells only with the pointer's next move.
+/// A row that goes to a slot may move away from under the pointer, which Qt tells only with the pointer's next move.
 void WatchlistRow::leavePointer()
 {
     const QPoint pointer = m_handle->mapFromGlobal(m_pointer).toPoint();

@@ -63,6 +63,11 @@ struct WatchlistOddListWorld
             QTest::mouseMove(pressed, pressed->mapFromGlobal(start + QPoint(0, step)));
     }
     void drop(int row) { QTest::mouseRelease(handle(row), Qt::LeftButton); }
+    static void enter(IconButton &handle)
+    {
+        QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), handle.mapToGlobal(QPointF(5, 5)));
+        QCoreApplication::sendEvent(&handle, &enter);
+    }
 
     MemoryDefaults defaults;
     SettingsViewModel settings{UserDefaultsSettingsStore(defaults)};
@@ -98,7 +103,8 @@ private Q_SLOTS:
     void oddNamesStayInTheirColumn();
     void aDelistedCoinSaysSo();
     void theDesktopDecidesAboutMotion();
-    void theHandleIsNotHoveredAfterADrop();
+    void theHandleIsHoveredWhereItWasDropped();
+    void theHandleIsNotHoveredAfterAnEndedDrag();
     void anEditFromElsewhereKeepsADrag();
     void aListEmptiedDuringADrag();
     void aWatchlistChangedDuringASearch();
@@ -198,16 +204,27 @@ void WatchlistOddListTest::theDesktopDecidesAboutMotion()
     QTRY_COMPARE(world.ids().back(), ethereum);
 }
 
-void WatchlistOddListTest::theHandleIsNotHoveredAfterADrop()
+void WatchlistOddListTest::theHandleIsHoveredWhereItWasDropped()
 {
     WatchlistOddListWorld world({bitcoin, ethereum, QStringLiteral("coin-2")});
     IconButton *const handle = world.handle(0);
-    QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), handle->mapToGlobal(QPointF(5, 5)));
-    QCoreApplication::sendEvent(handle, &enter);
+    world.enter(*handle);
     world.drag(0, 88);
     QVERIFY(handle->underMouse());
     world.drop(0);
-    QVERIFY(!handle->underMouse());
+    QCoreApplication::processEvents();
+    QVERIFY(handle->underMouse()); // it lies where it was dropped
+}
+
+void WatchlistOddListTest::theHandleIsNotHoveredAfterAnEndedDrag()
+{
+    WatchlistOddListWorld world({bitcoin, ethereum, QStringLiteral("coin-2")});
+    IconButton *const handle = world.handle(0);
+    world.enter(*handle);
+    world.drag(0, 88);
+    QVERIFY(handle->underMouse());
+    world.view.session().cancel();
+    QTRY_VERIFY(!handle->underMouse());
 }
 
 void WatchlistOddListTest::anEditFromElsewhereKeepsADrag()
