@@ -118,6 +118,9 @@ class AccessibleTree:
                                           lambda _, sender, path, *signal: heard.append((Node(self, sender, path), signal[2][0])))
         self.call("org.a11y.atspi.Registry", "/org/a11y/atspi/registry", "org.a11y.atspi.Registry", "RegisterEvent", "(sass)",
                   (event, [], ""))
+        # The registry has told the programs before it answered; a program that answers now has heard it.
+        for program in Node(self, *_REGISTRY).children():
+            program.children()
 
         def hear():
             while GLib.MainContext.default().iteration(False):

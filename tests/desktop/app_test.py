@@ -136,10 +136,7 @@ class XfceTest(PanelChecks, unittest.TestCase):
     def open_menu(self, desktop):
         """Right-clicks the item; returns the menu's window."""
         item = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 40))
-        before = set(desktop.windows("app_probe"))
-        desktop.click(*item, button=3)
-        opened = desktop.wait_for(lambda: set(desktop.windows("app_probe")) - before, what="the menu")
-        return opened.pop()
+        return desktop.open_popup("app_probe", lambda: desktop.click(*item, button=3))
 
     def test_menu_changes_the_coin(self):
         with self.make_session() as desktop:

@@ -38,9 +38,7 @@ class Scene:
         self._item = middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 40))
 
     def status_menu(self):
-        before = set(self.desktop.windows("app_probe"))
-        self.desktop.click(*self._item, button=3)
-        menu = self.desktop.wait_for(lambda: set(self.desktop.windows("app_probe")) - before, what="the menu").pop()
+        menu = self.desktop.open_popup("app_probe", lambda: self.desktop.click(*self._item, button=3))
         return Area("status menu", self.desktop.window_geometry(menu))
 
     def popover(self):
@@ -117,12 +115,12 @@ class Scene:
         return self.desktop.wait_for(below, what=f"{text} in {root}")
 
     def settled_picture(self):
-        """The screen once it has stopped changing."""
+        """The screen once it has stopped changing; a text cursor may blink."""
         seen = []
 
         def settled():
             seen.append(self.desktop.picture())
-            return seen[-1] if len(seen) > 2 and seen[-1].same(seen[-2]) and seen[-2].same(seen[-3]) else None
+            return seen[-1] if len(seen) > 2 and any(seen[-1].same(each) for each in seen[-3:-1]) else None
         return self.desktop.wait_for(settled, what="a screen that stays")
 
 

@@ -64,9 +64,7 @@ class EverySettingTest(unittest.TestCase):
 
     def choose(self, name, place):
         """The entry of a list at that place, from 0."""
-        before = set(self.desktop.windows(PROGRAM))
-        self.click("combo box", name)
-        self.desktop.wait_for(lambda: set(self.desktop.windows(PROGRAM)) - before, what=f"the list of {name}")
+        self.desktop.open_popup(PROGRAM, lambda: self.click("combo box", name))
         for key in ("Home", *["Down"] * place, "Return"):
             self.desktop.press_key(key)
 

@@ -53,16 +53,17 @@ class Overlay:
         self.application.tell("adjustOverlay")
         return self.application.wait_for_window_text(ENGLISH.text("desktop.adjust.hint"))["buttons"]
 
-    def press_until_at(self, press, before, after, scale=1):
-        """The window may not have the keyboard yet: then nothing moves. A press that is seen late must not count twice."""
-        presses = []
+    def move_until_at(self, move, before, after, scale=1):
+        """Presses a key or drags. The window may not have the keyboard or take the pointer yet: then nothing moves. What is seen
+        late must not count twice."""
+        moves = []
 
         def moved():
             if self.is_at(*after, scale=scale):
                 return True
-            if (not presses or time.monotonic() - presses[-1] > 3) and self.is_at(*before, scale=scale):
-                presses.append(time.monotonic())
-                press()
+            if (not moves or time.monotonic() - moves[-1] > 3) and self.is_at(*before, scale=scale):
+                moves.append(time.monotonic())
+                move()
             return False
         self.desktop.wait_for(moved, 30, f"the overlay at {after}")
 
@@ -106,28 +107,24 @@ class OverlayChecks:
             overlay = Overlay(desktop)
             overlay.wait_until_at(self.left, self.top)
             overlay.begin_adjusting()
-            start = (self.left + 30, self.top + 12)
-            self.drag_until_at(desktop, overlay, start, (self.left - 400, self.top + 300))
+            end = (self.left - 400, self.top + 300)
+            self.drag_until_at(desktop, overlay, (self.left, self.top), end)
             if picture:
                 keep_picture(desktop, picture)
             self.assertIsNone(overlay.saved())
-            self.press_done(desktop, overlay, (self.left - 400, self.top + 300))
+            self.press_done(desktop, overlay, end)
             overlay.wait_until_left()
             overlay.wait_until_saved(self.left - 400, 800 - self.top - 300)
-            overlay.wait_until_at(self.left - 400, self.top + 300)
+            overlay.wait_until_at(*end)
             self.assertEqual(overlay.application.stop(), 0)
             again = Overlay(desktop, desktopOverlayTopLeft={"x": self.left - 400, "y": 800 - self.top - 300})
-            again.wait_until_at(self.left - 400, self.top + 300)
+            again.wait_until_at(*end)
 
     def drag_until_at(self, desktop, overlay, start, end):
-        """A new window may need a moment until it takes the pointer; a drag that it did not see changes nothing."""
-        offset = (end[0] - self.left, end[1] - self.top)
-
-        def dragged():
-            self.drag(desktop, start, (start[0] + offset[0], start[1] + offset[1]))
-            return overlay.is_at(*end) or not overlay.is_at(self.left, self.top)
-        desktop.wait_for(dragged, what="the overlay to be dragged")
-        overlay.wait_until_at(*end)
+        """Moves the overlay's corner from one point to another."""
+        grip = (30, 12)
+        points = [tuple(map(sum, zip(corner, grip))) for corner in (start, end)]
+        overlay.move_until_at(lambda: self.drag(desktop, *points), start, end)
 
     def press_done(self, desktop, overlay, corner):
         """The button is in the middle, below the hint."""
@@ -141,7 +138,7 @@ class OverlayChecks:
             overlay = Overlay(desktop, desktopOverlayTopLeft={"x": 200, "y": 500})
             overlay.wait_until_at(200, 300)
             overlay.begin_adjusting()
-            overlay.press_until_at(lambda: desktop.press_key("shift+Left"), (200, 300), (176, 300))
+            overlay.move_until_at(lambda: desktop.press_key("shift+Left"), (200, 300), (176, 300))
             for key, place in (("shift+Down", (176, 324)), ("shift+Right", (200, 324))):
                 desktop.press_key(key)
                 overlay.wait_until_at(*place)
@@ -150,7 +147,7 @@ class OverlayChecks:
             overlay.wait_until_at(200, 300)
             self.assertEqual(overlay.saved(), (200, 500))
             overlay.begin_adjusting()
-            overlay.press_until_at(lambda: desktop.press_key("shift+Right"), (200, 300), (224, 300))
+            overlay.move_until_at(lambda: desktop.press_key("shift+Right"), (200, 300), (224, 300))
             # Pictures do not tell a single point; the stored place does.
             for key in ("Left", "Up", "Right", "Down", "Down", "Left"):
                 desktop.press_key(key)
@@ -308,7 +305,7 @@ class SwayTest(OverlayChecks, unittest.TestCase):
             overlay = Overlay(desktop, desktopOverlayTopLeft={"x": 1500, "y": 500})
             overlay.wait_until_at(1500, 300)
             overlay.begin_adjusting()
-            self.drag(desktop, (1530, 312), (230, 212))
+            self.drag_until_at(desktop, overlay, (1500, 300), (200, 200))
             self.press_done(desktop, overlay, (200, 200))
             overlay.wait_until_saved(200, 600)
             overlay.wait_until_at(200, 200)
@@ -332,7 +329,7 @@ class SwayTest(OverlayChecks, unittest.TestCase):
             left = 1280 * 2 // 3 - WIDTH - 24
             overlay.wait_until_at(left, self.top, scale=1.5)
             overlay.begin_adjusting()
-            overlay.press_until_at(lambda: desktop.press_key("shift+Left"), (left, self.top), (left - 24, self.top), 1.5)
+            overlay.move_until_at(lambda: desktop.press_key("shift+Left"), (left, self.top), (left - 24, self.top), 1.5)
             desktop.press_key("Return")
             overlay.wait_until_saved(left - 24, 533 - self.top)
 

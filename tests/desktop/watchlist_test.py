@@ -2,6 +2,7 @@
 """The watchlist and its search panel, read from outside as a screen reader does, and used by what is found there."""
 
 import json
+import subprocess
 import time
 import unittest
 
@@ -88,7 +89,7 @@ class InputMethodTest(unittest.TestCase):
         def chosen():
             try:  # it fails while the service starts, and when it waits for too long
                 desktop.tool(["ibus", "engine", self.ENGINE])
-            except SessionError:
+            except (SessionError, subprocess.TimeoutExpired):
                 pass
             try:
                 return desktop.tool(["ibus", "engine"]).decode().strip() == self.ENGINE

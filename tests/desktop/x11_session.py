@@ -143,6 +143,16 @@ class X11Session(DesktopSession):
         done = subprocess.run(command, env=self._merged(None), capture_output=True, check=False, timeout=20)
         return [int(line) for line in done.stdout.split()]
 
+    def open_popup(self, program, action):
+        """Does what opens a popup of the program. Returns its window once it is drawn: before that it may lack the keyboard."""
+        windows = set(self.windows(program))
+        before = self.picture()
+        action()
+        window = self.wait_for(lambda: set(self.windows(program)) - windows, what=f"a popup of {program}").pop()
+        place = self.window_geometry(window)
+        self.wait_for(lambda: self.picture().colours(*place) != before.colours(*place), what=f"a drawn popup of {program}")
+        return window
+
     def window_geometry(self, window):
         """x, y, width and height on the screen."""
         # xdotool counts a window manager's frame twice.
