@@ -515,11 +515,14 @@ void AppDelegateTest::settingsChangedOverSeveralTurnsReloadOnce()
     AppDelegateWorld world;
     world.launch();
     QTRY_VERIFY(!world.item->contents.back().logo);
-    for (const double interval : {3600., 1800., 7200., 900.}) {
-        world.change([interval](AppSettings &settings) { settings.pollingInterval = interval; });
-        QTest::qWait(50); // turns of the event loop, less than the debounce in all
-        QCOMPARE(world.polls(), 1);
+    // Timers fire in the order of their times also when the machine is late: those that are older than the debounce
+    // and shorter come before it.
+    for (const int milliseconds : {50, 100, 150}) {
+        QTimer::singleShot(milliseconds, Qt::PreciseTimer, this, [&world, milliseconds] {
+            world.change([milliseconds](AppSettings &settings) { settings.pollingInterval = 3600 + milliseconds; });
+        });
     }
+    world.change([](AppSettings &settings) { settings.pollingInterval = 3600; });
     QTRY_COMPARE(world.polls(), 2);
     QTest::qWait(longerThanTheDebounce);
     QCOMPARE(world.polls(), 2);
@@ -537,8 +540,11 @@ void AppDelegateTest::editedIntervalBecomesThePeriod()
     QTRY_VERIFY(world.polls() > 4);
     world.change([](AppSettings &settings) { settings.pollingInterval = 3600; });
     // The old period lasts until the reload; the wait is four times as long.
-    int polls = 0;
-    QTRY_VERIFY((polls = world.polls(), QTest::qWait(200), world.polls() == polls));
+    QVERIFY(QTest::qWaitFor([&world] {
+        const int polls = world.polls();
+        QTest::qWait(200);
+        return world.polls() == polls;
+    }));
 }
 
 void AppDelegateTest::aLaterChangePutsTheReloadOff()
@@ -548,11 +554,11 @@ void AppDelegateTest::aLaterChangePutsTheReloadOff()
     QTRY_VERIFY(!world.item->contents.back().logo);
     // Timers fire in the order of their times also when the machine is late.
     std::optional<int> afterTheFirstTime;
-    world.change([](AppSettings &settings) { settings.pollingInterval = 3600; });
-    QTimer::singleShot(std::chrono::milliseconds(300), Qt::PreciseTimer, this,
-                       [&] { world.change([](AppSettings &settings) { settings.pollingInterval = 1800; }); });
     QTimer::singleShot(std::chrono::milliseconds(600), Qt::PreciseTimer, this,
                        [&] { afterTheFirstTime = world.polls(); });
+    QTimer::singleShot(std::chrono::milliseconds(300), Qt::PreciseTimer, this,
+                       [&] { world.change([](AppSettings &settings) { settings.pollingInterval = 1800; }); });
+    world.change([](AppSettings &settings) { settings.pollingInterval = 3600; });
     QTRY_COMPARE(world.polls(), 2);
     QCOMPARE(afterTheFirstTime, std::optional(1));
 }

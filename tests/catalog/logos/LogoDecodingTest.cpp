@@ -83,6 +83,18 @@ std::vector<std::pair<const char *, QByteArray>> everyFormat()
             {"ico, png", icon({{40, encoded(image, "png")}})}};
 }
 
+/// Whether the bytes are taken without a word. A busy machine makes the thread's own time longer, which the decoder
+/// limits: one of three attempts counts.
+bool decodes(const QByteArray &bytes)
+{
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        const LogCapture log;
+        if (decodeLogo(bytes) && log.lines().empty())
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 void LogoDecodingTest::decodesEveryFormat_data()
@@ -225,7 +237,7 @@ void LogoDecodingTest::sizeLimit()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(bool, taken);
-    QCOMPARE(decodeLogo(bytes).has_value(), taken);
+    QCOMPARE(decodes(bytes), taken);
 }
 
 void LogoDecodingTest::alwaysDecodes_data()
@@ -255,13 +267,7 @@ void LogoDecodingTest::alwaysDecodes()
 {
     QFETCH(QByteArray, bytes);
     QVERIFY2(bytes.size() <= largestFile, qPrintable(QString::number(bytes.size())));
-    // A busy machine makes the thread's own time longer, which the decoder limits.
-    bool decodes = false;
-    for (int attempt = 0; attempt < 3 && !decodes; ++attempt) {
-        const LogCapture log;
-        decodes = decodeLogo(bytes).has_value() && log.lines().empty();
-    }
-    QVERIFY(decodes);
+    QVERIFY(decodes(bytes));
 }
 
 void LogoDecodingTest::refusesImpossibleSizes_data()
@@ -304,7 +310,7 @@ void LogoDecodingTest::stopsOnAFileMadeToTakeMinutes()
     QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.CoinLogos")),
              QStringList{QStringLiteral("Logo decoding stopped after 250 ms: %1 bytes of jpeg").arg(scans.size())});
     QCOMPARE(log.lines().front().type, QtWarningMsg);
-    QVERIFY(decodeLogo(progressiveJpeg(flatImage(2048, brownPixel), 50)));
+    QVERIFY(decodes(progressiveJpeg(flatImage(2048, brownPixel), 50)));
 }
 
 void LogoDecodingTest::animationShowsItsFirstFrame()

@@ -249,7 +249,7 @@ void PanelStatusItemTest::theItemStaysWhileAPanelRestarts()
     const QString service = m_panel->items()[0];
     const QDBusConnection observer = m_bus->connect();
     m_panel.reset();
-    QVERIFY2(!QTest::qWaitFor([&] { return !observer.interface()->isServiceRegistered(service).value(); }, 600),
+    QVERIFY2(!QTest::qWaitFor([&] { return !observer.interface()->isServiceRegistered(service).value(); }, 200),
              "the item left at once");
     m_panel = std::make_unique<FakeStatusPanel>(*m_bus);
     QTRY_VERIFY(hasItems(1));

@@ -185,7 +185,7 @@ void SparkleUpdaterBackendTest::askingDuringAScheduledCheck()
 {
     UpdateWorld world;
     world.publish({{}});
-    world.answers["/appcast.xml"].delay = 200ms;
+    world.answers["/appcast.xml"].delay = 2s;
     world.start();
     QTRY_COMPARE(world.feedRequests(), 1);
     const QSignalSpy reminded(world.controller.get(), &UpdateController::updateAvailableChanged);

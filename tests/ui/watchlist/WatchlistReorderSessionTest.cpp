@@ -363,11 +363,12 @@ void WatchlistReorderSessionTest::leavingTheEdgeStopsScrolling()
     m_session->setScrollOffset(180);
     begin(QStringLiteral("6"), 100);
     m_session->drag(10);
-    QTRY_COMPARE(m_scroller->steps.size(), std::size_t(1));
+    QTRY_VERIFY(!m_scroller->steps.empty());
+    const std::size_t steps = m_scroller->steps.size();
     m_session->drag(110);
     m_session->end();
     QTRY_VERIFY(!m_session->isSettling());
-    QCOMPARE(m_scroller->steps.size(), std::size_t(1));
+    QCOMPARE(m_scroller->steps.size(), steps);
 }
 
 void WatchlistReorderSessionTest::theOtherEdgeTurnsScrolling()
@@ -375,10 +376,10 @@ void WatchlistReorderSessionTest::theOtherEdgeTurnsScrolling()
     m_session->setScrollOffset(100);
     begin(QStringLiteral("4"), 100);
     m_session->drag(10);
-    QTRY_COMPARE(m_scroller->steps.size(), std::size_t(1));
+    QTRY_VERIFY(!m_scroller->steps.empty());
+    QCOMPARE(m_scroller->steps.back().edge, ViewportEdge::top);
     m_session->drag(215);
-    QTRY_COMPARE(m_scroller->steps.size(), std::size_t(2));
-    QCOMPARE(m_scroller->steps.back().edge, ViewportEdge::bottom);
+    QTRY_COMPARE(m_scroller->steps.back().edge, ViewportEdge::bottom);
 }
 
 void WatchlistReorderSessionTest::releaseStopsScrolling()
