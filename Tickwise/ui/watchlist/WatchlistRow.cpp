@@ -64,6 +64,7 @@ WatchlistRow::WatchlistRow(CoinLogoStore *logos, QWidget *parent)
     m_delete->setObjectName(QStringLiteral("watchlist.delete"));
     m_handle->setCursor(Qt::OpenHandCursor);
     m_handle->installEventFilter(this);
+    m_delete->installEventFilter(this);
     connect(m_delete, &QAbstractButton::clicked, this, &WatchlistRow::deleteRequested);
     connect(m_alert, &WatchlistAlertControls::kindChosen, this, &WatchlistRow::kindChosen);
     connect(m_alert, &WatchlistAlertControls::thresholdEdited, this, &WatchlistRow::thresholdEdited);
@@ -144,8 +145,11 @@ void WatchlistRow::changeEvent(QEvent *event)
 
 bool WatchlistRow::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == m_delete) // the first of two clicks may have deleted the row that was here
+        return event->type() == QEvent::MouseButtonDblClick;
     switch (event->type()) {
     case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
     case QEvent::MouseMove:
     case QEvent::MouseButtonRelease:
         if (handleMouse(static_cast<QMouseEvent &>(*event)))
@@ -166,7 +170,8 @@ bool WatchlistRow::handleMouse(QMouseEvent &event)
 {
     const QPointF position = event.globalPosition();
     m_pointer = position;
-    if (event.type() == QEvent::MouseButtonPress && event.button() == Qt::LeftButton) {
+    const bool isPress = event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick;
+    if (isPress && event.button() == Qt::LeftButton) {
         m_press = position;
         m_isDragging = false; // a row that was hidden during a drag got no release
         return true;

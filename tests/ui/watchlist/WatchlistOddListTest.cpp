@@ -52,6 +52,10 @@ struct WatchlistOddListWorld
     {
         return view.rows().rowAt(row)->findChild<IconButton *>(QStringLiteral("watchlist.reorder"));
     }
+    QAbstractButton *trash(int row)
+    {
+        return view.rows().rowAt(row)->findChild<QAbstractButton *>(QStringLiteral("watchlist.delete"));
+    }
     /// Presses the row's handle and moves it down by `dy`.
     void drag(int row, int dy)
     {
@@ -104,6 +108,8 @@ private Q_SLOTS:
     void aDelistedCoinSaysSo();
     void theDesktopDecidesAboutMotion();
     void theHandleIsHoveredWhereItWasDropped();
+    void aDoubleClickOnTheHandleLeavesItUp();
+    void aDoubleClickDeletesOneCoin();
     void theHandleIsNotHoveredAfterAnEndedDrag();
     void anEditFromElsewhereKeepsADrag();
     void aListEmptiedDuringADrag();
@@ -225,6 +231,25 @@ void WatchlistOddListTest::theHandleIsNotHoveredAfterAnEndedDrag()
     QVERIFY(handle->underMouse());
     world.view.session().cancel();
     QTRY_VERIFY(!handle->underMouse());
+}
+
+void WatchlistOddListTest::aDoubleClickOnTheHandleLeavesItUp()
+{
+    WatchlistOddListWorld world({bitcoin, ethereum});
+    QTest::mouseDClick(world.handle(0), Qt::LeftButton);
+    QVERIFY(!world.handle(0)->isDown());
+    QCOMPARE(world.ids(), (QStringList{bitcoin, ethereum}));
+}
+
+void WatchlistOddListTest::aDoubleClickDeletesOneCoin()
+{
+    WatchlistOddListWorld world({bitcoin, ethereum, QStringLiteral("coin-2")});
+    const QPoint place = world.trash(0)->mapTo(&world.view, world.trash(0)->rect().center());
+    QWindow *const window = world.view.windowHandle();
+    QTest::mouseDClick(window, Qt::LeftButton, {}, place);
+    QCOMPARE(world.ids(), (QStringList{ethereum, QStringLiteral("coin-2")}));
+    QTest::mouseClick(window, Qt::LeftButton, {}, place);
+    QCOMPARE(world.ids(), QStringList{QStringLiteral("coin-2")});
 }
 
 void WatchlistOddListTest::anEditFromElsewhereKeepsADrag()
