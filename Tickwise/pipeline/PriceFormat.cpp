@@ -116,6 +116,8 @@ QString exactPrice(double value)
 // Lists ask for it at each poll, for each coin: QString's own formatting takes ten times as long.
 QString changeText(double percent)
 {
+    if (percent == 0)
+        percent = 0; // exchanges send "-0.00", too
     std::array<char, 400> buffer{};
     char *const end =
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), percent, std::chars_format::fixed, changeDecimals)

@@ -101,6 +101,7 @@ void CoinRowContentTest::change_data()
     QTest::newRow("up") << Number(1.234) << QStringLiteral("+1.23%");
     QTest::newRow("down") << Number(-0.5) << QStringLiteral("-0.50%");
     QTest::newRow("zero") << Number(0) << QStringLiteral("+0.00%");
+    QTest::newRow("negative zero") << Number(-0.0) << QStringLiteral("+0.00%");
     QTest::newRow("a little down") << Number(-0.004) << QStringLiteral("-0.00%");
     QTest::newRow("none") << Number() << QString();
     QTest::newRow("not a number") << Number(notANumber) << QString();

@@ -61,6 +61,7 @@ void WidgetListTextTest::change_data()
     row("rising", 1.234, u"▲ +1.23%", "#00FF00");
     row("falling", -0.5, u"▼ -0.50%", "#FF0000");
     row("zero rises", 0.0, u"▲ +0.00%", "#00FF00");
+    row("negative zero rises", -0.0, u"▲ +0.00%", "#00FF00");
     row("a little below zero falls", -0.004, u"▼ -0.00%", "#FF0000");
     row("large", 1234.5, u"▲ +1234.50%", "#00FF00");
 }
