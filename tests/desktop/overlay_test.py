@@ -310,6 +310,13 @@ class SwayTest(OverlayChecks, unittest.TestCase):
             overlay.wait_until_saved(200, 600)
             overlay.wait_until_at(200, 200)
 
+    def test_starts_where_the_screens_begin(self):
+        """And not on the one that was there first."""
+        with self.make_session() as desktop:
+            desktop.add_output("mode 1280x800", "pos 0 0")
+            desktop.message("output HEADLESS-1 pos 1280 0")
+            Overlay(desktop).wait_until_at(self.left, self.top)
+
     def test_screen_goes_and_returns(self):
         """sway gives a screen that it was told to drop back at once: its surfaces are closed all the same."""
         with self.make_session() as desktop:

@@ -9,6 +9,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <vector>
 
 namespace tickwise {
 
@@ -30,6 +31,19 @@ const QScreen *primaryScreen()
 {
     const QScreen *const first = QGuiApplication::screenAt(QPoint());
     return first ? first : QGuiApplication::primaryScreen();
+}
+
+/// The screens that windows can be on, the primary one first.
+std::vector<QScreen *> usableScreens()
+{
+    std::vector<QScreen *> screens;
+    for (QScreen *const screen : QGuiApplication::screens()) {
+        if (hasOutput(*screen))
+            screens.push_back(screen);
+    }
+    std::stable_partition(screens.begin(), screens.end(),
+                          [primary = primaryScreen()](const QScreen *screen) { return screen == primary; });
+    return screens;
 }
 
 } // namespace
@@ -63,10 +77,8 @@ QRect LayerDesktopSurface::visibleFrame(const QScreen &screen) const
 DesktopScreens LayerDesktopSurface::screens() const
 {
     DesktopScreens screens;
-    for (QScreen *const screen : QGuiApplication::screens()) {
-        if (hasOutput(*screen))
-            screens.visibleFrames.push_back(visibleFrame(*screen));
-    }
+    for (const QScreen *const screen : usableScreens())
+        screens.visibleFrames.push_back(visibleFrame(*screen));
     if (const QScreen *const primary = primaryScreen())
         screens.origin = primary->geometry().bottomLeft() + QPoint(0, 1);
     return screens;
@@ -77,9 +89,9 @@ QScreen *LayerDesktopSurface::screenFor(const QRect &frame) const
 {
     QScreen *best = nullptr;
     int most = -1;
-    for (QScreen *const screen : QGuiApplication::screens()) {
+    for (QScreen *const screen : usableScreens()) {
         const int shown = area(screen->geometry() & frame);
-        if (hasOutput(*screen) && shown > most) {
+        if (shown > most) {
             most = shown;
             best = screen;
         }
