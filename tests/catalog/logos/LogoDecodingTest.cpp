@@ -300,6 +300,7 @@ void LogoDecodingTest::refusesImpossibleSizes()
 void LogoDecodingTest::stopsOnAFileMadeToTakeMinutes()
 {
     QByteArray scans = progressiveJpeg(flatImage(2048, brownPixel), 50);
+    QVERIFY(decodes(scans)); // with each scan once
     const qsizetype scan = scans.lastIndexOf(QByteArray("\xff\xda", 2));
     const QByteArray last = scans.mid(scan, scans.size() - 2 - scan);
     const QByteArray end("\xff\xd9", 2);
@@ -310,7 +311,6 @@ void LogoDecodingTest::stopsOnAFileMadeToTakeMinutes()
     QCOMPARE(log.texts(QStringLiteral("com.pelmo.tickwise.CoinLogos")),
              QStringList{QStringLiteral("Logo decoding stopped after 250 ms: %1 bytes of jpeg").arg(scans.size())});
     QCOMPARE(log.lines().front().type, QtWarningMsg);
-    QVERIFY(decodes(progressiveJpeg(flatImage(2048, brownPixel), 50)));
 }
 
 void LogoDecodingTest::animationShowsItsFirstFrame()
