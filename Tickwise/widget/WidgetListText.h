@@ -17,7 +17,7 @@ struct WidgetRowText
 {
     QString symbol;
     QString name;
-    QString price;          ///< empty without a price
+    QString price;          ///< "--" without one, empty when delisted
     QString change;         ///< "▲ +1.23%", the delisted text, or empty
     QString changeColorHex; ///< empty: the text color
     bool isDelisted = false;

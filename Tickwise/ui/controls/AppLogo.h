@@ -4,7 +4,7 @@
 
 namespace tickwise {
 
-/// The application's logo, `side` points wide and high.
+/// The application's logo, `side` logical pixels wide and high.
 QPixmap appLogo(int side, qreal devicePixelRatio);
 
 } // namespace tickwise

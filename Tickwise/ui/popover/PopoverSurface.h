@@ -53,7 +53,8 @@ public:
     virtual void hide() = 0;
 
     std::function<void(const PopoverPlace &place)> onPlaced;
-    std::function<void()> onTakenAway; ///< its screen has gone, or the user has clicked on another screen
+    std::function<void()>
+        onTakenAway; ///< its screen has gone, the user has clicked on another, or it cannot be shown after all
 };
 
 } // namespace tickwise

@@ -6,7 +6,7 @@ namespace tickwise {
 
 class UpdateController;
 
-/// What the about tab tells of this build; what is empty is left out.
+/// What the about tab tells of this build; an empty address is left out.
 struct AboutInformation
 {
     QString name;

@@ -48,7 +48,7 @@ protected:
     /// Adds the control with its label in front, which is the control's name for screen readers.
     QLabel *addRow(QFormLayout *section, const QString &key, QWidget *control);
 
-    /// A picker `width` points wide.
+    /// A picker `width` logical pixels wide.
     template<class Value>
     QComboBox *addPicker(QFormLayout *section, const QString &key, int width, Value AppSettings::*field,
                          std::vector<Choice<Value>> choices);

@@ -9,7 +9,7 @@ class QTabWidget;
 
 namespace tickwise {
 
-/// The window that edits every setting, with a tab each for the general settings, the watchlist and what the
+/// The window that edits the settings, with a tab each for the general settings, the watchlist and what the
 /// application is. It follows and sets `SettingsViewModel::settingsWindowTab`, and keeps its frame under the key
 /// "SettingsWindow".
 class SettingsWindow : public AccessibleWindow

@@ -8,7 +8,7 @@
 
 namespace tickwise {
 
-/// The limits and the first size of the settings window's content, in points.
+/// The limits and the first size of the settings window's content, in logical pixels.
 inline constexpr QSize settingsWindowSize(786, 500);
 inline constexpr QSize settingsWindowMinimum(600, 420);
 inline constexpr QSize settingsWindowMaximum(800, 500);

@@ -9,7 +9,8 @@
 
 namespace tickwise {
 
-/// An ordinary window without a frame, for a session that has no place for windows on its desktop.
+/// An ordinary window without a frame, for a session that has no place for windows on its desktop. It always takes the
+/// pointer, and has an empty frame while it is hidden.
 class OrdinarySurface : public DesktopSurface
 {
 public:
