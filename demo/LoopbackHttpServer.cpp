@@ -39,8 +39,12 @@ qint64 LoopbackHttpServer::bodyBytesSent() const
 
 void LoopbackHttpServer::shutDown()
 {
+    const quint16 port = serverPort();
     close();
     closeConnections();
+    m_placeholder.setProxy(QNetworkProxy::NoProxy);
+    if (!m_placeholder.bind(QHostAddress::LocalHost, port, QAbstractSocket::ReuseAddressHint))
+        qFatal("Port %d is gone: %s", port, qUtf8Printable(m_placeholder.errorString()));
 }
 
 void LoopbackHttpServer::closeConnections()

@@ -4,6 +4,7 @@
 
 #include <QSslConfiguration>
 #include <QTcpServer>
+#include <QTcpSocket>
 
 #include <memory>
 
@@ -27,7 +28,7 @@ public:
     qint64 bodyBytesSent() const;
     /// Closes the open connections and goes on taking others.
     void closeConnections();
-    /// Takes no connections any more and closes the open ones.
+    /// Takes no connections any more and closes the open ones. Nobody else gets the port.
     void shutDown();
 
 Q_SIGNALS:
@@ -43,6 +44,7 @@ private:
     Clock m_clock;
     LoopbackConnection::Handler m_handler;
     std::vector<std::unique_ptr<LoopbackConnection>> m_connections;
+    QTcpSocket m_placeholder; ///< at the port after the end; it refuses connections
     int m_accepted = 0;
     qint64 m_sentBefore = 0;
 };
