@@ -42,6 +42,10 @@ class Scene:
         return Area("status menu", self.desktop.window_geometry(menu))
 
     def popover(self):
+        """The overlay's rows would pass for the popover's."""
+        self._application.change_settings(desktopOverlayEnabled=False)
+        title = ENGLISH.text("widget.list.title")
+        self.desktop.wait_for(lambda: not any(node.name == title for node, _ in self.nodes()), what="the overlay's end")
         self.desktop.press_key("Escape")
         time.sleep(SAME_CLICK)
         self.desktop.click(*self._item)
@@ -73,6 +77,9 @@ class Scene:
 
     def about(self):
         self.desktop.press_key("Escape")
+        panel = ENGLISH.text("watchlist.addCoin")
+        self.desktop.wait_for(lambda: not any(panel in {each.name for each in ancestors} for _, ancestors in self.nodes()),
+                              what="the end of the search")
         self.node(ENGLISH.text("settings.tab.about"), "page tab").press()
 
     def overlay(self):

@@ -3,6 +3,7 @@
 
 import json
 import os
+import time
 import unittest
 
 from accessible_tree import AccessibleTree
@@ -36,7 +37,8 @@ class EverySettingTest(unittest.TestCase):
     # What a person does
 
     def find(self, role, name):
-        """The control in sight with that name, label or description; scrolls down to it."""
+        """The control in sight with that name, label or description; scrolls down to it, and turns the wheel only once its last
+        turn has been answered."""
         left, top, width, height = self.window
 
         def found():
@@ -44,6 +46,10 @@ class EverySettingTest(unittest.TestCase):
                 for node, _ in self.tree.nodes_with_ancestors(PROGRAM, only_shown=True):
                     if node.role != role or name not in (node.name, *node.labels(), node.description()):
                         continue
+                    place = node.extents()
+                    time.sleep(0.1)
+                    if node.extents() != place:
+                        return None
                     if self.is_in_sight(node):
                         return node
                     return self.desktop.click(left + width - MARGIN, top + height // 2, WHEEL_DOWN)

@@ -10,10 +10,22 @@ PROBE = os.path.join(os.environ.get("TICKWISE_BUILD_DIR", "build/debug"), "tests
 RED = (255, 0, 0)
 
 
-def red_pixel(picture):
-    """The middle of the red pixels in the panel, or None."""
-    places = [(x, y) for y in range(32) for x in range(picture.width) if picture.at(x, y) == RED]
-    return places[len(places) // 2] if places else None
+def wait_for_red(desktop):
+    """The middle of the red pixels in the panel, once it stays."""
+    seen = []
+
+    def settled():
+        picture = desktop.picture()
+        places = [(x, y) for y in range(32) for x in range(picture.width) if picture.at(x, y) == RED]
+        seen.append(places[len(places) // 2] if places else None)
+        return seen[-1] if seen[-2:] == [seen[-1]] * 2 else None
+    return desktop.wait_for(settled, what="the item in the panel")
+
+
+def shows_panel(picture):
+    """Whether most of the upper edge differs from the middle, and has more than one colour."""
+    panel = picture.colours(height=16)
+    return len(panel) > 1 and panel.get(picture.at(640, 400), 0) < 1280 * 16 // 2
 
 
 class DesktopChecks:
@@ -31,10 +43,7 @@ class DesktopChecks:
         self.assertGreaterEqual(len(processes), 5)
         picture = desktop.picture()
         self.assertEqual((picture.width, picture.height), (desktop.width, desktop.height))
-        panel = picture.colours(height=16)
-        self.assertGreater(len(panel), 1, "the panel is of one colour")
-        background = picture.at(640, 400)
-        self.assertLess(panel.get(background, 0), 1280 * 16 // 2, "the panel is not there")
+        desktop.wait_for(lambda: shows_panel(desktop.picture()), what="the panel")
         desktop.stop()
         self.assertEqual([pid for pid in processes if is_alive(pid)], [])
         self.assertFalse(os.path.exists(directory))
@@ -50,8 +59,7 @@ class DesktopChecks:
             self.assertEqual([entry["properties"]["label"] for entry in entries], ["Leave"])
             desktop.activate(5, 5)
             desktop.wait_for(lambda: probe.output().count("activated 3") == 1, what="the activation")
-            x, y = desktop.wait_for(lambda: red_pixel(desktop.picture()), what="the item in the panel")
-            desktop.click(x, y)
+            desktop.click(*wait_for_red(desktop))
             desktop.wait_for(lambda: probe.output().count("activated 3") == 2, what="the click")
             desktop.click_menu_item(entries[0]["id"])
             self.assertEqual(probe.wait(), 0)

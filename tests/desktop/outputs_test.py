@@ -34,13 +34,23 @@ class ScaleTest(unittest.TestCase):
     def check_popover(self, desktop, application, left):
         """Clicks the item in the bar of the output that begins at `left`. Returns the popover's place."""
         right = left + desktop.width
-        desktop.click(right - 30, 15)
-        place = desktop.wait_for(lambda: popover(application), what="the popover")["place"]
+        place = self.open_popover(desktop, application, left)
         self.assertEqual(place[2:], [320, 298])
         self.assertTrue(30 <= place[1] < 40 and right - 330 <= place[0] <= right - 320, place)
         prices = [SCALE * each for each in (place[0] + 160, place[1] + 52, 160, 52)]
         green = coloured(GREEN)
         desktop.wait_for(lambda: any(map(green, desktop.picture().colours(*prices))), what="the price at its place")
+        return place
+
+    def open_popover(self, desktop, application, left):
+        """A compositor that is slow to tell which output was clicked has the popover on the focused one: one of three counts."""
+        for _ in range(3):
+            desktop.click(left + desktop.width - 30, 15)
+            place = desktop.wait_for(lambda: popover(application), what="the popover")["place"]
+            if left <= place[0] < left + desktop.width:
+                break
+            self.click_until_closed(desktop, application, (left + 300, 400))
+            time.sleep(SAME_CLICK)
         return place
 
     def test_popover_opens_on_the_output_of_the_bar(self):

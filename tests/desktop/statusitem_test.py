@@ -133,6 +133,7 @@ class XfceTest(StatusItemChecks, unittest.TestCase):
             desktop.click(left + width // 2, top + height - 12)
             desktop.wait_for(lambda: "menu Quit" in probe.output(), what="the menu entry")
             self.assertNotIn("clicked", probe.output())
+            desktop.wait_for(lambda: menu not in desktop.windows("statusitem_probe"), what="the menu's end")
             desktop.click(x, y)
             desktop.wait_for(lambda: "clicked" in probe.output(), what="the click after the menu")
 

@@ -99,8 +99,9 @@ void StatusItemHostTest::aLongCommandLineIsCutOff()
 {
     const QString padding(100000, u'x');
     QProcess program;
-    program.start(QStringLiteral("sh"), {QStringLiteral("-c"), QStringLiteral("read line"), padding, padding});
-    QVERIFY2(program.waitForStarted(), qPrintable(program.errorString()));
+    program.start(QStringLiteral("sh"), {QStringLiteral("-c"), QStringLiteral("echo; read line"), padding, padding});
+    // A program that has just started has no command line yet.
+    QVERIFY2(program.waitForReadyRead(), qPrintable(program.errorString()));
     const QStringList arguments = watcherProcess(program.processId()).arguments;
     program.closeWriteChannel();
     QVERIFY(program.waitForFinished());
