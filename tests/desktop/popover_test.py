@@ -263,6 +263,12 @@ class WaybarTest(PopoverChecks, unittest.TestCase):
 class AccessibilityTest(unittest.TestCase):
     """What a screen reader finds, over its own bus."""
 
+    def check_is_in_no_task_bar(self, desktop):
+        states = [desktop.tool(["xprop", "-id", str(window), "_NET_WM_STATE"]).decode() for window in desktop.windows("^Tickwise$")]
+        managed = [state for state in states if "_NET_WM_STATE_ABOVE" in state]
+        self.assertEqual(len(managed), 1, states)
+        self.assertIn("_NET_WM_STATE_SKIP_TASKBAR", managed[0])
+
     def test_reads_the_tree_and_presses_a_button(self):
         with X11Session("xfce4-panel", notifications=None) as desktop:
             tree = AccessibleTree(desktop)
@@ -270,6 +276,7 @@ class AccessibilityTest(unittest.TestCase):
             application.wait_for_content(text="BTC 67,432")
             desktop.click(*middle(wait_for_box(desktop, GREEN, lambda box: box[2] > 40)))
             wait_for_popover(desktop, application)
+            self.check_is_in_no_task_bar(desktop)
             rows = ["Bitcoin, 67,432 USD, up 1.50 percent", "Ethereum, 3,188 USD, down 2.00 percent",
                     "Solana, 150 USD, up 0.40 percent"]
             found = desktop.wait_for(lambda: tree.nodes("app_probe"), what="the tree")
@@ -297,6 +304,7 @@ class AccessibilityTest(unittest.TestCase):
             # A poll is a while in which the popover would have closed.
             application.poll()
             wait_for_popover(desktop, application)
+            self.check_is_in_no_task_bar(desktop)
             desktop.press_key("Escape")
             wait_for_its_end(desktop, application)
 

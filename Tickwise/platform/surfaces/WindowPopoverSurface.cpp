@@ -32,8 +32,13 @@ WindowPopoverSurface::Environment WindowPopoverSurface::currentEnvironment()
     const bool isXWayland =
         QGuiApplication::platformName() == QStringLiteral("xcb") && qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
     const std::shared_ptr<X11Desktop> desktop = X11Desktop::open();
+    const auto keepOutOfTaskBar = [desktop](QWidget &window) {
+        if (desktop)
+            desktop->writeStates(uint32_t(window.winId()),
+                                 {X11Desktop::above, X11Desktop::skipTaskbar, X11Desktop::skipPager});
+    };
     return {isXWayland, [desktop] { return desktop && desktop->hasCompositor(); }, [] { return QCursor::pos(); },
-            currentScreens};
+            currentScreens, keepOutOfTaskBar};
 }
 
 WindowPopoverSurface::WindowPopoverSurface(Environment environment)
@@ -59,6 +64,8 @@ bool WindowPopoverSurface::show(QWidget &window, QSize popover, int margin, cons
     }
     prepare(window, m_isTranslucent);
     apply(popover);
+    if (window.windowType() != Qt::Popup)
+        m_environment.keepOutOfTaskBar(window);
     window.show();
     window.raise();
     window.activateWindow();

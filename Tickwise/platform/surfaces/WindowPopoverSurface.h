@@ -18,6 +18,7 @@ public:
         std::function<bool()> hasCompositor;
         std::function<QPoint()> pointer;
         std::function<std::vector<PopoverScreen>()> screens;
+        std::function<void(QWidget &window)> keepOutOfTaskBar; ///< before a managed window is shown
     };
 
     /// The environment of this process.

@@ -123,6 +123,10 @@ void X11Desktop::writeStates(uint32_t window, const std::vector<State> &states) 
         atoms.push_back(m_states[state]);
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, m_state, XCB_ATOM_ATOM, 32, uint32_t(atoms.size()),
                         atoms.data());
+}
+
+void X11Desktop::putOnEveryWorkspace(uint32_t window) const
+{
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, m_desktop, XCB_ATOM_CARDINAL, 32, 1,
                         &everyWorkspace);
 }

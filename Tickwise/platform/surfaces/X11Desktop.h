@@ -39,8 +39,10 @@ public:
     /// Whether the event, an xcb_generic_event_t, tells that panels may leave another part free.
     bool tellsOfPanels(const void *event) const;
 
-    /// Writes the states of a window that is not mapped, and that it belongs to every workspace.
+    /// Writes the states of a window that is not mapped.
     void writeStates(uint32_t window, const std::vector<State> &states) const;
+    /// The window is not mapped.
+    void putOnEveryWorkspace(uint32_t window) const;
     /// Asks the window manager to change states of a mapped window.
     void requestStates(uint32_t window, const std::vector<State> &states) const;
 

@@ -90,6 +90,7 @@ void X11DesktopSurface::map()
         m_window->setParent(nullptr, flags);
     m_window->setGeometry(m_frame);
     m_desktop->writeStates(uint32_t(m_window->winId()), states());
+    m_desktop->putOnEveryWorkspace(uint32_t(m_window->winId()));
     m_window->show();
     m_ratio = m_window->devicePixelRatioF();
     if (m_isInteractive)

@@ -21,7 +21,8 @@ struct World
     explicit World(std::vector<PopoverScreen> there, bool isXWayland = false, bool hasCompositor = true)
         : screens(std::move(there))
         , surface({isXWayland, [hasCompositor] { return hasCompositor; }, [this] { return pointer; },
-                   [this] { return screens; }})
+                   [this] { return screens; },
+                   [this](QWidget &shown) { isOutOfTaskBar = &shown == &window && !shown.isVisible(); }})
     {
         surface.onPlaced = [this](const PopoverPlace &got) { place = got; };
     }
@@ -38,6 +39,7 @@ struct World
     QPoint pointer;
     QWidget window;
     PopoverPlace place;
+    bool isOutOfTaskBar = false; ///< and was so before it was shown
     WindowPopoverSurface surface;
 };
 
@@ -119,11 +121,13 @@ void WindowPopoverSurfaceTest::aManagedWindowStaysOutOfPanels()
     World grabbing({usual});
     QVERIFY(grabbing.click(QPoint(1900, 10)));
     QCOMPARE(grabbing.place.panel.topLeft(), QPoint(margin, margin));
+    QVERIFY(!grabbing.isOutOfTaskBar);
     World managed({usual}, true);
     QVERIFY(managed.click(QPoint(1900, 10)));
     QCOMPARE(managed.popover(), grabbing.popover());
     QVERIFY(usual.available.contains(managed.window.geometry()));
     QVERIFY(managed.place.panel.left() == margin && managed.place.panel.top() < margin);
+    QVERIFY(managed.isOutOfTaskBar);
 }
 
 void WindowPopoverSurfaceTest::withoutACompositorThereIsNoMargin()
