@@ -11,8 +11,8 @@ struct WidgetRow
     QString symbol;
     QString name;
     std::optional<QString> logoAssetName;
-    bool hasMarket =
-        false; ///< a quote exists, or nothing has been fetched that could tell; not where the catalog says delisted
+    /// A quote exists, or nothing has been fetched that could tell and the catalog does not say delisted.
+    bool hasMarket = false;
     std::optional<double> price;
     std::optional<double> change24hPercent;
     bool operator==(const WidgetRow &) const = default;

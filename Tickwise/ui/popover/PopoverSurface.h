@@ -53,8 +53,8 @@ public:
     virtual void hide() = 0;
 
     std::function<void(const PopoverPlace &place)> onPlaced;
-    std::function<void()>
-        onTakenAway; ///< its screen has gone, the user has clicked on another, or it cannot be shown after all
+    /// Its screen has gone, the user has clicked on another, or it cannot be shown after all.
+    std::function<void()> onTakenAway;
 };
 
 } // namespace tickwise
